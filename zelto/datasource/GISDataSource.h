@@ -1,0 +1,117 @@
+#pragma once
+
+#include "zelto/Export.h"
+#include "zelto/datasource/DatasetOpenInfo.h"
+#include "zelto/datasource/Enumerations.h"
+#include "zelto/geometry/BoundingBox.h"
+
+#include <string>
+
+class OGRSpatialReference;
+
+/// Base of every data source: names, ground extent, spatial reference and the display flags
+/// that a host keeps per layer. It also owns the process-wide life of GDAL: the first source
+/// constructed configures and registers it, the last one destroyed tears it down.
+///
+/// Construct the first source on one thread; the registration count is a plain integer. A
+/// source is used from one thread at a time.
+///
+/// Texts: wide strings are UTF-32, narrow ones UTF-8. A text the spatial reference does not
+/// have is empty.
+class ZELTO_API CGISDataSource {
+  public:
+    CGISDataSource();
+    /// Shares the spatial-reference handle and does not count as a live source, although its
+    /// destruction does; avoid copies.
+    CGISDataSource(const CGISDataSource& other);
+    /// Takes over the file path and the WKT only.
+    CGISDataSource& operator=(const CGISDataSource& other);
+
+    virtual ~CGISDataSource();
+    virtual GISError Open(CDatasetOpenInfo info) = 0;
+    virtual GISError Open(const wchar_t* path, GISDataAccess access, bool allowWarp) = 0;
+    virtual void Close() = 0;
+    virtual void SetVisible(bool visible);
+    virtual bool IsVisible();
+    /// Takes over another source's display settings; nothing here.
+    virtual void CopyDisplaySetting(CGISDataSource* other);
+    virtual bool IsOpened() = 0;
+
+    /// True when the file paths are equal, letter by letter; nothing else is compared.
+    bool operator==(const CGISDataSource& other) const;
+
+    std::wstring GetFileName() const { return m_fileName; }
+    std::wstring GetFilePath() const { return m_filePath; }
+    void SetFilePath(std::wstring path);
+    /// The description GDAL gives the open data set.
+    std::wstring GetDescription() const { return m_description; }
+    GISDataSourceType GetDataSourceType() const { return m_dataSourceType; }
+    CBoundingBox GetExtent() const { return m_extent; }
+    double GetTop() const { return m_extent.GetTop(); }
+    double GetBottom() const { return m_extent.GetBottom(); }
+    double GetLeft() const { return m_extent.GetLeft(); }
+    double GetRight() const { return m_extent.GetRight(); }
+    std::string GetSpatialReferenceWKT() const { return m_wkt; }
+    /// The name built by InitCoordinateName().
+    std::wstring GetCoordinateNameNew() const { return m_coordinateName; }
+    DataDisplayType GetDisplayType() const { return m_displayType; }
+    void SetDisplayType(DataDisplayType type) { m_displayType = type; }
+    bool IsChanged() const { return m_changed; }
+    void SetChanged(bool changed) { m_changed = changed; }
+    bool IsSelected() const { return m_selected; }
+    void SetSelected(bool selected) { m_selected = selected; }
+    /// Call before opening a source that will be drawn.
+    void SetForDisplay(bool forDisplay) { m_forDisplay = forDisplay; }
+    /// The access actually obtained when the data set was opened.
+    GISDataAccess GetAccess() const { return m_access; }
+    bool IsGeographic() const;
+    bool IsProjected() const;
+
+    /// "GEOGCS" or "PROJCS" name of the spatial reference; empty when it is neither.
+    std::wstring GetCoordinateName() const;
+    /// Loads the spatial reference from the WKT and stores its readable name, such as
+    /// "WGS 84 (WGS_1984/WGS 84)": name, datum (geographic) or projection (projected), spheroid.
+    void InitCoordinateName();
+    std::wstring GetDatumName() const;
+    /// Name of the angular units of a geographic reference, else empty.
+    /// @param withFactor append the factor to radians in parentheses, with 18 decimals
+    std::wstring GetAngularUnits(bool withFactor) const;
+    /// Name of the linear units of a projected reference, else empty; see GetAngularUnits().
+    std::wstring GetLinearUnits(bool withFactor) const;
+    /// Angular units when geographic, linear units when projected, else empty.
+    std::wstring GetUnitName(bool withFactor) const;
+
+    /// Kind of source that a path names: vector for the extension "shp" exactly, else raster.
+    static GISDataSourceType GetDataSourceType(const wchar_t* path);
+    /// Writes a world file beside `basePath` with the extension "tfw".
+    /// @param geoTransform six values, GDAL's order
+    /// @return true on success
+    static bool WriteGeotransformToWorldFile(const char* basePath, double* geoTransform);
+    /// Writes `wkt` as it is, without a line end; does nothing when the file cannot be opened.
+    static void WriteWkt(const char* path, const char* wkt);
+
+    /// Counts one more user of GDAL; the first one configures and registers it.
+    static void RegisterGDAL();
+    /// Counts one user of GDAL less; when none is left GDAL is torn down.
+    static void DestroyGDAL();
+    /// Sets the process-wide GDAL options. The installation folder D is that of the loaded host
+    /// module, or of the running executable when there is none; GDAL's support files are
+    /// expected in D/data and its errors are logged to D/logs/gdal.log.
+    static void SetGDALConfigOption();
+
+  protected:
+    GISDataAccess m_access = GIS_READONLY;
+    std::wstring m_fileName;
+    std::wstring m_filePath;
+    bool m_visible = true;
+    std::wstring m_description;
+    GISDataSourceType m_dataSourceType = GISDataSourceType(0);
+    std::string m_wkt;
+    std::wstring m_coordinateName;
+    CBoundingBox m_extent;
+    OGRSpatialReference* m_spatialReference = nullptr; ///< owned
+    DataDisplayType m_displayType = DISPLAY_DEFAULT;
+    bool m_forDisplay = false;
+    bool m_changed = false;
+    bool m_selected = false;
+};
