@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace zelto::bench {
+
+/// Large synthetic scenes, made on first use and kept in the folder that ZELTO_BENCH_DATA names
+/// (default: bench-data in the temporary folder). Their content is smooth terrain with noise, so
+/// that compression and statistics behave as on real imagery.
+
+/// 12,000 × 12,000 pixels, four 16-bit bands, DEFLATE, tiled 256 × 256, nearest overviews
+/// 2 … 64, EPSG:32650, 10 m pixels, top-left corner (300000, 4500000).
+std::string FourBands16Bit();
+
+/// 10,000 × 10,000 pixels, three 8-bit bands, uncompressed, pixel-interleaved, no overviews;
+/// the same place.
+std::string ThreeBands8Bit();
+
+/// Peak resident memory of this process so far, in megabytes.
+double PeakMemoryMegabytes();
+
+} // namespace zelto::bench
