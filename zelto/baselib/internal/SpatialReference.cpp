@@ -1,0 +1,110 @@
+#include "zelto/baselib/internal/SpatialReference.h"
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+
+#include <memory>
+#include <vector>
+
+namespace zelto {
+namespace {
+
+struct CplFree {
+    void operator()(char* text) const { CPLFree(text); }
+};
+using CplText = std::unique_ptr<char, CplFree>;
+
+std::string ExportAs(const OGRSpatialReference& reference, const char* const* options) {
+    char* text = nullptr;
+    const OGRErr result = reference.exportToWkt(&text, options);
+    const CplText owner(text);
+    return result == OGRERR_NONE && text != nullptr ? text : "";
+}
+
+/// Whether an axis counts towards the side where other systems' coordinates decrease.
+bool IsReversedAxis(const OGR_SRSNode& axis) {
+    const char* direction = axis.GetChildCount() < 2 ? "" : axis.GetChild(1)->GetValue();
+    return EQUAL(direction, "WEST") || EQUAL(direction, "DOWN");
+}
+
+/// Lets every pair of horizontal axes read east, north. The pair is rewritten, not removed:
+/// for some projections a missing pair does not mean this order.
+void UnifyAxisOrder(OGR_SRSNode& node) {
+    std::vector<OGR_SRSNode*> axes;
+    for (int i = 0; i < node.GetChildCount(); ++i) {
+        OGR_SRSNode* child = node.GetChild(i);
+        if (EQUAL(child->GetValue(), "AXIS") && child->GetChildCount() >= 2)
+            axes.push_back(child);
+        else
+            UnifyAxisOrder(*child);
+    }
+    if (axes.size() != 2 || IsReversedAxis(*axes[0]) || IsReversedAxis(*axes[1]))
+        return;
+    axes[0]->GetChild(0)->SetValue("X");
+    axes[0]->GetChild(1)->SetValue("EAST");
+    axes[1]->GetChild(0)->SetValue("Y");
+    axes[1]->GetChild(1)->SetValue("NORTH");
+}
+
+/// The reference without authority codes and in east, north order; nothing for systems that have no
+/// classic WKT, such as three-dimensional geographic ones.
+std::optional<OGRSpatialReference> InPlainForm(const OGRSpatialReference& reference) {
+    const char* const options[] = {"FORMAT=WKT1_GDAL", nullptr};
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const std::string wkt = ExportAs(reference, options);
+    const char* cursor = wkt.c_str();
+    OGR_SRSNode root;
+    if (wkt.empty() || root.importFromWkt(&cursor) != OGRERR_NONE)
+        return std::nullopt;
+    root.StripNodes("AUTHORITY");
+    UnifyAxisOrder(root);
+    char* text = nullptr;
+    root.exportToWkt(&text);
+    const CplText owner(text);
+    OGRSpatialReference plain;
+    if (plain.importFromWkt(text) != OGRERR_NONE)
+        return std::nullopt;
+    return plain;
+}
+
+} // namespace
+
+bool LoadSpatialReference(OGRSpatialReference& reference, const char* text) {
+    // A rejected text would leave the former content in place.
+    reference.Clear();
+    reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    if (text == nullptr)
+        return false;
+    if (reference.SetFromUserInput(text) == OGRERR_NONE)
+        return true;
+    // GDAL has reported the rejection already; a second report would only repeat it.
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    if (reference.importFromWkt(text) == OGRERR_NONE)
+        return true;
+    reference.Clear();
+    return false;
+}
+
+std::optional<OGRSpatialReference> ParseSpatialReference(const char* text) {
+    OGRSpatialReference reference;
+    if (!LoadSpatialReference(reference, text))
+        return std::nullopt;
+    return reference;
+}
+
+bool IsSameReference(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    if (a.IsEmpty() || b.IsEmpty())
+        return false;
+    const auto plainA = InPlainForm(a);
+    const auto plainB = InPlainForm(b);
+    if (plainA && plainB)
+        return plainA->IsSame(&*plainB) != 0;
+    const char* const options[] = {"IGNORE_DATA_AXIS_TO_SRS_AXIS_MAPPING=YES", nullptr};
+    return a.IsSame(&b, options) != 0;
+}
+
+std::string ExportToWkt(const OGRSpatialReference& reference) {
+    return ExportAs(reference, nullptr);
+}
+
+} // namespace zelto
