@@ -1,0 +1,56 @@
+#pragma once
+
+#include "zelto/Export.h"
+#include "zelto/geometry/BoundingBox.h"
+
+#include <cstdint>
+
+class CAOISource;
+class OGRGeometry;
+
+/// An area of interest burnt into a byte mask over a ground box, so that a question costs a
+/// bounds test and one look-up. A pixel is inside when its centre is, or when it touches one
+/// that is; the outermost rows and columns are not grown.
+///
+/// Where no mask could be made (the area does not overlap the box in a surface, a grid without
+/// pixels) the questions are answered from the geometry. A mask does not change once made;
+/// questions may be asked from several threads while it has a mask array.
+class ZELTO_API CAOIMask {
+  public:
+    /// @param width, height grid over `box`, in pixels
+    /// @param unused not looked at
+    /// @return a new mask owned by the caller; null for a null geometry and when no mask array
+    ///         could be made
+    static CAOIMask* Create(OGRGeometry* geometry, CBoundingBox box, int width, int height,
+                            int unused);
+
+    /// @param aoi not kept. With null every point of the box counts as inside; a source without
+    ///        shapes gives an empty mask, which nothing is inside.
+    CAOIMask(CAOISource* aoi, CBoundingBox box, int width, int height);
+    CAOIMask(const CAOIMask&) = delete;
+    CAOIMask& operator=(const CAOIMask&) = delete;
+    ~CAOIMask();
+
+    /// False outside the grid.
+    bool IsPointIn(int column, int row) const;
+    /// The same for a ground point.
+    bool IsPoint2DIn(double x, double y) const;
+    /// True when the area does not touch the box at all.
+    bool IsEmpty() const { return m_empty; }
+
+  protected:
+    unsigned char* m_mask = nullptr; ///< owned; rows from the top, 1 inside, 0 outside
+    bool m_empty = false;
+    CBoundingBox m_box;
+    std::int32_t m_width = 0;
+    std::int32_t m_height = 0;
+    double m_pixelWidth = 0.0;
+    double m_pixelHeight = 0.0;
+    OGRGeometry* m_clipped = nullptr; ///< owned; the area cut to the box grown by one pixel
+
+  private:
+    CAOIMask() = default;
+    void SetGrid(const CBoundingBox& box, int width, int height);
+    bool Initialize(OGRGeometry* geometry);
+    bool IsOnClipped(double x, double y) const;
+};
