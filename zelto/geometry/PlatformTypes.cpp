@@ -4,7 +4,9 @@
 
 namespace {
 
-bool IsEmpty(const CRect& rect) { return rect.right <= rect.left || rect.bottom <= rect.top; }
+bool IsEmpty(const CRect& rect) {
+    return rect.right <= rect.left || rect.bottom <= rect.top;
+}
 
 } // namespace
 
