@@ -100,6 +100,6 @@ int COgrAlgorithm::SaveGeometry(const char* path, OGRGeometry* geometry) {
     feature->SetField("152", "152.tif");
     feature->SetGeometry(geometry);
     // A dump for looking at: whether it could be written is not reported.
-    static_cast<void>(layer->CreateFeature(feature.get()));
+    [[maybe_unused]] const OGRErr unreported = layer->CreateFeature(feature.get());
     return 1;
 }
