@@ -65,9 +65,18 @@ class ZELTO_API CRasterAlgorithm {
     static void AdjustIntensityAndContrast(unsigned char* interleaved, int w, int h,
                                            float intensity, float contrast);
 
+    // Inks: cyan, magenta, yellow and black as shares 0 … 1, colours as 0 … 255; values outside
+    // are limited. All the grey that the three inks have in common is printed as black. From a
+    // colour to inks and back is exact but for rounding; several inks give the same colour, so
+    // the other way round only the colour is kept.
+
+    /// k = 1 − max / 255, and each ink's share of the rest; black has no coloured ink.
     static void RGB2Cmyk(double r, double g, double b, double& c, double& m, double& y, double& k);
+    /// 255 × (1 − ink) × (1 − k) for each channel.
     static void Cmyk2RGB(double c, double m, double y, double k, double& r, double& g, double& b);
+    /// The inks of the colour that IHStoRGB() gives.
     static void IHS2Cmyk(double i, double h, double s, double& c, double& m, double& y, double& k);
+    /// RGBtoIHS() of the inks' colour.
     static void Cmyk2IHS(double c, double m, double y, double k, double& i, double& h, double& s);
 
     // Statistics of regions. Output arrays hold one double per band in band order; a null array
