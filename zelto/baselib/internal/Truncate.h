@@ -3,29 +3,40 @@
 #include <cstdint>
 #include <limits>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 /// @file
-/// Truncation toward zero of doubles to integers, defined for every input. What does not fit,
-/// infinities and NaN included, gives the most negative integer, as the conversion instructions
-/// of x86-64 do; the display tables and pixel positions of the engine depend on that result.
+/// Truncation of doubles toward zero with a defined result for every input: NaN and values
+/// that do not fit give the most negative integer, as the x86-64 conversions do.
 
 namespace zelto {
 
 inline std::int64_t TruncateToInt64(double value) {
-    constexpr double bound = 9223372036854775808.0;
-    if (value >= -bound && value < bound)
+#if defined(__SSE2__) && defined(__x86_64__)
+    return _mm_cvttsd_si64(_mm_set_sd(value));
+#else
+    constexpr double LIMIT = 9223372036854775808.0; // 2^63
+    if (value >= -LIMIT && value < LIMIT)
         return static_cast<std::int64_t>(value);
     return std::numeric_limits<std::int64_t>::min();
+#endif
 }
 
 inline std::int32_t TruncateToInt32(double value) {
+#if defined(__SSE2__)
+    return _mm_cvttsd_si32(_mm_set_sd(value));
+#else
     if (value > -2147483649.0 && value < 2147483648.0)
         return static_cast<std::int32_t>(value);
     return std::numeric_limits<std::int32_t>::min();
+#endif
 }
 
-/// The low 8 bits of TruncateToInt64(), so that values outside 0 … 255 wrap.
+/// Low 8 bits of the value truncated to 64 bits: 300.7 gives 44, −1.0 gives 255, NaN 0.
 inline unsigned char TruncateToByte(double value) {
-    return static_cast<unsigned char>(static_cast<std::uint64_t>(TruncateToInt64(value)) & 255U);
+    return static_cast<unsigned char>(static_cast<std::uint64_t>(TruncateToInt64(value)) & 0xFFU);
 }
 
 } // namespace zelto
