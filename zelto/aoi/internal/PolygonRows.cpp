@@ -1,0 +1,98 @@
+#include "zelto/aoi/internal/PolygonRows.h"
+
+#include "zelto/aoi/DrawPolygon.h"
+#include "zelto/aoi/internal/HitPredicates.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+namespace zelto {
+
+namespace {
+
+bool IsModerate(const CPoint2D& p) {
+    return std::fabs(p.x) <= MONOTONE_LIMIT && std::fabs(p.y) <= MONOTONE_LIMIT;
+}
+
+/// Whether the position has the crossing strictly to its right.
+bool IsLeftOf(double x, const CrossingEdge& edge) {
+    return CrossesRightOf(edge.startX, edge.startAbove, edge.endX, edge.endAbove, x);
+}
+
+/// Number of positions, from the left, that have the crossing to their right. With moderate
+/// coordinates every step of the comparison keeps the order of the positions under rounding,
+/// so that the first refusal is the last change and may be searched for.
+std::size_t PositionsLeftOf(const CrossingEdge& edge, std::span<const double> xs) {
+    const auto boundary = std::partition_point(xs.begin(), xs.end(),
+                                               [&](double x) { return IsLeftOf(x, edge); });
+    return static_cast<std::size_t>(boundary - xs.begin());
+}
+
+/// Marks the positions left of an odd number of boundaries.
+void FillBetween(std::vector<std::size_t>& boundaries, std::span<unsigned char> inside) {
+    std::sort(boundaries.begin(), boundaries.end(), std::greater<>());
+    if (boundaries.size() % 2 == 1)
+        boundaries.push_back(0);
+    for (std::size_t i = 0; i < boundaries.size(); i += 2) {
+        const auto span = inside.subspan(boundaries[i + 1], boundaries[i] - boundaries[i + 1]);
+        std::fill(span.begin(), span.end(), 1);
+    }
+}
+
+} // namespace
+
+PolygonRows::PolygonRows(const CDrawPolygon& polygon) : ShapeRows(polygon.m_extent) {
+    const auto& vertices = polygon.m_vertices;
+    if (vertices.size() < 3)
+        return;
+    for (std::size_t i = 0; i < vertices.size(); ++i)
+        AddEdge({vertices[i], vertices[i + 1 < vertices.size() ? i + 1 : 0]});
+    std::vector<IntervalIndex::Interval> intervals;
+    intervals.reserve(m_edges.size());
+    for (const auto& [start, end] : m_edges)
+        intervals.push_back({std::min(start.y, end.y), std::max(start.y, end.y)});
+    m_index = IntervalIndex(intervals);
+}
+
+void PolygonRows::AddEdge(const Edge& edge) {
+    if (!IsModerate(edge.start) || !IsModerate(edge.end))
+        m_hugeEdges.push_back(edge);
+    else if (edge.start.y != edge.end.y)
+        m_edges.push_back(edge);
+}
+
+/// @return whether all crossings are monotone
+bool PolygonRows::FindCrossings(double y, std::vector<CrossingEdge>& crossings) const {
+    crossings.clear();
+    const auto add = [&](const Edge& edge) {
+        const double a = edge.start.y - y;
+        const double b = edge.end.y - y;
+        if (EdgeCrossesRow(a, b))
+            crossings.push_back({edge.start.x, a, edge.end.x, b});
+    };
+    m_index.Visit(y, [&](std::uint32_t position) { add(m_edges[position]); });
+    const std::size_t monotone = crossings.size();
+    std::for_each(m_hugeEdges.begin(), m_hugeEdges.end(), add);
+    return crossings.size() == monotone;
+}
+
+void PolygonRows::Mark(const PositionRow& row, std::span<unsigned char> inside,
+                       RowScratch& scratch) const {
+    const bool monotone = FindCrossings(row.y, scratch.crossings) && row.monotone;
+    if (monotone) {
+        scratch.boundaries.clear();
+        for (const CrossingEdge& edge : scratch.crossings)
+            scratch.boundaries.push_back(PositionsLeftOf(edge, row.xs));
+        FillBetween(scratch.boundaries, inside);
+        return;
+    }
+    for (std::size_t i = 0; i < row.xs.size(); ++i) {
+        const auto count = std::count_if(
+            scratch.crossings.begin(), scratch.crossings.end(),
+            [&](const CrossingEdge& edge) { return IsLeftOf(row.xs[i], edge); });
+        inside[i] |= static_cast<unsigned char>(count % 2);
+    }
+}
+
+} // namespace zelto
