@@ -1,0 +1,37 @@
+#pragma once
+
+#include "zelto/Export.h"
+#include "zelto/baselib/ClassifyDisplayItem.h"
+
+#include <vector>
+
+/// Colours of the classes of a thematic display. A value belongs to the first class, in the
+/// order added, whose range holds it.
+class ZELTO_API CClassifyDisplayTable {
+  public:
+    /// @param itemCount how many classes will be added; they are added one by one all the same
+    explicit CClassifyDisplayTable(int itemCount = 0);
+
+    void AddClassifyItem(const CClassifyDisplayItem& item);
+    int GetItemCount() const { return static_cast<int>(m_items.size()); }
+    /// Null outside 0 ≤ index < GetItemCount().
+    const CClassifyDisplayItem* GetItem(int index) const;
+
+    /// Colour of a value; without a class all four are 0, which is transparent. May be called
+    /// from several threads at once.
+    /// @return whether the value belongs to a class
+    bool GetColor(double value, unsigned char& red, unsigned char& green, unsigned char& blue,
+                  unsigned char& alpha) const;
+
+    /// The range of values that the table speaks of; stored for the host's legend.
+    void SetMinMaxValue(double min, double max);
+    double GetMinValue() const { return m_min; }
+    double GetMaxValue() const { return m_max; }
+
+  private:
+    const CClassifyDisplayItem* Find(double value) const;
+
+    std::vector<CClassifyDisplayItem> m_items;
+    double m_min = 0.0;
+    double m_max = 0.0;
+};
