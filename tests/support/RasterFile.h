@@ -15,11 +15,11 @@ struct RasterSpec {
     int height = 1;
     GDALDataType type = GDT_Byte;
     std::string driver = "GTiff";
-    std::optional<std::array<double, 6>> geoTransform;
-    std::string srs; ///< anything the spatial reference's user-input parser takes
-    std::optional<double> noData;
-    std::vector<std::string> options; ///< creation options, "KEY=VALUE"
-    std::vector<int> overviews;       ///< overview levels to build, nearest
+    std::optional<std::array<double, 6>> geoTransform = {};
+    std::string srs = {}; ///< anything the spatial reference's user-input parser takes
+    std::optional<double> noData = {};
+    std::vector<std::string> options = {}; ///< creation options, "KEY=VALUE"
+    std::vector<int> overviews = {};       ///< overview levels to build, nearest
 };
 
 /// One band's pixels, row by row.
