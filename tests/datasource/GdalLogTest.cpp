@@ -1,0 +1,115 @@
+#include "tests/datasource/PlainDataSource.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <regex>
+#include <sstream>
+
+using zelto::test::PlainDataSource;
+using zelto::test::ReadFile;
+using zelto::test::TemporaryFolder;
+
+namespace {
+
+constexpr const char* TIME_STAMP = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d )";
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+void ExpectStampedLine(const std::string& line, const std::string& text) {
+    EXPECT_TRUE(std::regex_match(line.substr(0, 20), std::regex(TIME_STAMP))) << line;
+    EXPECT_EQ(line.substr(20), text);
+}
+
+int g_hostMessages = 0;
+
+void CPL_STDCALL CountForHost(CPLErr /*severity*/, CPLErrorNum /*number*/,
+                              const char* /*message*/) {
+    ++*static_cast<int*>(CPLGetErrorHandlerUserData());
+}
+
+CPLErrorHandler PresentHandler() {
+    void* userData = CPLGetErrorHandlerUserData();
+    const CPLErrorHandler present = CPLSetErrorHandlerEx(CPLDefaultErrorHandler, nullptr);
+    CPLSetErrorHandlerEx(present, userData);
+    return present;
+}
+
+} // namespace
+
+TEST(GdalLog, ErrorsAndWarningsAreAppendedBehindATimeStamp) {
+    const TemporaryFolder folder;
+    const std::string log = folder.File("日志.log");
+    zelto::test::WriteFile(log, "earlier\n");
+    const PlainDataSource source;
+    CPLSetConfigOption("CPL_LOG", log.c_str());
+    CPLError(CE_Failure, CPLE_OpenFailed, "cannot open %s", "影像.tif");
+    CPLError(CE_Warning, CPLE_AppDefined, "odd");
+    const std::vector<std::string> lines = Lines(ReadFile(log));
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0], "earlier");
+    ExpectStampedLine(lines[1], "ERROR 4: cannot open 影像.tif");
+    ExpectStampedLine(lines[2], "Warning 1: odd");
+}
+
+TEST(GdalLog, GoesOnAfterATearDown) {
+    const TemporaryFolder folder;
+    const std::string log = folder.File("gdal.log");
+    for (int cycle = 0; cycle < 3; ++cycle) {
+        const PlainDataSource source;
+        CPLSetConfigOption("CPL_LOG", log.c_str());
+        CPLError(CE_Failure, CPLE_AppDefined, "cycle %d", cycle);
+    }
+    EXPECT_EQ(Lines(ReadFile(log)).size(), 3U);
+}
+
+TEST(GdalLog, IsTakenBackWithTheLastSource) {
+    ASSERT_EQ(PresentHandler(), CPLDefaultErrorHandler);
+    {
+        const PlainDataSource source;
+        EXPECT_NE(PresentHandler(), CPLDefaultErrorHandler);
+    }
+    EXPECT_EQ(PresentHandler(), CPLDefaultErrorHandler);
+}
+
+TEST(GdalLog, AHandlerOfTheHostStays) {
+    g_hostMessages = 0;
+    CPLSetErrorHandlerEx(CountForHost, &g_hostMessages);
+    {
+        const PlainDataSource source;
+        CPLError(CE_Failure, CPLE_AppDefined, "for the host");
+    }
+    CPLError(CE_Failure, CPLE_AppDefined, "for the host again");
+    EXPECT_EQ(g_hostMessages, 2);
+    CPLSetErrorHandler(CPLDefaultErrorHandler);
+}
+
+TEST(GdalLog, AHandlerTheHostInstallsLaterStaysToo) {
+    g_hostMessages = 0;
+    {
+        const PlainDataSource source;
+        CPLSetErrorHandlerEx(CountForHost, &g_hostMessages);
+    }
+    CPLError(CE_Failure, CPLE_AppDefined, "for the host");
+    EXPECT_EQ(g_hostMessages, 1);
+    CPLSetErrorHandler(CPLDefaultErrorHandler);
+}
+
+TEST(GdalLog, AFileThatCannotBeOpenedIsNotWritten) {
+    const TemporaryFolder folder;
+    const PlainDataSource source;
+    CPLSetConfigOption("CPL_LOG", folder.File("missing/gdal.log").c_str());
+    CPLError(CE_Failure, CPLE_AppDefined, "lost");
+    CPLSetConfigOption("CPL_LOG", nullptr);
+    CPLError(CE_Failure, CPLE_AppDefined, "lost as well");
+    EXPECT_TRUE(folder.Names().empty());
+}
