@@ -1,0 +1,12 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace zelto::cli {
+
+// Each adds its subcommand, with options, help and what runs, to the program. What runs
+// throws Failure when the work fails and UsageError when options contradict each other.
+
+} // namespace zelto::cli

@@ -1,0 +1,49 @@
+#include "cli/Commands.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Progress.h"
+
+#include <CLI/CLI.hpp>
+
+#include <clocale>
+#include <iostream>
+#include <new>
+
+namespace {
+
+constexpr int EXIT_FAILED = 1;
+constexpr int EXIT_USAGE = 2;
+
+void AddCommands(CLI::App& program) {
+    using namespace zelto::cli;
+    program.require_subcommand(1);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    zelto::cli::CatchInterrupts();
+    CLI::App program("zelto: look into, draw, measure, reproject and make raster images.\n"
+                     "Bands are numbered from 1; boxes are left,top,right,bottom in ground units.");
+    program.set_version_flag("--version", ZELTO_VERSION);
+    program.footer("zelto COMMAND --help explains a command.");
+    AddCommands(program);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? 0 : EXIT_USAGE;
+    } catch (const zelto::cli::UsageError& error) {
+        std::cerr << "zelto: " << error.what() << '\n';
+        return EXIT_USAGE;
+    } catch (const zelto::cli::Failure& error) {
+        std::cerr << "zelto: " << error.what() << '\n';
+        return EXIT_FAILED;
+    } catch (const std::bad_alloc&) {
+        std::cerr << "zelto: not enough memory\n";
+        return EXIT_FAILED;
+    } catch (const std::exception& error) {
+        std::cerr << "zelto: " << error.what() << '\n';
+        return EXIT_FAILED;
+    }
+    std::cout.flush();
+    return std::cout ? 0 : EXIT_FAILED;
+}

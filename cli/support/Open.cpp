@@ -1,0 +1,49 @@
+#include "cli/support/Open.h"
+
+#include "zelto/datasource/GISDataSource.h"
+
+#include "cli/support/Failure.h"
+#include "cli/support/Text.h"
+
+#include <cpl_error.h>
+#include <cpl_vsi.h>
+
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
+
+namespace zelto::cli {
+
+std::string LastGdalMessage(const std::string& otherwise) {
+    std::string message = CPLGetLastErrorMsg();
+    for (char& c : message) {
+        if (c == '\n' || c == '\r')
+            c = ' ';
+    }
+    return message.empty() ? otherwise : message;
+}
+
+std::string ReasonForFailure(const std::string& path, GISError error) {
+    VSIStatBufL status;
+    const bool onDisk = path.rfind("/vsi", 0) != 0 && path.find(':') == std::string::npos;
+    if (onDisk && VSIStatL(path.c_str(), &status) != 0)
+        return std::strerror(errno);
+    if (onDisk && VSI_ISREG(status.st_mode) && access(path.c_str(), R_OK) != 0)
+        return std::strerror(errno);
+    if (onDisk && VSI_ISREG(status.st_mode) && status.st_size == 0)
+        return "the file is empty";
+    if (error == GIS_NOT_SUPPORTED)
+        return LastGdalMessage("it holds nothing usable");
+    if (onDisk && VSI_ISDIR(status.st_mode))
+        return "is a directory";
+    return LastGdalMessage("not recognised as a supported file");
+}
+
+void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess access, bool warp) {
+    CPLErrorReset();
+    const GISError error = source.Open(Wide(path).c_str(), access, warp);
+    if (error != GIS_SUCCESS)
+        throw Failure(path, ReasonForFailure(path, error));
+}
+
+} // namespace zelto::cli
