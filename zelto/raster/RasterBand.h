@@ -18,8 +18,9 @@ class GDALColorTable;
 class GDALRasterBand;
 
 namespace zelto {
+class CachedRegion;
 class DisplayMapping;
-}
+} // namespace zelto
 
 /// One band of a raster: block and pixel access, a region cached in memory for point queries,
 /// statistics, no-data value, colour table, overviews, and the state that turns samples into
@@ -177,10 +178,12 @@ class ZELTO_API CRasterBand {
 
   private:
     friend class CRasterSource;
+    friend class zelto::CachedRegion;
     friend class zelto::DisplayMapping;
 
     void ReadBasics();
     void BuildOverviewBands();
+    void SetStandardDeviationBounds();
 
     bool m_storedMinMaxFixed = false;
     GDALRasterBand* m_band = nullptr;

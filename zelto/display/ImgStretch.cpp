@@ -1,0 +1,3 @@
+#include "zelto/display/ImgStretch.h"
+
+CImgStretch::~CImgStretch() = default;

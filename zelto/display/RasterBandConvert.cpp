@@ -1,0 +1,34 @@
+#include "zelto/display/internal/DisplayMapping.h"
+#include "zelto/display/internal/PaletteEntry.h"
+#include "zelto/raster/RasterBand.h"
+
+unsigned char CRasterBand::Convert2Byte(double value) const {
+    if (m_dataType == PDT_Byte)
+        return zelto::PassThrough{}(value);
+    return zelto::InnerMinMax{{m_minimum, m_maximum}}(value);
+}
+
+unsigned char CRasterBand::Convert2ShowValue(double value) {
+    return zelto::DisplayMapping::Convert(*this, value);
+}
+
+bool CRasterBand::GetShowValueAt(double x, double y, unsigned char* out) {
+    double sample = 0.0;
+    if (out == nullptr || !GetNearestValueAt(x, y, &sample))
+        return false;
+    *out = Convert2ShowValue(sample);
+    return true;
+}
+
+bool CRasterBand::GetRGBDataFromColorTable(double x, double y, unsigned char& r, unsigned char& g,
+                                           unsigned char& b, unsigned char& a) const {
+    double sample = 0.0;
+    if (m_colorTable == nullptr || !GetNearestValueAt(x, y, &sample))
+        return false;
+    const GDALColorEntry entry = zelto::PaletteEntry(*m_colorTable, sample);
+    r = static_cast<unsigned char>(entry.c1);
+    g = static_cast<unsigned char>(entry.c2);
+    b = static_cast<unsigned char>(entry.c3);
+    a = static_cast<unsigned char>(entry.c4);
+    return true;
+}

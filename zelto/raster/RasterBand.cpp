@@ -1,0 +1,83 @@
+#include "zelto/raster/RasterBand.h"
+
+#include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/display/ImgEnhance.h"
+#include "zelto/display/ImgStretch.h"
+#include "zelto/display/RasterHistogram.h"
+
+#include <gdal_priv.h>
+
+CRasterBand::CRasterBand(bool /*flag*/, GDALRasterBand* band) : m_band(band) {
+    if (m_band == nullptr)
+        return;
+    ReadBasics();
+    double range[2] = {0.0, 0.0};
+    m_band->ComputeRasterMinMax(TRUE, range);
+    m_minimum = range[0];
+    m_maximum = range[1];
+    BuildOverviewBands();
+}
+
+CRasterBand::CRasterBand(GDALRasterBand* band, bool forDisplay, bool isOverview) : m_band(band) {
+    if (m_band == nullptr)
+        return;
+    ReadBasics();
+    const bool needsStatistics = forDisplay || !isOverview;
+    if (needsStatistics &&
+        !ComputeStaticsFromCustom(m_minimum, m_maximum, m_mean, m_standardDeviation, nullptr))
+        CRasterAlgorithm::GetMaxMinVal(m_dataType, m_maximum, m_minimum);
+    BuildOverviewBands();
+    SetStandardDeviationBounds();
+}
+
+CRasterBand::~CRasterBand() {
+    for (CRasterBand* overview : m_overviews)
+        delete overview;
+    delete m_enhancer;
+    delete m_histogram;
+    delete m_customHistogram;
+    delete m_stretchFunction;
+    delete[] m_cache;
+}
+
+void CRasterBand::ReadBasics() {
+    m_width = m_band->GetXSize();
+    m_height = m_band->GetYSize();
+    m_band->GetBlockSize(&m_blockWidth, &m_blockHeight);
+    const GDALDataType type = m_band->GetRasterDataType();
+    m_dataType = static_cast<PixelDataType>(type);
+    const std::string typeName = GDALGetDataTypeName(type);
+    m_dataTypeName.assign(typeName.begin(), typeName.end()); // plain ASCII
+    const double noData = m_band->GetNoDataValue(&m_hasNoData);
+    m_noDataValue = m_hasNoData != 0 ? noData : 0.0; // drivers answer anything for "none"
+    m_colorTable = m_band->GetColorTable();
+    m_hasColorTable = m_colorTable != nullptr;
+}
+
+void CRasterBand::BuildOverviewBands() {
+    const int count = m_band->GetOverviewCount();
+    for (int i = 0; i < count; ++i) {
+        if (GDALRasterBand* overview = m_band->GetOverview(i))
+            m_overviews.push_back(new CRasterBand(overview, false, true));
+    }
+}
+
+void CRasterBand::SetStandardDeviationBounds() {
+    m_stdDevUpper = m_mean + 2.0 * m_standardDeviation;
+    if (m_stdDevUpper > m_maximum)
+        m_stdDevUpper = m_maximum;
+    m_stdDevLower = m_mean - 2.0 * m_standardDeviation;
+    if (m_stdDevLower < m_minimum)
+        m_stdDevLower = m_minimum;
+}
+
+CRasterBand* CRasterBand::GetOverview(int index) const {
+    if (index < 0 || index >= GetOverviewCount())
+        return nullptr;
+    return m_overviews[static_cast<std::size_t>(index)];
+}
+
+void CRasterBand::StoreMinMax(double minimum, double maximum) {
+    m_minimum = minimum;
+    m_maximum = maximum;
+}
