@@ -28,16 +28,16 @@ class DisplayMapping {
     /// threads may map at once.
     explicit DisplayMapping(CRasterBand& band);
 
-    /// The display byte of one sample.
-    unsigned char operator()(double sample) const {
-        return Visit([sample](const auto& stretch) { return stretch(sample); });
-    }
-
     /// Calls `body` with the present stretch, a value type callable as
     /// `unsigned char(double) const`, and returns its result.
     template <typename Body>
     decltype(auto) Visit(Body&& body) const {
         return std::visit(std::forward<Body>(body), m_stretch);
+    }
+
+    /// The display byte of one sample.
+    unsigned char operator()(double sample) const {
+        return Visit([sample](const auto& stretch) { return stretch(sample); });
     }
 
     /// Whether MakeTable() has a table for samples of the type.
