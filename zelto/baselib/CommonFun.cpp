@@ -66,7 +66,7 @@ std::wstring CommonFun::GetTempFilePath(const std::wstring& extension) {
 }
 
 std::wstring CommonFun::getEnviDataFilePath(const std::wstring& headerPath) {
-    const std::wstring base = GetFilePahWithoutExtension(headerPath);
+    std::wstring base = GetFilePahWithoutExtension(headerPath);
     const auto isDataFile = [](const std::wstring& path) {
         struct stat status {};
         return stat(U2M(path).c_str(), &status) == 0 && S_ISREG(status.st_mode);

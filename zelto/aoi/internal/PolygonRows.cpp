@@ -24,8 +24,8 @@ bool IsLeftOf(double x, const CrossingEdge& edge) {
 /// coordinates every step of the comparison keeps the order of the positions under rounding,
 /// so that the first refusal is the last change and may be searched for.
 std::size_t PositionsLeftOf(const CrossingEdge& edge, std::span<const double> xs) {
-    const auto boundary = std::partition_point(xs.begin(), xs.end(),
-                                               [&](double x) { return IsLeftOf(x, edge); });
+    const auto boundary =
+        std::partition_point(xs.begin(), xs.end(), [&](double x) { return IsLeftOf(x, edge); });
     return static_cast<std::size_t>(boundary - xs.begin());
 }
 
@@ -88,9 +88,9 @@ void PolygonRows::Mark(const PositionRow& row, std::span<unsigned char> inside,
         return;
     }
     for (std::size_t i = 0; i < row.xs.size(); ++i) {
-        const auto count = std::count_if(
-            scratch.crossings.begin(), scratch.crossings.end(),
-            [&](const CrossingEdge& edge) { return IsLeftOf(row.xs[i], edge); });
+        const auto count =
+            std::count_if(scratch.crossings.begin(), scratch.crossings.end(),
+                          [&](const CrossingEdge& edge) { return IsLeftOf(row.xs[i], edge); });
         inside[i] |= static_cast<unsigned char>(count % 2);
     }
 }
