@@ -45,6 +45,7 @@ class BinaryReader {
     bool Read(std::span<unsigned char> bytes);
     /// Reads one field; on failure `value` is unchanged.
     template <typename T>
+    requires std::is_arithmetic_v<T>
     bool Read(T& value) {
         unsigned char bytes[sizeof(T)];
         if (!Read(std::span<unsigned char>(bytes)))
