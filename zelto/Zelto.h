@@ -24,6 +24,7 @@
 #include "zelto/baselib/Log.h"
 #include "zelto/baselib/MatrixOperation.h"
 #include "zelto/baselib/RgbaColor.h"
+#include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/coordinate/GeoGrid.h"
 #include "zelto/datasource/DataProgress.h"
 #include "zelto/datasource/DatasetOpenInfo.h"
