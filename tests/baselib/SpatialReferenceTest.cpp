@@ -130,3 +130,25 @@ TEST(SpatialReferenceWkt, IsReadBackAsTheSame) {
 TEST(SpatialReferenceWkt, OfAnEmptyReferenceIsEmpty) {
     EXPECT_EQ(ExportToWkt(OGRSpatialReference()), "");
 }
+
+TEST(SpatialReferenceNode, ValueIsTheOneThatStandsInTheText) {
+    const char* wkt = R"(PROJCS["p",GEOGCS["GCS_Xian_1980",DATUM["D",SPHEROID["S",1,2]]]])";
+    EXPECT_EQ(zelto::ReadNodeValue(wkt, "PROJCS"), "p");
+    EXPECT_EQ(zelto::ReadNodeValue(wkt, "GEOGCS"), "GCS_Xian_1980");
+    EXPECT_EQ(zelto::ReadNodeValue(VERTICAL_ESRI, "VDATUM"), "EGM96_Geoid");
+    EXPECT_EQ(zelto::ReadNodeValue(wkt, "VERTCS"), "");
+}
+
+TEST(SpatialReferenceNode, TextsThatAreNoWktHaveNoNodes) {
+    for (const char* text :
+         {"EPSG:4326", "GEOGCS", "GEOGCS[", "", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(zelto::ReadNodeValue(text, "GEOGCS"), "");
+}
+
+TEST(SpatialReferenceNode, ReplacingChangesTheFirstNodeOnly) {
+    EXPECT_EQ(zelto::ReplaceNodeValue(R"(A["x",B["y"],B["z"]])", "B", "new"),
+              R"(A["x",B["new"],B["z"]])");
+    EXPECT_EQ(zelto::ReplaceNodeValue(R"(A["x"])", "B", "new"), "");
+    EXPECT_EQ(zelto::ReplaceNodeValue("A[", "A", "new"), "");
+    EXPECT_EQ(zelto::ReplaceNodeValue("", "A", "new"), "");
+}

@@ -21,6 +21,22 @@ std::string ExportAs(const OGRSpatialReference& reference, const char* const* op
     return result == OGRERR_NONE && text != nullptr ? text : "";
 }
 
+bool ReadTree(OGR_SRSNode& root, const char* wkt) {
+    return root.importFromWkt(&wkt) == OGRERR_NONE;
+}
+
+std::string WriteTree(const OGR_SRSNode& root) {
+    char* text = nullptr;
+    const OGRErr result = root.exportToWkt(&text);
+    const CplText owner(text);
+    return result == OGRERR_NONE ? text : "";
+}
+
+OGR_SRSNode* FindNode(OGR_SRSNode& root, const char* keyword) {
+    OGR_SRSNode* node = root.GetNode(keyword);
+    return node != nullptr && node->GetChildCount() > 0 ? node : nullptr;
+}
+
 /// Whether an axis counts towards the side where other systems' coordinates decrease.
 bool IsReversedAxis(const OGR_SRSNode& axis) {
     const char* direction = axis.GetChildCount() < 2 ? "" : axis.GetChild(1)->GetValue();
@@ -52,17 +68,13 @@ std::optional<OGRSpatialReference> InPlainForm(const OGRSpatialReference& refere
     const char* const options[] = {"FORMAT=WKT1_GDAL", nullptr};
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     const std::string wkt = ExportAs(reference, options);
-    const char* cursor = wkt.c_str();
     OGR_SRSNode root;
-    if (wkt.empty() || root.importFromWkt(&cursor) != OGRERR_NONE)
+    if (wkt.empty() || !ReadTree(root, wkt.c_str()))
         return std::nullopt;
     root.StripNodes("AUTHORITY");
     UnifyAxisOrder(root);
-    char* text = nullptr;
-    root.exportToWkt(&text);
-    const CplText owner(text);
     OGRSpatialReference plain;
-    if (plain.importFromWkt(text) != OGRERR_NONE)
+    if (plain.importFromWkt(WriteTree(root).c_str()) != OGRERR_NONE)
         return std::nullopt;
     return plain;
 }
@@ -105,6 +117,25 @@ bool IsSameReference(const OGRSpatialReference& a, const OGRSpatialReference& b)
 
 std::string ExportToWkt(const OGRSpatialReference& reference) {
     return ExportAs(reference, nullptr);
+}
+
+std::string ReadNodeValue(const char* wkt, const char* keyword) {
+    OGR_SRSNode root;
+    if (wkt == nullptr || !ReadTree(root, wkt))
+        return "";
+    const OGR_SRSNode* node = FindNode(root, keyword);
+    return node == nullptr ? "" : node->GetChild(0)->GetValue();
+}
+
+std::string ReplaceNodeValue(const std::string& wkt, const char* keyword, const char* value) {
+    OGR_SRSNode root;
+    if (!ReadTree(root, wkt.c_str()))
+        return "";
+    OGR_SRSNode* node = FindNode(root, keyword);
+    if (node == nullptr)
+        return "";
+    node->GetChild(0)->SetValue(value);
+    return WriteTree(root);
 }
 
 } // namespace zelto

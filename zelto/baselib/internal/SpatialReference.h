@@ -35,4 +35,11 @@ bool IsSameReference(const OGRSpatialReference& a, const OGRSpatialReference& b)
 /// expressed or is empty.
 std::string ExportToWkt(const OGRSpatialReference& reference);
 
+/// First value of the first node `keyword` of a well-known text, as it stands there: reading
+/// the text into a reference replaces names by those of the registry. Empty without the node.
+std::string ReadNodeValue(const char* wkt, const char* keyword);
+
+/// `wkt` with the first value of its first node `keyword` replaced; empty without the node.
+std::string ReplaceNodeValue(const std::string& wkt, const char* keyword, const char* value);
+
 } // namespace zelto

@@ -1,0 +1,91 @@
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/SpatialReference.h"
+#include "zelto/coordinate/CoordinateAlgorithm.h"
+
+namespace {
+
+/// What the summary says, in the units of the reference.
+struct Summary {
+    std::string geographic;
+    std::string datum;
+    std::string spheroid;
+    std::string semiMajor;
+    std::string semiMinor;
+    std::string inverseFlattening;
+    std::string angularUnit;
+    std::string primeMeridian;
+};
+
+std::string NodeValue(const OGRSpatialReference& reference, const char* keyword) {
+    const char* value = reference.GetAttrValue(keyword);
+    return value == nullptr ? "" : value;
+}
+
+std::string NameAndValue(const char* name, double value) {
+    return std::string(name == nullptr ? "" : name) + "(" + CommonFun::double2string(value) + ")";
+}
+
+Summary Summarise(const OGRSpatialReference& reference) {
+    Summary summary;
+    summary.geographic = NodeValue(reference, "GEOGCS");
+    summary.datum = NodeValue(reference, "DATUM");
+    summary.spheroid = NodeValue(reference, "SPHEROID");
+    summary.semiMajor = CommonFun::double2string(reference.GetSemiMajor());
+    summary.semiMinor = CommonFun::double2string(reference.GetSemiMinor());
+    summary.inverseFlattening = CommonFun::double2string(reference.GetInvFlattening());
+    const char* name = nullptr;
+    const double unit = reference.GetAngularUnits(&name);
+    summary.angularUnit = "Angular Unit: " + NameAndValue(name, unit);
+    name = nullptr;
+    const double meridian = reference.GetPrimeMeridian(&name);
+    summary.primeMeridian = "Prime Meridian: " + NameAndValue(name, meridian);
+    return summary;
+}
+
+std::string JoinLines(std::initializer_list<std::string> lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\r\n";
+    return text;
+}
+
+std::string DescribeGeographic(const Summary& summary) {
+    return JoinLines({
+        "Name: " + summary.geographic,
+        "Datum: " + summary.datum,
+        "  Spheroid: " + summary.spheroid,
+        "    Semimajor Axis: " + summary.semiMajor,
+        "    Semiminor Axis: " + summary.semiMinor,
+        "    Inverse Flattening: " + summary.inverseFlattening,
+        summary.angularUnit,
+        summary.primeMeridian,
+    });
+}
+
+std::string DescribeProjected(const OGRSpatialReference& reference, const Summary& summary) {
+    return JoinLines({
+        "Name: " + NodeValue(reference, "PROJCS"),
+        "  GCSName: " + summary.geographic,
+        "  Datum: " + summary.datum,
+        "    Spheroid: " + summary.spheroid,
+        "      Semimajor Axis: " + summary.semiMajor,
+        "      Semiminor Axis: " + summary.semiMinor,
+        "      Inverse Flattening: " + summary.inverseFlattening,
+        "  " + summary.angularUnit,
+        "  " + summary.primeMeridian,
+        "Projection: " + NodeValue(reference, "PROJCS|PROJECTION"),
+    });
+}
+
+} // namespace
+
+std::string CCoordinateAlgorithm::GetCoordinateInfoString(const char* srs) {
+    const auto reference = zelto::ParseSpatialReference(srs);
+    if (!reference)
+        return "";
+    if (reference->IsGeographic())
+        return DescribeGeographic(Summarise(*reference));
+    if (reference->IsProjected())
+        return DescribeProjected(*reference, Summarise(*reference));
+    return "Unknown";
+}
