@@ -25,6 +25,7 @@
 #include "zelto/baselib/MatrixOperation.h"
 #include "zelto/baselib/RgbaColor.h"
 #include "zelto/classify/ClassifiedAssistantFile.h"
+#include "zelto/classify/ClassifySampleFile.h"
 #include "zelto/coordinate/GeoGrid.h"
 #include "zelto/datasource/DataProgress.h"
 #include "zelto/datasource/DatasetOpenInfo.h"

@@ -1,0 +1,172 @@
+#include "zelto/aoi/DrawShape.h"
+#include "zelto/aoi/internal/ShapeRecord.h"
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/classify/ClassifySampleFile.h"
+#include "zelto/classify/internal/HeaderBlock.h"
+
+#include <algorithm>
+#include <fstream>
+#include <new>
+#include <utility>
+
+using zelto::BinaryReader;
+using zelto::BinaryWriter;
+
+namespace {
+
+using ClassRecord = CClassifySampleFile::ClassRecord;
+
+/// Fails where the file ends; the numbers before it are kept. No memory is taken for numbers
+/// that the file cannot hold.
+bool ReadBandArrays(BinaryReader& reader, ClassRecord& record) {
+    for (std::int32_t band = 0; band < record.m_bandCount; ++band) {
+        double first = 0.0;
+        double second = 0.0;
+        double third = 0.0;
+        // The second array comes before the first in the file.
+        if (!reader.Read(second) || !reader.Read(first) || !reader.Read(third))
+            return false;
+        record.m_firstArray.push_back(first);
+        record.m_secondArray.push_back(second);
+        record.m_thirdArray.push_back(third);
+    }
+    return true;
+}
+
+std::int64_t MatrixSize(const ClassRecord& record) {
+    const std::int64_t n = std::max(record.m_bandCount, 0);
+    return n * n;
+}
+
+bool ReadMatrix(BinaryReader& reader, ClassRecord& record) {
+    const std::int64_t size = MatrixSize(record);
+    double value = 0.0;
+    for (std::int64_t i = 0; i < size; ++i) {
+        if (!reader.Read(value))
+            return false;
+        record.m_matrix.push_back(value);
+    }
+    return true;
+}
+
+bool ReadShapes(BinaryReader& reader, ClassRecord& record) {
+    if (record.m_hasSamples == 0)
+        return true;
+    for (std::int32_t i = 0; i < record.m_sampleShapeCount; ++i) {
+        auto shape = zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::SAMPLE);
+        if (shape) {
+            record.m_sampleShapes.push_back(shape.get());
+            shape.release();
+        } else if (!reader.IsGood()) {
+            record.m_sampleShapeCount = static_cast<std::int32_t>(record.m_sampleShapes.size());
+            return false;
+        }
+    }
+    return true;
+}
+
+/// @return null when the file ends within name and integers; a class cut after them is kept
+std::unique_ptr<ClassRecord> ReadClass(BinaryReader& reader) {
+    auto record = std::make_unique<ClassRecord>();
+    if (!reader.Read(record->m_nameField))
+        return nullptr;
+    for (std::int32_t& value : record->m_values)
+        if (!reader.Read(value))
+            return nullptr;
+    if (!reader.Read(record->m_bandCount))
+        return nullptr;
+    // Each step ends the class where the file ends; nothing after it can be read then.
+    if (ReadBandArrays(reader, *record) && reader.Read(record->m_moreValues[0]) &&
+        reader.Read(record->m_moreValues[1]) && ReadMatrix(reader, *record) &&
+        reader.Read(record->m_hasSamples) && reader.Read(record->m_sampleShapeCount))
+        ReadShapes(reader, *record);
+    return record;
+}
+
+void WriteClass(BinaryWriter& writer, const ClassRecord& record) {
+    writer.Write(record.m_nameField);
+    for (const std::int32_t value : record.m_values)
+        writer.Write(value);
+    writer.Write(record.m_bandCount);
+    for (std::size_t band = 0; band < record.m_firstArray.size(); ++band) {
+        writer.Write(record.m_secondArray[band]);
+        writer.Write(record.m_firstArray[band]);
+        writer.Write(record.m_thirdArray[band]);
+    }
+    for (const std::int32_t value : record.m_moreValues)
+        writer.Write(value);
+    for (const double value : record.m_matrix)
+        writer.Write(value);
+    writer.Write(record.m_hasSamples);
+    writer.Write(record.m_sampleShapeCount);
+    for (const CDrawShape* shape : record.m_sampleShapes)
+        zelto::WriteShapeRecord(writer, shape);
+}
+
+/// Whether arrays and matrix have the sizes that the band count promises to a reader.
+bool HasItsSizes(const ClassRecord& record) {
+    const auto bands = static_cast<std::size_t>(std::max(record.m_bandCount, 0));
+    return record.m_firstArray.size() == bands && record.m_secondArray.size() == bands &&
+           record.m_thirdArray.size() == bands &&
+           record.m_matrix.size() == static_cast<std::uint64_t>(MatrixSize(record));
+}
+
+} // namespace
+
+int CClassifySampleFile::ReadClassifySampleFile(std::wstring path) {
+    try {
+        std::ifstream stream(CommonFun::U2M(path), std::ios::binary);
+        BinaryReader reader(stream);
+        CClassifySampleFile file;
+        if (!reader.Read(file.m_header) || file.GetTag() != FILE_TAG)
+            return 0;
+        const std::int32_t count = file.GetClassCount();
+        while (reader.IsGood() &&
+               file.m_classes.size() < static_cast<std::size_t>(std::max(count, 0)))
+            if (auto record = ReadClass(reader))
+                file.m_classes.push_back(std::move(record));
+        if (!reader.IsGood())
+            file.UpdateClassCount();
+        m_header = file.m_header;
+        m_classes.swap(file.m_classes);
+        m_fileName = std::move(path);
+        return 1;
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+}
+
+int CClassifySampleFile::WriteClassifySampleFile(std::wstring path) {
+    const bool sound = std::all_of(m_classes.begin(), m_classes.end(),
+                                   [](const auto& record) { return HasItsSizes(*record); });
+    if (path.empty() || GetTag() != FILE_TAG || !sound)
+        return 0;
+    zelto::ReplacementFile file(path);
+    BinaryWriter writer(file.Stream());
+    writer.Write(m_header);
+    for (const auto& record : m_classes)
+        WriteClass(writer, *record);
+    return file.Commit() ? 1 : 0;
+}
+
+int CClassifySampleFile::SaveSampleAOI(std::fstream& stream, CDrawShape* shape) {
+    BinaryWriter writer(stream);
+    zelto::WriteShapeRecord(writer, shape);
+    return 1;
+}
+
+int CClassifySampleFile::ReadSampleAOI(std::fstream& stream, std::vector<CDrawShape*>* shapes) {
+    if (shapes == nullptr)
+        return 0;
+    try {
+        BinaryReader reader(stream);
+        auto shape = zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::SAMPLE);
+        if (shape) {
+            shapes->push_back(shape.get());
+            shape.release();
+        }
+        return reader.IsGood() ? 1 : 0;
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+}
