@@ -26,6 +26,8 @@
 #include "zelto/baselib/RgbaColor.h"
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/classify/ClassifySampleFile.h"
+#include "zelto/coordinate/CoordinateAlgorithm.h"
+#include "zelto/coordinate/CoordinateTransformation.h"
 #include "zelto/coordinate/GeoGrid.h"
 #include "zelto/datasource/DataProgress.h"
 #include "zelto/datasource/DatasetOpenInfo.h"
