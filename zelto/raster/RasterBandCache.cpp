@@ -4,6 +4,7 @@
 #include <gdal_priv.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <new>
 
 namespace {
@@ -19,6 +20,13 @@ bool IsReadable(int xSize, int ySize, int bufWidth, int bufHeight) {
     return SampleCount(bufWidth, bufHeight) == 0 || (xSize > 0 && ySize > 0);
 }
 
+/// Uninitialised doubles: every one is about to be read. Null when there is no room for them.
+double* AllocateSamples(int bufWidth, int bufHeight) {
+    constexpr std::size_t LIMIT = PTRDIFF_MAX / sizeof(double);
+    const std::size_t count = SampleCount(bufWidth, bufHeight);
+    return count > LIMIT ? nullptr : new (std::nothrow) double[count];
+}
+
 } // namespace
 
 bool CRasterBand::GetData(int xOff, int yOff, int xSize, int ySize, int bufWidth, int bufHeight) {
@@ -27,8 +35,7 @@ bool CRasterBand::GetData(int xOff, int yOff, int xSize, int ySize, int bufWidth
     ReleaseCache();
     if (bufWidth < 0 || bufHeight < 0)
         return false;
-    // Not initialised: every sample is about to be read.
-    m_cache = new (std::nothrow) double[SampleCount(bufWidth, bufHeight)];
+    m_cache = AllocateSamples(bufWidth, bufHeight);
     if (!GetDataToBuffer(xOff, yOff, xSize, ySize, bufWidth, bufHeight, m_cache)) {
         ReleaseCache();
         return false;
