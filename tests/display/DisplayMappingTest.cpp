@@ -196,8 +196,9 @@ TEST(DisplayMapping, TablesHoldTheByteOfEveryValue) {
                                                  : static_cast<std::uint16_t>(value)],
                           band->Convert2ShowValue(value))
                     << stretch << ": " << value;
-            if (type == GDT_UInt16)
+            if (type == GDT_UInt16) {
                 ASSERT_EQ(table[65535], band->Convert2ShowValue(65535.0));
+            }
         }
     }
 }
