@@ -4,6 +4,7 @@
 #include "zelto/display/ImgEnhance.h"
 #include "zelto/display/ImgStretch.h"
 #include "zelto/display/RasterHistogram.h"
+#include "zelto/raster/internal/BlockLimit.h"
 
 #include <gdal_priv.h>
 
@@ -12,7 +13,8 @@ CRasterBand::CRasterBand(bool /*flag*/, GDALRasterBand* band) : m_band(band) {
         return;
     ReadBasics();
     double range[2] = {0.0, 0.0};
-    m_band->ComputeRasterMinMax(TRUE, range);
+    if (zelto::CanHoldBlocks(*m_band))
+        m_band->ComputeRasterMinMax(TRUE, range);
     m_minimum = range[0];
     m_maximum = range[1];
     BuildOverviewBands();

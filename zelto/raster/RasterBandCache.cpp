@@ -1,4 +1,5 @@
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/CachedRegion.h"
 
 #include <gdal_priv.h>
@@ -51,7 +52,8 @@ bool CRasterBand::GetData(int xOff, int yOff, int xSize, int ySize, int bufWidth
 
 bool CRasterBand::GetDataToBuffer(int xOff, int yOff, int xSize, int ySize, int bufWidth,
                                   int bufHeight, double* buffer) {
-    if (m_band == nullptr || buffer == nullptr || !IsReadable(xSize, ySize, bufWidth, bufHeight))
+    if (m_band == nullptr || buffer == nullptr || !IsReadable(xSize, ySize, bufWidth, bufHeight) ||
+        !zelto::CanHoldBlocks(*m_band))
         return false;
     return m_band->RasterIO(GF_Read, xOff, yOff, xSize, ySize, buffer, bufWidth, bufHeight,
                             GDT_Float64, 0, 0, nullptr) == CE_None;

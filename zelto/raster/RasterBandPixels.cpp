@@ -1,4 +1,5 @@
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BlockLimit.h"
 
 #include <gdal_priv.h>
 
@@ -16,7 +17,7 @@ struct Block {
 GISError TransferBlock(GDALRasterBand* band, GDALRWFlag direction, const Block& block) {
     if (band == nullptr || block.buffer == nullptr || block.xSize < 1 || block.ySize < 1 ||
         block.bufWidth < 1 || block.bufHeight < 1 || block.type < PDT_Unknown ||
-        block.type >= static_cast<int>(GDT_TypeCount))
+        block.type >= static_cast<int>(GDT_TypeCount) || !zelto::CanHoldBlocks(*band))
         return GIS_FAILED;
     const GDALDataType type = block.type == PDT_Unknown ? band->GetRasterDataType()
                                                         : static_cast<GDALDataType>(block.type);
