@@ -256,6 +256,33 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     GISError GetRasterInfo(bool allowWarp, bool lightBands);
     CBoundingBox GetExtentInit() const;
     void InitShowBandInfo();
+    /// Opens the stored path into an empty source and records the access obtained; update falls
+    /// back to reading.
+    bool OpenStoredPath(GISDataAccess access);
+    /// Reads the classified assistant file beside the image, when there is one.
+    void ReadAssistantFile();
+    /// Raster information and, for display, the display bands.
+    GISError SetUpOpened(bool allowWarp, bool lightBands);
+    /// Of a container with sub-data-sets, closes it and answers the first one's name. Anything
+    /// else stays open.
+    std::wstring CloseForFirstSubDataset();
+    /// Shows the open file in `targetSrs` where its own reference differs.
+    bool ShowInReference(const char* targetSrs);
+    void AddSubRaster(CRasterSource* sub);
+    void MergeSubRasters();
+    void DeleteOwnBands();
+    /// Takes size and geotransform from the data set; answers whether it has a geotransform.
+    bool ReadGrid();
+    /// Whether the data set needs no warped view.
+    bool CanBeShownAsIs(bool hasGeoTransform) const;
+    /// Puts a warped view in place of the open file, which becomes the base data set.
+    bool UseWarpedView(const std::string& sourceWkt, const std::string& targetWkt);
+    /// Inverts the geotransform; all zero when it has no inverse.
+    void InvertGeoTransform();
+    void ReadReference();
+    void ReadBands(bool lightBands);
+    /// Whether a pixel lies in the raster.
+    bool IsInside(int col, int row) const;
     GISError BuildOverviews(GDALDataset* dataset, const char* resampling, int bandCount,
                             int* bandList, CDataProgress* progress);
     /// Applies the transparency to the alpha bytes of an interleaved image already drawn.

@@ -1,0 +1,92 @@
+#include "tests/raster/ExposedRasterSource.h"
+#include "tests/support/RasterFile.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+using zelto::test::OpenDatasetCount;
+using zelto::test::ReadFile;
+using zelto::test::TemporaryFolder;
+using zelto::test::WriteFile;
+using zelto::test::WriteRaster;
+
+namespace {
+
+void ExpectOpenFails(const std::wstring& path) {
+    SCOPED_TRACE(zelto::test::Narrow(path));
+    for (const GISDataAccess access : {GIS_READONLY, GIS_UPDATE}) {
+        CRasterSource source;
+        EXPECT_EQ(source.Open(path.c_str(), access, true), GIS_OPEN_FAILED);
+        EXPECT_EQ(source.OpenSimple(path.c_str(), access, true), GIS_OPEN_FAILED);
+        EXPECT_EQ(source.OpenAsDataset(path.c_str(), access), GIS_OPEN_FAILED);
+        EXPECT_EQ(source.OpenAndWarped(path.c_str(), access, "EPSG:4326"), GIS_OPEN_FAILED);
+        EXPECT_EQ(source.Open(CDatasetOpenInfo(path.c_str(), access)), GIS_OPEN_FAILED);
+        EXPECT_FALSE(source.IsOpened());
+        EXPECT_EQ(source.GetBandCount(), 0);
+        EXPECT_EQ(OpenDatasetCount(), 0);
+    }
+}
+
+} // namespace
+
+TEST(OpenBadFile, WhatNoDriverOpensFails) {
+    const TemporaryFolder folder;
+    WriteFile(folder.Path() / "empty.tif", "");
+    WriteFile(folder.Path() / "text.tif", "this is no image");
+    std::filesystem::create_directory(folder.Path() / "folder.tif");
+    for (const char* name : {"missing.tif", "empty.tif", "text.tif", "folder.tif", "no/such.img"})
+        ExpectOpenFails(folder.WideFile(name));
+    ExpectOpenFails(L"");
+}
+
+TEST(OpenBadFile, ANullPathFails) {
+    CRasterSource source;
+    EXPECT_EQ(source.Open(nullptr, GIS_READONLY, true), GIS_OPEN_FAILED);
+    EXPECT_EQ(source.OpenSimple(nullptr, GIS_READONLY, true), GIS_OPEN_FAILED);
+    EXPECT_EQ(source.OpenAsDataset(nullptr, GIS_READONLY), GIS_OPEN_FAILED);
+    EXPECT_EQ(source.OpenAndWarped(nullptr, GIS_READONLY, nullptr), GIS_OPEN_FAILED);
+    EXPECT_EQ(source.GetFilePath(), L"");
+}
+
+TEST(OpenBadFile, TruncatedFilesFailOrOpenButNeverCrash) {
+    const TemporaryFolder folder;
+    for (const char* driver : {"GTiff", "HFA", "PCIDSK", "BMP", "NITF"}) {
+        WriteRaster(folder.File("whole"), {.width = 8, .height = 8, .driver = driver},
+                    {zelto::test::Pixels(64, 7.0)});
+        const std::string bytes = ReadFile(folder.Path() / "whole");
+        for (std::size_t length = 0; length < bytes.size(); length += 1 + bytes.size() / 40) {
+            WriteFile(folder.Path() / "part", bytes.substr(0, length));
+            CRasterSource source;
+            const GISError result =
+                source.Open(folder.WideFile("part").c_str(), GIS_READONLY, true);
+            EXPECT_EQ(result == GIS_OPEN_FAILED, !source.IsOpened()) << driver << " " << length;
+        }
+    }
+}
+
+TEST(OpenBadFile, OnlyPathNameAndFormatChangeWhenNothingOpens) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"),
+                {.width = 2,
+                 .height = 1,
+                 .geoTransform = zelto::test::NorthUp(10.0, 20.0, 1.0),
+                 .srs = "EPSG:4326"},
+                {{1.0, 2.0}});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    EXPECT_EQ(source.Open(folder.WideFile("missing.img").c_str(), GIS_READONLY, true),
+              GIS_OPEN_FAILED);
+    EXPECT_FALSE(source.IsOpened());
+    EXPECT_EQ(source.GetFilePath(), folder.WideFile("missing.img"));
+    EXPECT_EQ(source.GetFileName(), L"missing.img");
+    EXPECT_EQ(source.GetRasterDataFormat(), RDF_HFA);
+    EXPECT_EQ(source.GetDescription(), folder.WideFile("a.tif"));
+    EXPECT_EQ(source.GetAccess(), GIS_UPDATE);
+    EXPECT_EQ(source.GetLeft(), 10.0);
+    EXPECT_EQ(source.GetWidth(), 2);
+    EXPECT_TRUE(source.IsGeographic());
+    EXPECT_EQ(source.GetRasterBand(0), nullptr);
+}

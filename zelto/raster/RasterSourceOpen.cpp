@@ -1,0 +1,283 @@
+#include "zelto/baselib/ClassifyDisplayTable.h"
+#include "zelto/baselib/ColorRamp.h"
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/SpatialReference.h"
+#include "zelto/classify/ClassifiedAssistantFile.h"
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/RasterLog.h"
+
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+/// Deeper nesting of containers than this is taken for a loop. Real ones hold rasters directly.
+constexpr std::size_t DEEPEST_NESTING = 4;
+
+/// Marks a path as being opened on this thread. A container may list any text as its
+/// sub-data-sets, also itself; such a loop must end as a failed open.
+class OpeningPath {
+  public:
+    explicit OpeningPath(const wchar_t* path) {
+        const std::wstring name = path != nullptr ? path : L"";
+        m_entered = s_paths.size() < DEEPEST_NESTING &&
+                    std::find(s_paths.begin(), s_paths.end(), name) == s_paths.end();
+        if (m_entered)
+            s_paths.push_back(name);
+    }
+    ~OpeningPath() {
+        if (m_entered)
+            s_paths.pop_back();
+    }
+    OpeningPath(const OpeningPath&) = delete;
+    OpeningPath& operator=(const OpeningPath&) = delete;
+
+    bool IsLoop() const { return !m_entered; }
+
+  private:
+    static thread_local std::vector<std::wstring> s_paths;
+    bool m_entered = false;
+};
+
+thread_local std::vector<std::wstring> OpeningPath::s_paths;
+
+GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag) {
+    return GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | accessFlag);
+}
+
+/// Number of entries in the list of sub-data-sets: a name and a description for each.
+int SubDatasetEntryCount(GDALDataset& dataset) {
+    return CSLCount(dataset.GetMetadata("SUBDATASETS"));
+}
+
+/// @param number counted from 1; beyond the last one the name is empty
+std::wstring SubDatasetName(GDALDataset& dataset, int number) {
+    // Not every driver answers for a single item, so the value is looked up in the list.
+    const std::string key = "SUBDATASET_" + std::to_string(number) + "_NAME";
+    const char* name = CSLFetchNameValue(dataset.GetMetadata("SUBDATASETS"), key.c_str());
+    return name != nullptr ? CommonFun::M2U(name) : std::wstring();
+}
+
+} // namespace
+
+GDALDataset* CRasterSource::GDALOpenEx(const wchar_t* path, GISDataAccess access) {
+    m_filePath = path != nullptr ? path : L"";
+    m_fileName = CommonFun::GetFileNameWithExtension(m_filePath);
+    m_format = GetDataFormat(m_filePath.c_str());
+    if (m_dataset != nullptr)
+        Close();
+    if (m_format == RDF_ENVI)
+        m_filePath = CommonFun::getEnviDataFilePath(m_filePath);
+    if (!OpenStoredPath(access))
+        return nullptr;
+    m_description = CommonFun::M2U(m_dataset->GetDescription());
+    if (m_forDisplay)
+        ReadAssistantFile();
+    return m_dataset;
+}
+
+bool CRasterSource::OpenStoredPath(GISDataAccess access) {
+    const std::string path = CommonFun::U2M(m_filePath);
+    GISDataAccess obtained = GIS_READONLY;
+    if (access == GIS_UPDATE)
+        m_dataset = OpenRaster(path, GDAL_OF_UPDATE);
+    if (m_dataset != nullptr)
+        obtained = GIS_UPDATE;
+    else
+        m_dataset = OpenRaster(path, GDAL_OF_READONLY);
+    if (m_dataset != nullptr)
+        m_access = obtained;
+    return m_dataset != nullptr;
+}
+
+void CRasterSource::ReadAssistantFile() {
+    const std::wstring path = CommonFun::GetFileDirectory(m_filePath, true) +
+                              CommonFun::GetFileName(m_filePath) + L".acf";
+    CClassifiedAssistantFile file;
+    if (!file.ReadClassifiedAssistantFile(path))
+        return;
+    delete m_classifyTable;
+    m_classifyTable = file.CreateClassifyDisplayTable();
+    m_displayType = DISPLAY_CLASSIFIED;
+}
+
+GISError CRasterSource::SetUpOpened(bool allowWarp, bool lightBands) {
+    const GISError result = GetRasterInfo(allowWarp, lightBands);
+    if (m_forDisplay)
+        InitShowBandInfo();
+    return result;
+}
+
+std::wstring CRasterSource::CloseForFirstSubDataset() {
+    if (SubDatasetEntryCount(*m_dataset) == 0)
+        return {};
+    const std::wstring name = SubDatasetName(*m_dataset, 1);
+    Close();
+    return name;
+}
+
+GISError CRasterSource::Open(const wchar_t* path, GISDataAccess access, bool allowWarp) {
+    const OpeningPath opening(path);
+    m_allowWarp = allowWarp;
+    if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
+        return GIS_OPEN_FAILED;
+    const std::wstring subDataset = CloseForFirstSubDataset();
+    if (!IsOpened())
+        return Open(subDataset.c_str(), access, true);
+    return SetUpOpened(allowWarp, false);
+}
+
+GISError CRasterSource::OpenSimple(const wchar_t* path, GISDataAccess access, bool allowWarp) {
+    const OpeningPath opening(path);
+    m_allowWarp = allowWarp;
+    if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
+        return GIS_OPEN_FAILED;
+    const std::wstring subDataset = CloseForFirstSubDataset();
+    if (!IsOpened())
+        return OpenSimple(subDataset.c_str(), access, true);
+    return SetUpOpened(allowWarp, true);
+}
+
+GISError CRasterSource::OpenAndWarped(const wchar_t* path, GISDataAccess access,
+                                      const char* targetSrs) {
+    const OpeningPath opening(path);
+    m_allowWarp = true;
+    if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
+        return GIS_OPEN_FAILED;
+    const std::wstring subDataset = CloseForFirstSubDataset();
+    if (!IsOpened())
+        return OpenAndWarped(subDataset.c_str(), access, targetSrs);
+    if (!ShowInReference(targetSrs)) {
+        zelto::LogRaster(zelto::LOG_FAILURE, __LINE__, L"CRasterSource::OpenAndWarped",
+                         m_filePath + L" Warped VRT Creation failed.");
+        Close();
+        return GIS_OPEN_FAILED;
+    }
+    return SetUpOpened(true, false);
+}
+
+bool CRasterSource::ShowInReference(const char* targetSrs) {
+    // An empty text names no reference to go to.
+    if (targetSrs == nullptr || *targetSrs == '\0')
+        return true;
+    const auto target = zelto::ParseSpatialReference(targetSrs);
+    if (!target)
+        return false;
+    OGRSpatialReference source;
+    zelto::LoadSpatialReference(source, m_dataset->GetProjectionRef());
+    if (zelto::IsSameReference(source, *target))
+        return true;
+    return UseWarpedView(zelto::ExportToWkt(source), zelto::ExportToWkt(*target));
+}
+
+GISError CRasterSource::OpenAsDataset(const wchar_t* path, GISDataAccess access) {
+    const OpeningPath opening(path);
+    if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
+        return GIS_OPEN_FAILED;
+    // There are two entries for each sub-data-set, so the second half of the numbers finds none.
+    const int entries = SubDatasetEntryCount(*m_dataset);
+    for (int number = 1; number <= entries; ++number) {
+        const std::wstring name = SubDatasetName(*m_dataset, number);
+        if (name.empty())
+            continue;
+        auto sub = std::make_unique<CRasterSource>();
+        sub->SetForDisplay(m_forDisplay);
+        if (sub->OpenAsDataset(name.c_str(), access) == GIS_SUCCESS)
+            AddSubRaster(sub.release());
+    }
+    // A container need not have bands of its own.
+    SetUpOpened(true, false);
+    return GIS_SUCCESS;
+}
+
+GISError CRasterSource::Open(CDatasetOpenInfo info) {
+    if (info.GetSubFileCount() == 0)
+        return Open(info.m_fileName.c_str(), info.m_access, true);
+    if (GDALOpenEx(info.m_fileName.c_str(), info.m_access) == nullptr)
+        return GIS_OPEN_FAILED;
+    GetRasterInfo(true, false);
+    GISError result = GIS_FAILED;
+    for (const std::wstring& name : info.m_subFileNames) {
+        auto sub = std::make_unique<CRasterSource>();
+        sub->SetForDisplay(m_forDisplay);
+        if (sub->Open(name.c_str(), info.m_access, true) != GIS_SUCCESS)
+            continue;
+        AddSubRaster(sub.release());
+        result = GIS_SUCCESS;
+    }
+    if (info.m_mergeBands && !m_subRasters.empty())
+        MergeSubRasters();
+    if (m_forDisplay)
+        InitShowBandInfo();
+    return result;
+}
+
+void CRasterSource::AddSubRaster(CRasterSource* sub) {
+    m_hasSubRasters = true;
+    m_subRasters.push_back(sub);
+}
+
+void CRasterSource::MergeSubRasters() {
+    for (const CRasterSource* sub : m_subRasters)
+        m_bands.insert(m_bands.end(), sub->m_bands.begin(), sub->m_bands.end());
+    if (const CRasterBand* first = m_subRasters.front()->GetRasterBand(0))
+        m_dataType = first->GetDataType();
+    m_bandCount = static_cast<int>(m_bands.size());
+
+    const CRasterSource& last = *m_subRasters.back();
+    m_width = last.m_width;
+    m_height = last.m_height;
+    m_extent = last.m_extent;
+    std::copy_n(last.m_geoTransform, 6, m_geoTransform);
+    m_geoTransform[2] = 0.0;
+    m_geoTransform[4] = 0.0;
+    InvertGeoTransform();
+}
+
+GISError CRasterSource::Reopen(GISDataAccess access, bool lightBands) {
+    if (IsOpened())
+        Close();
+    // The access of the first opening stays on record.
+    const GISDataAccess recorded = m_access;
+    const bool opened = OpenStoredPath(access);
+    m_access = recorded;
+    if (!opened)
+        return GIS_OPEN_FAILED;
+    return GetRasterInfo(m_allowWarp, lightBands);
+}
+
+void CRasterSource::Close() {
+    DeleteOwnBands();
+    for (CRasterSource* sub : m_subRasters)
+        delete sub;
+    m_subRasters.clear();
+
+    // A warped view holds the file as well: the file's count must sink before the view, which
+    // then closes it.
+    if (m_baseDataset != nullptr)
+        GDALReleaseDataset(m_baseDataset);
+    m_baseDataset = nullptr;
+    if (m_dataset != nullptr)
+        GDALClose(m_dataset);
+    m_dataset = nullptr;
+
+    delete m_colorRamp;
+    m_colorRamp = nullptr;
+    delete m_classifyTable;
+    m_classifyTable = nullptr;
+    DeleteRGBCache();
+    ClearRGBShowHisDensity();
+}
+
+void CRasterSource::DeleteOwnBands() {
+    // Merged bands belong to the sub-rasters they came from.
+    for (const CRasterSource* sub : m_subRasters)
+        for (CRasterBand* band : sub->m_bands)
+            std::erase(m_bands, band);
+    for (CRasterBand* band : m_bands)
+        delete band;
+    m_bands.clear();
+}
