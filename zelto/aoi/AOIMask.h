@@ -51,6 +51,10 @@ class ZELTO_API CAOIMask {
   private:
     CAOIMask() = default;
     void SetGrid(const CBoundingBox& box, int width, int height);
+    void SetNothingInside();
     bool Initialize(OGRGeometry* geometry);
+    bool AllocateMask();
+    bool FillMask(unsigned char value);
+    bool BurnMask();
     bool IsOnClipped(double x, double y) const;
 };

@@ -63,16 +63,21 @@ class ZELTO_API CRasterAOI {
     friend class zelto::RasterAoiRows;
 
     CDrawShape* ConvertToRasterDrawShape(CDrawShape* shape);
+    CDrawShape* ConvertPolygon(const std::vector<CPoint2D>& vertices);
     bool IsInDrawShapes(int column, int row) const;
     bool IsInDrawShapes(const CPoint2D& p) const;
     /// Writes 1 for pixels in any shape and 0 for others, w × h bytes row by row from the pixel
     /// rectangle's top-left corner.
-    /// @return false when the host cancelled
+    /// @return false when the host cancelled, and for a null buffer
     bool RasterizeAoiToBuffer(unsigned char* buffer, int width, int height,
                               CDataProgress* progress) const;
-    /// The same into a new Byte raster of one band over GetExtent().
+    /// The same into a new Byte GeoTIFF of one band over GetExtent(), which is deleted with this
+    /// object.
     bool RasterizeAoiToFile(const wchar_t* path, int width, int height, CDataProgress* progress);
     void SetPixelBox();
+    bool IsOverPixelRect(double column, double row) const;
+    SpatialTopoRelation FirstRelation(CBoundingBox& box) const;
+    void ResetRows();
     void DeleteTemporaryRaster();
 
     CRasterSource* m_raster = nullptr;

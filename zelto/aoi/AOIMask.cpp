@@ -1,0 +1,137 @@
+#include "zelto/aoi/AOIMask.h"
+
+#include "zelto/aoi/AOISource.h"
+#include "zelto/aoi/internal/MaskRaster.h"
+#include "zelto/baselib/internal/Truncate.h"
+#include "zelto/geometry/OgrAlgorithm.h"
+
+#include <ogr_geometry.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <new>
+
+namespace {
+
+/// The box grown by one pixel on every side; a grid without pixels does not grow it.
+OGRPolygon MakeFrame(const CBoundingBox& box, double pixelWidth, double pixelHeight) {
+    const double dx = std::isfinite(pixelWidth) ? pixelWidth : 0.0;
+    const double dy = std::isfinite(pixelHeight) ? pixelHeight : 0.0;
+    OGRLinearRing ring;
+    ring.addPoint(box.m_left - dx, box.m_top + dy);
+    ring.addPoint(box.m_right + dx, box.m_top + dy);
+    ring.addPoint(box.m_right + dx, box.m_bottom - dy);
+    ring.addPoint(box.m_left - dx, box.m_bottom - dy);
+    ring.addPoint(box.m_left - dx, box.m_top + dy);
+    OGRPolygon frame;
+    frame.addRing(&ring);
+    return frame;
+}
+
+} // namespace
+
+CAOIMask* CAOIMask::Create(OGRGeometry* geometry, CBoundingBox box, int width, int height,
+                           int /*unused*/) {
+    if (geometry == nullptr)
+        return nullptr;
+    std::unique_ptr<CAOIMask> mask(new CAOIMask);
+    mask->SetGrid(box, width, height);
+    return mask->Initialize(geometry) ? mask.release() : nullptr;
+}
+
+CAOIMask::CAOIMask(CAOISource* aoi, CBoundingBox box, int width, int height) {
+    SetGrid(box, width, height);
+    if (aoi == nullptr)
+        return;
+    if (OGRGeometry* geometry = aoi->GetOGRGeometries())
+        Initialize(geometry);
+    else
+        SetNothingInside();
+}
+
+CAOIMask::~CAOIMask() {
+    delete[] m_mask;
+    delete m_clipped;
+}
+
+void CAOIMask::SetGrid(const CBoundingBox& box, int width, int height) {
+    m_box = box;
+    m_width = width;
+    m_height = height;
+    m_pixelWidth = std::fabs(box.m_right - box.m_left) / width;
+    m_pixelHeight = std::fabs(box.m_top - box.m_bottom) / height;
+}
+
+void CAOIMask::SetNothingInside() {
+    m_empty = true;
+    m_clipped = new OGRPolygon;
+}
+
+bool CAOIMask::Initialize(OGRGeometry* geometry) {
+    const OGRGeometryUniquePtr area(zelto::MergeSurfaces(*geometry));
+    const OGRPolygon frame = MakeFrame(m_box, m_pixelWidth, m_pixelHeight);
+    if (area->Contains(&frame))
+        return FillMask(1);
+    if (!frame.Intersects(area.get())) {
+        SetNothingInside();
+        return FillMask(0);
+    }
+    m_clipped = frame.Intersection(area.get());
+    if (m_clipped == nullptr)
+        m_clipped = new OGRPolygon;
+    return !m_clipped->IsEmpty() && BurnMask();
+}
+
+/// @return false, without a mask, for a grid without pixels and when memory is short
+bool CAOIMask::AllocateMask() {
+    if (m_width > 0 && m_height > 0)
+        m_mask = new (std::nothrow) unsigned char[static_cast<std::size_t>(m_width) *
+                                                  static_cast<std::size_t>(m_height)];
+    return m_mask != nullptr;
+}
+
+bool CAOIMask::FillMask(unsigned char value) {
+    if (!AllocateMask())
+        return false;
+    std::fill_n(m_mask, static_cast<std::size_t>(m_width) * static_cast<std::size_t>(m_height),
+                value);
+    return true;
+}
+
+bool CAOIMask::BurnMask() {
+    if (!AllocateMask())
+        return false;
+    const zelto::MaskGrid grid{m_box, m_width, m_height, m_pixelWidth, m_pixelHeight};
+    const std::unique_ptr<unsigned char[]> burnt(new (std::nothrow) unsigned char[grid.Size()]());
+    if (burnt != nullptr && zelto::BurnGeometry(*m_clipped, grid, burnt.get())) {
+        zelto::GrowByOnePixel(burnt.get(), m_mask, m_width, m_height);
+        return true;
+    }
+    delete[] m_mask;
+    m_mask = nullptr;
+    return false;
+}
+
+bool CAOIMask::IsOnClipped(double x, double y) const {
+    OGRPoint point(x, y);
+    return COgrAlgorithm::IsPointOnSurface(m_clipped, &point);
+}
+
+bool CAOIMask::IsPointIn(int column, int row) const {
+    if (column < 0 || column >= m_width || row < 0 || row >= m_height)
+        return false;
+    if (m_mask != nullptr)
+        return m_mask[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_width) +
+                      static_cast<std::size_t>(column)] != 0;
+    const double x = m_box.m_left + (column + 0.5) * m_pixelWidth;
+    const double y = m_box.m_top - (row + 0.5) * m_pixelHeight;
+    return m_clipped != nullptr ? IsOnClipped(x, y) : m_box.IsContain(x, y);
+}
+
+bool CAOIMask::IsPoint2DIn(double x, double y) const {
+    if (m_mask != nullptr)
+        return IsPointIn(zelto::TruncateToInt32((x - m_box.m_left) / m_pixelWidth),
+                         zelto::TruncateToInt32((m_box.m_top - y) / m_pixelHeight));
+    return m_clipped != nullptr ? IsOnClipped(x, y) : m_box.IsContain(x, y);
+}

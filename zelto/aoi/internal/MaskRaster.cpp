@@ -1,0 +1,107 @@
+#include "zelto/aoi/internal/MaskRaster.h"
+
+#include <gdal_alg.h>
+#include <gdal_priv.h>
+#include <ogr_geometry.h>
+
+#include <algorithm>
+
+namespace zelto {
+
+namespace {
+
+constexpr int STRIP_BYTES = 16777216;
+
+/// A one-band in-memory data set over the caller's bytes; null when GDAL has no such driver.
+GDALDatasetUniquePtr OpenOver(unsigned char* pixels, int width, int height) {
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("MEM");
+    if (driver == nullptr)
+        return nullptr;
+    GDALDatasetUniquePtr dataset(driver->Create("", width, height, 0, GDT_Byte, nullptr));
+    char pointer[64] = {};
+    CPLPrintPointer(pointer, pixels, sizeof(pointer) - 1);
+    CPLStringList options;
+    options.SetNameValue("DATAPOINTER", pointer);
+    if (dataset != nullptr && dataset->AddBand(GDT_Byte, options.List()) != CE_None)
+        dataset.reset();
+    return dataset;
+}
+
+bool BurnStrip(OGRGeometry& geometry, const MaskGrid& grid, int firstRow, int rows,
+               unsigned char* pixels) {
+    const auto dataset = OpenOver(pixels, grid.width, rows);
+    if (dataset == nullptr)
+        return false;
+    double geoTransform[6] = {
+        grid.box.m_left,  grid.pixelWidth, 0.0, grid.box.m_top - firstRow * grid.pixelHeight, 0.0,
+        -grid.pixelHeight};
+    dataset->SetGeoTransform(geoTransform);
+    int band = 1;
+    OGRGeometryH handle = OGRGeometry::ToHandle(&geometry);
+    double burn = 1.0;
+    const CPLErr result =
+        GDALRasterizeGeometries(GDALDataset::ToHandle(dataset.get()), 1, &band, 1, &handle, nullptr,
+                                nullptr, &burn, nullptr, nullptr, nullptr);
+    dataset->FlushCache();
+    return result == CE_None;
+}
+
+/// Adds copies of the polygons in `geometry` to `polygons`.
+/// @return false when there is anything else
+bool CollectPolygons(const OGRGeometry& geometry, OGRMultiPolygon& polygons) {
+    const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
+    if (type == wkbPolygon)
+        return polygons.addGeometry(&geometry) == OGRERR_NONE;
+    if (type != wkbMultiPolygon && type != wkbGeometryCollection)
+        return false;
+    const OGRGeometryCollection& members = *geometry.toGeometryCollection();
+    return std::all_of(members.begin(), members.end(), [&](const OGRGeometry* member) {
+        return CollectPolygons(*member, polygons);
+    });
+}
+
+} // namespace
+
+int MaskStripRows(int width, int height) {
+    return std::clamp(STRIP_BYTES / width, 1, height);
+}
+
+bool BurnGeometry(OGRGeometry& geometry, const MaskGrid& grid, unsigned char* pixels) {
+    const int stripRows = MaskStripRows(grid.width, grid.height);
+    for (int row = 0; row < grid.height; row += std::min(stripRows, grid.height - row)) {
+        const int rows = std::min(stripRows, grid.height - row);
+        unsigned char* strip = pixels + static_cast<std::size_t>(row) * grid.width;
+        if (!BurnStrip(geometry, grid, row, rows, strip))
+            return false;
+    }
+    return true;
+}
+
+void GrowByOnePixel(const unsigned char* burnt, unsigned char* grown, int width, int height) {
+    const auto stride = static_cast<std::size_t>(width);
+#pragma omp parallel for schedule(static)
+    for (int row = 0; row < height; ++row) {
+        const unsigned char* middle = burnt + static_cast<std::size_t>(row) * stride;
+        unsigned char* out = grown + static_cast<std::size_t>(row) * stride;
+        std::copy_n(middle, stride, out);
+        if (row == 0 || row == height - 1)
+            continue;
+        const unsigned char* above = middle - stride;
+        const unsigned char* below = middle + stride;
+        for (std::size_t c = 1; c + 1 < stride; ++c)
+            out[c] = above[c - 1] | above[c] | above[c + 1] | middle[c - 1] | middle[c] |
+                     middle[c + 1] | below[c - 1] | below[c] | below[c + 1];
+    }
+}
+
+OGRGeometry* MergeSurfaces(const OGRGeometry& geometry) {
+    const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
+    OGRMultiPolygon polygons;
+    if ((type == wkbMultiPolygon || type == wkbGeometryCollection) &&
+        CollectPolygons(geometry, polygons) && !polygons.IsEmpty())
+        if (OGRGeometry* merged = polygons.UnionCascaded())
+            return merged;
+    return geometry.clone();
+}
+
+} // namespace zelto

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "zelto/geometry/BoundingBox.h"
+
+#include <cstddef>
+
+class OGRGeometry;
+
+/// @file
+/// Burning a geometry into a byte grid, and growing what was burnt by one pixel.
+
+namespace zelto {
+
+/// A grid of pixels over a ground box, rows from the top.
+struct MaskGrid {
+    CBoundingBox box;
+    int width = 0;
+    int height = 0;
+    double pixelWidth = 0.0;  ///< ground units
+    double pixelHeight = 0.0; ///< ground units
+
+    std::size_t Size() const {
+        return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    }
+};
+
+/// Rows that are burnt at a time: as many as fit into 16 MiB, at least one.
+int MaskStripRows(int width, int height);
+
+/// Sets to 1 every pixel whose centre `geometry` covers; the others stay as they are.
+/// @param pixels width × height bytes
+/// @return false when GDAL refuses
+bool BurnGeometry(OGRGeometry& geometry, const MaskGrid& grid, unsigned char* pixels);
+
+/// Writes to `grown` a copy of `burnt` in which every pixel that touches a set one, also by a
+/// corner, is set. The outermost rows and columns are copied as they are.
+void GrowByOnePixel(const unsigned char* burnt, unsigned char* grown, int width, int height);
+
+/// A copy of `geometry` with overlapping and adjacent polygons of a collection merged, because
+/// a collection whose members overlap cannot be cut. A geometry that is no collection of
+/// surfaces, or that cannot be merged, is copied as it is. Owned by the caller.
+OGRGeometry* MergeSurfaces(const OGRGeometry& geometry);
+
+} // namespace zelto
