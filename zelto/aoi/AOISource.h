@@ -4,7 +4,10 @@
 #include "zelto/aoi/DrawShape.h"
 #include "zelto/vector/VectorSource.h"
 
+#include <memory>
 #include <vector>
+
+class OGRLinearRing;
 
 /// An area of interest: a set of closed shapes (rectangles, ellipses, polygons) that together
 /// mark a part of the ground. It is read from and written to the engine's own file (extension
@@ -110,6 +113,7 @@ class ZELTO_API CAOISource : public CVectorSource {
     GISError SaveAsAOIFile(const wchar_t* path);
     GISError SaveAsShapeFile(const wchar_t* path);
     void AddPolygons(const OGRGeometry* geometry);
+    void AddRing(const OGRLinearRing& ring);
+    void AddOwnShape(std::unique_ptr<CDrawShape> shape);
     void RebuildExtent();
-    void DeleteShapes();
 };

@@ -33,7 +33,8 @@ std::unique_ptr<CDrawShape> ReadRectangle(BinaryReader& reader, ShapeRecordUse u
     auto shape = std::make_unique<Shape>();
     shape->AddVertex(topLeft);
     shape->AddVertex(topLeft + CPoint2D(width, -height));
-    if (use == ShapeRecordUse::SAMPLE) {
+    // Taking the size from the corners rounds; a file that is read and written must not change.
+    if (use == ShapeRecordUse::SAMPLE || (width >= 0 && height >= 0)) {
         shape->m_topLeft = topLeft;
         shape->m_width = width;
         shape->m_height = height;

@@ -15,9 +15,9 @@ namespace zelto {
 
 /// What the two kinds of file do differently with the same record.
 enum class ShapeRecordUse {
-    /// Rectangles and ellipses are drawn anew from their corners, which may change width and
-    /// height in the last digit. The vertices of a polygon with fewer than three are not read,
-    /// so that what follows is read out of step.
+    /// Rectangles and ellipses are drawn anew from their corners: a negative width or height
+    /// becomes positive, others stay as they are. The vertices of a polygon with fewer than
+    /// three are not read, so that what follows is read out of step.
     AREA_OF_INTEREST,
     /// Every number is kept as it is, and polygons may have any number of vertices.
     SAMPLE,

@@ -1,0 +1,94 @@
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/vector/VectorLayer.h"
+#include "zelto/vector/internal/NewShapefile.h"
+
+#include <ogrsf_frmts.h>
+
+namespace {
+
+/// Whether the envelopes share at least a point; everything meets a null box.
+bool Meets(const OGRGeometry& geometry, const CBoundingBox* box) {
+    if (box == nullptr)
+        return true;
+    OGREnvelope envelope;
+    geometry.getEnvelope(&envelope);
+    return envelope.MinX <= box->m_right && box->m_bottom <= envelope.MaxY &&
+           box->m_left <= envelope.MaxX && envelope.MinY <= box->m_top;
+}
+
+void AddMeeting(const OGRGeometry& geometry, const CBoundingBox* box,
+                OGRGeometryCollection& collection) {
+    const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
+    if (type >= wkbPoint && type <= wkbPolygon) {
+        if (Meets(geometry, box))
+            collection.addGeometry(&geometry);
+    } else if (type >= wkbMultiPoint && type <= wkbGeometryCollection) {
+        for (const OGRGeometry* member : *geometry.toGeometryCollection())
+            if (Meets(*member, box))
+                collection.addGeometry(member);
+    }
+}
+
+bool CopyFields(OGRLayer& from, OGRLayer& to) {
+    const OGRFeatureDefn& fields = *from.GetLayerDefn();
+    for (int i = 0; i < fields.GetFieldCount(); ++i) {
+        OGRFieldDefn copy(fields.GetFieldDefn(i));
+        if (to.CreateField(&copy) != OGRERR_NONE)
+            return false;
+    }
+    return true;
+}
+
+/// Copies the feature with the identifier into a layer with the same fields.
+bool CopyFeature(OGRLayer& from, GIntBig identifier, OGRLayer& to) {
+    const OGRFeatureUniquePtr feature(from.GetFeature(identifier));
+    if (feature == nullptr)
+        return false;
+    OGRFeature copy(to.GetLayerDefn());
+    return copy.SetFrom(feature.get(), TRUE) == OGRERR_NONE &&
+           to.CreateFeature(&copy) == OGRERR_NONE;
+}
+
+} // namespace
+
+OGRGeometry* CVectorLayer::GetGeometries(CBoundingBox* box) {
+    auto* collection = new OGRGeometryCollection;
+    if (m_layer == nullptr)
+        return collection;
+    m_layer->ResetReading();
+    for (const OGRFeatureUniquePtr& feature : *m_layer)
+        if (const OGRGeometry* geometry = feature->GetGeometryRef())
+            AddMeeting(*geometry, box, *collection);
+    return collection;
+}
+
+bool CVectorLayer::CreateField(const wchar_t* name, VectorFieldType type) {
+    if (m_layer == nullptr || name == nullptr)
+        return false;
+    OGRFieldDefn field(CommonFun::U2M(name).c_str(), static_cast<OGRFieldType>(type));
+    return m_layer->CreateField(&field, TRUE) == OGRERR_NONE;
+}
+
+bool CVectorLayer::GetLayerFieldName(std::vector<std::string>& names) {
+    if (m_layer == nullptr)
+        return true;
+    const OGRFeatureDefn& fields = *m_layer->GetLayerDefn();
+    for (int i = 0; i < fields.GetFieldCount(); ++i)
+        names.emplace_back(fields.GetFieldDefn(i)->GetNameRef());
+    return true;
+}
+
+bool CVectorLayer::SaveSelectedGeometrys(std::string path, std::vector<int> indices) {
+    GDALAllRegister();
+    CPLSetConfigOption("GDAL_FILENAME_IS_UTF8", "NO");
+    if (m_layer == nullptr)
+        return false;
+    zelto::NewShapefile file(path);
+    OGRLayer* layer = file.CreateLayer("polygon", wkbPolygon);
+    if (layer == nullptr || !CopyFields(*m_layer, *layer))
+        return false;
+    for (int index : indices)
+        if (!CopyFeature(*m_layer, index, *layer))
+            return false;
+    return file.Commit();
+}
