@@ -1,10 +1,11 @@
 #include "zelto/aoi/DrawShape.h"
 
-#include "tests/aoi/Shapes.h"
-#include "tests/aoi/VirtualSlot.h"
 #include "zelto/aoi/DrawLine.h"
 #include "zelto/aoi/DrawMultiLine.h"
 #include "zelto/aoi/DrawPoint.h"
+
+#include "tests/aoi/Shapes.h"
+#include "tests/aoi/VirtualSlot.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
-#include "tests/aoi/Shapes.h"
 #include "zelto/aoi/DrawMultiLine.h"
+
+#include "tests/aoi/Shapes.h"
 
 #include <gtest/gtest.h>
 
