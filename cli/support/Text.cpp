@@ -25,7 +25,12 @@ std::string FormatNumber(double value) {
     if (std::isinf(value))
         return value > 0 ? "Infinity" : "-Infinity";
     char text[32];
-    const auto end = std::to_chars(text, text + sizeof text, value);
+    // 500000, not 5e+05; exponents only where digits would be many.
+    const double magnitude = std::abs(value);
+    const bool plain = value == 0.0 || (magnitude >= 1e-5 && magnitude < 1e15);
+    const auto end = plain
+                         ? std::to_chars(text, text + sizeof text, value, std::chars_format::fixed)
+                         : std::to_chars(text, text + sizeof text, value);
     return {text, end.ptr};
 }
 
