@@ -1,0 +1,165 @@
+#include "zelto/coordinate/CoordinateAlgorithm.h"
+
+#include "cli/Commands.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Json.h"
+#include "cli/support/SrsFacts.h"
+#include "cli/support/Table.h"
+
+#include <CLI/CLI.hpp>
+#include <cpl_error.h>
+
+#include <iostream>
+#include <memory>
+
+namespace zelto::cli {
+
+namespace {
+
+struct Options {
+    std::string srs;
+    std::string other;
+    int zone = 0;
+    int width = 0;
+    bool json = false;
+};
+
+/// "Semimajor Axis" → "semimajorAxis"
+std::string JsonKey(const std::string& label) {
+    std::string key;
+    bool upper = false;
+    for (const char c : label) {
+        if (c == ' ') {
+            upper = true;
+            continue;
+        }
+        const auto letter = static_cast<unsigned char>(c);
+        key += static_cast<char>(key.empty() ? std::tolower(letter)
+                                 : upper     ? std::toupper(letter)
+                                             : letter);
+        upper = false;
+    }
+    return key;
+}
+
+void Info(const Options& options) {
+    const SrsFacts system = DescribeSrs(options.srs);
+    if (!options.json) {
+        Table table({"kind", KindName(system.kind)});
+        if (!system.authority.empty())
+            table.AddRow({"authority", system.authority});
+        for (const SrsFact& fact : system.facts)
+            table.AddRow({fact.label, fact.Value()});
+        table.Print();
+        return;
+    }
+    Json json = {{"kind", KindName(system.kind)}, {"authority", system.authority}};
+    for (const SrsFact& fact : system.facts)
+        json[JsonKey(fact.label)] = fact.ToJson();
+    PrintJson(json);
+}
+
+struct Difference {
+    std::string label;
+    const SrsFact* first;
+    const SrsFact* second;
+};
+
+/// What the systems describe differently; a fact that only one has counts.
+std::vector<Difference> FindDifferences(const SrsFacts& a, const SrsFacts& b) {
+    std::vector<Difference> differences;
+    for (const SrsFact& fact : a.facts) {
+        const SrsFact* other = b.Find(fact.label);
+        if (other == nullptr || !fact.SameValue(*other))
+            differences.push_back({fact.label, &fact, other});
+    }
+    for (const SrsFact& fact : b.facts) {
+        if (a.Find(fact.label) == nullptr)
+            differences.push_back({fact.label, nullptr, &fact});
+    }
+    return differences;
+}
+
+void Compare(const Options& options) {
+    const SrsFacts a = DescribeSrs(options.srs);
+    const SrsFacts b = DescribeSrs(options.other);
+    const bool same =
+        CCoordinateAlgorithm::IsSameCoordinate(options.srs.c_str(), options.other.c_str());
+    const auto differences = FindDifferences(a, b);
+    if (options.json) {
+        Json json = {{"same", same}, {"differences", Json::array()}};
+        for (const Difference& d : differences)
+            json["differences"].push_back({{"what", JsonKey(d.label)},
+                                           {"first", d.first ? d.first->ToJson() : Json()},
+                                           {"second", d.second ? d.second->ToJson() : Json()}});
+        PrintJson(json);
+        return;
+    }
+    std::cout << (same ? "the same system\n" : "different systems\n");
+    if (differences.empty())
+        return;
+    Table table({same ? "described differently" : "difference", "first", "second"});
+    for (const Difference& d : differences)
+        table.AddRow(
+            {d.label, d.first ? d.first->Value() : "-", d.second ? d.second->Value() : "-"});
+    table.Print();
+}
+
+void GaussKruger(const Options& options) {
+    const int zones = 360 / options.width;
+    if (options.zone < 1 || options.zone > zones)
+        throw UsageError("--zone: zones of " + std::to_string(options.width) +
+                         " degrees are numbered from 1 to " + std::to_string(zones));
+    if (DescribeSrs(options.srs).kind == SrsKind::Other)
+        throw Failure(options.srs, "has no geographic system to build on");
+    const std::string wkt =
+        CCoordinateAlgorithm::NewChinaProjCS(options.srs.c_str(), options.zone, options.width);
+    if (wkt.empty())
+        throw Failure(options.srs, "the system cannot be written as WKT");
+    if (!options.json) {
+        std::cout << wkt << '\n';
+        return;
+    }
+    PrintJson({{"name", CCoordinateAlgorithm::GetCoordinateName(wkt.c_str())},
+               {"centralMeridian", DescribeSrs(wkt).Find("central_meridian")->ToJson()},
+               {"wkt", wkt}});
+}
+
+/// GDAL's own messages are part of the program's, not beside them.
+template <typename Function>
+void Quietly(Function work, const Options& options) {
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    work(options);
+}
+
+} // namespace
+
+void AddSrs(CLI::App& program) {
+    auto* srs = program.add_subcommand("srs", "describe, compare and build reference systems");
+    srs->require_subcommand(1);
+    srs->footer("A reference system is given as WKT, an authority code such as EPSG:4326, a PROJ\n"
+                "string or the name of a file that holds one of these.");
+    auto options = std::make_shared<Options>();
+
+    auto* info = srs->add_subcommand("info", "what a reference system is made of");
+    info->add_option("SRS", options->srs)->required();
+    info->add_flag("--json", options->json, "print JSON");
+    info->callback([options] { Quietly(Info, *options); });
+
+    auto* compare = srs->add_subcommand("compare", "whether two systems are the same, and why not");
+    compare->add_option("A", options->srs)->required();
+    compare->add_option("B", options->other)->required();
+    compare->add_flag("--json", options->json, "print JSON");
+    compare->callback([options] { Quietly(Compare, *options); });
+
+    auto* gk = srs->add_subcommand("gk", "a Gauss-Kruger system on a geographic one, as WKT");
+    gk->add_option("SRS", options->srs)->required();
+    gk->add_option("--zone", options->zone, "number of the zone, from 1")->required();
+    gk->add_option("--width", options->width, "width of the zones in degrees")
+        ->required()
+        ->check(CLI::IsMember({3, 6}));
+    gk->add_flag("--json", options->json, "print JSON");
+    gk->callback([options] { Quietly(GaussKruger, *options); });
+}
+
+} // namespace zelto::cli
