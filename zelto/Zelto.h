@@ -29,6 +29,8 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/coordinate/CoordinateTransformation.h"
 #include "zelto/coordinate/GeoGrid.h"
+#include "zelto/coordinate/ImageInfo.h"
+#include "zelto/coordinate/Reproject.h"
 #include "zelto/datasource/DataProgress.h"
 #include "zelto/datasource/DatasetOpenInfo.h"
 #include "zelto/datasource/Enumerations.h"
