@@ -1,4 +1,5 @@
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/SampleStatistics.h"
 #include "zelto/raster/internal/StatisticsBand.h"
 
@@ -26,7 +27,8 @@ int GridSide(int side, double factor) {
 bool CRasterBand::ComputeMinMax(double* min, double* max, bool useStored) {
     if (!m_storedMinMaxFixed && !useStored) {
         double range[2] = {0.0, 0.0};
-        if (m_band == nullptr || m_band->ComputeRasterMinMax(FALSE, range) != CE_None)
+        if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band) ||
+            m_band->ComputeRasterMinMax(FALSE, range) != CE_None)
             return false;
         StoreMinMax(range[0], range[1]);
     }
@@ -41,7 +43,7 @@ bool CRasterBand::ComputeStatics(double* min, double* max, double* mean, double*
     if (!useStored) {
         if (progress != nullptr)
             progress->BeginProgress(L"计算统计信息", 100);
-        if (m_band == nullptr)
+        if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band))
             return false;
         const zelto::StatisticsBand source(*m_band);
         if (source->ComputeStatistics(FALSE, &found[0], &found[1], &found[2], &found[3],
