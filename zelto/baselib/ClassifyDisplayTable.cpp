@@ -15,6 +15,23 @@ CClassifyDisplayTable::CClassifyDisplayTable(int itemCount) {
 
 void CClassifyDisplayTable::AddClassifyItem(const CClassifyDisplayItem& item) {
     m_items.push_back(item);
+    if (item.m_low < item.m_high)
+        Claim(item.m_low, item.m_high, m_items.size() - 1);
+}
+
+void CClassifyDisplayTable::Claim(double low, double high, std::size_t item) {
+    auto next = std::partition_point(m_segments.begin(), m_segments.end(),
+                                     [&](const Segment& s) { return s.high <= low; });
+    // What lies between the segments of earlier items is left for this one.
+    while (low < high) {
+        const double end = next == m_segments.end() ? high : std::min(high, next->low);
+        if (low < end)
+            next = m_segments.insert(next, {low, end, item}) + 1;
+        if (next == m_segments.end())
+            return;
+        low = next->high;
+        ++next;
+    }
 }
 
 const CClassifyDisplayItem* CClassifyDisplayTable::GetItem(int index) const {
@@ -23,10 +40,12 @@ const CClassifyDisplayItem* CClassifyDisplayTable::GetItem(int index) const {
 }
 
 const CClassifyDisplayItem* CClassifyDisplayTable::Find(double value) const {
-    const auto item = std::find_if(m_items.begin(), m_items.end(), [&](const auto& candidate) {
-        return candidate.Contains(value);
-    });
-    return item == m_items.end() ? nullptr : &*item;
+    // NaN is in no segment: it compares false with both ends.
+    const auto segment = std::partition_point(m_segments.begin(), m_segments.end(),
+                                              [&](const Segment& s) { return s.high <= value; });
+    const bool found =
+        segment != m_segments.end() && segment->low <= value && value < segment->high;
+    return found ? &m_items[segment->item] : nullptr;
 }
 
 bool CClassifyDisplayTable::GetColor(double value, unsigned char& red, unsigned char& green,

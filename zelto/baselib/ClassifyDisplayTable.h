@@ -3,6 +3,7 @@
 #include "zelto/Export.h"
 #include "zelto/baselib/ClassifyDisplayItem.h"
 
+#include <cstddef>
 #include <vector>
 
 /// Colours of the classes of a thematic display. A value belongs to the first class, in the
@@ -29,9 +30,20 @@ class ZELTO_API CClassifyDisplayTable {
     double GetMaxValue() const { return m_max; }
 
   private:
+    /// Values low ≤ v < high that belong to one item.
+    struct Segment {
+        double low = 0.0;
+        double high = 0.0;
+        std::size_t item = 0;
+    };
+
+    void Claim(double low, double high, std::size_t item);
     const CClassifyDisplayItem* Find(double value) const;
 
     std::vector<CClassifyDisplayItem> m_items;
+    /// The ranges without what earlier items took, disjoint and ascending: a colour is wanted
+    /// for every pixel.
+    std::vector<Segment> m_segments;
     double m_min = 0.0;
     double m_max = 0.0;
 };

@@ -49,6 +49,8 @@ void CBoundingBox::Recompute(CPoint2D p) {
 }
 
 void CBoundingBox::Combine(CBoundingBox* box) {
+    if (box == nullptr)
+        return;
     m_left = std::min(m_left, box->m_left);
     m_right = std::max(m_right, box->m_right);
     m_top = std::max(m_top, box->m_top);
@@ -66,13 +68,13 @@ bool CBoundingBox::Intersect(CBoundingBox* box) {
 }
 
 bool CBoundingBox::IsIntersect(CBoundingBox* box) const {
-    return !(box->m_left > m_right || m_bottom > box->m_top || m_left > box->m_right ||
-             box->m_bottom > m_top);
+    return box != nullptr && !(box->m_left > m_right || m_bottom > box->m_top ||
+                               m_left > box->m_right || box->m_bottom > m_top);
 }
 
 bool CBoundingBox::IsContain(CBoundingBox* box) const {
-    return m_left <= box->m_left && box->m_right <= m_right && m_bottom <= box->m_bottom &&
-           box->m_top <= m_top;
+    return box != nullptr && m_left <= box->m_left && box->m_right <= m_right &&
+           m_bottom <= box->m_bottom && box->m_top <= m_top;
 }
 
 bool CBoundingBox::IsContain(CPoint2D p) const {

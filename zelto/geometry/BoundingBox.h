@@ -46,17 +46,17 @@ class ZELTO_API CBoundingBox {
     /// moves only its left or only its right side. Seed the box with the first vertex.
     void Recompute(CPoint2D p);
 
-    /// Grows the box to include `*box` (not null).
+    /// Grows the box to include `*box`; null changes nothing.
     void Combine(CBoundingBox* box);
 
-    /// Clips this box to its overlap with `*box` (not null).
-    /// @return false, with this box unchanged, when they are disjoint.
+    /// Clips this box to its overlap with `*box`.
+    /// @return false, with this box unchanged, when they are disjoint and for null.
     bool Intersect(CBoundingBox* box);
 
-    /// Whether the boxes share at least a point.
+    /// Whether the boxes share at least a point; false for null.
     bool IsIntersect(CBoundingBox* box) const;
 
-    /// Whether `*box` (not null) lies inside this box.
+    /// Whether `*box` lies inside this box; false for null.
     bool IsContain(CBoundingBox* box) const;
     bool IsContain(CPoint2D p) const;
     bool IsContain(double x, double y) const;

@@ -86,7 +86,7 @@ bool COgrAlgorithm::IsPointOnSurface(OGRGeometry* geometry, OGRPoint* point) {
 int COgrAlgorithm::SaveGeometry(const char* path, OGRGeometry* geometry) {
     OGRRegisterAll();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("ESRI Shapefile");
-    if (driver == nullptr || path == nullptr || geometry == nullptr)
+    if (driver == nullptr || path == nullptr)
         return 1;
     GDALDatasetUniquePtr dataset(driver->Create(path, 0, 0, 0, GDT_Unknown, nullptr));
     OGRLayer* layer =

@@ -2,9 +2,12 @@
 
 #include "zelto/baselib/CommonFun.h"
 
-#include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,18 +26,32 @@ std::uint64_t CountRemaining(std::istream& stream) {
     return stream && end > here ? static_cast<std::uint64_t>(end - here) : 0;
 }
 
-/// Creates an empty file of a new name beside `path`, with the permissions a new file gets.
+/// The file a path leads to: links stay links when their target is replaced.
+std::string ResolveLinks(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr),
+                                                               &std::free);
+    return resolved ? resolved.get() : path;
+}
+
+/// Creates an empty file of a new name beside `path`, with the permissions of the file there or
+/// else those a new file gets.
 /// @return its name, empty when the folder does not allow it
 std::string CreateTemporaryBeside(const std::string& path) {
-    std::string name = path + ".XXXXXX";
-    const int file = mkstemp(name.data());
+    static std::atomic<unsigned> counter = 0;
+    // A short name of its own: the file's with something added could be too long.
+    const std::string stem =
+        path.substr(0, path.rfind('/') + 1) + ".zelto-" + std::to_string(getpid()) + '-';
+    std::string name;
+    int file = -1;
+    do {
+        name = stem + std::to_string(counter++);
+        file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    } while (file < 0 && errno == EEXIST);
     if (file < 0)
         return {};
     struct stat old {};
-    const mode_t mask = umask(0);
-    umask(mask);
-    const bool replaces = stat(path.c_str(), &old) == 0;
-    fchmod(file, replaces ? old.st_mode & 07777U : 0666U & ~mask);
+    if (stat(path.c_str(), &old) == 0)
+        fchmod(file, old.st_mode & 07777U);
     close(file);
     return name;
 }
@@ -73,7 +90,8 @@ void BinaryWriter::Write(std::span<const unsigned char> bytes) {
                    static_cast<std::streamsize>(bytes.size()));
 }
 
-ReplacementFile::ReplacementFile(const std::wstring& path) : m_path(CommonFun::U2M(path)) {
+ReplacementFile::ReplacementFile(const std::wstring& path)
+    : m_path(ResolveLinks(CommonFun::U2M(path))) {
     if (m_path.empty() || !CanBeReplaced(m_path))
         return;
     m_temporaryPath = CreateTemporaryBeside(m_path);
