@@ -3,19 +3,20 @@
 #include <cstdint>
 #include <limits>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 /// @file
 /// Truncation of doubles toward zero with a defined result for every input: NaN and values
 /// that do not fit give the most negative integer, as the x86-64 conversions do.
 
 namespace zelto {
 
+// The instruction itself rather than its intrinsic: compilers fold the intrinsic's constant
+// arguments to the nearest integer that fits.
+
 inline std::int64_t TruncateToInt64(double value) {
-#if defined(__SSE2__) && defined(__x86_64__)
-    return _mm_cvttsd_si64(_mm_set_sd(value));
+#if defined(__x86_64__) && defined(__GNUC__)
+    std::int64_t result;
+    asm("cvttsd2si %1, %0" : "=r"(result) : "x"(value));
+    return result;
 #else
     constexpr double LIMIT = 9223372036854775808.0; // 2^63
     if (value >= -LIMIT && value < LIMIT)
@@ -25,8 +26,10 @@ inline std::int64_t TruncateToInt64(double value) {
 }
 
 inline std::int32_t TruncateToInt32(double value) {
-#if defined(__SSE2__)
-    return _mm_cvttsd_si32(_mm_set_sd(value));
+#if defined(__x86_64__) && defined(__GNUC__)
+    std::int32_t result;
+    asm("cvttsd2si %1, %0" : "=r"(result) : "x"(value));
+    return result;
 #else
     if (value > -2147483649.0 && value < 2147483648.0)
         return static_cast<std::int32_t>(value);
