@@ -16,5 +16,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZeltoConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/ZeltoConfig.cmake ${PROJECT_BINARY_DIR}/ZeltoConfigVersion.cmake
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zelto)
 
+file(RELATIVE_PATH ZELTO_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+string(REGEX REPLACE "/$" "" ZELTO_PC_TO_PREFIX "${ZELTO_PC_TO_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zelto.pc.in ${PROJECT_BINARY_DIR}/zelto.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zelto.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
