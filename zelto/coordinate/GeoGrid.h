@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelto/Export.h"
+#include "zelto/geometry/Point2D.h"
 
 #include <vector>
 
@@ -73,6 +74,11 @@ class ZELTO_API CGeoGrid {
     const double* GetCoefficients() const {
         return m_coefficients.empty() ? nullptr : m_coefficients.data();
     }
+
+    /// What is taken off x and y before the polynomials are evaluated; (0, 0) unless centred.
+    CPoint2D GetInputCentre() const { return {m_inputCentreX, m_inputCentreY}; }
+    /// What is added to the polynomials' column and row.
+    CPoint2D GetOutputCentre() const { return {m_outputCentreX, m_outputCentreY}; }
 
   private:
     bool ComputePoly1Coef(int count, double* inX, double* inY, double* outX, double* outY);
