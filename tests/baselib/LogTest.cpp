@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
-#include <regex>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -35,6 +36,17 @@ std::wstring Logged(const wchar_t* format, Arguments... arguments) {
     RecordingLog log;
     log.WriteLog(3, L"File", 1, L"Function", format, arguments...);
     return log.m_messages.empty() ? L"(nothing)" : log.m_messages.front().text;
+}
+
+/// The lines with every digit of the time at their start replaced.
+std::string WithoutDigitsOfTimes(const std::string& text) {
+    std::istringstream lines(text);
+    std::string result;
+    for (std::string line; std::getline(lines, line); result += line + '\n')
+        for (std::size_t i = 0; i < std::min<std::size_t>(line.size(), 19); ++i)
+            if (line[i] >= '0' && line[i] <= '9')
+                line[i] = '#';
+    return result;
 }
 
 } // namespace
@@ -101,12 +113,9 @@ TEST(FileLog, AppendsOneUtf8LinePerMessage) {
     CFileLog log(folder.WideFile("日志.txt"));
     log.WriteLog(3, L"RasterBand", 12, L"CRasterBand::Read", L"影像 %d", 5);
     log.WriteLog(4, L"AOISource", 9, L"f", L"second");
-    const std::string text = zelto::test::ReadFile(folder.File("日志.txt"));
-    const std::string time = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d )";
-    EXPECT_TRUE(std::regex_match(
-        text, std::regex(time + R"(\[3\] RasterBand:12 CRasterBand::Read: 影像 5\n)" + time +
-                         R"(\[4\] AOISource:9 f: second\n)")))
-        << text;
+    EXPECT_EQ(WithoutDigitsOfTimes(zelto::test::ReadFile(folder.File("日志.txt"))),
+              "####-##-## ##:##:## [3] RasterBand:12 CRasterBand::Read: 影像 5\n"
+              "####-##-## ##:##:## [4] AOISource:9 f: second\n");
 }
 
 TEST(FileLog, AFileThatCannotBeWrittenLosesTheMessage) {
