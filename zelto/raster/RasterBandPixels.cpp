@@ -45,7 +45,9 @@ GISError CRasterBand::WriteBlock(int xOff, int yOff, int xSize, int ySize, void*
     const GISError result = TransferBlock(
         m_band, GF_Write,
         {xOff, yOff, xSize, ySize, buffer, bufWidth, bufHeight, type, pixelSpace, lineSpace});
-    FlushCache();
+    // Blocks reach the file only now, so that this may be where a full disk shows.
+    if (m_band != nullptr && m_band->FlushCache() != CE_None)
+        return GIS_FAILED;
     return result;
 }
 
