@@ -17,6 +17,10 @@ class GDALDataset;
 class GDALDriver;
 class OGRSpatialReference;
 
+namespace zelto {
+struct RasterLayout;
+}
+
 /// A raster file (or a warped view of one) with its bands, pixel grid, georeferencing and
 /// display settings.
 ///
@@ -283,6 +287,13 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     void ReadBands(bool lightBands);
     /// Whether a pixel lies in the raster.
     bool IsInside(int col, int row) const;
+    /// Creates the raster at the stored path, keeps it open and reads its information.
+    /// @param geoTransform,wkt null: not written
+    GISError CreateAtStoredPath(GDALDriver& driver, const zelto::RasterLayout& layout,
+                                double* geoTransform, const char* wkt, char** options);
+    /// Closes the source and deletes the pyramid beside a PCIDSK file, when there is one.
+    void RemovePcidskSideFiles();
+    static GISError WriteGeoTransform(GDALDataset& dataset, double* geoTransform);
     GISError BuildOverviews(GDALDataset* dataset, const char* resampling, int bandCount,
                             int* bandList, CDataProgress* progress);
     /// Applies the transparency to the alpha bytes of an interleaved image already drawn.

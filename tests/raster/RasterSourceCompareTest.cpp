@@ -1,0 +1,138 @@
+#include "zelto/raster/RasterSource.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+/// A geographic system spelled out.
+struct Geographic {
+    std::string name = "My system";
+    std::string datum = "My_datum";
+    std::string axis = "6378245";
+    std::string flattening = "298.3";
+    std::string shift = {}; ///< seven numbers
+    std::string meridian = "0";
+    std::string unit = "0.0174532925199433";
+
+    std::string Wkt() const {
+        return "GEOGCS[\"" + name + "\",DATUM[\"" + datum + "\",SPHEROID[\"My ball\"," + axis +
+               "," + flattening + "]" + (shift.empty() ? "" : ",TOWGS84[" + shift + "]") +
+               "],PRIMEM[\"Origin\"," + meridian + "],UNIT[\"angle\"," + unit + "]]";
+    }
+};
+
+std::string Projected(const std::string& projection, const std::string& meridian,
+                      const std::string& unit = "1") {
+    return "PROJCS[\"My grid\"," + Geographic().Wkt() + ",PROJECTION[\"" + projection +
+           "\"],PARAMETER[\"latitude_of_origin\",0],PARAMETER[\"central_meridian\"," + meridian +
+           "],PARAMETER[\"scale_factor\",1],PARAMETER[\"false_easting\",500000],"
+           "PARAMETER[\"false_northing\",0],UNIT[\"length\"," +
+           unit + "]]";
+}
+
+bool Same(const std::string& first, const std::string& second, bool vertical = true) {
+    CRasterSource a;
+    CRasterSource b;
+    a.SetProjection(first.c_str());
+    b.SetProjection(second.c_str());
+    const bool result = CRasterSource::IsSameSpatialReference(&a, &b, vertical);
+    EXPECT_EQ(CRasterSource::IsSameSpatialReference(&b, &a, vertical), result) << "not symmetric";
+    return result;
+}
+
+bool SameAsPlain(const Geographic& other) {
+    return Same(Geographic().Wkt(), other.Wkt());
+}
+
+} // namespace
+
+TEST(CompareReferences, IdenticalTextsAreTheSame) {
+    EXPECT_TRUE(Same("EPSG:4326", "EPSG:4326"));
+    EXPECT_TRUE(Same("", ""));
+    EXPECT_TRUE(Same("no reference at all", "no reference at all"));
+    EXPECT_FALSE(Same("EPSG:4326", ""));
+    CRasterSource source;
+    EXPECT_FALSE(CRasterSource::IsSameSpatialReference(&source, nullptr, true));
+    EXPECT_FALSE(CRasterSource::IsSameSpatialReference(nullptr, &source, true));
+}
+
+TEST(CompareReferences, NamesOfSystemsDoNotCountButDatumNamesDo) {
+    EXPECT_TRUE(SameAsPlain({.name = "Another name"}));
+    EXPECT_TRUE(SameAsPlain({.datum = "MY_DATUM"}));
+    EXPECT_FALSE(SameAsPlain({.datum = "Your_datum"}));
+    EXPECT_FALSE(Same("EPSG:4326", "EPSG:4490"));
+    EXPECT_FALSE(Same("EPSG:4214", "EPSG:4610"));
+}
+
+TEST(CompareReferences, DatumShiftsAgreeWithinOneHundredThousandth) {
+    const Geographic shifted = {.shift = "22,-118,30.5,0,0,0,0"};
+    EXPECT_FALSE(SameAsPlain(shifted));
+    EXPECT_TRUE(SameAsPlain({.shift = "0,0,0,0,0,0,0"}));
+    EXPECT_TRUE(Same(shifted.Wkt(), Geographic{.shift = "22.000009,-118,30.5,0,0,0,0"}.Wkt()));
+    EXPECT_FALSE(Same(shifted.Wkt(), Geographic{.shift = "22.00002,-118,30.5,0,0,0,0"}.Wkt()));
+    EXPECT_FALSE(Same(shifted.Wkt(), Geographic{.shift = "22,-118,30.5,0,0,0,0.1"}.Wkt()));
+}
+
+TEST(CompareReferences, PrimeMeridiansAgreeExactly) {
+    EXPECT_TRUE(SameAsPlain({.meridian = "0.0"}));
+    EXPECT_FALSE(SameAsPlain({.meridian = "2.33722917"}));
+}
+
+TEST(CompareReferences, AngularUnitsAgreeWithinOneHundredMillionth) {
+    EXPECT_TRUE(SameAsPlain({.unit = "0.0174532925"}));
+    EXPECT_FALSE(SameAsPlain({.unit = "0.0174533925199433"}));
+    EXPECT_FALSE(SameAsPlain({.unit = "0.0157079632679489"}));
+}
+
+TEST(CompareReferences, SpheroidsAgreeWithinTheirTolerances) {
+    EXPECT_TRUE(SameAsPlain({.axis = "6378245.009"}));
+    EXPECT_FALSE(SameAsPlain({.axis = "6378245.02"}));
+    EXPECT_TRUE(SameAsPlain({.flattening = "298.30009"}));
+    EXPECT_FALSE(SameAsPlain({.flattening = "298.3002"}));
+}
+
+TEST(CompareReferences, TransverseMercatorAndGaussKrugerAreOneProjection) {
+    EXPECT_TRUE(Same(Projected("Transverse_Mercator", "117"), Projected("Gauss_Kruger", "117")));
+    EXPECT_FALSE(Same(Projected("Transverse_Mercator", "117"), Projected("Mercator_1SP", "117")));
+}
+
+TEST(CompareReferences, EveryProjectionParameterCounts) {
+    EXPECT_TRUE(
+        Same(Projected("Transverse_Mercator", "117"), Projected("Transverse_Mercator", "117.0")));
+    EXPECT_FALSE(
+        Same(Projected("Transverse_Mercator", "117"), Projected("Transverse_Mercator", "120")));
+    EXPECT_FALSE(Same("EPSG:32650", "EPSG:32651"));
+    EXPECT_FALSE(Same("EPSG:32650", "EPSG:4326"));
+}
+
+TEST(CompareReferences, LinearUnitsMayDifferByABillionth) {
+    const std::string metre = Projected("Transverse_Mercator", "117");
+    EXPECT_TRUE(Same(metre, Projected("Transverse_Mercator", "117", "1.00000000001")));
+    EXPECT_FALSE(Same(metre, Projected("Transverse_Mercator", "117", "1.00000001")));
+    EXPECT_FALSE(Same(metre, Projected("Transverse_Mercator", "117", "0.3048")));
+}
+
+TEST(CompareReferences, VerticalSystemsCountWhenAsked) {
+    EXPECT_TRUE(Same("EPSG:32650+5773", "EPSG:32650+5773"));
+    EXPECT_FALSE(Same("EPSG:32650+5773", "EPSG:32650+5703"));
+    EXPECT_FALSE(Same("EPSG:32650+5773", "EPSG:32650"));
+    EXPECT_TRUE(Same("EPSG:32650+5773", "EPSG:32650", false));
+    EXPECT_TRUE(Same("EPSG:32650+5773", "EPSG:32650+5703", false));
+}
+
+TEST(CompareReferences, TwoSourcesCompareTheirHandles) {
+    CRasterSource a;
+    CRasterSource b;
+    EXPECT_FALSE(a.IsSameSpatialReference(&b)) << "two empties";
+    EXPECT_FALSE(a.IsSameSpatialReference(nullptr));
+    a.SetProjection("EPSG:4547");
+    b.SetProjection("EPSG:4547");
+    EXPECT_TRUE(a.IsSameSpatialReference(&b));
+    EXPECT_TRUE(a.IsSameSpatialReference(&a));
+    b.SetProjection("EPSG:4548");
+    EXPECT_FALSE(a.IsSameSpatialReference(&b));
+    b.SetProjection("");
+    EXPECT_FALSE(a.IsSameSpatialReference(&b));
+}

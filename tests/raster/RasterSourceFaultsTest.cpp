@@ -1,0 +1,177 @@
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+
+#include "tests/support/RasterFile.h"
+#include "tests/support/RecordingLog.h"
+#include "tests/support/RecordingProgress.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sys/mount.h>
+#include <unistd.h>
+
+using zelto::test::Pixels;
+using zelto::test::ReadBand;
+using zelto::test::ReadFile;
+using zelto::test::RecordingLog;
+using zelto::test::TemporaryFolder;
+using zelto::test::WriteFile;
+using zelto::test::WriteRaster;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uid_t NOBODY = 65534;
+
+/// Gives up the right to write everywhere, which root has, while it lives.
+class WithoutPrivileges {
+  public:
+    WithoutPrivileges() : m_former(geteuid()) {
+        if (m_former == 0)
+            m_dropped = seteuid(NOBODY) == 0;
+    }
+    ~WithoutPrivileges() {
+        if (m_dropped && seteuid(m_former) != 0)
+            std::abort();
+    }
+    WithoutPrivileges(const WithoutPrivileges&) = delete;
+    WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
+
+  private:
+    uid_t m_former;
+    bool m_dropped = false;
+};
+
+/// A file system of one megabyte, where this user may mount one.
+class SmallDisk {
+  public:
+    explicit SmallDisk(const fs::path& place) : m_place(place) {
+        fs::create_directory(place);
+        m_mounted = mount("tmpfs", place.c_str(), "tmpfs", 0, "size=1m") == 0;
+    }
+    ~SmallDisk() {
+        if (m_mounted)
+            umount(m_place.c_str());
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+    bool IsMounted() const { return m_mounted; }
+
+  private:
+    fs::path m_place;
+    bool m_mounted = false;
+};
+
+GISError Create(CRasterSource& source, const std::wstring& path, int width = 4, int height = 4) {
+    return source.CreateRaster(RDF_GTiff, path.c_str(), width, height, 1, PDT_Byte, nullptr,
+                               nullptr, nullptr);
+}
+
+void ExpectDeletionMessage(const RecordingLog& log, const wchar_t* function,
+                           const std::wstring& path) {
+    ASSERT_EQ(log.m_records.size(), 1U);
+    EXPECT_EQ(log.m_records[0].level, 2);
+    EXPECT_EQ(log.m_records[0].file, L"RasterSource");
+    EXPECT_EQ(log.m_records[0].function, function);
+    EXPECT_EQ(log.m_records[0].message,
+              L"删除已存在的文件失败: " + path + L"，可能文件已经打开，或者无权限删除文件！");
+}
+
+} // namespace
+
+TEST(CreationFaults, AFileThatGdalCannotDeleteStaysAndIsNamed) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 4, .height = 4}, {Pixels(16, 1.0)});
+    const std::string cut = ReadFile(folder.Path() / "a.tif").substr(0, 30);
+    WriteFile(folder.Path() / "a.tif", cut);
+    for (const bool general : {false, true}) {
+        const RecordingLog log;
+        CRasterSource source;
+        EXPECT_EQ(source.CreateRaster(general ? RDF_HFA : RDF_GTiff,
+                                      folder.WideFile("a.tif").c_str(), 4, 4, 1, PDT_Byte, nullptr,
+                                      nullptr, nullptr),
+                  GIS_FAILED);
+        ExpectDeletionMessage(
+            log, general ? L"CRasterSource::CreateRaster" : L"CRasterSource::CreateGTiffRaster",
+            folder.WideFile("a.tif"));
+        EXPECT_EQ(ReadFile(folder.Path() / "a.tif"), cut);
+    }
+}
+
+TEST(CreationFaults, AFolderWithoutTheRightToWriteKeepsItsFile) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 4, .height = 4}, {Pixels(16, 1.0)});
+    const std::string bytes = ReadFile(folder.Path() / "a.tif");
+    fs::permissions(folder.Path(), fs::perms(0555));
+    {
+        const CRasterSource keepsGdalAlive;
+        const WithoutPrivileges unprivileged;
+        const RecordingLog log;
+        CRasterSource source;
+        EXPECT_EQ(Create(source, folder.WideFile("a.tif")), GIS_FAILED);
+        ExpectDeletionMessage(log, L"CRasterSource::CreateGTiffRaster", folder.WideFile("a.tif"));
+        EXPECT_EQ(Create(source, folder.WideFile("new.tif")), GIS_FAILED);
+        EXPECT_EQ(CRasterSource::DeleteFileW(folder.WideFile("a.tif").c_str()), GIS_FAILED);
+        // Unreadable and unwritable files open as far as the rights go.
+        EXPECT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+        EXPECT_EQ(source.GetAccess(), GIS_READONLY);
+    }
+    fs::permissions(folder.Path(), fs::perms(0755));
+    EXPECT_EQ(ReadFile(folder.Path() / "a.tif"), bytes);
+    EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.tif"});
+}
+
+TEST(CreationFaults, AMissingFolderFails) {
+    const TemporaryFolder folder;
+    CRasterSource source;
+    EXPECT_EQ(Create(source, folder.WideFile("missing/a.tif")), GIS_FAILED);
+    EXPECT_FALSE(source.IsOpened());
+    EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(CreationFaults, AFileOpenElsewhereIsReplacedAndTheOtherSourceReadsOn) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 4, .height = 4}, {Pixels(16, 1.0)});
+    CRasterSource reader;
+    ASSERT_EQ(reader.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    CRasterSource writer;
+    EXPECT_EQ(Create(writer, folder.WideFile("a.tif"), 8, 8), GIS_SUCCESS);
+    unsigned char value = 0;
+    EXPECT_EQ(reader.GetPixel(&value, 3, 3, PDT_Byte), GIS_SUCCESS);
+    EXPECT_EQ(value, 1);
+    writer.Close();
+    ASSERT_EQ(reader.Reopen(GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(reader.GetWidth(), 8);
+}
+
+TEST(CreationFaults, AFullDiskMakesWritingFail) {
+    const TemporaryFolder folder;
+    const SmallDisk disk(folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount a small file system";
+    CRasterSource source;
+    ASSERT_EQ(Create(source, folder.WideFile("disk/a.tif"), 2000, 2000), GIS_SUCCESS);
+    std::vector<unsigned char> pixels(4000000, 5);
+    EXPECT_EQ(source.GetRasterBand(0)->WriteBlock(0, 0, 2000, 2000, pixels.data(), 2000, 2000,
+                                                  PDT_Byte, 0, 0),
+              GIS_FAILED);
+    source.Close();
+    EXPECT_FALSE(source.IsOpened());
+}
+
+TEST(CreationFaults, AFullDiskMakesAPyramidFailAndTheImageStaysWhole) {
+    const TemporaryFolder folder;
+    const SmallDisk disk(folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount a small file system";
+    WriteRaster(folder.File("disk/a.tif"), {.width = 950, .height = 1000}, {Pixels(950000, 3.0)});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("disk/a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_FAILED);
+    source.Close();
+    EXPECT_EQ(ReadBand(folder.File("disk/a.tif"), 1), Pixels(950000, 3.0));
+}

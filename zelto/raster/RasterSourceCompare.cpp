@@ -1,0 +1,116 @@
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/SpatialReference.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+bool IsSameName(const char* a, const char* b) {
+    if (a == nullptr || b == nullptr)
+        return a == b;
+    return EQUAL(a, b);
+}
+
+/// A numeric element of a node, `fallback` when the reference has none.
+double Number(const OGRSpatialReference& reference, const char* node, int element,
+              const char* fallback) {
+    const char* text = reference.GetAttrValue(node, element);
+    return CPLAtof(text != nullptr ? text : fallback);
+}
+
+bool IsSameDatumShift(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    std::array<double, 7> shiftA = {};
+    std::array<double, 7> shiftB = {};
+    // A reference without a shift leaves the zeros.
+    a.GetTOWGS84(shiftA.data(), 7);
+    b.GetTOWGS84(shiftB.data(), 7);
+    for (std::size_t i = 0; i < shiftA.size(); ++i)
+        if (std::fabs(shiftA[i] - shiftB[i]) > 1e-5)
+            return false;
+    return true;
+}
+
+bool IsSameSpheroid(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    const char* const none = "0.0";
+    return std::fabs(Number(a, "SPHEROID", 1, none) - Number(b, "SPHEROID", 1, none)) <= 0.01 &&
+           std::fabs(Number(a, "SPHEROID", 2, none) - Number(b, "SPHEROID", 2, none)) <= 0.0001;
+}
+
+bool IsSameGeographicPart(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    if (!IsSameName(a.GetAttrValue("DATUM"), b.GetAttrValue("DATUM")) || !IsSameDatumShift(a, b))
+        return false;
+    if (Number(a, "PRIMEM", 1, "0.0") != Number(b, "PRIMEM", 1, "0.0"))
+        return false;
+    const char* const degree = "0.0174532925199433";
+    if (std::fabs(Number(a, "GEOGCS|UNIT", 1, degree) - Number(b, "GEOGCS|UNIT", 1, degree)) > 1e-8)
+        return false;
+    return IsSameSpheroid(a, b);
+}
+
+/// Two names of the same projection count as one.
+const char* ProjectionName(const OGRSpatialReference& reference) {
+    const char* name = reference.GetAttrValue("PROJECTION");
+    return name != nullptr && EQUAL(name, "Gauss_Kruger") ? "Transverse_Mercator" : name;
+}
+
+/// Whether every projection parameter of `a` has the same value in `b`.
+bool HasParametersOf(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    const OGR_SRSNode* system = a.GetAttrNode("PROJCS");
+    for (int i = 0; system != nullptr && i < system->GetChildCount(); ++i) {
+        const OGR_SRSNode* node = system->GetChild(i);
+        if (!EQUAL(node->GetValue(), "PARAMETER") || node->GetChildCount() < 2)
+            continue;
+        const char* name = node->GetChild(0)->GetValue();
+        if (a.GetProjParm(name) != b.GetProjParm(name))
+            return false;
+    }
+    return true;
+}
+
+bool IsSameProjection(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    if (!IsSameName(ProjectionName(a), ProjectionName(b)) || !HasParametersOf(a, b) ||
+        !HasParametersOf(b, a))
+        return false;
+    const double ratio = b.GetLinearUnits() / a.GetLinearUnits();
+    return ratio > 0.9999999999 && ratio < 1.000000001;
+}
+
+/// Geographic, projected and local systems are never the same as one of another kind.
+bool IsSameKind(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    return a.IsEmpty() == b.IsEmpty() && (a.IsGeographic() != 0) == (b.IsGeographic() != 0) &&
+           (a.IsProjected() != 0) == (b.IsProjected() != 0) &&
+           (a.IsLocal() != 0) == (b.IsLocal() != 0);
+}
+
+bool IsSameVertically(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    if (a.IsVertical() == 0 && b.IsVertical() == 0)
+        return true;
+    return a.IsVertical() != 0 && b.IsVertical() != 0 && a.IsSameVertCS(&b) != 0;
+}
+
+} // namespace
+
+bool CRasterSource::IsSameSpatialReference(CRasterSource* other) {
+    if (other == nullptr || m_spatialReference == nullptr || other->m_spatialReference == nullptr)
+        return false;
+    return zelto::IsSameReference(*m_spatialReference, *other->m_spatialReference);
+}
+
+bool CRasterSource::IsSameSpatialReference(CRasterSource* a, CRasterSource* b,
+                                           bool compareVertical) {
+    if (a == nullptr || b == nullptr)
+        return false;
+    if (CommonFun::StrIsSame(a->m_wkt, b->m_wkt))
+        return true;
+    if (a->m_spatialReference == nullptr || b->m_spatialReference == nullptr)
+        return false;
+    const OGRSpatialReference& first = *a->m_spatialReference;
+    const OGRSpatialReference& second = *b->m_spatialReference;
+    if (!IsSameKind(first, second) || !IsSameGeographicPart(first, second))
+        return false;
+    if (first.IsProjected() != 0 && !IsSameProjection(first, second))
+        return false;
+    return !compareVertical || IsSameVertically(first, second);
+}
