@@ -106,6 +106,10 @@ std::string Rounded(double value) {
     return {text, end.ptr};
 }
 
+std::string Centred(const std::string& name, double centre) {
+    return centre == 0.0 ? name : name + " - " + FormatNumber(centre);
+}
+
 void PrintTables(const Options& options, const Residuals& residuals, const CGeoGrid& grid) {
     Table table({"residual (pixels)", "column", "row"});
     table.AddRow({"rms", Rounded(residuals.RmsColumn()), Rounded(residuals.RmsRow())});
@@ -114,10 +118,11 @@ void PrintTables(const Options& options, const Residuals& residuals, const CGeoG
     const double* coefficients = grid.GetCoefficients();
     if (coefficients == nullptr)
         return;
-    std::cout << "\nu = x - " << FormatNumber(grid.GetInputCentre().x) << ", v = y - "
-              << FormatNumber(grid.GetInputCentre().y)
-              << "; added to the sums: " << FormatNumber(grid.GetOutputCentre().x) << ", "
-              << FormatNumber(grid.GetOutputCentre().y) << '\n';
+    std::cout << "\nu = " << Centred("x", grid.GetInputCentre().x)
+              << ", v = " << Centred("y", grid.GetInputCentre().y) << '\n';
+    if (grid.GetOutputCentre() != CPoint2D())
+        std::cout << "added to the sums: " << FormatNumber(grid.GetOutputCentre().x) << ", "
+                  << FormatNumber(grid.GetOutputCentre().y) << '\n';
     Table terms({"term", "column", "row"});
     const unsigned int count = CGeoGrid::EnoughNum(options.order);
     for (unsigned int k = 0; k < count; ++k)

@@ -67,6 +67,15 @@ TEST(ReprojectPoints, GaussKrugerPositionsAreThoseOfTheClassicSeries) {
     EXPECT_NEAR(xianY, 4429650.8500, 1e-3);
 }
 
+TEST(ReprojectPoints, TransverseMercatorGivesThePublishedExample) {
+    // Ordnance Survey, A guide to coordinate systems in Great Britain, annexe C:
+    // 52°39'27.2531" N 1°43'4.5177" E is at 651409.903 m, 313177.270 m of the National Grid.
+    const auto run = RunZelto(
+        {"reproject", "points", "--from", "EPSG:4277", "--to", "EPSG:27700", "--decimals", "3"},
+        "1.7179215833 52.6575703056\n");
+    EXPECT_EQ(run.output, "651409.903 313177.270\n");
+}
+
 TEST(ReprojectPoints, SevenParametersGiveThePublishedExample) {
     // Guidance note 7-2 of the EPSG registry, method 9606: WGS 72 to WGS 84.
     const auto run = RunZelto({"reproject", "points", "--from", "EPSG:4322", "--to", "EPSG:4326",
