@@ -49,14 +49,19 @@ bool ReadMatrix(BinaryReader& reader, ClassRecord& record) {
     return true;
 }
 
+/// Gives the shape to the list; while there is no memory for its place it stays owned.
+void Append(std::vector<CDrawShape*>& shapes, std::unique_ptr<CDrawShape> shape) {
+    shapes.push_back(nullptr);
+    shapes.back() = shape.release();
+}
+
 bool ReadShapes(BinaryReader& reader, ClassRecord& record) {
     if (record.m_hasSamples == 0)
         return true;
     for (std::int32_t i = 0; i < record.m_sampleShapeCount; ++i) {
         auto shape = zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::SAMPLE);
         if (shape) {
-            record.m_sampleShapes.push_back(shape.get());
-            shape.release();
+            Append(record.m_sampleShapes, std::move(shape));
         } else if (!reader.IsGood()) {
             record.m_sampleShapeCount = static_cast<std::int32_t>(record.m_sampleShapes.size());
             return false;
@@ -161,10 +166,8 @@ int CClassifySampleFile::ReadSampleAOI(std::fstream& stream, std::vector<CDrawSh
     try {
         BinaryReader reader(stream);
         auto shape = zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::SAMPLE);
-        if (shape) {
-            shapes->push_back(shape.get());
-            shape.release();
-        }
+        if (shape)
+            Append(*shapes, std::move(shape));
         return reader.IsGood() ? 1 : 0;
     } catch (const std::bad_alloc&) {
         return 0;
