@@ -1,0 +1,188 @@
+#include "zelto/algorithm/internal/RegionRows.h"
+
+#include "zelto/aoi/AOISource.h"
+#include "zelto/aoi/RasterAOI.h"
+#include "zelto/aoi/internal/RasterAoiRows.h"
+#include "zelto/aoi/internal/RowMembership.h"
+#include "zelto/baselib/internal/Truncate.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <optional>
+#include <span>
+
+namespace zelto {
+
+namespace {
+
+using Mask = std::vector<unsigned char>;
+
+void AppendMaskedSpans(const Mask& inside, std::vector<ColumnSpan>& spans) {
+    const unsigned char* const begin = inside.data();
+    const unsigned char* const end = begin + inside.size();
+    const auto find = [&](const unsigned char* from, int wanted) {
+        const void* found =
+            from == end ? nullptr : std::memchr(from, wanted, static_cast<std::size_t>(end - from));
+        return found == nullptr ? end : static_cast<const unsigned char*>(found);
+    };
+    for (const unsigned char* first = find(begin, 1); first != end;) {
+        const unsigned char* const last = find(first, 0);
+        spans.push_back({static_cast<int>(first - begin), static_cast<int>(last - begin)});
+        first = find(last, 1);
+    }
+}
+
+class AllRegionRows : public RegionRows {
+  public:
+    explicit AllRegionRows(int width) : m_width(width) {}
+
+    void AppendSpans(int /*row*/, std::vector<ColumnSpan>& spans) override {
+        if (m_width > 0)
+            spans.push_back({0, m_width});
+    }
+
+  private:
+    int m_width;
+};
+
+/// Shapes tested at the ground points of the samples.
+class GroundRegionRows : public RegionRows {
+  public:
+    /// @param limits points outside are not in the region whatever the shapes say
+    GroundRegionRows(std::span<CDrawShape* const> shapes, std::optional<CBoundingBox> limits,
+                     const CRasterSource& source, const PixelWindow& window, const SampleGrid& grid)
+        : m_shapes(shapes),
+          m_limits(limits),
+          m_window(window),
+          m_grid(grid),
+          m_xs(static_cast<std::size_t>(std::max(grid.width, 0))),
+          m_inside(m_xs.size()) {
+        source.GetGeoTransform(m_geoTransform.data(), false);
+        SetXs(window.top);
+    }
+
+    void AppendSpans(int row, std::vector<ColumnSpan>& spans) override {
+        const double py = row * m_grid.step + m_window.top;
+        const bool columnsAreTilted = m_geoTransform[2] != 0.0;
+        if (columnsAreTilted)
+            SetXs(py);
+        const bool rowsAreLevel = m_geoTransform[4] == 0.0;
+        if (rowsAreLevel)
+            MarkLevelRow(GroundY(m_window.left, py));
+        else
+            MarkPositions(py);
+        AppendMaskedSpans(m_inside, spans);
+    }
+
+  private:
+    double ColumnPosition(std::size_t column) const {
+        return static_cast<double>(column) * m_grid.step + m_window.left;
+    }
+    double GroundY(double px, double py) const {
+        return m_geoTransform[3] + px * m_geoTransform[4] + py * m_geoTransform[5];
+    }
+    void SetXs(double py) {
+        for (std::size_t i = 0; i < m_xs.size(); ++i)
+            m_xs[i] =
+                m_geoTransform[0] + ColumnPosition(i) * m_geoTransform[1] + py * m_geoTransform[2];
+    }
+
+    void MarkLevelRow(double y) {
+        m_shapes.Row(y, m_xs, m_inside, m_scratch);
+        if (!m_limits)
+            return;
+        const CBoundingBox limits = *m_limits;
+        const bool rowAllowed = limits.m_bottom <= y && y <= limits.m_top;
+        for (std::size_t i = 0; i < m_xs.size(); ++i)
+            m_inside[i] &= static_cast<unsigned char>(rowAllowed && limits.m_left <= m_xs[i] &&
+                                                      m_xs[i] <= limits.m_right);
+    }
+
+    void MarkPositions(double py) {
+        for (std::size_t i = 0; i < m_xs.size(); ++i) {
+            const double y = GroundY(ColumnPosition(i), py);
+            const bool allowed = !m_limits || m_limits->IsContain(m_xs[i], y);
+            m_inside[i] =
+                static_cast<unsigned char>(allowed && m_shapes.Holds(m_xs[i], y, m_scratch));
+        }
+    }
+
+    RowMembership m_shapes;
+    RowMembership::Scratch m_scratch;
+    std::optional<CBoundingBox> m_limits;
+    PixelWindow m_window;
+    SampleGrid m_grid;
+    std::array<double, 6> m_geoTransform{};
+    std::vector<double> m_xs;
+    Mask m_inside;
+};
+
+/// Pixels tested in a raster AOI.
+class AoiRegionRows : public RegionRows {
+  public:
+    AoiRegionRows(const CRasterAOI& aoi, const PixelWindow& window, const SampleGrid& grid)
+        : m_aoi(aoi),
+          m_window(window),
+          m_grid(grid),
+          m_columns(static_cast<std::size_t>(std::max(grid.width, 0))),
+          m_inside(m_columns.size()) {
+        for (std::size_t i = 0; i < m_columns.size(); ++i)
+            m_columns[i] = TruncateToInt32(static_cast<double>(i) * grid.step + window.left);
+    }
+
+    void AppendSpans(int row, std::vector<ColumnSpan>& spans) override {
+        const int y = TruncateToInt32(row * m_grid.step + m_window.top);
+        m_aoi.Row(y, m_columns, m_inside, m_scratch);
+        AppendMaskedSpans(m_inside, spans);
+    }
+
+  private:
+    RasterAoiRows m_aoi;
+    RasterAoiRows::Scratch m_scratch;
+    PixelWindow m_window;
+    SampleGrid m_grid;
+    std::vector<double> m_columns; ///< whole numbers
+    Mask m_inside;
+};
+
+std::vector<CDrawShape*> ShapesOf(const CAOISource& aoi) {
+    std::vector<CDrawShape*> shapes;
+    for (int i = 0; i < aoi.GetDrawShapeCount(); ++i)
+        shapes.push_back(aoi.GetDrawShape(i));
+    return shapes;
+}
+
+} // namespace
+
+void RegionSpans::Find(RegionRows& region, int firstRow, int rows) {
+    m_spans.clear();
+    m_ends.clear();
+    for (int row = firstRow; row < firstRow + rows; ++row) {
+        region.AppendSpans(row, m_spans);
+        m_ends.push_back(m_spans.size());
+    }
+}
+
+std::unique_ptr<RegionRows> AllRows(int width) {
+    return std::make_unique<AllRegionRows>(width);
+}
+
+std::unique_ptr<RegionRows> RowsOf(CRasterAOI& aoi, const PixelWindow& window,
+                                   const SampleGrid& grid) {
+    return std::make_unique<AoiRegionRows>(aoi, window, grid);
+}
+
+std::unique_ptr<RegionRows> RowsOf(CDrawShape& shape, const CRasterSource& source,
+                                   const PixelWindow& window, const SampleGrid& grid) {
+    CDrawShape* const shapes[] = {&shape};
+    return std::make_unique<GroundRegionRows>(shapes, std::nullopt, source, window, grid);
+}
+
+std::unique_ptr<RegionRows> RowsOf(CAOISource& aoi, const CRasterSource& source,
+                                   const PixelWindow& window, const SampleGrid& grid) {
+    return std::make_unique<GroundRegionRows>(ShapesOf(aoi), aoi.GetExtent(), source, window, grid);
+}
+
+} // namespace zelto

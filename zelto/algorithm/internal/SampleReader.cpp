@@ -1,0 +1,92 @@
+#include "zelto/algorithm/internal/SampleReader.h"
+
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <gdal_priv.h>
+
+#include <algorithm>
+
+namespace zelto {
+
+namespace {
+
+/// Samples of a strip: half a megabyte of doubles, which a core's second-level cache keeps
+/// between reading and counting.
+constexpr int STRIP_SAMPLES = 65'536;
+
+bool ReadWindow(GDALRasterBand* band, const PixelWindow& window, int width, int height,
+                void* samples, GDALDataType type) {
+    if (band == nullptr || window.width < 1 || window.height < 1 || width < 1 || height < 1)
+        return false;
+    return band->RasterIO(GF_Read, window.left, window.top, window.width, window.height, samples,
+                          width, height, type, 0, 0, nullptr) == CE_None;
+}
+
+/// Bytes of all the blocks that one row of the window touches.
+std::int64_t BytesOfBlockRow(const std::vector<CRasterBand*>& bands, int width) {
+    std::int64_t bytes = 0;
+    for (const CRasterBand* band : bands) {
+        const auto type = static_cast<GDALDataType>(band->GetDataType());
+        const std::int64_t columns = std::int64_t{width} + 2 * band->GetBlockXSize();
+        bytes += columns * band->GetBlockYSize() * GDALGetDataTypeSizeBytes(type);
+    }
+    return bytes;
+}
+
+} // namespace
+
+bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int height,
+                 double* samples) {
+    return ReadWindow(band, window, width, height, samples, GDT_Float64);
+}
+
+bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int height,
+                 float* samples) {
+    return ReadWindow(band, window, width, height, samples, GDT_Float32);
+}
+
+std::vector<CRasterBand*> BandsOf(CRasterSource& source) {
+    std::vector<CRasterBand*> bands;
+    for (int b = 0; b < source.GetBandCount(); ++b)
+        bands.push_back(source.GetRasterBand(b));
+    return bands;
+}
+
+bool IsVirtual(const CRasterBand& band) {
+    GDALDataset* const dataset =
+        band.GetGDALBand() != nullptr ? band.GetGDALBand()->GetDataset() : nullptr;
+    const GDALDriver* const driver = dataset != nullptr ? dataset->GetDriver() : nullptr;
+    return driver == nullptr || EQUAL(driver->GetDescription(), "VRT");
+}
+
+WindowStrips::WindowStrips(const PixelWindow& window, const SampleGrid& grid,
+                           const std::vector<CRasterBand*>& bands, int maximumRows)
+    : m_window(window), m_grid(grid), m_rows(maximumRows) {
+    // Blocks that do not stay in GDAL's cache from strip to strip would be decoded again for
+    // every strip.
+    const bool blocksAreKept = BytesOfBlockRow(bands, grid.width) <= GDALGetCacheMax64() / 2;
+    const bool cutting = std::none_of(bands.begin(), bands.end(),
+                                      [](const CRasterBand* band) { return IsVirtual(*band); });
+    if (grid.step != 1.0)
+        m_rows = grid.height;
+    else if (blocksAreKept && cutting)
+        m_rows = std::min(m_rows, std::max(STRIP_SAMPLES / std::max(grid.width, 1), 1));
+    m_rows = std::clamp(m_rows, 1, std::max(grid.height, 1));
+}
+
+int WindowStrips::RowsFrom(int firstRow) const {
+    return std::min(m_rows, m_grid.height - firstRow);
+}
+
+bool WindowStrips::Read(CRasterBand& band, int firstRow, double* samples) const {
+    PixelWindow strip = m_window;
+    const int rows = RowsFrom(firstRow);
+    if (m_grid.step == 1.0) {
+        strip.top += firstRow;
+        strip.height = rows;
+    }
+    return ReadSamples(band.GetGDALBand(), strip, m_grid.width, rows, samples);
+}
+
+} // namespace zelto

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "zelto/algorithm/internal/RegionWindow.h"
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <new>
+#include <vector>
+
+class CRasterBand;
+class CRasterSource;
+class GDALRasterBand;
+
+namespace zelto {
+
+/// Uninitialised memory for `count` samples; null when there is none or `count` is below 1.
+template <typename Sample>
+std::unique_ptr<Sample[]> AllocateSamples(std::int64_t count) {
+    constexpr auto LIMIT = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(Sample);
+    if (count < 1 || static_cast<std::uint64_t>(count) > LIMIT)
+        return nullptr;
+    return std::unique_ptr<Sample[]>(new (std::nothrow) Sample[static_cast<std::size_t>(count)]);
+}
+
+/// One raster read of the window into width × height packed samples. False for a null band, for
+/// an empty window or grid (which GDAL would take for done) and on a GDAL error.
+bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int height,
+                 double* samples);
+bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int height,
+                 float* samples);
+
+/// The bands of a source in order.
+std::vector<CRasterBand*> BandsOf(CRasterSource& source);
+
+/// Whether the band is assembled by GDAL from other rasters while it is read. Samples may then
+/// have fractions whatever the band's type says, and depend on the window they are read with.
+bool IsVirtual(const CRasterBand& band);
+
+/// Cuts a window into strips of full rows that stay in the processor's caches. A window of stored
+/// pixels read one by one gives the same samples in strips as at once; one that is decimated,
+/// whose rows GDAL picks from the whole, or virtual is a single strip.
+class WindowStrips {
+  public:
+    /// @param maximumRows upper limit of a strip's rows; a strip has fewer where that is faster
+    WindowStrips(const PixelWindow& window, const SampleGrid& grid,
+                 const std::vector<CRasterBand*>& bands, int maximumRows);
+
+    /// Samples of the largest strip.
+    std::int64_t Capacity() const { return std::int64_t{m_rows} * m_grid.width; }
+    int RowsFrom(int firstRow) const;
+    int NextRow(int firstRow) const { return firstRow + m_rows; }
+    /// Reads the rows of the grid that start at `firstRow`, packed.
+    bool Read(CRasterBand& band, int firstRow, double* samples) const;
+
+  private:
+    PixelWindow m_window;
+    SampleGrid m_grid;
+    int m_rows;
+};
+
+} // namespace zelto
