@@ -185,6 +185,7 @@ TEST_F(Covariance, LargeAreasAreReadInBlocksAtTheirOwnPlaceOrDecimated) {
     auto source = Open(UnitSpec(2200, 2200), bands);
     auto area = Area(Ellipse(50, 2150, 2150, 50));
     CRasterAOI aoi(source.get(), area.get());
+    aoi.Initialize();
     const std::vector<double> mean = {100, 99, 98, 97};
     std::vector<std::vector<double>> samples;
     for (int b = 1; b <= 4; ++b)

@@ -45,6 +45,12 @@ OGRGeometryUniquePtr Wkt(const char* text) {
     return OGRGeometryUniquePtr(geometry);
 }
 
+/// Whether the geometries cover the same area, wherever their rings start.
+bool CoverTheSame(const OGRGeometry& a, const OGRGeometry& b) {
+    const OGRGeometryUniquePtr difference(a.SymDifference(&b));
+    return difference != nullptr && difference->IsEmpty();
+}
+
 class Polygons : public RegionTest {
   protected:
     OGRGeometryUniquePtr Intersection(const char* a, const char* b) {
@@ -222,7 +228,7 @@ TEST_F(Polygons, IntersectionOfAPolygonIsGdals) {
     const auto result =
         Intersection("POLYGON ((0 0,0 4,4 4,4 0,0 0))", "POLYGON ((2 2,2 6,6 6,6 2,2 2))");
     ASSERT_NE(result, nullptr);
-    EXPECT_TRUE(result->Equals(Wkt("POLYGON ((2 2,2 4,4 4,4 2,2 2))").get()));
+    EXPECT_TRUE(CoverTheSame(*result, *Wkt("POLYGON ((2 2,2 4,4 4,4 2,2 2))")));
 }
 
 TEST_F(Polygons, IntersectionMergesAMultiPolygonFirst) {
@@ -231,7 +237,7 @@ TEST_F(Polygons, IntersectionMergesAMultiPolygonFirst) {
         "MULTIPOLYGON (((0 0,0 4,4 4,4 0,0 0)),((2 0,2 4,8 4,8 0,2 0)),((20 0,20 1,21 1,20 0)))",
         "POLYGON ((1 1,1 3,6 3,6 1,1 1))");
     ASSERT_NE(result, nullptr);
-    EXPECT_TRUE(result->Equals(Wkt("POLYGON ((1 1,1 3,6 3,6 1,1 1))").get()));
+    EXPECT_TRUE(CoverTheSame(*result, *Wkt("POLYGON ((1 1,1 3,6 3,6 1,1 1))")));
 }
 
 TEST_F(Polygons, IntersectionOfOtherTypesAndOfNullIsNull) {

@@ -12,8 +12,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace zelto::test {
@@ -97,7 +99,11 @@ inline std::unique_ptr<CDrawPolygon> RandomPolygon(std::minstd_rand& random, dou
 template <typename... Shapes>
 std::unique_ptr<CAOISource> Area(std::unique_ptr<Shapes>... shapes) {
     auto area = std::make_unique<CAOISource>();
-    (..., (EXPECT_TRUE(area->AddDrawShape(shapes.get())), shapes.release()));
+    const auto add = [&](std::unique_ptr<CDrawShape> shape) {
+        EXPECT_TRUE(area->AddDrawShape(shape.get()));
+        shape.release();
+    };
+    (..., add(std::move(shapes)));
     return area;
 }
 

@@ -177,8 +177,14 @@ TEST_F(SamplePixels, RandomShapesAgreeWithThePlainRule) {
         auto shape = RandomPolygon(random, 22);
         Samples plain;
         std::vector<std::size_t> inside;
-        for (int r = 0; r < 22; ++r)
-            for (int c = 0; c < 25; ++c)
+        CBoundingBox box = shape->m_extent, extent = source->GetExtent();
+        if (!box.Intersect(&extent)) {
+            EXPECT_FALSE(Collect(*source, *shape));
+            continue;
+        }
+        const CRect rect = source->GroundToImage(&box);
+        for (int r = rect.top; r < std::min(rect.bottom, 22); ++r)
+            for (int c = rect.left; c < std::min(rect.right, 25); ++c)
                 if (shape->TopoRelationWithPoint({1.0 * c, 22.0 - r}, 0.0, 1) == TOPO_CONTAIN)
                     inside.push_back(static_cast<std::size_t>(r * 25 + c));
         double mean[3] = {}, deviation[3] = {};

@@ -103,6 +103,7 @@ TEST_F(StatisticsBlocks, OnlyPixelsOfTheShapesCount) {
     // A triangle: the half of the rectangle below its diagonal.
     auto area = Area(Polygon({{500, 4200}, {500, 200}, {5500, 200}}));
     CRasterAOI aoi(source.get(), area.get());
+    aoi.Initialize();
     long long first = 0, all = 0;
     for (int row = 300; row < 4300; ++row) {
         for (int column = 500; column < 5500; column += 1) {

@@ -104,7 +104,7 @@ TEST_F(StatisticsFromShape, ALineIsAShapeToo) {
 
 TEST_F(StatisticsFromShape, TheCovarianceAnswersWhenItIsAsked) {
     auto source = Open(UnitSpec(10, 10), {Digits()});
-    auto shape = Rectangle(2, 7, 5, 3.5);
+    auto shape = Rectangle(2, 7, 5, 3);
     double covariance = -1;
     EXPECT_TRUE(Compute(*source, shape.get(), &covariance));
     EXPECT_DOUBLE_EQ(covariance, 200.0 / 3 + 1.25);
