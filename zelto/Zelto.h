@@ -4,7 +4,9 @@
 /// All public headers of the library.
 
 #include "zelto/Export.h"
+#include "zelto/algorithm/ImgSamplePixels.h"
 #include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/algorithm/RegionStatistics.h"
 #include "zelto/aoi/AOIMask.h"
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/ControlPoints.h"

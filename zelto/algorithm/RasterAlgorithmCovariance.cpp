@@ -37,8 +37,8 @@ bool CRasterAlgorithm::ComputeCovarianceFromAOI(CRasterSource* source, CRasterAO
         CRect block;
         SetRect(&block, window.left, window.top + firstRow, window.left + plan.grid.width,
                 window.top + firstRow + rows);
-        ComputeCovarianceFromAOIByBlock(source, samples.data(), &block, aoi, mean, covariance,
-                                        count, plan.grid.step, progress);
+        return ComputeCovarianceFromAOIByBlock(source, samples.data(), &block, aoi, mean,
+                                               covariance, count, plan.grid.step, progress);
     };
     const int blockRows = plan.inBlocks ? plan.blockRows : plan.grid.height;
     const bool read = zelto::VisitBandStrips(bands, window, plan.grid, blockRows, addBlock);
@@ -86,6 +86,7 @@ bool CRasterAlgorithm::ComputeCovarianceFromDrawshape(CRasterSource* source, CDr
         [&](std::span<const double*> samples, int firstRow, int rows) {
             spans.Find(*region, firstRow, rows);
             sums.Add(samples, static_cast<std::size_t>(grid.width), spans, count);
+            return true;
         });
     sums.Finish(count);
     return read;

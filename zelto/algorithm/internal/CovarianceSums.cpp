@@ -120,31 +120,4 @@ void CovarianceSums::Finish(std::int64_t count) {
     }
 }
 
-bool VisitBandStrips(
-    const std::vector<CRasterBand*>& bands, const PixelWindow& window, const SampleGrid& grid,
-    int maximumRows,
-    const std::function<void(std::span<const double*> samples, int firstRow, int rows)>& visit) {
-    if (grid.width < 1 || grid.height < 1)
-        return false;
-    const WindowStrips strips(window, grid, bands, maximumRows);
-    std::vector<std::unique_ptr<double[]>> buffers;
-    std::vector<const double*> samples;
-    for (std::size_t b = 0; b < bands.size(); ++b) {
-        buffers.push_back(AllocateSamples<double>(strips.Capacity()));
-        samples.push_back(buffers.back().get());
-        if (!buffers.back())
-            return false;
-    }
-    bool readable = true;
-    for (int row = 0; readable && row < grid.height; row = strips.NextRow(row)) {
-        for (std::size_t b = 0; readable && b < bands.size(); ++b)
-            readable = strips.Read(*bands[b], row, buffers[b].get());
-        if (readable)
-            visit(samples, row, strips.RowsFrom(row));
-    }
-    for (CRasterBand* band : bands)
-        band->FlushCache();
-    return readable;
-}
-
 } // namespace zelto

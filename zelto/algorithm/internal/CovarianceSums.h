@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <vector>
 
@@ -26,6 +25,8 @@ class CovarianceSums {
     /// @param samples per band, packed rows `width` wide
     void Add(std::span<const double* const> samples, std::size_t width, const RegionSpans& spans,
              std::int64_t& count);
+    /// Adds `count` pixels from position `begin` on, all of them.
+    void AddRun(std::span<const double* const> samples, std::size_t begin, std::size_t count);
     /// Divides by the number of pixels and fills the upper triangle; all 0 for no pixels.
     void Finish(std::int64_t count);
 
@@ -36,7 +37,6 @@ class CovarianceSums {
     };
 
     bool IsValid(std::span<const double* const> samples, std::size_t position) const;
-    void AddRun(std::span<const double* const> samples, std::size_t begin, std::size_t count);
     void AddTile(std::span<const double* const> samples, std::size_t firstRow,
                  std::size_t firstColumn, std::size_t begin, std::size_t count);
 
@@ -45,14 +45,5 @@ class CovarianceSums {
     std::vector<NoDataBand> m_noDataBands;
     double* m_covariance;
 };
-
-/// Reads all bands of a window, strip by strip, and calls visit(samples per band, first row,
-/// rows) for each strip. Afterwards the bands' block caches are flushed.
-/// @param maximumRows rows of the largest strip
-/// @return false without memory or when a band cannot be read
-bool VisitBandStrips(
-    const std::vector<CRasterBand*>& bands, const PixelWindow& window, const SampleGrid& grid,
-    int maximumRows,
-    const std::function<void(std::span<const double*> samples, int firstRow, int rows)>& visit);
 
 } // namespace zelto

@@ -93,17 +93,16 @@ void AddSideBySide(Moments& moments, std::span<const double> samples, const NoDa
     AddInOrder(moments, samples.subspan(whole), noData);
 }
 
-/// Whether all samples are whole and so small that no region's sum leaves the exact range.
-bool HasSmallWholeNumbers(const CRasterBand& band) {
-    const PixelDataType type = band.GetDataType();
-    const bool small = type == PDT_Byte || type == PDT_UInt16 || type == PDT_Int16;
-    return small && !IsVirtual(band);
-}
-
 } // namespace
 
 NoDataRule NoDataRule::Of(const CRasterBand& band) {
     return {band.IsHaveNoData(), band.GetNoDataValue()};
+}
+
+bool HasSmallWholeNumbers(const CRasterBand& band) {
+    const PixelDataType type = band.GetDataType();
+    const bool small = type == PDT_Byte || type == PDT_UInt16 || type == PDT_Int16;
+    return small && !IsVirtual(band);
 }
 
 MomentsAdder::MomentsAdder(const CRasterBand& band)

@@ -42,6 +42,10 @@ struct Moments {
     }
 };
 
+/// Whether all samples of a band are whole and so small that no region's sum leaves the range
+/// in which doubles have no gaps: bands of up to 16 bits.
+bool HasSmallWholeNumbers(const CRasterBand& band);
+
 /// Adds samples to moments in the order they stand. Where the band's type makes every partial
 /// sum a whole number that a double holds exactly, the order cannot be observed and several
 /// sums run side by side.

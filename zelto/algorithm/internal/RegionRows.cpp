@@ -52,25 +52,27 @@ class GroundRegionRows : public RegionRows {
   public:
     /// @param limits points outside are not in the region whatever the shapes say
     GroundRegionRows(std::span<CDrawShape* const> shapes, std::optional<CBoundingBox> limits,
-                     const CRasterSource& source, const PixelWindow& window, const SampleGrid& grid)
+                     const CRasterSource& source, const PixelWindow& window, const SampleGrid& grid,
+                     double offset)
         : m_shapes(shapes),
           m_limits(limits),
-          m_window(window),
           m_grid(grid),
+          m_left(window.left + offset),
+          m_top(window.top + offset),
           m_xs(static_cast<std::size_t>(std::max(grid.width, 0))),
           m_inside(m_xs.size()) {
         source.GetGeoTransform(m_geoTransform.data(), false);
-        SetXs(window.top);
+        SetXs(m_top);
     }
 
     void AppendSpans(int row, std::vector<ColumnSpan>& spans) override {
-        const double py = row * m_grid.step + m_window.top;
+        const double py = row * m_grid.step + m_top;
         const bool columnsAreTilted = m_geoTransform[2] != 0.0;
         if (columnsAreTilted)
             SetXs(py);
         const bool rowsAreLevel = m_geoTransform[4] == 0.0;
         if (rowsAreLevel)
-            MarkLevelRow(GroundY(m_window.left, py));
+            MarkLevelRow(GroundY(m_left, py));
         else
             MarkPositions(py);
         AppendMaskedSpans(m_inside, spans);
@@ -78,7 +80,7 @@ class GroundRegionRows : public RegionRows {
 
   private:
     double ColumnPosition(std::size_t column) const {
-        return static_cast<double>(column) * m_grid.step + m_window.left;
+        return static_cast<double>(column) * m_grid.step + m_left;
     }
     double GroundY(double px, double py) const {
         return m_geoTransform[3] + px * m_geoTransform[4] + py * m_geoTransform[5];
@@ -112,8 +114,9 @@ class GroundRegionRows : public RegionRows {
     RowMembership m_shapes;
     RowMembership::Scratch m_scratch;
     std::optional<CBoundingBox> m_limits;
-    PixelWindow m_window;
     SampleGrid m_grid;
+    double m_left; ///< position of the first column
+    double m_top;  ///< position of the first row
     std::array<double, 6> m_geoTransform{};
     std::vector<double> m_xs;
     Mask m_inside;
@@ -174,15 +177,22 @@ std::unique_ptr<RegionRows> RowsOf(CRasterAOI& aoi, const PixelWindow& window,
     return std::make_unique<AoiRegionRows>(aoi, window, grid);
 }
 
+std::unique_ptr<RegionRows> RowsOf(std::span<CDrawShape* const> shapes, const CRasterSource& source,
+                                   const PixelWindow& window, const SampleGrid& grid,
+                                   double offset) {
+    return std::make_unique<GroundRegionRows>(shapes, std::nullopt, source, window, grid, offset);
+}
+
 std::unique_ptr<RegionRows> RowsOf(CDrawShape& shape, const CRasterSource& source,
                                    const PixelWindow& window, const SampleGrid& grid) {
     CDrawShape* const shapes[] = {&shape};
-    return std::make_unique<GroundRegionRows>(shapes, std::nullopt, source, window, grid);
+    return RowsOf(shapes, source, window, grid, 0.0);
 }
 
 std::unique_ptr<RegionRows> RowsOf(CAOISource& aoi, const CRasterSource& source,
                                    const PixelWindow& window, const SampleGrid& grid) {
-    return std::make_unique<GroundRegionRows>(ShapesOf(aoi), aoi.GetExtent(), source, window, grid);
+    return std::make_unique<GroundRegionRows>(ShapesOf(aoi), aoi.GetExtent(), source, window, grid,
+                                              0.0);
 }
 
 } // namespace zelto

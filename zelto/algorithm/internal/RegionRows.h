@@ -2,7 +2,9 @@
 
 #include "zelto/algorithm/internal/RegionWindow.h"
 
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <vector>
 
 class CAOISource;
@@ -61,6 +63,13 @@ std::unique_ptr<RegionRows> AllRows(int width);
 /// rectangle (all four sides included) and in one of its shapes.
 std::unique_ptr<RegionRows> RowsOf(CRasterAOI& aoi, const PixelWindow& window,
                                    const SampleGrid& grid);
+
+/// Ground points of sample positions in any of the shapes.
+/// @param offset added to the column and the row of each position (in pixels) before it becomes
+///        a ground point: half a step asks for the middle of what a sample stands for
+std::unique_ptr<RegionRows> RowsOf(std::span<CDrawShape* const> shapes, const CRasterSource& source,
+                                   const PixelWindow& window, const SampleGrid& grid,
+                                   double offset);
 
 /// Ground points of sample positions (not truncated) in a shape.
 std::unique_ptr<RegionRows> RowsOf(CDrawShape& shape, const CRasterSource& source,

@@ -89,4 +89,28 @@ bool WindowStrips::Read(CRasterBand& band, int firstRow, double* samples) const 
     return ReadSamples(band.GetGDALBand(), strip, m_grid.width, rows, samples);
 }
 
+bool VisitBandStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& window,
+                     const SampleGrid& grid, int maximumRows, const StripVisitor& visit) {
+    if (grid.width < 1 || grid.height < 1)
+        return false;
+    const WindowStrips strips(window, grid, bands, maximumRows);
+    std::vector<std::unique_ptr<double[]>> buffers;
+    std::vector<const double*> samples;
+    for (std::size_t b = 0; b < bands.size(); ++b) {
+        buffers.push_back(AllocateSamples<double>(strips.Capacity()));
+        samples.push_back(buffers.back().get());
+        if (!buffers.back())
+            return false;
+    }
+    bool going = true;
+    for (int row = 0; going && row < grid.height; row = strips.NextRow(row)) {
+        for (std::size_t b = 0; going && b < bands.size(); ++b)
+            going = strips.Read(*bands[b], row, buffers[b].get());
+        going = going && visit(samples, row, strips.RowsFrom(row));
+    }
+    for (CRasterBand* band : bands)
+        band->FlushCache();
+    return going;
+}
+
 } // namespace zelto

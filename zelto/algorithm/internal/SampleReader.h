@@ -3,9 +3,11 @@
 #include "zelto/algorithm/internal/RegionWindow.h"
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <new>
+#include <span>
 #include <vector>
 
 class CRasterBand;
@@ -58,5 +60,17 @@ class WindowStrips {
     SampleGrid m_grid;
     int m_rows;
 };
+
+/// What is done with a strip of all bands.
+/// @param samples per band, packed rows
+/// @return false to stop
+using StripVisitor = std::function<bool(std::span<const double*> samples, int firstRow, int rows)>;
+
+/// Reads all bands of a window strip by strip and visits each strip. Afterwards the bands' block
+/// caches are flushed.
+/// @param maximumRows rows of the largest strip
+/// @return false without memory, when a band cannot be read and when the visitor stopped
+bool VisitBandStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& window,
+                     const SampleGrid& grid, int maximumRows, const StripVisitor& visit);
 
 } // namespace zelto

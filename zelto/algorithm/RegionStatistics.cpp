@@ -1,0 +1,86 @@
+#include "zelto/algorithm/RegionStatistics.h"
+
+#include "zelto/algorithm/internal/PreciseMoments.h"
+#include "zelto/algorithm/internal/RegionScan.h"
+#include "zelto/aoi/AOISource.h"
+#include "zelto/aoi/DrawRectangle.h"
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <limits>
+
+namespace {
+
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+constexpr const wchar_t* TITLE = L"计算统计信息";
+
+} // namespace
+
+CRegionStatistics::CRegionStatistics(CRasterSource* source) : m_source(source) {
+    std::vector<int> all;
+    for (int b = 0; source != nullptr && b < source->GetBandCount(); ++b)
+        all.push_back(b);
+    SetBands(all);
+}
+
+CRegionStatistics::~CRegionStatistics() = default;
+
+void CRegionStatistics::SetBands(const std::vector<int>& bands) {
+    m_bands.clear();
+    for (const int band : bands) {
+        if (m_source == nullptr || m_source->GetRasterBand(band) == nullptr)
+            continue;
+        m_bands.emplace_back();
+        m_bands.back().index = band;
+    }
+}
+
+void CRegionStatistics::SetAOI(CAOISource* aoi) {
+    m_shapes.clear();
+    m_wholeRaster = aoi == nullptr;
+    for (int i = 0; aoi != nullptr && i < aoi->GetDrawShapeCount(); ++i)
+        m_shapes.push_back(aoi->GetDrawShape(i));
+}
+
+void CRegionStatistics::SetShape(CDrawShape* shape) {
+    m_shapes.clear();
+    m_wholeRaster = shape == nullptr;
+    if (shape != nullptr)
+        m_shapes.push_back(shape);
+}
+
+void CRegionStatistics::SetBox(const CBoundingBox& box) {
+    m_box = std::make_unique<CDrawRectangle>();
+    m_box->AddVertex(box.TopLeft());
+    m_box->AddVertex(box.BottomRight());
+    SetShape(m_box.get());
+}
+
+zelto::RegionScan CRegionStatistics::MakeScan() const {
+    std::vector<int> bands;
+    for (const Band& band : m_bands)
+        bands.push_back(band.index);
+    if (m_wholeRaster)
+        return {*m_source, bands, std::nullopt, m_approx};
+    return {*m_source, bands, m_shapes, m_approx};
+}
+
+GISError CRegionStatistics::Compute(CDataProgress* progress) {
+    if (m_source == nullptr)
+        return GIS_FAILED;
+    const zelto::RegionScan scan = MakeScan();
+    m_sampled = scan.IsSampled();
+    std::vector<zelto::PreciseMoments> moments(m_bands.size());
+    const auto add = [&](std::size_t b, std::span<const double> values) { moments[b].Add(values); };
+    if (!scan.VisitValues(TITLE, progress, add))
+        return GIS_FAILED;
+    for (std::size_t b = 0; b < m_bands.size(); ++b) {
+        const bool any = moments[b].Count() > 0;
+        m_bands[b].count = moments[b].Count();
+        m_bands[b].minimum = any ? moments[b].Minimum() : NOT_A_NUMBER;
+        m_bands[b].maximum = any ? moments[b].Maximum() : NOT_A_NUMBER;
+        m_bands[b].mean = moments[b].Mean();
+        m_bands[b].standardDeviation = moments[b].StandardDeviation();
+    }
+    return GIS_SUCCESS;
+}

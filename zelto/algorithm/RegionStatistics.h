@@ -1,0 +1,100 @@
+#pragma once
+
+#include "zelto/Export.h"
+#include "zelto/datasource/DataProgress.h"
+#include "zelto/datasource/Enumerations.h"
+#include "zelto/geometry/BoundingBox.h"
+#include "zelto/geometry/PlatformTypes.h"
+
+#include <memory>
+#include <vector>
+
+class CAOISource;
+class CDrawRectangle;
+class CDrawShape;
+class CRasterBand;
+class CRasterSource;
+
+namespace zelto {
+class RegionScan;
+}
+
+/// Statistics of a region as a person expects them, for reports. The statistics operations of
+/// CRasterAlgorithm have rules of their own, which their hosts rely on: windows, seeds, zeros
+/// left out, answers. Here there is one rule for every kind of region:
+///
+/// - a pixel belongs to a region when its centre lies in one of the region's shapes, and counts
+///   once however many of them hold it; what lies off the raster does not matter;
+/// - every pixel of the region is read, whatever the region's size, in memory that stays below
+///   the 128 megabytes of one read budget; or, with SetApprox(), a regular sample of at most
+///   2^24 values over all bands;
+/// - a value is left out of its band when it is the band's no-data value (within 1e-8), not a
+///   number or infinite; zeros count;
+/// - the mean of 8- and 16-bit bands is exact, deviations are accumulated around the mean.
+///
+/// Set the region, call Compute(), and then what else is wanted.
+class ZELTO_API CRegionStatistics {
+  public:
+    struct Band {
+        int index = 0; ///< counted from 0
+        __int64 count = 0;
+        // Without values these are not numbers.
+        double minimum = 0.0;
+        double maximum = 0.0;
+        double mean = 0.0;
+        double standardDeviation = 0.0; ///< population form
+        double lowPercentile = 0.0;     ///< after ComputePercentiles()
+        double highPercentile = 0.0;    ///< after ComputePercentiles()
+    };
+
+    /// The whole of an open raster, all bands, until told otherwise.
+    explicit CRegionStatistics(CRasterSource* source);
+    ~CRegionStatistics();
+    CRegionStatistics(const CRegionStatistics&) = delete;
+    CRegionStatistics& operator=(const CRegionStatistics&) = delete;
+
+    /// @param bands counted from 0, in the order wanted; those the raster does not have are
+    ///        left out
+    void SetBands(const std::vector<int>& bands);
+    /// The shapes of an area, not owned; null: the whole raster.
+    void SetAOI(CAOISource* aoi);
+    /// One shape, not owned; null: the whole raster.
+    void SetShape(CDrawShape* shape);
+    /// A box in ground units.
+    void SetBox(const CBoundingBox& box);
+    /// Regions of more than 2^24 values over all bands are sampled instead of read whole.
+    void SetApprox(bool approx) { m_approx = approx; }
+
+    /// Count, range, mean and deviation of every band.
+    /// @return GIS_FAILED when a band cannot be read, without memory, or when the progress
+    ///         object cancelled; a region without pixels succeeds with counts of 0
+    GISError Compute(CDataProgress* progress);
+    /// Covariance matrix of the pixels that have a value in every band, around those pixels'
+    /// means.
+    GISError ComputeCovariance(CDataProgress* progress);
+    /// Values that `low` and `high` percent of each band's values do not exceed, interpolated
+    /// between the two values around position (count − 1) × percent / 100 of the sorted values.
+    /// The region is read a few times over. Call Compute() first.
+    GISError ComputePercentiles(double low, double high, CDataProgress* progress);
+
+    const std::vector<Band>& GetBands() const { return m_bands; }
+    /// bands × bands, row by row; empty before ComputeCovariance().
+    const std::vector<double>& GetCovariance() const { return m_covariance; }
+    /// Pixels with a value in every band, after ComputeCovariance().
+    __int64 GetCovarianceCount() const { return m_covarianceCount; }
+    /// Whether Compute() took a sample; the counts are then those of the sample.
+    bool IsSampled() const { return m_sampled; }
+
+  private:
+    zelto::RegionScan MakeScan() const;
+
+    CRasterSource* m_source;
+    std::vector<CDrawShape*> m_shapes;     ///< not owned
+    std::unique_ptr<CDrawRectangle> m_box; ///< what m_shapes points to for a box
+    bool m_wholeRaster = true;
+    bool m_approx = false;
+    bool m_sampled = false;
+    std::vector<Band> m_bands;
+    std::vector<double> m_covariance;
+    __int64 m_covarianceCount = 0;
+};

@@ -1,0 +1,91 @@
+#include "zelto/algorithm/RegionStatistics.h"
+#include "zelto/algorithm/internal/CovarianceSums.h"
+#include "zelto/algorithm/internal/PreciseMoments.h"
+#include "zelto/algorithm/internal/RegionScan.h"
+#include "zelto/aoi/DrawRectangle.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <optional>
+
+namespace {
+
+constexpr const wchar_t* TITLE = L"计算协方差";
+
+/// Values of the pixels that count in all bands, moved together.
+class CompletePixels {
+  public:
+    explicit CompletePixels(const std::vector<CRasterBand*>& bands) : m_values(bands.size()) {
+        for (const CRasterBand* band : bands)
+            m_filters.emplace_back(*band);
+    }
+
+    /// Keeps the complete pixels of the spans until the next call.
+    void Select(std::span<const double*> samples, std::size_t width,
+                const zelto::RegionSpans& spans) {
+        for (auto& values : m_values)
+            values.clear();
+        spans.Visit(width, [&](std::size_t begin, std::size_t count) {
+            for (std::size_t p = begin; p < begin + count; ++p)
+                if (IsComplete(samples, p))
+                    for (std::size_t b = 0; b < samples.size(); ++b)
+                        m_values[b].push_back(samples[b][p]);
+        });
+    }
+    std::size_t Count() const { return m_values.empty() ? 0 : m_values.front().size(); }
+    const std::vector<double>& Of(std::size_t band) const { return m_values[band]; }
+
+  private:
+    bool IsComplete(std::span<const double*> samples, std::size_t position) const {
+        for (std::size_t b = 0; b < samples.size(); ++b)
+            if (!m_filters[b].Holds(samples[b][position]))
+                return false;
+        return true;
+    }
+
+    std::vector<zelto::ValueFilter> m_filters;
+    std::vector<std::vector<double>> m_values;
+};
+
+/// Means of the complete pixels; nothing when they cannot be read.
+std::optional<std::vector<double>> MeansOf(const zelto::RegionScan& scan, CompletePixels& pixels,
+                                           CDataProgress* progress) {
+    std::vector<zelto::PreciseMoments> moments(scan.Bands().size());
+    const auto add = [&](std::span<const double*> samples, const zelto::RegionSpans& spans) {
+        pixels.Select(samples, scan.Width(), spans);
+        for (std::size_t b = 0; b < moments.size(); ++b)
+            moments[b].Add(pixels.Of(b));
+    };
+    if (!scan.Visit(TITLE, progress, add))
+        return std::nullopt;
+    std::vector<double> means;
+    for (const zelto::PreciseMoments& band : moments)
+        means.push_back(band.Mean());
+    return means;
+}
+
+} // namespace
+
+GISError CRegionStatistics::ComputeCovariance(CDataProgress* progress) {
+    if (m_source == nullptr)
+        return GIS_FAILED;
+    const zelto::RegionScan scan = MakeScan();
+    CompletePixels pixels(scan.Bands());
+    const auto means = MeansOf(scan, pixels, progress);
+    if (!means)
+        return GIS_FAILED;
+    m_covariance.assign(means->size() * means->size(), 0.0);
+    m_covarianceCount = 0;
+    zelto::CovarianceSums sums(scan.Bands(), means->data(), m_covariance.data());
+    std::vector<const double*> values(means->size());
+    const auto add = [&](std::span<const double*> samples, const zelto::RegionSpans& spans) {
+        pixels.Select(samples, scan.Width(), spans);
+        for (std::size_t b = 0; b < values.size(); ++b)
+            values[b] = pixels.Of(b).data();
+        sums.AddRun(values, 0, pixels.Count());
+        m_covarianceCount += static_cast<__int64>(pixels.Count());
+    };
+    if (!scan.Visit(TITLE, progress, add))
+        return GIS_FAILED;
+    sums.Finish(m_covarianceCount);
+    return GIS_SUCCESS;
+}

@@ -1,0 +1,101 @@
+#include "zelto/algorithm/RegionStatistics.h"
+#include "zelto/algorithm/internal/RankSearch.h"
+#include "zelto/algorithm/internal/RegionScan.h"
+#include "zelto/aoi/DrawRectangle.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr const wchar_t* TITLE = L"计算百分位数";
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+
+/// The two sorted values around a percentile and how far it lies between them.
+class Percentile {
+  public:
+    Percentile(double percent, std::int64_t count, double minimum, double maximum)
+        : m_position(static_cast<double>(count - 1) * std::clamp(percent, 0.0, 100.0) / 100),
+          m_below(static_cast<std::int64_t>(m_position), minimum, maximum),
+          m_above(std::min(static_cast<std::int64_t>(m_position) + 1, count - 1), minimum,
+                  maximum) {}
+
+    std::array<zelto::RankSearch*, 2> Searches() { return {&m_below, &m_above}; }
+    double Value() const {
+        const double below = m_below.Value();
+        return below + (m_above.Value() - below) * (m_position - std::floor(m_position));
+    }
+
+  private:
+    double m_position;
+    zelto::RankSearch m_below;
+    zelto::RankSearch m_above;
+};
+
+/// The percentiles of one band; none for a band without values.
+class BandPercentiles {
+  public:
+    BandPercentiles(const CRegionStatistics::Band& band, double low, double high) {
+        if (band.count < 1)
+            return;
+        for (const double percent : {low, high})
+            m_percentiles.emplace_back(percent, band.count, band.minimum, band.maximum);
+    }
+
+    /// @return whether there is anything left to search
+    bool BeginPass() {
+        m_open.clear();
+        for (Percentile& percentile : m_percentiles)
+            for (zelto::RankSearch* search : percentile.Searches())
+                if (!search->IsFound())
+                    m_open.push_back(search);
+        for (zelto::RankSearch* search : m_open)
+            search->BeginPass();
+        return !m_open.empty();
+    }
+    void Add(std::span<const double> values) {
+        for (zelto::RankSearch* search : m_open)
+            search->Add(values);
+    }
+    void EndPass() {
+        for (zelto::RankSearch* search : m_open)
+            search->EndPass();
+    }
+    double Low() const { return m_percentiles.empty() ? NOT_A_NUMBER : m_percentiles[0].Value(); }
+    double High() const { return m_percentiles.empty() ? NOT_A_NUMBER : m_percentiles[1].Value(); }
+
+  private:
+    std::vector<Percentile> m_percentiles;
+    std::vector<zelto::RankSearch*> m_open;
+};
+
+} // namespace
+
+GISError CRegionStatistics::ComputePercentiles(double low, double high, CDataProgress* progress) {
+    if (m_source == nullptr)
+        return GIS_FAILED;
+    const zelto::RegionScan scan = MakeScan();
+    std::vector<BandPercentiles> bands;
+    for (const Band& band : m_bands)
+        bands.emplace_back(band, low, high);
+    const auto add = [&](std::size_t b, std::span<const double> values) { bands[b].Add(values); };
+    const auto beginPass = [&] {
+        // All bands, not the first one that has something left.
+        return std::count_if(bands.begin(), bands.end(),
+                             [](BandPercentiles& band) { return band.BeginPass(); }) > 0;
+    };
+    while (beginPass()) {
+        if (!scan.VisitValues(TITLE, progress, add))
+            return GIS_FAILED;
+        for (BandPercentiles& band : bands)
+            band.EndPass();
+    }
+    for (std::size_t b = 0; b < bands.size(); ++b) {
+        m_bands[b].lowPercentile = bands[b].Low();
+        m_bands[b].highPercentile = bands[b].High();
+    }
+    return GIS_SUCCESS;
+}

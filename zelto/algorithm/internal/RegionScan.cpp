@@ -1,0 +1,112 @@
+#include "zelto/algorithm/internal/RegionScan.h"
+
+#include "zelto/algorithm/internal/PreciseMoments.h"
+#include "zelto/aoi/DrawShape.h"
+#include "zelto/baselib/internal/Truncate.h"
+#include "zelto/datasource/DataProgress.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace zelto {
+
+namespace {
+
+constexpr int PROGRESS_TOTAL = 100;
+
+CBoundingBox ExtentOf(const std::vector<CDrawShape*>& shapes) {
+    CBoundingBox extent;
+    for (std::size_t i = 0; i < shapes.size(); ++i) {
+        CBoundingBox shape = shapes[i]->m_extent;
+        if (i == 0)
+            extent = shape;
+        else
+            extent.Combine(&shape);
+    }
+    return extent;
+}
+
+/// From the pixel that holds `low` to the one that holds `high`, within 0 … size.
+std::pair<int, int> PixelRange(double low, double high, int size) {
+    const double first = std::clamp(std::floor(low), 0.0, static_cast<double>(size));
+    const double last = std::clamp(std::floor(high) + 1.0, 0.0, static_cast<double>(size));
+    return {TruncateToInt32(first), std::max(TruncateToInt32(last - first), 0)};
+}
+
+/// All pixels whose centre may lie in the box, however the raster is turned.
+PixelWindow WindowAround(const CRasterSource& source, const CBoundingBox& box) {
+    std::array<double, 4> columns{};
+    std::array<double, 4> rows{};
+    const std::array<CPoint2D, 4> corners = {box.TopLeft(), box.TopRight(), box.BottomLeft(),
+                                             box.BottomRight()};
+    for (std::size_t i = 0; i < corners.size(); ++i)
+        source.GroundToImage(corners[i].x, corners[i].y, columns[i], rows[i]);
+    const auto [left, right] = std::minmax_element(columns.begin(), columns.end());
+    const auto [top, bottom] = std::minmax_element(rows.begin(), rows.end());
+    const auto [firstColumn, width] = PixelRange(*left, *right, source.GetWidth());
+    const auto [firstRow, height] = PixelRange(*top, *bottom, source.GetHeight());
+    return {firstColumn, firstRow, width, height};
+}
+
+} // namespace
+
+RegionScan::RegionScan(const CRasterSource& source, const std::vector<int>& bands,
+                       std::optional<std::span<CDrawShape* const>> shapes, bool approx)
+    : m_source(&source) {
+    for (const int band : bands)
+        m_bands.push_back(source.GetRasterBand(band));
+    m_window = {0, 0, source.GetWidth(), source.GetHeight()};
+    if (shapes) {
+        m_shapes.emplace(shapes->begin(), shapes->end());
+        m_window = m_shapes->empty() ? PixelWindow() : WindowAround(source, ExtentOf(*m_shapes));
+    }
+    if (IsEmpty())
+        return;
+    const int bandCount = std::max(static_cast<int>(m_bands.size()), 1);
+    m_grid = PlanAoiCovariance(m_window.width, m_window.height, bandCount, approx).grid;
+    m_maximumRows = std::max(READ_BUDGET_SAMPLES / m_window.width / bandCount, 1);
+}
+
+std::unique_ptr<RegionRows> RegionScan::MakeRows() const {
+    if (!m_shapes)
+        return AllRows(m_grid.width);
+    return RowsOf(*m_shapes, *m_source, m_window, m_grid, m_grid.step / 2);
+}
+
+bool RegionScan::Visit(const wchar_t* title, CDataProgress* progress,
+                       const std::function<void(std::span<const double*> samples,
+                                                const RegionSpans& spans)>& visit) const {
+    if (progress != nullptr)
+        progress->BeginProgress(title, PROGRESS_TOTAL);
+    if (IsEmpty() || m_bands.empty())
+        return true;
+    const auto region = MakeRows();
+    RegionSpans spans;
+    return VisitBandStrips(
+        m_bands, m_window, m_grid, m_maximumRows,
+        [&](std::span<const double*> samples, int firstRow, int rows) {
+            spans.Find(*region, firstRow, rows);
+            visit(samples, spans);
+            const auto percent = std::int64_t{PROGRESS_TOTAL} * (firstRow + rows) / m_grid.height;
+            return progress == nullptr || progress->StepProgress(static_cast<int>(percent), title);
+        });
+}
+
+bool RegionScan::VisitValues(
+    const wchar_t* title, CDataProgress* progress,
+    const std::function<void(std::size_t band, std::span<const double> values)>& visit) const {
+    std::vector<ValueFilter> filters;
+    for (const CRasterBand* band : m_bands)
+        filters.emplace_back(*band);
+    const auto visitStrip = [&](std::span<const double*> samples, const RegionSpans& spans) {
+        spans.Visit(Width(), [&](std::size_t begin, std::size_t count) {
+            for (std::size_t b = 0; b < samples.size(); ++b)
+                visit(b, filters[b].Select({samples[b] + begin, count}));
+        });
+    };
+    return Visit(title, progress, visitStrip);
+}
+
+} // namespace zelto
