@@ -16,6 +16,8 @@ constexpr int EXIT_USAGE = 2;
 void AddCommands(CLI::App& program) {
     using namespace zelto::cli;
     program.require_subcommand(1);
+    AddInfo(program);
+    AddClasses(program);
     AddReproject(program);
     AddSrs(program);
 }

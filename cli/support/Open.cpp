@@ -3,6 +3,7 @@
 #include "zelto/datasource/GISDataSource.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/Quiet.h"
 #include "cli/support/Text.h"
 
 #include <cpl_error.h>
@@ -41,7 +42,10 @@ std::string ReasonForFailure(const std::string& path, GISError error) {
 
 void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess access, bool warp) {
     CPLErrorReset();
-    const GISError error = source.Open(Wide(path).c_str(), access, warp);
+    const GISError error = [&] {
+        const QuietStandardError quiet;
+        return source.Open(Wide(path).c_str(), access, warp);
+    }();
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));
 }

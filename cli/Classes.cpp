@@ -1,0 +1,119 @@
+#include "zelto/baselib/ClassifyDisplayTable.h"
+#include "zelto/classify/ClassifiedAssistantFile.h"
+#include "zelto/raster/RasterSource.h"
+
+#include "cli/Commands.h"
+#include "cli/support/ClassFacts.h"
+#include "cli/support/ClassTable.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Open.h"
+#include "cli/support/Text.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+namespace zelto::cli {
+
+namespace {
+
+struct Options {
+    std::string file;
+    std::string table;
+    std::string image;
+    bool json = false;
+};
+
+std::vector<ClassFacts> Facts(const CClassifiedAssistantFile& file) {
+    std::vector<ClassFacts> facts;
+    for (const auto& record : file.GetClasses())
+        facts.push_back({static_cast<double>(record.m_value),
+                         {record.m_color.red, record.m_color.green, record.m_color.blue},
+                         Narrow(record.GetName())});
+    return facts;
+}
+
+CClassifiedAssistantFile Read(const std::string& path) {
+    CClassifiedAssistantFile file;
+    if (!file.ReadClassifiedAssistantFile(Wide(path)))
+        throw Failure(path, std::filesystem::exists(path) ? "is no classified assistant file"
+                                                          : "No such file or directory");
+    return file;
+}
+
+void Show(const Options& options) {
+    const auto classes = Facts(Read(options.file));
+    if (options.json)
+        PrintJson(ToJson(classes));
+    else
+        PrintClasses(classes);
+}
+
+/// The image that an assistant file belongs to shows its classes when it is opened.
+void CheckWithImage(const std::string& image, std::size_t classCount) {
+    CRasterSource source;
+    source.SetForDisplay(true);
+    OpenOrFail(source, image);
+    const CClassifyDisplayTable* table = source.GetClassifyDisplayTable();
+    if (table == nullptr)
+        throw Failure(image, "opens without classes");
+    if (static_cast<std::size_t>(table->GetItemCount()) != classCount)
+        throw Failure(image, "opens with " + std::to_string(table->GetItemCount()) +
+                                 " classes instead of " + std::to_string(classCount));
+}
+
+std::string AssistantPath(const Options& options) {
+    if (!options.file.empty())
+        return options.file;
+    return std::filesystem::path(options.image).replace_extension("acf").string();
+}
+
+void Write(const Options& options) {
+    if (options.file.empty() && options.image.empty())
+        throw UsageError("classes write: give the assistant file or the image it belongs to");
+    const std::string path = AssistantPath(options);
+    CClassifiedAssistantFile file;
+    file.SetClasses(ReadClassTable(options.table));
+    if (!file.WriteClssifiedAssistantFile(Wide(path)))
+        throw Failure(path, "cannot be written");
+    if (!options.image.empty())
+        CheckWithImage(options.image, file.GetClasses().size());
+    std::cout << path << ": " << file.GetClasses().size() << " classes\n";
+}
+
+void Check(const Options& options) {
+    const std::string path = AssistantPath(options);
+    const std::size_t count = Read(path).GetClasses().size();
+    CheckWithImage(options.image, count);
+    std::cout << options.image << ": opens with " << count << " classes\n";
+}
+
+} // namespace
+
+void AddClasses(CLI::App& program) {
+    auto* classes =
+        program.add_subcommand("classes", "show, write and check files of class colours");
+    classes->require_subcommand(1);
+    classes->footer("A classified assistant file (.acf) stands beside its image under the image's\n"
+                    "name and gives each class its pixel value, colour and name.");
+    auto options = std::make_shared<Options>();
+
+    auto* show = classes->add_subcommand("show", "the classes of an assistant file");
+    show->add_option("ACF", options->file)->required();
+    show->add_flag("--json", options->json, "print JSON");
+    show->callback([options] { Show(*options); });
+
+    auto* write = classes->add_subcommand("write", "make an assistant file from a CSV table");
+    write->add_option("CSV", options->table, "lines of value,red,green,blue,name")->required();
+    write->add_option("ACF", options->file, "default: the image's name with .acf");
+    write->add_option("--image", options->image, "check that this image opens with the classes");
+    write->callback([options] { Write(*options); });
+
+    auto* check = classes->add_subcommand("check", "whether an image opens with its classes");
+    check->add_option("IMAGE", options->image)->required();
+    check->callback([options] { Check(*options); });
+}
+
+} // namespace zelto::cli

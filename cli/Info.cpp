@@ -1,0 +1,89 @@
+#include "cli/Commands.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Progress.h"
+#include "cli/support/RasterReport.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <memory>
+
+namespace zelto::cli {
+
+namespace {
+
+struct Options {
+    std::vector<std::string> files;
+    bool json = false;
+    bool statistics = false;
+    bool reference = false;
+};
+
+/// Every file that can be described is; the failures of the others are told at the end.
+std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure>& failures) {
+    std::vector<RasterFacts> described;
+    TerminalProgress progress;
+    for (const std::string& file : options.files) {
+        try {
+            described.push_back(DescribeRaster(file, options.statistics, progress));
+        } catch (const Failure& failure) {
+            failures.push_back(failure);
+        }
+        if (Interrupted())
+            break;
+    }
+    return described;
+}
+
+void PrintAll(const std::vector<RasterFacts>& described, const Options& options) {
+    if (!options.json) {
+        for (std::size_t i = 0; i < described.size(); ++i) {
+            std::cout << (i > 0 ? "\n" : "");
+            PrintReport(described[i], {options.statistics, options.reference});
+        }
+        return;
+    }
+    if (options.files.size() == 1) {
+        if (!described.empty())
+            PrintJson(ToJson(described.front()));
+        return;
+    }
+    Json all = Json::array();
+    for (const RasterFacts& facts : described)
+        all.push_back(ToJson(facts));
+    PrintJson(all);
+}
+
+void Run(const Options& options) {
+    std::vector<Failure> failures;
+    PrintAll(DescribeAll(options, failures), options);
+    if (failures.empty())
+        return;
+    std::cout.flush();
+    for (std::size_t i = 0; i + 1 < failures.size(); ++i)
+        std::cerr << "zelto: " << failures[i].what() << '\n';
+    throw failures.back();
+}
+
+} // namespace
+
+void AddInfo(CLI::App& program) {
+    auto* info = program.add_subcommand("info", "what raster files hold");
+    auto options = std::make_shared<Options>();
+    info->add_option("FILE", options->files, "raster files, or names of sub-data-sets")->required();
+    info->add_flag("--json", options->json,
+                   "print JSON: one object, or an array for several files");
+    info->add_flag("--stats", options->statistics, "statistics of every pixel instead of a sample");
+    info->add_flag("--srs", options->reference, "the reference system as WKT");
+    info->footer(
+        "Minimum, maximum, mean and (population) standard deviation leave out no-data values.\n"
+        "With --stats they are exact and every pixel is read. Without it, the JSON has those of\n"
+        "the sample that the engine takes on opening, at most 2048 pixels along the longer side.\n"
+        "The display range is what the standard-deviation stretch shows, two deviations on\n"
+        "either side of the mean within minimum and maximum; it always comes from the sample.\n"
+        "Sizes and geotransforms are those of the file, also where a display would turn a\n"
+        "rotated image north-up.");
+    info->callback([options] { Run(*options); });
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,23 @@
+#include "cli/support/ClassFacts.h"
+
+#include "cli/support/Table.h"
+#include "cli/support/Text.h"
+
+namespace zelto::cli {
+
+Json ToJson(const std::vector<ClassFacts>& classes) {
+    Json json = Json::array();
+    for (const ClassFacts& c : classes)
+        json.push_back({{"value", JsonNumber(c.value)}, {"color", c.color}, {"name", c.name}});
+    return json;
+}
+
+void PrintClasses(const std::vector<ClassFacts>& classes, int indent) {
+    Table table({"value", "red", "green", "blue", "name"});
+    for (const ClassFacts& c : classes)
+        table.AddRow({FormatNumber(c.value), std::to_string(c.color[0]), std::to_string(c.color[1]),
+                      std::to_string(c.color[2]), c.name});
+    table.Print(indent);
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "cli/support/Json.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace zelto::cli {
+
+/// A class of a classified raster.
+struct ClassFacts {
+    double value = 0.0;         ///< of the pixels
+    std::array<int, 3> color{}; ///< red, green, blue
+    std::string name;
+};
+
+/// [{value, color: [red, green, blue], name}]
+Json ToJson(const std::vector<ClassFacts>& classes);
+
+/// Prints a table for people on standard output.
+void PrintClasses(const std::vector<ClassFacts>& classes, int indent = 0);
+
+} // namespace zelto::cli

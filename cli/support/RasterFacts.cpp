@@ -1,0 +1,188 @@
+#include "cli/support/RasterFacts.h"
+
+#include "zelto/baselib/ClassifyDisplayTable.h"
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+
+#include "cli/support/Failure.h"
+#include "cli/support/Open.h"
+#include "cli/support/Progress.h"
+#include "cli/support/Quiet.h"
+#include "cli/support/Text.h"
+
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+
+namespace zelto::cli {
+
+namespace {
+
+std::unique_ptr<CRasterSource> MakeSource() {
+    auto source = std::make_unique<CRasterSource>();
+    source->SetForDisplay(true); // keeps a rotation as it is and reads the classes
+    return source;
+}
+
+/// Opens a file with control points without the warped view that its size and geotransform
+/// would be those of. Such a file may have a geotransform as well, which the engine then makes
+/// north-up; the file's own is put back.
+GISError OpenUnwarped(CRasterSource& source, const std::wstring& path) {
+    const GISError error = source.Open(path.c_str(), GIS_READONLY, false);
+    std::array<double, 6> own{};
+    const bool none = source.GetGeoTransform(own.data(), true);
+    if (error == GIS_SUCCESS && !none)
+        source.SetGeoTransform(own.data(), false);
+    return error;
+}
+
+GISError OpenWithSubdatasets(std::unique_ptr<CRasterSource>& source, const std::wstring& path) {
+    const QuietStandardError quiet;
+    source = MakeSource();
+    const GISError error = source->OpenAsDataset(path.c_str(), GIS_READONLY);
+    if (error != GIS_SUCCESS || source->GetGCPCount(true) == 0)
+        return error;
+    source = MakeSource();
+    return OpenUnwarped(*source, path);
+}
+
+std::unique_ptr<CRasterSource> OpenAsItIs(const std::string& path) {
+    CPLErrorReset();
+    std::unique_ptr<CRasterSource> source;
+    GISError error = OpenWithSubdatasets(source, Wide(path));
+    if (error == GIS_SUCCESS && source->GetBandCount() == 0 && source->GetSubRasterCount() == 0)
+        error = GIS_NOT_SUPPORTED;
+    if (error != GIS_SUCCESS)
+        throw Failure(path, ReasonForFailure(path, error));
+    return source;
+}
+
+std::vector<SubdatasetFacts> Subdatasets(GDALDataset& dataset) {
+    std::vector<SubdatasetFacts> found;
+    char** list = dataset.GetMetadata("SUBDATASETS");
+    for (int number = 1;; ++number) {
+        const std::string key = "SUBDATASET_" + std::to_string(number);
+        const char* name = CSLFetchNameValue(list, (key + "_NAME").c_str());
+        if (name == nullptr)
+            return found;
+        found.push_back({name, CSLFetchNameValueDef(list, (key + "_DESC").c_str(), "")});
+    }
+}
+
+std::vector<ClassFacts> Classes(const CClassifyDisplayTable* table) {
+    std::vector<ClassFacts> classes;
+    for (int i = 0; table != nullptr && i < table->GetItemCount(); ++i) {
+        const CClassifyDisplayItem& item = *table->GetItem(i);
+        classes.push_back({(item.m_low + item.m_high) / 2.0,
+                           {item.m_color.red, item.m_color.green, item.m_color.blue},
+                           Narrow(item.m_name)});
+    }
+    return classes;
+}
+
+/// The statistics the band has from its opening, of a sample. Bands that could not be read and
+/// bands without a valid pixel hold stand-ins in their place, which are told from true values by
+/// sampling again.
+std::optional<BandStatistics> SampledStatistics(CRasterBand& band) {
+    const BandStatistics held = {band.GetMinimum(), band.GetMaximum(), band.GetMean(),
+                                 band.GetStandardDeviation()};
+    if (held.mean != 0.0 || held.standardDeviation != 0.0)
+        return held;
+    BandStatistics again;
+    again.maximum = std::numeric_limits<double>::quiet_NaN();
+    const bool read = band.ComputeStaticsFromCustom(again.minimum, again.maximum, again.mean,
+                                                    again.standardDeviation, nullptr);
+    return read && !std::isnan(again.maximum) ? std::optional(held) : std::nullopt;
+}
+
+/// Throws Failure where a pixel cannot be read.
+std::optional<BandStatistics> ExactStatistics(CRasterBand& band, const std::string& path,
+                                              int number, CDataProgress& progress) {
+    BandStatistics found;
+    CPLErrorReset();
+    if (band.ComputeStatics(&found.minimum, &found.maximum, &found.mean, &found.standardDeviation,
+                            false, &progress))
+        return found;
+    if (Interrupted())
+        throw Failure(path, "interrupted");
+    const std::string reason = LastGdalMessage("its pixels cannot be read");
+    if (reason.find("no valid pixels") != std::string::npos)
+        return std::nullopt;
+    throw Failure(path, "band " + std::to_string(number) + ": " + reason);
+}
+
+BandFacts DescribeBand(CRasterBand& band) {
+    BandFacts facts;
+    facts.dataType = Narrow(band.GetDataTypeName());
+    facts.blockWidth = band.GetBlockXSize();
+    facts.blockHeight = band.GetBlockYSize();
+    if (band.IsHaveNoData())
+        facts.noData = band.GetNoDataValue();
+    if (band.IsHaveColorTable())
+        facts.colors = band.GetColorTable()->GetColorEntryCount();
+    for (int i = 0; i < band.GetOverviewCount(); ++i)
+        facts.overviews.emplace_back(band.GetOverview(i)->GetWidth(),
+                                     band.GetOverview(i)->GetHeight());
+    facts.statistics = SampledStatistics(band);
+    if (facts.statistics)
+        facts.displayRange.emplace(band.GetStdDevLowerBound(), band.GetStdDevUpperBound());
+    return facts;
+}
+
+/// A virtual raster holds no pixels of its own: where its sources are missing or lead back to
+/// itself there is nothing behind it.
+void RequireSources(const RasterFacts& facts, CRasterSource& source) {
+    const bool readable =
+        std::any_of(facts.bands.begin(), facts.bands.end(),
+                    [](const BandFacts& band) { return band.statistics.has_value(); });
+    if (facts.format != "VRT" || facts.bands.empty() || readable)
+        return;
+    CPLErrorReset();
+    double sample = 0.0;
+    CRasterBand& first = *source.GetRasterBand(0);
+    if (!first.GetDataToBuffer(0, 0, first.GetWidth(), first.GetHeight(), 1, 1, &sample))
+        throw Failure(facts.path, LastGdalMessage("its sources cannot be read"));
+}
+
+void DescribeReference(RasterFacts& facts, CRasterSource& source) {
+    source.InitCoordinateName();
+    facts.coordinateName = Narrow(source.GetCoordinateNameNew());
+    facts.datum = Narrow(source.GetDatumName());
+    facts.units = Narrow(source.GetUnitName(false));
+    facts.wkt = source.GetProjectionWKT();
+}
+
+} // namespace
+
+RasterFacts DescribeRaster(const std::string& path, bool exactStatistics, CDataProgress& progress) {
+    const std::unique_ptr<CRasterSource> source = OpenAsItIs(path);
+    GDALDataset& dataset = *source->GetGDALDataset();
+    RasterFacts facts;
+    facts.path = path;
+    facts.format = dataset.GetDriverName();
+    facts.formatName = dataset.GetDriver()->GetMetadataItem(GDAL_DMD_LONGNAME);
+    facts.width = source->GetWidth();
+    facts.height = source->GetHeight();
+    source->GetGeoTransform(facts.geoTransform.data(), false);
+    facts.extent = source->GetExtent();
+    facts.controlPoints = source->GetGCPCount(false);
+    DescribeReference(facts, *source);
+    facts.subdatasets = Subdatasets(dataset);
+    facts.classes = Classes(source->GetClassifyDisplayTable());
+    if (source->GetBandCount() > 0)
+        facts.dataType = Narrow(source->GetRasterDataTypeName());
+    for (int i = 0; i < source->GetBandCount(); ++i)
+        facts.bands.push_back(DescribeBand(*source->GetRasterBand(i)));
+    RequireSources(facts, *source);
+
+    facts.exactStatistics = exactStatistics;
+    for (int i = 0; exactStatistics && i < source->GetBandCount(); ++i)
+        facts.bands[static_cast<std::size_t>(i)].statistics =
+            ExactStatistics(*source->GetRasterBand(i), path, i + 1, progress);
+    return facts;
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "zelto/datasource/DataProgress.h"
+#include "zelto/geometry/BoundingBox.h"
+
+#include "cli/support/ClassFacts.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zelto::cli {
+
+/// Statistics of a band's valid pixels; the deviation is that of the population.
+struct BandStatistics {
+    double minimum = 0.0;
+    double maximum = 0.0;
+    double mean = 0.0;
+    double standardDeviation = 0.0;
+};
+
+struct BandFacts {
+    std::string dataType;
+    int blockWidth = 0;
+    int blockHeight = 0;
+    std::optional<double> noData;
+    int colors = 0;                             ///< entries of the colour table
+    std::vector<std::pair<int, int>> overviews; ///< width, height
+    std::optional<BandStatistics> statistics;   ///< none without a valid, readable pixel
+    std::optional<std::pair<double, double>> displayRange;
+};
+
+struct SubdatasetFacts {
+    std::string name; ///< opens as a raster of its own
+    std::string description;
+};
+
+/// What there is to say about a raster file.
+struct RasterFacts {
+    std::string path;
+    std::string format;     ///< GDAL's short name of the driver
+    std::string formatName; ///< its long name
+    int width = 0;
+    int height = 0;
+    std::string dataType; ///< of the first band; empty without bands
+    std::array<double, 6> geoTransform{};
+    CBoundingBox extent;
+    int controlPoints = 0; ///< ground control points
+    std::string coordinateName;
+    std::string datum;
+    std::string units;
+    std::string wkt;
+    bool exactStatistics = false; ///< of every pixel, not of a sample
+    std::vector<SubdatasetFacts> subdatasets;
+    std::vector<ClassFacts> classes;
+    std::vector<BandFacts> bands;
+};
+
+/// Opens a raster and describes it as the file has it, never through a warped view. Throws
+/// Failure when it cannot be opened, or when exact statistics are asked for and a band cannot
+/// be read.
+/// @param exactStatistics read every pixel instead of a sample
+RasterFacts DescribeRaster(const std::string& path, bool exactStatistics, CDataProgress& progress);
+
+} // namespace zelto::cli

@@ -1,0 +1,196 @@
+#include "cli/support/RasterReport.h"
+
+#include "cli/support/Table.h"
+#include "cli/support/Text.h"
+
+#include <cpl_conv.h>
+#include <ogr_spatialref.h>
+
+#include <iostream>
+#include <sstream>
+
+namespace zelto::cli {
+
+namespace {
+
+std::string Numbers(std::initializer_list<double> values) {
+    std::string text;
+    for (const double value : values)
+        text += (text.empty() ? "" : ", ") + FormatNumber(value);
+    return text;
+}
+
+std::string Size(int width, int height) {
+    return std::to_string(width) + " x " + std::to_string(height);
+}
+
+Json ToJson(const BandFacts& band, int number) {
+    Json overviews = Json::array();
+    for (const auto& [width, height] : band.overviews)
+        overviews.push_back({width, height});
+    Json json = {{"band", number},
+                 {"dataType", band.dataType},
+                 {"blockSize", {band.blockWidth, band.blockHeight}},
+                 {"noData", band.noData ? JsonNumber(*band.noData) : Json()},
+                 {"colorTable", band.colors > 0},
+                 {"colorTableEntries", band.colors},
+                 {"overviews", overviews}};
+    const auto& s = band.statistics;
+    json["minimum"] = s ? JsonNumber(s->minimum) : Json();
+    json["maximum"] = s ? JsonNumber(s->maximum) : Json();
+    json["mean"] = s ? JsonNumber(s->mean) : Json();
+    json["standardDeviation"] = s ? JsonNumber(s->standardDeviation) : Json();
+    json["displayMinimum"] = band.displayRange ? JsonNumber(band.displayRange->first) : Json();
+    json["displayMaximum"] = band.displayRange ? JsonNumber(band.displayRange->second) : Json();
+    return json;
+}
+
+void AddGrid(Table& table, const RasterFacts& facts) {
+    const auto& g = facts.geoTransform;
+    if (g[2] == 0.0 && g[4] == 0.0) {
+        table.AddRow({"origin", Numbers({g[0], g[3]})});
+        table.AddRow({"pixel size", Numbers({g[1], g[5]})});
+    } else {
+        table.AddRow({"geotransform", Numbers({g[0], g[1], g[2], g[3], g[4], g[5]})});
+    }
+    table.AddRow({"extent", Numbers({facts.extent.GetLeft(), facts.extent.GetTop(),
+                                     facts.extent.GetRight(), facts.extent.GetBottom()}) +
+                                " (left, top, right, bottom)"});
+    if (facts.controlPoints > 0)
+        table.AddRow({"control points", std::to_string(facts.controlPoints)});
+}
+
+void PrintSummary(const RasterFacts& facts) {
+    std::cout << facts.path << '\n';
+    Table table({"format", facts.format + ", " + facts.formatName});
+    if (!facts.bands.empty()) {
+        table.AddRow({"size", Size(facts.width, facts.height) + " pixels"});
+        table.AddRow({"bands", std::to_string(facts.bands.size()) + " of " + facts.dataType});
+        AddGrid(table, facts);
+    }
+    table.AddRow({"coordinates", facts.coordinateName.empty() ? "none" : facts.coordinateName});
+    if (!facts.datum.empty())
+        table.AddRow({"datum", facts.datum});
+    if (!facts.units.empty())
+        table.AddRow({"units", facts.units});
+    table.Print(2);
+}
+
+/// Largest and smallest, and how many: "175 x 176 to 22 x 22 (4)".
+std::string OverviewSizes(const BandFacts& band) {
+    if (band.overviews.empty())
+        return "-";
+    const auto& [firstWidth, firstHeight] = band.overviews.front();
+    const auto& [lastWidth, lastHeight] = band.overviews.back();
+    std::string text = Size(firstWidth, firstHeight);
+    if (band.overviews.size() > 1)
+        text += " to " + Size(lastWidth, lastHeight);
+    return text + " (" + std::to_string(band.overviews.size()) + ")";
+}
+
+void PrintBands(const RasterFacts& facts) {
+    std::cout << '\n';
+    Table table({"band", "type", "block", "no-data", "colours", "overviews"});
+    int number = 0;
+    for (const BandFacts& band : facts.bands)
+        table.AddRow({std::to_string(++number), band.dataType,
+                      Size(band.blockWidth, band.blockHeight),
+                      band.noData ? FormatNumber(*band.noData) : "-",
+                      band.colors > 0 ? std::to_string(band.colors) : "-", OverviewSizes(band)});
+    table.Print(2);
+}
+
+/// Digits enough for people; the JSON has them all.
+std::string Rounded(double value) {
+    char text[40];
+    CPLsnprintf(text, sizeof text, "%.6g", value);
+    return text;
+}
+
+void PrintStatistics(const RasterFacts& facts) {
+    std::cout << '\n';
+    Table table({"band", "minimum", "maximum", "mean", "deviation", "shown from", "to"});
+    int number = 0;
+    for (const BandFacts& band : facts.bands) {
+        std::vector<std::string> cells = {std::to_string(++number)};
+        if (const auto& s = band.statistics)
+            for (const double value : {s->minimum, s->maximum, s->mean, s->standardDeviation})
+                cells.push_back(Rounded(value));
+        cells.resize(5, "-");
+        if (band.displayRange) {
+            cells.push_back(Rounded(band.displayRange->first));
+            cells.push_back(Rounded(band.displayRange->second));
+        }
+        cells.resize(7, "-");
+        table.AddRow(cells);
+    }
+    table.Print(2);
+}
+
+void PrintSubdatasets(const RasterFacts& facts) {
+    std::cout << '\n';
+    Table table({"sub-data-set", "description"});
+    for (const SubdatasetFacts& sub : facts.subdatasets)
+        table.AddRow({sub.name, sub.description});
+    table.Print(2);
+}
+
+void PrintReference(const RasterFacts& facts) {
+    OGRSpatialReference reference;
+    char* pretty = nullptr;
+    if (reference.importFromWkt(facts.wkt.c_str()) != OGRERR_NONE ||
+        reference.exportToPrettyWkt(&pretty) != OGRERR_NONE) {
+        CPLFree(pretty);
+        return;
+    }
+    std::cout << '\n' << pretty << '\n';
+    CPLFree(pretty);
+}
+
+} // namespace
+
+Json ToJson(const RasterFacts& facts) {
+    Json json = {{"path", facts.path},
+                 {"format", facts.format},
+                 {"width", facts.width},
+                 {"height", facts.height},
+                 {"bandCount", facts.bands.size()},
+                 {"dataType", facts.dataType.empty() ? Json() : Json(facts.dataType)}};
+    json["geotransform"] = Json::array();
+    for (const double term : facts.geoTransform)
+        json["geotransform"].push_back(JsonNumber(term));
+    json["extent"] = JsonBox(facts.extent);
+    json["controlPoints"] = facts.controlPoints;
+    json["coordinateName"] = facts.coordinateName;
+    json["datum"] = facts.datum;
+    json["units"] = facts.units;
+    json["wkt"] = facts.wkt;
+    json["subdatasets"] = Json::array();
+    for (const SubdatasetFacts& sub : facts.subdatasets)
+        json["subdatasets"].push_back({{"name", sub.name}, {"description", sub.description}});
+    json["classes"] = ToJson(facts.classes);
+    json["statistics"] = facts.exactStatistics ? "exact" : "sampled";
+    json["bands"] = Json::array();
+    int number = 0;
+    for (const BandFacts& band : facts.bands)
+        json["bands"].push_back(ToJson(band, ++number));
+    return json;
+}
+
+void PrintReport(const RasterFacts& facts, const ReportParts& parts) {
+    PrintSummary(facts);
+    if (!facts.bands.empty())
+        PrintBands(facts);
+    if (parts.statistics && !facts.bands.empty())
+        PrintStatistics(facts);
+    if (!facts.classes.empty()) {
+        std::cout << '\n';
+        PrintClasses(facts.classes, 2);
+    }
+    if (!facts.subdatasets.empty())
+        PrintSubdatasets(facts);
+    if (parts.reference && !facts.wkt.empty())
+        PrintReference(facts);
+}
+
+} // namespace zelto::cli
