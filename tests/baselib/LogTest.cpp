@@ -82,7 +82,8 @@ TEST(LogFormat, StringsAreWide) {
     EXPECT_EQ(Logged(L"%s", L"wide 中"), L"wide 中");
     EXPECT_EQ(Logged(L"%ls|%-6s|%6s|%.2s", L"a", L"b", L"c", L"def"), L"a|b     |     c|de");
     EXPECT_EQ(Logged(L"%*s", 3, L"x"), L"  x");
-    EXPECT_EQ(Logged(L"%hs and %s", "narrow", L"wide"), L"narrow and wide");
+    EXPECT_EQ(Logged(L"%hs and %s", "narrow \xE4\xB8\xAD", L"wide"), L"narrow 中 and wide");
+    EXPECT_EQ(Logged(L"%hs", "not UTF-8 \xFF"), L"%hs");
 }
 
 TEST(LogFormat, NumbersAreThoseOfPrintf) {

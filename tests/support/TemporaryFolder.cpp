@@ -45,6 +45,9 @@ std::string ReadFile(const std::filesystem::path& path) {
 }
 
 void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
+    // File systems flush a file that takes the place of another one; tests write many.
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
     std::ofstream stream(path, std::ios::binary);
     stream << bytes;
     stream.flush();

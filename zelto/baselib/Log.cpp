@@ -6,6 +6,7 @@
 #include <ctime>
 #include <cwchar>
 #include <fstream>
+#include <locale.h>
 
 CLog* CLog::m_pLogger = nullptr;
 
@@ -31,9 +32,28 @@ std::wstring WithWideStrings(const wchar_t* format) {
     return result;
 }
 
+/// While it lives, this thread formats numbers with a '.' and narrow texts as UTF-8, whatever
+/// the host's locale is.
+class NeutralLocale {
+  public:
+    NeutralLocale() : m_former(uselocale(Shared())) {}
+    ~NeutralLocale() { uselocale(m_former); }
+    NeutralLocale(const NeutralLocale&) = delete;
+    NeutralLocale& operator=(const NeutralLocale&) = delete;
+
+  private:
+    static locale_t Shared() {
+        static const locale_t shared = newlocale(LC_ALL_MASK, "C.UTF-8", nullptr);
+        return shared; // null, which changes nothing, on a system without it
+    }
+
+    locale_t m_former;
+};
+
 std::wstring Format(const wchar_t* format, std::va_list arguments) {
     constexpr std::size_t LONGEST = std::size_t{1} << 20U;
     const std::wstring wideFormat = WithWideStrings(format);
+    const NeutralLocale locale;
     // The wide printf does not tell how much room it wants.
     for (std::size_t room = 1024; room <= LONGEST; room *= 4) {
         std::wstring text(room, L'\0');

@@ -19,7 +19,8 @@ class ZELTO_API CLog {
     virtual ~CLog();
 
     /// Formats a message as printf does and hands it to WriteMessage(). In the format, %s takes
-    /// a wide string and %hs a narrow one.
+    /// a wide string and %hs a narrow one in UTF-8; numbers have a '.' whatever the locale. A
+    /// message that cannot be formatted is its format.
     /// @param file name of the source that reports, without extension
     void WriteLog(int level, const wchar_t* file, int line, const wchar_t* function,
                   const wchar_t* format, ...);
