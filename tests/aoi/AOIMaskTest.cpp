@@ -1,0 +1,248 @@
+#include "zelto/aoi/AOIMask.h"
+
+#include "zelto/aoi/AOISource.h"
+
+#include "tests/aoi/Shapes.h"
+
+#include <gtest/gtest.h>
+#include <ogr_geometry.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <random>
+
+namespace {
+
+using zelto::test::Drag;
+using zelto::test::MakePolygon;
+
+class AOIMask : public testing::Test {
+  protected:
+    // The library's drivers are up while a data source lives.
+    AOIMask() { CGISDataSource::RegisterGDAL(); }
+    ~AOIMask() override { CGISDataSource::DestroyGDAL(); }
+
+    static std::unique_ptr<OGRGeometry> Parse(const std::string& wkt) {
+        OGRGeometry* geometry = nullptr;
+        EXPECT_EQ(OGRGeometryFactory::createFromWkt(wkt.c_str(), nullptr, &geometry), OGRERR_NONE);
+        return std::unique_ptr<OGRGeometry>(geometry);
+    }
+    static std::unique_ptr<CAOIMask> Make(const std::string& wkt, CBoundingBox box, int width,
+                                          int height) {
+        return std::unique_ptr<CAOIMask>(CAOIMask::Create(Parse(wkt).get(), box, width, height, 0));
+    }
+    /// The mask as rows of '#' and '.', from the top.
+    static std::vector<std::string> Draw(const CAOIMask& mask, int width, int height) {
+        std::vector<std::string> rows;
+        for (int r = 0; r < height; ++r) {
+            rows.emplace_back();
+            for (int c = 0; c < width; ++c)
+                rows.back() += mask.IsPointIn(c, r) ? '#' : '.';
+        }
+        return rows;
+    }
+};
+
+using Rows = std::vector<std::string>;
+
+/// Eight pixels of one ground unit along each side.
+const CBoundingBox EIGHT(0, 8, 8, 0);
+
+TEST_F(AOIMask, NoGeometryNoMask) {
+    EXPECT_EQ(CAOIMask::Create(nullptr, EIGHT, 8, 8, 0), nullptr);
+}
+
+TEST_F(AOIMask, AnAreaAroundTheGrownBoxFillsTheMask) {
+    const auto mask = Make("POLYGON ((-1 -1,-1 9,9 9,9 -1,-1 -1))", EIGHT, 8, 8);
+    ASSERT_NE(mask, nullptr);
+    EXPECT_EQ(Draw(*mask, 8, 8), Rows(8, "########"));
+    EXPECT_FALSE(mask->IsEmpty());
+}
+
+TEST_F(AOIMask, AnAreaApartFromTheGrownBoxLeavesTheMaskEmpty) {
+    const auto mask = Make("POLYGON ((9.5 0,9.5 8,20 8,20 0,9.5 0))", EIGHT, 8, 8);
+    ASSERT_NE(mask, nullptr);
+    EXPECT_TRUE(mask->IsEmpty());
+    EXPECT_EQ(Draw(*mask, 8, 8), Rows(8, "........"));
+}
+
+TEST_F(AOIMask, PixelCentresDecideAndOnePixelIsAddedAround) {
+    // Centres in the square: columns and rows 3 and 4.
+    const auto mask =
+        Make("POLYGON ((3.25 3.25,3.25 4.75,4.75 4.75,4.75 3.25,3.25 3.25))", EIGHT, 8, 8);
+    ASSERT_NE(mask, nullptr);
+    EXPECT_EQ(Draw(*mask, 8, 8), (Rows{"........", "........", "..####..", "..####..", "..####..",
+                                       "..####..", "........", "........"}));
+}
+
+TEST_F(AOIMask, TheOutermostPixelsAreNotGrown) {
+    // Centres of columns 6 and 7 in rows 3 and 4; growth would reach nothing beyond, and along
+    // the last column nothing is added above and below.
+    const auto mask =
+        Make("POLYGON ((6.25 3.25,6.25 4.75,20 4.75,20 3.25,6.25 3.25))", EIGHT, 8, 8);
+    EXPECT_EQ(Draw(*mask, 8, 8), (Rows{"........", "........", ".....##.", ".....###", ".....###",
+                                       ".....##.", "........", "........"}));
+}
+
+TEST_F(AOIMask, ASliverMissedInSomeRowsIsCaughtByTheGrowth) {
+    // A slanted sliver a fifth of a pixel wide; only where it crosses a centre is it burnt.
+    const auto mask = Make("POLYGON ((2.4 0,2.6 0,3.6 8,3.4 8,2.4 0))", EIGHT, 8, 8);
+    ASSERT_NE(mask, nullptr);
+    int marked = 0;
+    for (int r = 1; r < 7; ++r)
+        for (int c = 0; c < 8; ++c)
+            marked += mask->IsPointIn(c, r);
+    EXPECT_GT(marked, 0);
+    EXPECT_TRUE(mask->IsPointIn(2, 6) && mask->IsPointIn(3, 1));
+}
+
+TEST_F(AOIMask, OverlappingMembersOfACollectionGiveAMask) {
+    const auto mask = Make("GEOMETRYCOLLECTION (POLYGON ((1 1,1 5,5 5,5 1,1 1)),"
+                           "POLYGON ((3 3,3 7,7 7,7 3,3 3)))",
+                           EIGHT, 8, 8);
+    ASSERT_NE(mask, nullptr);
+    EXPECT_TRUE(mask->IsPointIn(2, 5));
+    EXPECT_TRUE(mask->IsPointIn(4, 4)) << "in both";
+    EXPECT_TRUE(mask->IsPointIn(5, 2));
+    EXPECT_FALSE(mask->IsPointIn(7, 7));
+}
+
+TEST_F(AOIMask, AdjacentMembersAroundTheBoxFillTheMask) {
+    const auto mask = Make("GEOMETRYCOLLECTION (POLYGON ((-9 -9,-9 19,4 19,4 -9,-9 -9)),"
+                           "POLYGON ((4 -9,4 19,19 19,19 -9,4 -9)))",
+                           EIGHT, 8, 8);
+    ASSERT_NE(mask, nullptr);
+    EXPECT_EQ(Draw(*mask, 8, 8), Rows(8, "########"));
+}
+
+TEST_F(AOIMask, ATouchAlongTheGrownFrameIsNotInside) {
+    // It shares an edge with the frame; the overlap is a line, which covers no pixel centre.
+    const auto mask = Make("POLYGON ((9 -9,9 19,19 19,19 -9,9 -9))", EIGHT, 8, 8);
+    ASSERT_NE(mask, nullptr);
+    EXPECT_FALSE(mask->IsEmpty());
+    EXPECT_EQ(Draw(*mask, 8, 8), Rows(8, "........"));
+}
+
+TEST_F(AOIMask, PointsOutsideTheGridAreOutside) {
+    const auto mask = Make("POLYGON ((-9 -9,-9 19,19 19,19 -9,-9 -9))", EIGHT, 8, 8);
+    EXPECT_FALSE(mask->IsPointIn(-1, 0));
+    EXPECT_FALSE(mask->IsPointIn(0, -1));
+    EXPECT_FALSE(mask->IsPointIn(8, 0));
+    EXPECT_FALSE(mask->IsPointIn(0, 8));
+    EXPECT_TRUE(mask->IsPointIn(7, 7));
+}
+
+TEST_F(AOIMask, GroundPointsFallOnPixelsTruncatedTowardZero) {
+    const auto mask = Make("POLYGON ((-9 -9,-9 19,19 19,19 -9,-9 -9))", {100, 300, 180, 260}, 8, 8);
+    ASSERT_EQ(mask->IsEmpty(), true);
+    const auto full = Make("POLYGON ((0 0,0 999,999 999,999 0,0 0))", {100, 300, 180, 260}, 8, 8);
+    ASSERT_NE(full, nullptr);
+    EXPECT_TRUE(full->IsPoint2DIn(100, 300));
+    EXPECT_TRUE(full->IsPoint2DIn(179.9, 260.1));
+    EXPECT_FALSE(full->IsPoint2DIn(180, 270)) << "column 8";
+    EXPECT_TRUE(full->IsPoint2DIn(95, 300)) << "half a pixel left of the box is column 0";
+    EXPECT_FALSE(full->IsPoint2DIn(89, 300)) << "column −1";
+    EXPECT_FALSE(full->IsPoint2DIn(std::nan(""), 300));
+    EXPECT_FALSE(full->IsPoint2DIn(1e300, 300));
+}
+
+TEST_F(AOIMask, WithoutAnAreaTheBoxIsInside) {
+    const CAOIMask mask(nullptr, EIGHT, 8, 8);
+    EXPECT_FALSE(mask.IsEmpty());
+    EXPECT_TRUE(mask.IsPointIn(0, 0));
+    EXPECT_TRUE(mask.IsPointIn(7, 7));
+    EXPECT_FALSE(mask.IsPointIn(8, 7));
+    EXPECT_TRUE(mask.IsPoint2DIn(8, 0)) << "the edges are included";
+    EXPECT_FALSE(mask.IsPoint2DIn(8.1, 0));
+}
+
+TEST_F(AOIMask, AnAreaWithoutShapesHoldsNothing) {
+    CAOISource source;
+    const CAOIMask mask(&source, EIGHT, 8, 8);
+    EXPECT_TRUE(mask.IsEmpty());
+    EXPECT_FALSE(mask.IsPointIn(4, 4));
+    EXPECT_FALSE(mask.IsPoint2DIn(4, 4));
+}
+
+TEST_F(AOIMask, AnAreasShapesAreBurnt) {
+    CAOISource source;
+    source.AddDrawShape(new CDrawRectangle(Drag({1, 7}, {3, 5})));
+    source.AddDrawShape(new CDrawEllipse(Drag<CDrawEllipse>({2, 6}, {7, 1})));
+    const CAOIMask mask(&source, EIGHT, 8, 8);
+    EXPECT_TRUE(mask.IsPointIn(1, 1));
+    EXPECT_TRUE(mask.IsPointIn(4, 4));
+    EXPECT_FALSE(mask.IsPointIn(7, 0));
+}
+
+TEST_F(AOIMask, AGridWithoutPixelsAnswersGroundPointsFromTheGeometry) {
+    CAOISource source;
+    source.AddDrawShape(new CDrawRectangle(Drag({2, 6}, {5, 3})));
+    for (const auto& [width, height] : {std::pair{0, 8}, {8, 0}, {0, 0}, {-3, 8}}) {
+        const CAOIMask mask(&source, EIGHT, width, height);
+        EXPECT_FALSE(mask.IsPointIn(0, 0));
+        EXPECT_TRUE(mask.IsPoint2DIn(3, 4)) << width << " x " << height;
+        EXPECT_FALSE(mask.IsPoint2DIn(1, 4));
+        EXPECT_EQ(Make("POLYGON ((2 2,2 5,5 5,5 2,2 2))", EIGHT, width, height), nullptr);
+    }
+    const CAOIMask apart(&source, {10, 18, 18, 10}, 0, 0);
+    EXPECT_TRUE(apart.IsEmpty());
+    EXPECT_FALSE(apart.IsPoint2DIn(12, 12));
+}
+
+TEST_F(AOIMask, AnAreaThatCannotBeCutIsOutside) {
+    // A figure of eight is no valid polygon.
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+    CAOISource source;
+    source.AddDrawShape(new CDrawPolygon(MakePolygon({{1, 1}, {7, 7}, {7, 1}, {1, 7}})));
+    const CAOIMask mask(&source, EIGHT, 8, 8);
+    CPLPopErrorHandler();
+    EXPECT_FALSE(mask.IsPoint2DIn(2, 4));
+    EXPECT_FALSE(mask.IsPointIn(2, 4));
+}
+
+TEST_F(AOIMask, UndefinedBoxesDoNoHarm) {
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+    const double nan = std::nan("");
+    const double infinite = std::numeric_limits<double>::infinity();
+    for (const CBoundingBox& box :
+         {CBoundingBox(nan, 8, 8, 0), CBoundingBox(0, infinite, infinite, 0),
+          CBoundingBox(0, 0, 0, 0), CBoundingBox(8, 0, 0, 8)}) {
+        const auto mask = Make("POLYGON ((2 2,2 5,5 5,5 2,2 2))", box, 8, 8);
+        if (mask != nullptr) {
+            mask->IsPointIn(3, 3);
+            mask->IsPoint2DIn(3, 3);
+        }
+    }
+    CPLPopErrorHandler();
+}
+
+TEST_F(AOIMask, AgreesWithPixelCentresAndTheirNeighboursOnRandomPolygons) {
+    SCOPED_TRACE("seed 41");
+    std::mt19937 engine(41);
+    std::uniform_real_distribution<double> c(-3, 43);
+    for (int round = 0; round < 60; ++round) {
+        // A triangle is always valid.
+        CDrawPolygon triangle =
+            MakePolygon({{c(engine), c(engine)}, {c(engine), c(engine)}, {c(engine), c(engine)}});
+        CAOISource source;
+        ASSERT_TRUE(source.AddDrawShape(new CDrawPolygon(triangle)));
+        const CAOIMask mask(&source, {0, 40, 40, 0}, 40, 40);
+        const auto burnt = [&](int column, int row) {
+            CPoint2D centre(column + 0.5, 40 - (row + 0.5));
+            return column >= 0 && row >= 0 && column < 40 && row < 40 &&
+                   triangle.IsPointIn(&centre);
+        };
+        for (int row = 0; row < 40; ++row)
+            for (int column = 0; column < 40; ++column) {
+                bool expected = burnt(column, row);
+                if (row > 0 && row < 39 && column > 0 && column < 39)
+                    for (int k = 0; k < 9; ++k)
+                        expected |= burnt(column + k % 3 - 1, row + k / 3 - 1);
+                ASSERT_EQ(mask.IsPointIn(column, row), expected)
+                    << "column " << column << ", row " << row << ", round " << round;
+            }
+    }
+}
+
+} // namespace
