@@ -12,6 +12,8 @@ namespace zelto::cli {
 void AddClasses(CLI::App& program);
 void AddInfo(CLI::App& program);
 void AddReproject(CLI::App& program);
+void AddAoi(CLI::App& program);
 void AddSrs(CLI::App& program);
+void AddVector(CLI::App& program);
 
 } // namespace zelto::cli

@@ -19,7 +19,9 @@ void AddCommands(CLI::App& program) {
     AddInfo(program);
     AddClasses(program);
     AddReproject(program);
+    AddAoi(program);
     AddSrs(program);
+    AddVector(program);
 }
 
 } // namespace

@@ -1,0 +1,82 @@
+#include "cli/AoiFile.h"
+
+#include "zelto/baselib/CommonFun.h"
+
+#include "cli/support/Failure.h"
+#include "cli/support/Open.h"
+#include "cli/support/Text.h"
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <ogr_spatialref.h>
+
+namespace zelto::cli {
+
+namespace {
+
+VectorDataFormat FormatOf(const std::string& path) {
+    const std::wstring extension = CommonFun::GetExtensionName(Wide(path));
+    if (extension == L"aif")
+        return VDF_AOI;
+    return extension == L"shp" ? VDF_SHAPEFILE : VectorDataFormat(0);
+}
+
+/// The system in the dialect that other programs expect in a .prj file; empty for none.
+std::string PrjText(const std::string& wkt) {
+    OGRSpatialReference reference;
+    if (wkt.empty() || reference.SetFromUserInput(wkt.c_str()) != OGRERR_NONE)
+        return {};
+    const char* const options[] = {"FORMAT=WKT1_ESRI", nullptr};
+    char* text = nullptr;
+    const bool written = reference.exportToWkt(&text, options) == OGRERR_NONE;
+    const std::string result = written && text != nullptr ? text : "";
+    CPLFree(text);
+    return result;
+}
+
+} // namespace
+
+void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs) {
+    if (srs.empty())
+        return OpenOrFail(aoi, path);
+    CPLErrorReset();
+    const GISError error = aoi.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, srs.c_str());
+    if (error == GIS_OPEN_FAILED)
+        throw Failure(path, aoi.GetSpatialReferenceWKT().empty()
+                                ? "has no reference system to transform from"
+                                : "cannot be transformed to " + srs);
+    if (error != GIS_SUCCESS)
+        throw Failure(path, ReasonForFailure(path, error));
+}
+
+void RequireAoiFormat(const std::string& path) {
+    if (FormatOf(path) == VectorDataFormat(0))
+        throw UsageError(path + ": areas of interest are written as .aif or .shp");
+}
+
+void SaveAoiOrFail(CAOISource& aoi, const std::string& path) {
+    CPLErrorReset();
+    const VectorDataFormat format = FormatOf(path);
+    if (aoi.SaveAs(Wide(path).c_str(), format) != GIS_SUCCESS)
+        throw Failure(path, LastGdalMessage("cannot be written"));
+    const std::string prj = PrjText(aoi.GetSpatialReferenceWKT());
+    if (format == VDF_SHAPEFILE && !prj.empty()) {
+        const std::wstring stem = CommonFun::GetFilePahWithoutExtension(Wide(path));
+        CGISDataSource::WriteWkt(Narrow(stem + L".prj").c_str(), prj.c_str());
+    }
+}
+
+std::string KindName(const CDrawShape& shape) {
+    switch (shape.m_shapeKind) {
+    case SHAPE_RECTANGLE:
+        return "rectangle";
+    case SHAPE_ELLIPSE:
+        return "ellipse";
+    case SHAPE_POLYGON:
+        return "polygon";
+    default:
+        return "other";
+    }
+}
+
+} // namespace zelto::cli
