@@ -21,12 +21,13 @@ VectorDataFormat FormatOf(const std::string& path) {
     return extension == L"shp" ? VDF_SHAPEFILE : VectorDataFormat(0);
 }
 
-/// The system in the dialect that other programs expect in a .prj file; empty for none.
-std::string PrjText(const std::string& wkt) {
+} // namespace
+
+std::string SrsAsWkt(const std::string& srs, const char* format) {
     OGRSpatialReference reference;
-    if (wkt.empty() || reference.SetFromUserInput(wkt.c_str()) != OGRERR_NONE)
+    if (srs.empty() || reference.SetFromUserInput(srs.c_str()) != OGRERR_NONE)
         return {};
-    const char* const options[] = {"FORMAT=WKT1_ESRI", nullptr};
+    const char* const options[] = {format, nullptr};
     char* text = nullptr;
     const bool written = reference.exportToWkt(&text, options) == OGRERR_NONE;
     const std::string result = written && text != nullptr ? text : "";
@@ -34,13 +35,12 @@ std::string PrjText(const std::string& wkt) {
     return result;
 }
 
-} // namespace
-
 void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs) {
-    if (srs.empty())
-        return OpenOrFail(aoi, path);
     CPLErrorReset();
-    const GISError error = aoi.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, srs.c_str());
+    const char* target = srs.empty() ? nullptr : srs.c_str();
+    const GISError error = aoi.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, target);
+    if (error == GIS_NOT_SUPPORTED)
+        throw Failure(path, "is no file of areas of interest");
     if (error == GIS_OPEN_FAILED)
         throw Failure(path, aoi.GetSpatialReferenceWKT().empty()
                                 ? "has no reference system to transform from"
@@ -59,7 +59,7 @@ void SaveAoiOrFail(CAOISource& aoi, const std::string& path) {
     const VectorDataFormat format = FormatOf(path);
     if (aoi.SaveAs(Wide(path).c_str(), format) != GIS_SUCCESS)
         throw Failure(path, LastGdalMessage("cannot be written"));
-    const std::string prj = PrjText(aoi.GetSpatialReferenceWKT());
+    const std::string prj = SrsAsWkt(aoi.GetSpatialReferenceWKT(), "FORMAT=WKT1_ESRI");
     if (format == VDF_SHAPEFILE && !prj.empty()) {
         const std::wstring stem = CommonFun::GetFilePahWithoutExtension(Wide(path));
         CGISDataSource::WriteWkt(Narrow(stem + L".prj").c_str(), prj.c_str());

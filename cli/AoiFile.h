@@ -3,6 +3,7 @@
 #include "zelto/aoi/AOISource.h"
 
 #include <string>
+#include <vector>
 
 namespace zelto::cli {
 
@@ -16,6 +17,11 @@ void SaveAoiOrFail(CAOISource& aoi, const std::string& path);
 
 /// Throws UsageError for a path that SaveAoiOrFail() has no format for.
 void RequireAoiFormat(const std::string& path);
+
+/// A reference system as WKT; empty for none and for what cannot be read.
+/// @param format GDAL's export option: "FORMAT=WKT1_GDAL", or "FORMAT=WKT1_ESRI" as other
+///        programs expect it in a .prj file
+std::string SrsAsWkt(const std::string& srs, const char* format);
 
 /// "rectangle", "ellipse", "polygon"
 std::string KindName(const CDrawShape& shape);

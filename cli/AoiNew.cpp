@@ -57,9 +57,10 @@ void CreateAoi(const AoiNewOptions& options) {
     RequireAoiFormat(options.out);
     CAOISource aoi;
     if (!options.srs.empty()) {
-        aoi.SetSpatialReferenceWKT(options.srs.c_str());
-        if (!aoi.IsGeographic() && !aoi.IsProjected())
+        const std::string wkt = SrsAsWkt(options.srs, "FORMAT=WKT1_GDAL");
+        if (wkt.empty())
             throw UsageError("--srs: '" + options.srs + "' is no reference system");
+        aoi.SetSpatialReferenceWKT(wkt.c_str());
     }
     for (const std::string& text : options.rectangles)
         AddBox<CDrawRectangle>(aoi, "--rect", text);

@@ -9,10 +9,10 @@ namespace zelto::cli {
 // Each adds its subcommand, with options, help and what runs, to the program. What runs
 // throws Failure when the work fails and UsageError when options contradict each other.
 
+void AddAoi(CLI::App& program);
 void AddClasses(CLI::App& program);
 void AddInfo(CLI::App& program);
 void AddReproject(CLI::App& program);
-void AddAoi(CLI::App& program);
 void AddSrs(CLI::App& program);
 void AddVector(CLI::App& program);
 

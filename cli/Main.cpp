@@ -16,10 +16,11 @@ constexpr int EXIT_USAGE = 2;
 void AddCommands(CLI::App& program) {
     using namespace zelto::cli;
     program.require_subcommand(1);
-    AddInfo(program);
-    AddClasses(program);
-    AddReproject(program);
     AddAoi(program);
+    AddClasses(program);
+    AddCommands(program);
+    AddInfo(program);
+    AddReproject(program);
     AddSrs(program);
     AddVector(program);
 }
@@ -32,7 +33,6 @@ int main(int argc, char** argv) {
                      "Bands are numbered from 1; boxes are left,top,right,bottom in ground units.");
     program.set_version_flag("--version", ZELTO_VERSION);
     program.footer("zelto COMMAND --help explains a command.");
-    AddCommands(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

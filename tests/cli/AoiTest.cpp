@@ -1,0 +1,205 @@
+#include "tests/cli/RunZelto.h"
+#include "tests/support/RasterFile.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestData.h"
+#include "tests/support/VectorFile.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <numeric>
+
+namespace {
+
+using namespace zelto::test;
+using nlohmann::json;
+
+class AoiCommand : public testing::Test {
+  protected:
+    std::string File(const std::string& name) { return m_folder.File(name); }
+    json Info(const std::string& name) {
+        return json::parse(RunZelto({"aoi", "info", File(name), "--json"}).output);
+    }
+    /// A rectangle, an ellipse and a triangle in UTM zone 50.
+    void MakeThree(const std::string& name) {
+        const auto run =
+            RunZelto({"aoi", "new", File(name), "--rect", "0,10,10,0", "--ellipse", "20,10,30,0",
+                      "--polygon", "0,20,5,30,10,20", "--srs", "EPSG:32650"});
+        ASSERT_EQ(run.exitStatus, 0) << run.errors;
+    }
+
+    TemporaryFolder m_folder;
+};
+
+TEST_F(AoiCommand, NewWritesTheShapesAndInfoTellsThem) {
+    MakeThree("a.aif");
+    EXPECT_EQ(std::filesystem::file_size(File("a.aif")), 1584U + 33 + 33 + 1 + 4 + 3 * 16);
+    const json info = Info("a.aif");
+    EXPECT_EQ(info["count"], 3);
+    EXPECT_EQ(info["extent"],
+              (json{{"left", 0.0}, {"top", 30.0}, {"right", 30.0}, {"bottom", 0.0}}));
+    EXPECT_EQ(info["coordinateSystem"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
+    EXPECT_EQ(info["wkt"].get<std::string>().substr(0, 7), "PROJCS[");
+    EXPECT_EQ(info["shapes"][0]["kind"], "rectangle");
+    EXPECT_EQ(info["shapes"][1]["kind"], "ellipse");
+    EXPECT_EQ(info["shapes"][1]["extent"]["right"], 30.0);
+    EXPECT_EQ(info["shapes"][2]["kind"], "polygon");
+    EXPECT_EQ(info["shapes"][2]["vertices"], 3);
+    const auto text = RunZelto({"aoi", "info", File("a.aif")});
+    EXPECT_EQ(text.exitStatus, 0);
+    EXPECT_NE(text.output.find("shapes  3\n"), std::string::npos) << text.output;
+    EXPECT_NE(text.output.find("extent  0,30,30,0\n"), std::string::npos) << text.output;
+    EXPECT_NE(text.output.find("    2  ellipse    -           20   10     30       0\n"),
+              std::string::npos)
+        << text.output;
+}
+
+TEST_F(AoiCommand, NewTakesGeoJsonAsFileAndAsText) {
+    WriteFile(File("in.geojson"),
+              R"({"type":"FeatureCollection","features":[{"type":"Feature","properties":{},)"
+              R"("geometry":{"type":"Polygon","coordinates":[[[0,0],[0,9],[9,9],[0,0]],)"
+              R"([[1,2],[1,3],[2,3],[1,2]]]}}]})");
+    const auto run =
+        RunZelto({"aoi", "new", File("a.aif"), "--geojson", File("in.geojson"), "--geojson",
+                  R"({"type":"Polygon","coordinates":[[[50,0],[50,1],[51,1],[50,0]]]})"});
+    ASSERT_EQ(run.exitStatus, 0) << run.errors;
+    const json info = Info("a.aif");
+    EXPECT_EQ(info["count"], 3) << "the hole is an area of its own";
+    EXPECT_EQ(info["extent"]["right"], 51.0);
+    EXPECT_EQ(info["coordinateSystem"], "WGS 84 (WGS_1984/WGS 84)");
+}
+
+TEST_F(AoiCommand, NewRefusesWhatIsNoShape) {
+    const std::vector<std::vector<std::string>> wrong = {{},
+                                                         {"--rect", "0,10,10"},
+                                                         {"--rect", "10,10,0,0"},
+                                                         {"--ellipse", "0,0,10,10"},
+                                                         {"--rect", "a,b,c,d"},
+                                                         {"--polygon", "0,0,1,1"},
+                                                         {"--polygon", "0,0,1,1,2"},
+                                                         {"--rect", "0,1,1,0", "--srs", "junk"}};
+    for (auto arguments : wrong) {
+        arguments.insert(arguments.begin(), {"aoi", "new", File("a.aif")});
+        const auto run = RunZelto(arguments);
+        EXPECT_EQ(run.exitStatus, 2) << run.errors;
+        EXPECT_EQ(run.output, "");
+    }
+    EXPECT_EQ(RunZelto({"aoi", "new", File("a.tif"), "--rect", "0,1,1,0"}).exitStatus, 2);
+    EXPECT_EQ(RunZelto({"aoi", "new", File("a.aif"), "--geojson", File("no.json")}).exitStatus, 1);
+    EXPECT_EQ(RunZelto({"aoi", "new", File("no/a.aif"), "--rect", "0,1,1,0"}).exitStatus, 1);
+    EXPECT_TRUE(m_folder.Names().empty());
+}
+
+TEST_F(AoiCommand, ConvertGoesToAShapefileAndBack) {
+    MakeThree("a.aif");
+    ASSERT_EQ(RunZelto({"aoi", "convert", File("a.aif"), File("b.shp")}).exitStatus, 0);
+    EXPECT_EQ(ReadGeometries(File("b.shp")).size(), 3U);
+    EXPECT_EQ(ReadGeometries(File("b.shp"))[0], "POLYGON ((0 10,10 10,10 0,0 0,0 10))");
+    EXPECT_TRUE(std::filesystem::exists(File("b.prj")));
+    ASSERT_EQ(RunZelto({"aoi", "convert", File("b.shp"), File("c.aif")}).exitStatus, 0);
+    const json info = Info("c.aif");
+    EXPECT_EQ(info["count"], 3);
+    EXPECT_EQ(info["coordinateSystem"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
+}
+
+TEST_F(AoiCommand, ConvertTransformsWhenAsked) {
+    ASSERT_EQ(RunZelto({"aoi", "new", File("a.aif"), "--rect", "500000,110530,600000,0", "--srs",
+                        "EPSG:32650"})
+                  .exitStatus,
+              0);
+    ASSERT_EQ(
+        RunZelto({"aoi", "convert", File("a.aif"), File("b.aif"), "--srs", "EPSG:4326"}).exitStatus,
+        0);
+    const json extent = Info("b.aif")["extent"];
+    EXPECT_NEAR(extent["left"].get<double>(), 117, 1e-9);
+    EXPECT_NEAR(extent["top"].get<double>(), 1, 1e-4);
+    EXPECT_NEAR(extent["bottom"].get<double>(), 0, 1e-9);
+    ASSERT_EQ(RunZelto({"aoi", "new", File("n.aif"), "--rect", "0,1,1,0"}).exitStatus, 0);
+    const auto run =
+        RunZelto({"aoi", "convert", File("n.aif"), File("c.aif"), "--srs", "EPSG:4326"});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors,
+              "zelto: " + File("n.aif") + ": has no reference system to transform from\n");
+}
+
+TEST_F(AoiCommand, ConvertFailsInOneLine) {
+    WriteVector(File("p.shp"), {.type = wkbPoint}, {"POINT (1 1)"});
+    const auto none = RunZelto({"aoi", "convert", File("p.shp"), File("a.aif")});
+    EXPECT_EQ(none.exitStatus, 1);
+    EXPECT_EQ(none.errors, "zelto: " + File("p.shp") + ": holds no polygons\n");
+    WriteFile(File("bad.aif"), std::string(2000, 'x'));
+    const auto bad = RunZelto({"aoi", "info", File("bad.aif")});
+    EXPECT_EQ(bad.exitStatus, 1);
+    EXPECT_EQ(bad.errors, "zelto: " + File("bad.aif") + ": is no file of areas of interest\n");
+    const auto missing = RunZelto({"aoi", "info", File("missing.aif")});
+    EXPECT_EQ(missing.exitStatus, 1);
+    EXPECT_EQ(missing.errors, "zelto: " + File("missing.aif") + ": No such file or directory\n");
+}
+
+TEST_F(AoiCommand, HitNamesTheShapesAtAPoint) {
+    MakeThree("a.aif");
+    const json hit = json::parse(RunZelto({"aoi", "hit", File("a.aif"), "5,5", "--json"}).output);
+    EXPECT_EQ(hit["inside"], true);
+    ASSERT_EQ(hit["shapes"].size(), 1U);
+    EXPECT_EQ(hit["shapes"][0]["number"], 1);
+    const json corner =
+        json::parse(RunZelto({"aoi", "hit", File("a.aif"), "20.5,9.5", "--json"}).output);
+    EXPECT_EQ(corner["inside"], false) << "in the ellipse's box, not in the ellipse";
+    const auto text = RunZelto({"aoi", "hit", File("a.aif"), "25,5"});
+    EXPECT_NE(text.output.find("    2  ellipse"), std::string::npos) << text.output;
+    EXPECT_EQ(RunZelto({"aoi", "hit", File("a.aif"), "-50,5"}).output,
+              "no shape holds the point\n");
+    EXPECT_EQ(RunZelto({"aoi", "hit", File("a.aif"), "5"}).exitStatus, 2);
+}
+
+TEST_F(AoiCommand, MaskBurnsTheAreaOntoTheImagesGrid) {
+    WriteRaster(File("i.tif"), {.width = 20, .height = 10, .geoTransform = NorthUp(100, 200, 2)},
+                {MakePixels(20, 10, [](int, int) { return 7; })});
+    // Columns 5 to 9 and rows 2 to 4, and one pixel more around.
+    ASSERT_EQ(RunZelto({"aoi", "new", File("a.aif"), "--rect", "110,196,120,190"}).exitStatus, 0);
+    const auto run =
+        RunZelto({"aoi", "mask", File("a.aif"), File("i.tif"), File("m.tif"), "--json"});
+    ASSERT_EQ(run.exitStatus, 0) << run.errors;
+    EXPECT_EQ(json::parse(run.output)["inside"], 7 * 5);
+    EXPECT_EQ(json::parse(run.output)["pixels"], 200);
+    const Pixels mask = ReadBand(File("m.tif"), 1);
+    EXPECT_EQ(mask, MakePixels(20, 10, [](int column, int row) {
+                  return column >= 4 && column <= 10 && row >= 1 && row <= 5 ? 1 : 0;
+              }));
+}
+
+TEST_F(AoiCommand, MaskTransformsAnAreaInAnotherSystem) {
+    WriteRaster(File("i.tif"),
+                {.width = 10,
+                 .height = 10,
+                 .geoTransform = NorthUp(500000, 1000, 100),
+                 .srs = "EPSG:32650"},
+                {MakePixels(10, 10, [](int, int) { return 7; })});
+    ASSERT_EQ(
+        RunZelto({"aoi", "new", File("a.aif"), "--rect", "116,1,118,-1", "--srs", "EPSG:4326"})
+            .exitStatus,
+        0);
+    const auto run = RunZelto({"aoi", "mask", File("a.aif"), File("i.tif"), File("m.tif")});
+    ASSERT_EQ(run.exitStatus, 0) << run.errors;
+    EXPECT_EQ(run.output, File("m.tif") + ": 100 of 100 pixels inside\n");
+}
+
+TEST_F(AoiCommand, MaskFailsInOneLine) {
+    MakeThree("a.aif");
+    EXPECT_EQ(RunZelto({"aoi", "mask", File("a.aif"), File("no.tif"), File("m.tif")}).exitStatus,
+              1);
+    const auto run = RunZelto({"aoi", "mask", File("a.aif"), SampleScene(), File("no/m.tif")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors.find("zelto: " + File("no/m.tif") + ": "), 0U) << run.errors;
+}
+
+TEST_F(AoiCommand, RealFilesBecomeAreas) {
+    ZELTO_REQUIRE_TEST_DATA();
+    const auto run =
+        RunZelto({"aoi", "convert", TestDataFile("vector/polygon_5000.geojson"), File("a.aif")});
+    ASSERT_EQ(run.exitStatus, 0) << run.errors;
+    EXPECT_EQ(Info("a.aif")["shapes"][0]["vertices"], 5001);
+}
+
+} // namespace
