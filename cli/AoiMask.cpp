@@ -21,10 +21,13 @@ namespace {
 void CreateOrFail(CRasterSource& out, const std::string& path, const CRasterSource& image) {
     double geoTransform[6];
     image.GetGeoTransform(geoTransform, false);
+    CPLStringList creation;
+    creation.SetNameValue("TFW", "NO");
+    creation.SetNameValue("COMPRESS", "DEFLATE");
     CPLErrorReset();
     if (out.CreateRaster(RDF_GTiff, Wide(path).c_str(), image.GetWidth(), image.GetHeight(), 1,
                          PDT_Byte, geoTransform, image.GetProjectionWKT().c_str(),
-                         nullptr) != GIS_SUCCESS)
+                         creation.List()) != GIS_SUCCESS)
         throw Failure(path, LastGdalMessage("cannot be created"));
 }
 

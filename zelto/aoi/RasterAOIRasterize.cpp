@@ -88,11 +88,14 @@ bool CRasterAOI::RasterizeAoiToFile(const wchar_t* path, int width, int height,
     DeleteTemporaryRaster();
     double geoTransform[6] = {extent.m_left, extent.GetWidth() / width,   0.0, extent.m_top,
                               0.0,           -extent.GetHeight() / height};
+    // The file goes with this object, and only the file.
+    CPLStringList options;
+    options.SetNameValue("TFW", "NO");
     m_temporaryRaster = std::make_unique<CRasterSource>();
     m_temporaryPath = path;
     if (m_temporaryRaster->CreateRaster(RDF_GTiff, path, width, height, 1, PDT_Byte, geoTransform,
                                         m_raster->GetProjectionWKT().c_str(),
-                                        nullptr) != GIS_SUCCESS ||
+                                        options.List()) != GIS_SUCCESS ||
         m_temporaryRaster->GetGDALDataset() == nullptr)
         return false;
     GDALRasterBand* band = m_temporaryRaster->GetGDALDataset()->GetRasterBand(1);
