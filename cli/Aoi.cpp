@@ -136,7 +136,7 @@ auto Quietly(Run run, std::shared_ptr<Given> options) {
     };
 }
 
-void AddInfo(CLI::App& aoi) {
+void AddInfoOfAoi(CLI::App& aoi) {
     auto options = std::make_shared<Options>();
     auto* info = aoi.add_subcommand("info", "which shapes a file holds");
     info->add_option("FILE", options->file, ".aif or any vector file")->required();
@@ -144,7 +144,7 @@ void AddInfo(CLI::App& aoi) {
     info->callback(Quietly(Info, options));
 }
 
-void AddConvert(CLI::App& aoi) {
+void AddConvertOfAoi(CLI::App& aoi) {
     auto options = std::make_shared<Options>();
     auto* convert = aoi.add_subcommand("convert", "write an area of interest in another format");
     convert->add_option("IN", options->file, ".aif or any vector file")->required();
@@ -153,7 +153,7 @@ void AddConvert(CLI::App& aoi) {
     convert->callback(Quietly(Convert, options));
 }
 
-void AddNew(CLI::App& aoi) {
+void AddNewAoi(CLI::App& aoi) {
     auto options = std::make_shared<AoiNewOptions>();
     auto* create = aoi.add_subcommand("new", "make an area of interest from shapes given as text");
     create->add_option("OUT", options->out, ".aif or .shp; replaced if it exists")->required();
@@ -174,7 +174,7 @@ void AddNew(CLI::App& aoi) {
     create->callback(Quietly(CreateAoi, options));
 }
 
-void AddMask(CLI::App& aoi) {
+void AddMaskOfAoi(CLI::App& aoi) {
     auto options = std::make_shared<AoiMaskOptions>();
     auto* mask = aoi.add_subcommand("mask", "burn an area of interest onto an image's grid");
     mask->add_option("AOI", options->aoi, ".aif or any vector file")->required();
@@ -186,7 +186,7 @@ void AddMask(CLI::App& aoi) {
     mask->callback(Quietly(WriteAoiMask, options));
 }
 
-void AddHit(CLI::App& aoi) {
+void AddHitOfAoi(CLI::App& aoi) {
     auto options = std::make_shared<Options>();
     auto* hit = aoi.add_subcommand("hit", "which shapes hold a point");
     hit->add_option("FILE", options->file, ".aif or any vector file")->required();
@@ -201,11 +201,11 @@ void AddAoi(CLI::App& program) {
     auto* aoi =
         program.add_subcommand("aoi", "look into, make, convert and burn areas of interest");
     aoi->require_subcommand(1);
-    AddInfo(*aoi);
-    AddConvert(*aoi);
-    AddNew(*aoi);
-    AddMask(*aoi);
-    AddHit(*aoi);
+    AddInfoOfAoi(*aoi);
+    AddConvertOfAoi(*aoi);
+    AddNewAoi(*aoi);
+    AddMaskOfAoi(*aoi);
+    AddHitOfAoi(*aoi);
 }
 
 } // namespace zelto::cli
