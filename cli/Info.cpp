@@ -79,8 +79,9 @@ void AddInfo(CLI::App& program) {
         "Minimum, maximum, mean and (population) standard deviation leave out no-data values.\n"
         "With --stats they are exact and every pixel is read. Without it, the JSON has those of\n"
         "the sample that the engine takes on opening, at most 2048 pixels along the longer side.\n"
-        "The display range is what the standard-deviation stretch shows, two deviations on\n"
-        "either side of the mean within minimum and maximum; it always comes from the sample.\n"
+        "Display minimum and maximum bound the min-max stretches; the display range is what the\n"
+        "standard-deviation stretch shows, two deviations on either side of the mean within\n"
+        "minimum and maximum. Both always come from the sample.\n"
         "Sizes and geotransforms are those of the file, also where a display would turn a\n"
         "rotated image north-up.");
     info->callback([options] { Run(*options); });

@@ -127,8 +127,10 @@ BandFacts DescribeBand(CRasterBand& band) {
         facts.overviews.emplace_back(band.GetOverview(i)->GetWidth(),
                                      band.GetOverview(i)->GetHeight());
     facts.statistics = SampledStatistics(band);
-    if (facts.statistics)
+    if (facts.statistics) {
+        facts.displayLimits.emplace(band.GetMinimum(), band.GetMaximum());
         facts.displayRange.emplace(band.GetStdDevLowerBound(), band.GetStdDevUpperBound());
+    }
     return facts;
 }
 

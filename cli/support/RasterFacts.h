@@ -29,6 +29,9 @@ struct BandFacts {
     int colors = 0;                             ///< entries of the colour table
     std::vector<std::pair<int, int>> overviews; ///< width, height
     std::optional<BandStatistics> statistics;   ///< none without a valid, readable pixel
+    /// Lower and upper bound of every min-max stretch.
+    std::optional<std::pair<double, double>> displayLimits;
+    /// Lower and upper bound of the standard-deviation stretch.
     std::optional<std::pair<double, double>> displayRange;
 };
 

@@ -40,8 +40,12 @@ Json ToJson(const BandFacts& band, int number) {
     json["maximum"] = s ? JsonNumber(s->maximum) : Json();
     json["mean"] = s ? JsonNumber(s->mean) : Json();
     json["standardDeviation"] = s ? JsonNumber(s->standardDeviation) : Json();
-    json["displayMinimum"] = band.displayRange ? JsonNumber(band.displayRange->first) : Json();
-    json["displayMaximum"] = band.displayRange ? JsonNumber(band.displayRange->second) : Json();
+    const auto& limits = band.displayLimits;
+    json["displayMinimum"] = limits ? JsonNumber(limits->first) : Json();
+    json["displayMaximum"] = limits ? JsonNumber(limits->second) : Json();
+    const auto& range = band.displayRange;
+    json["displayRange"] =
+        range ? Json{JsonNumber(range->first), JsonNumber(range->second)} : Json();
     return json;
 }
 

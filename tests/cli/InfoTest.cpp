@@ -83,9 +83,25 @@ TEST(InfoCommand, DescribesARasterFully) {
     EXPECT_EQ(band["maximum"], 20.0);
     EXPECT_EQ(band["mean"], 15.0);
     EXPECT_EQ(band["standardDeviation"], 5.0);
-    EXPECT_EQ(band["displayMinimum"], 10.0) << "two deviations reach beyond the minimum";
+    EXPECT_EQ(band["displayMinimum"], 10.0);
     EXPECT_EQ(band["displayMaximum"], 20.0);
+    EXPECT_EQ(band["displayRange"], (json{10.0, 20.0})) << "two deviations reach beyond both";
     EXPECT_EQ(facts["bands"][1]["mean"], 5.0);
+}
+
+TEST(InfoCommand, TheDisplayRangeIsTwoDeviationsAroundTheMean) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("outlier.tif");
+    Pixels pixels(100, 50.0);
+    pixels[7] = 150.0;
+    WriteRaster(path, {.width = 10, .height = 10}, {pixels});
+    const json facts = Describe({path});
+    const json& band = facts["bands"][0];
+    EXPECT_EQ(band["displayMinimum"], 50.0);
+    EXPECT_EQ(band["displayMaximum"], 150.0);
+    // Mean 51, variance (99 · 1² + 99²) / 100 = 99.
+    EXPECT_EQ(band["displayRange"][0], 50.0) << "raised to the minimum";
+    EXPECT_NEAR(band["displayRange"][1].get<double>(), 51.0 + 2.0 * std::sqrt(99.0), 1e-9);
 }
 
 TEST(InfoCommand, ExactStatisticsSeeWhatTheSampleMisses) {
