@@ -4,7 +4,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <clocale>
 #include <iostream>
 #include <new>
 
@@ -18,7 +17,6 @@ void AddCommands(CLI::App& program) {
     program.require_subcommand(1);
     AddAoi(program);
     AddClasses(program);
-    AddCommands(program);
     AddInfo(program);
     AddReproject(program);
     AddSrs(program);
@@ -33,6 +31,7 @@ int main(int argc, char** argv) {
                      "Bands are numbered from 1; boxes are left,top,right,bottom in ground units.");
     program.set_version_flag("--version", ZELTO_VERSION);
     program.footer("zelto COMMAND --help explains a command.");
+    AddCommands(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
