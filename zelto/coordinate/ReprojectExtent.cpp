@@ -21,8 +21,9 @@ struct Lattice {
     explicit Lattice(const tagImageInfo& image) {
         const double* g = image.geoTransform;
         for (int k = 0; k < SIDE * SIDE; ++k) {
+            const int line = k / SIDE;
             const double column = static_cast<double>(image.width) * (k % SIDE) / CELLS;
-            const double row = static_cast<double>(image.height) * (k / SIDE) / CELLS;
+            const double row = static_cast<double>(image.height) * line / CELLS;
             x[k] = g[0] + column * g[1] + row * g[2];
             y[k] = g[3] + column * g[4] + row * g[5];
         }
