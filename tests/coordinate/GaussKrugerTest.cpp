@@ -159,6 +159,19 @@ TEST(GaussKruger, NamesOfOtherFormsOfTextAreThoseOfTheReference) {
               R"(PROJCS["China_Geodetic_Coordinate_System_2000_GK_CM_117E")");
 }
 
+TEST(GaussKruger, ZonesAndOtherWidthsAreTheSameInEveryDialect) {
+    for (const char* dialect : zelto::test::DIALECTS) {
+        const std::string beijing = InDialect("EPSG:4214", dialect);
+        const std::string first = Build(beijing.c_str(), 1, 6);
+        EXPECT_NE(Name(first).find("_GK_CM_3E\""), std::string::npos) << dialect;
+        EXPECT_EQ(Read(first).GetProjParm("central_meridian"), 3.0) << dialect;
+        EXPECT_EQ(Read(first).GetSemiMajor(), 6378245.0) << dialect;
+        const std::string other = Build(beijing.c_str(), 1, 4);
+        EXPECT_EQ(Name(other).find("_CM_"), std::string::npos) << dialect;
+        EXPECT_EQ(Read(other).GetProjParm("central_meridian", -1.0), 0.0) << dialect;
+    }
+}
+
 TEST(GaussKruger, OnlyWhatFollowsTheFirstPrefixIsKept) {
     const std::string text =
         R"(GEOGCS["My_GCS_Own_GCS_Name",DATUM["D",SPHEROID["S",6378137.0,298.0]],)"

@@ -2,6 +2,7 @@
 #include "zelto/coordinate/Reproject.h"
 
 #include "tests/coordinate/PlacedRaster.h"
+#include "tests/coordinate/ReferenceDialects.h"
 
 #include <gtest/gtest.h>
 
@@ -101,6 +102,30 @@ TEST(BoxTransform, WithoutAStepSamplesTheMiddleOfEachEdgeOnTheWay) {
         ASSERT_TRUE(reproject->Dest2SrcBox(geographic, box, steps, 0.5));
         ExpectBox(box, std::min(x[0], x[2]), std::max(y[0], y[1]), std::max(x[1], x[3]),
                   std::min(y[2], y[3]), 1e-6);
+    }
+}
+
+TEST(BoxTransform, IsTheSameInEveryDialect) {
+    auto raster = SmallRaster();
+    const auto reference = Bind(raster, "EPSG:4326");
+    CBoundingBox geographic(117, 39.745, 117.01, 39.74);
+    CBoundingBox expected;
+    CRect expectedWindow;
+    ASSERT_TRUE(reference->Dest2SrcBox(geographic, expected, 0.001, 0.001));
+    ASSERT_TRUE(reference->GetInImgEnveFromGeoOut(geographic, &expectedWindow, 0, 0));
+    for (const char* dialect : zelto::test::DIALECTS) {
+        const auto reproject = Bind(raster, zelto::test::InDialect("EPSG:4326", dialect).c_str());
+        ASSERT_NE(reproject, nullptr) << dialect;
+        CBoundingBox box;
+        ASSERT_TRUE(reproject->Dest2SrcBox(geographic, box, 0.001, 0.001)) << dialect;
+        ExpectBox(box, expected.m_left, expected.m_top, expected.m_right, expected.m_bottom, 1e-6);
+        EXPECT_FALSE(reproject->Dest2SrcBox(geographic, box, 0.02, 0.001)) << dialect;
+        CRect window;
+        ASSERT_TRUE(reproject->GetInImgEnveFromGeoOut(geographic, &window, 0, 0)) << dialect;
+        EXPECT_EQ(window.left, expectedWindow.left) << dialect;
+        EXPECT_EQ(window.bottom, expectedWindow.bottom) << dialect;
+        CBoundingBox west(116.9, 39.745, 116.95, 39.74);
+        EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(west, &window, 0, 0)) << dialect;
     }
 }
 
