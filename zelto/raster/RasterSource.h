@@ -229,6 +229,8 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     int GetBlueBandNum() const;
     int GetShowBandCount() const { return m_showBandCount; }
     std::vector<int> GetShowBandArray() const { return m_showBands; }
+    /// The k-th shown band; null when there is none or its index names no band.
+    CRasterBand* GetShownBand(int k) const;
     bool SetShowStretchNum(int number);
     int GetShowStretchNum() const { return m_showStretchNumber; }
     StretchType GetStretchType() const { return m_stretchType; }
@@ -302,6 +304,20 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     void ApplyTransparenVal(double* alpha, int w, int h);
     /// Means and deviations of the opaque pixels of an interleaved image, per shown band.
     void ComputeShowDataStatics(const unsigned char* interleaved, int w, int h);
+    /// The interleaved rendering; `keepsCaches` leaves the bands' data caches as they are.
+    bool DrawInterleaved(const CBoundingBox* box, int w, int h, unsigned char* out, bool adjust,
+                         bool keepsCaches);
+    /// Applies hue, intensity, saturation and contrast where they are set.
+    void AdjustColors(unsigned char* interleaved, int w, int h) const;
+    /// The same for planes: hue, intensity and saturation where there are three, the contrast
+    /// on as many planes as bands are shown.
+    void AdjustColors(unsigned char** planes, int planeCount, int w, int h) const;
+    /// Whether images of this source get their transparency when they are finished; the others
+    /// have it while they are drawn, or not at all.
+    bool TakesTransparencyAfterDrawing() const;
+    /// GetShowValueFormCache() of a single shown band at a pixel position.
+    bool GetSingleBandColor(double column, double row, unsigned char& r, unsigned char& g,
+                            unsigned char& b, unsigned char& a) const;
 
     double m_autoLevelThreshold = 0.01;
     std::wstring m_displayText;

@@ -1,0 +1,171 @@
+#include "zelto/aoi/RasterAOI.h"
+#include "zelto/display/internal/BandDisplay.h"
+#include "zelto/display/internal/Compose.h"
+#include "zelto/display/internal/SourceView.h"
+#include "zelto/display/internal/ViewRows.h"
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <optional>
+#include <span>
+
+namespace zelto {
+namespace {
+
+/// The caller's planes of w × h bytes.
+struct PlaneImage {
+    std::span<unsigned char* const> planes;
+    int w;
+    int h;
+
+    bool IsComplete() const {
+        return std::none_of(planes.begin(), planes.end(), [](auto* p) { return p == nullptr; });
+    }
+    void Clear() const {
+        for (unsigned char* plane : planes)
+            std::memset(plane, 0, PixelIndex(h, w));
+    }
+};
+
+/// A view of a source that is drawn into planes.
+class PlaneView {
+  public:
+    PlaneView(CRasterSource& source, const CBoundingBox& box, const PlaneImage& image,
+              CRasterAOI* aoi)
+        : m_source(source),
+          m_image(image),
+          m_masked(aoi != nullptr),
+          m_window(SelectViewWindow(GridOf(source), box, image.w, image.h, ViewRule::Planes)),
+          m_output(OutputOf(source, box, m_window, image.w, 0.5)),
+          m_mask(m_output, aoi) {}
+
+    /// Whether the box meets the raster and there are planes to draw into.
+    bool IsDrawable() const {
+        return m_window.status == ViewStatus::Selected && m_image.IsComplete();
+    }
+
+    std::optional<WindowSamples> Read(CRasterBand& band) const {
+        band.ReleaseCache();
+        return WindowSamples::Read(band.GetGDALBand(), m_window.read);
+    }
+
+    /// Writes the band's display bytes into each of the planes.
+    void DrawBytes(const WindowSamples& samples, CRasterBand& band,
+                   std::span<unsigned char* const> planes) const {
+        const auto lookup = ShowBytes(samples, band);
+        const SamplePositions positions = PositionsOf(band);
+        DrawRows(BandView{m_image.w, m_image.h, positions, lookup, m_mask},
+                 {planes, PixelIndex(1, m_image.w)},
+                 [planes](std::size_t pixel, int count, const ShownByte* bytes) {
+                     for (unsigned char* plane : planes)
+                         ComposePlane(bytes, count, Channel::Blue, plane + pixel);
+                 });
+    }
+
+    /// Writes the band's colours into the first three planes, as many as there are.
+    void DrawColors(const WindowSamples& samples, CRasterBand& band) const {
+        // Hosts expect red first where an area of interest is given and blue first otherwise.
+        const std::array<Channel, 3> order =
+            m_masked ? std::array{Channel::Red, Channel::Green, Channel::Blue}
+                     : std::array{Channel::Blue, Channel::Green, Channel::Red};
+        const auto planes = m_image.planes.first(std::min(order.size(), m_image.planes.size()));
+        const bool dropsTransparent = KindOf(m_source, band) == SingleBandKind::Classes;
+        const auto lookup = ShowColors(samples, m_source, band, 0, PackedColor{0});
+        const SamplePositions positions = PositionsOf(band);
+        DrawRows(BandView{m_image.w, m_image.h, positions, lookup, m_mask},
+                 {planes, PixelIndex(1, m_image.w)},
+                 [&](std::size_t pixel, int count, PackedColor* colors) {
+                     if (dropsTransparent)
+                         DropTransparent(colors, count);
+                     for (std::size_t p = 0; p < planes.size(); ++p)
+                         ComposePlane(colors, count, order[p], planes[p] + pixel);
+                 });
+    }
+
+    void DrawSingleBand(const WindowSamples& samples, CRasterBand& band) const {
+        const SingleBandKind kind = KindOf(m_source, band);
+        if (kind == SingleBandKind::Grey ||
+            (kind == SingleBandKind::Ramp && m_image.planes.size() == 1))
+            DrawBytes(samples, band, m_image.planes);
+        else
+            DrawColors(samples, band);
+    }
+
+  private:
+    static void DropTransparent(PackedColor* colors, int count) {
+        std::replace_if(
+            colors, colors + count, [](PackedColor color) { return AlphaOf(color) == 0; },
+            PackedColor{0});
+    }
+    SamplePositions PositionsOf(const CRasterBand& band) const {
+        return {m_output, m_window.read, band.GetWidth(), band.GetHeight()};
+    }
+
+    CRasterSource& m_source;
+    PlaneImage m_image;
+    bool m_masked;
+    ViewWindow m_window;
+    OutputGrid m_output;
+    ViewMask m_mask;
+};
+
+/// Draws the shown bands of a source.
+bool DrawShownBands(const CRasterSource& source, const PlaneView& view, const PlaneImage& image) {
+    const int count = source.GetShowBandCount();
+    for (int k = 0; k < count; ++k) {
+        CRasterBand* band = source.GetShownBand(k);
+        if (band == nullptr)
+            return false;
+        const auto samples = view.Read(*band);
+        if (!samples)
+            return false;
+        if (count == 1)
+            view.DrawSingleBand(*samples, *band);
+        else if (static_cast<std::size_t>(k) < image.planes.size())
+            view.DrawBytes(*samples, *band, image.planes.subspan(static_cast<std::size_t>(k), 1));
+    }
+    return true;
+}
+
+} // namespace
+} // namespace zelto
+
+using namespace zelto;
+
+bool CRasterSource::GetShowData(CBoundingBox* box, int w, int h, int bands, unsigned char** planes,
+                                CRasterAOI* aoi, bool /*flag*/) {
+    if (box == nullptr || planes == nullptr || bands < 1)
+        return false;
+    return FalseWithoutMemory([=, this] {
+        const PlaneImage image{{planes, static_cast<std::size_t>(bands)}, w, h};
+        const PlaneView view(*this, *box, image, aoi);
+        if (!view.IsDrawable())
+            return false;
+        image.Clear();
+        const bool drawn = DrawShownBands(*this, view, image);
+        if (drawn)
+            AdjustColors(planes, bands, w, h);
+        return drawn;
+    });
+}
+
+bool CRasterSource::GetShowDataGray(CBoundingBox* box, int w, int h, int bands,
+                                    unsigned char** planes, CRasterAOI* aoi, bool /*flag*/) {
+    CRasterBand* band = GetShownBand(0);
+    if (box == nullptr || planes == nullptr || bands < 1 || band == nullptr)
+        return false;
+    return FalseWithoutMemory([=, this] {
+        const PlaneImage image{{planes, static_cast<std::size_t>(bands)}, w, h};
+        const PlaneView view(*this, *box, image, aoi);
+        if (!view.IsDrawable())
+            return false;
+        image.Clear();
+        const auto samples = view.Read(*band);
+        if (samples)
+            view.DrawBytes(*samples, *band, image.planes);
+        return samples.has_value();
+    });
+}

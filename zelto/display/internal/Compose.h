@@ -1,0 +1,78 @@
+#pragma once
+
+#include "zelto/baselib/internal/Truncate.h"
+#include "zelto/datasource/Enumerations.h"
+#include "zelto/display/internal/BandDisplay.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+namespace zelto {
+
+/// Most bands that are shown at once.
+inline constexpr int mostShownBands = 3;
+
+/// Display type of a single band shown through the source's colour ramp.
+inline constexpr auto displayRamp = static_cast<DataDisplayType>(1);
+
+/// Bytes of an interleaved pixel, in the order they stand in.
+enum class Channel : int { Blue = 0, Green = 1, Red = 2 };
+
+/// Channel of the k-th shown band: red, green, blue.
+inline constexpr Channel ShownChannel(int k) {
+    return static_cast<Channel>(2 - k);
+}
+
+/// Alpha byte of a transparency of 0 … 1: the complement of its share of 255. The product is
+/// single precision.
+inline unsigned char AlphaOfTransparency(float transparency) {
+    return static_cast<unsigned char>(~TruncateToByte(transparency * 255.0F));
+}
+
+/// Pixels without a sample in an interleaved image: white, transparent.
+inline constexpr PackedColor transparentWhite = PackColor(255, 255, 255, 0);
+
+/// Count, sum and sum of squares of display bytes. Whole numbers: the totals are exact and do
+/// not depend on the order or on the number of threads.
+class ShowSums {
+  public:
+    void Add(std::uint64_t count, std::uint64_t sum, std::uint64_t squares) {
+        m_count.fetch_add(count, std::memory_order_relaxed);
+        m_sum.fetch_add(sum, std::memory_order_relaxed);
+        m_squares.fetch_add(squares, std::memory_order_relaxed);
+    }
+
+    /// Mean and population deviation; both stay as they are when nothing was counted.
+    void Report(double& mean, double& deviation) const;
+
+  private:
+    std::atomic<std::uint64_t> m_count = 0;
+    std::atomic<std::uint64_t> m_sum = 0;
+    std::atomic<std::uint64_t> m_squares = 0;
+};
+
+/// How a band's bytes go into one channel of an interleaved image.
+struct ChannelRule {
+    Channel channel = Channel::Red;
+    /// The first band writes whole pixels, whatever the buffer holds: white and opaque but for
+    /// its channel.
+    bool isFirst = false;
+    bool setsAlpha = false; ///< whether shown pixels take the alpha below, or keep theirs
+    unsigned char alpha = 0;
+};
+
+/// Writes display bytes into a channel of `count` interleaved pixels. A pixel that an earlier
+/// band made transparent stays as it is; one without a byte becomes transparent.
+/// @param sums counts what is written, may be null
+void ComposeChannel(const ShownByte* bytes, int count, const ChannelRule& rule,
+                    unsigned char* pixels, ShowSums* sums);
+
+/// Writes colours as interleaved pixels of blue, green, red, alpha.
+void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels);
+
+/// Writes one channel of packed colours into a plane; display bytes are the blue one, and 0
+/// where there is none.
+void ComposePlane(const std::uint32_t* entries, int count, Channel channel, unsigned char* plane);
+
+} // namespace zelto

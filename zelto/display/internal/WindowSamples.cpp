@@ -1,0 +1,70 @@
+#include "zelto/display/internal/WindowSamples.h"
+
+#include <gdal_priv.h>
+#include <vrtdataset.h>
+
+#include <new>
+#include <stdexcept>
+
+namespace zelto {
+namespace {
+
+/// Type that the band's samples are read as. A virtual band that computes its values answers a
+/// read as doubles with values that are not rounded to the band's own type, and the 64-bit and
+/// complex types have no exact smaller one here.
+GDALDataType ReadType(GDALRasterBand* band) {
+    const GDALDataType type = band->GetRasterDataType();
+    if (type < GDT_Byte || type > GDT_Float32 ||
+        dynamic_cast<VRTSourcedRasterBand*>(band) != nullptr)
+        return GDT_Float64;
+    return type;
+}
+
+template <typename T>
+std::optional<WindowSamples::Samples<T>> ReadAs(GDALDataType type, GDALRasterBand* band,
+                                                const ReadWindow& window) {
+    WindowSamples::Samples<T> samples(static_cast<std::size_t>(window.bufWidth) *
+                                      static_cast<std::size_t>(window.bufHeight));
+    if (band->RasterIO(GF_Read, window.xOff, window.yOff, window.xSize, window.ySize,
+                       samples.data(), window.bufWidth, window.bufHeight, type, 0, 0,
+                       nullptr) != CE_None)
+        return std::nullopt;
+    return samples;
+}
+
+} // namespace
+
+std::optional<WindowSamples> WindowSamples::Read(GDALRasterBand* band, const ReadWindow& window) {
+    if (band == nullptr)
+        return std::nullopt;
+    const auto as = [&](auto sample) -> std::optional<WindowSamples> {
+        auto samples = ReadAs<decltype(sample)>(ReadType(band), band, window);
+        if (!samples)
+            return std::nullopt;
+        return WindowSamples(std::move(*samples));
+    };
+    try {
+        switch (ReadType(band)) {
+        case GDT_Byte:
+            return as(std::uint8_t{});
+        case GDT_UInt16:
+            return as(std::uint16_t{});
+        case GDT_Int16:
+            return as(std::int16_t{});
+        case GDT_UInt32:
+            return as(std::uint32_t{});
+        case GDT_Int32:
+            return as(std::int32_t{});
+        case GDT_Float32:
+            return as(float{});
+        default:
+            return as(double{});
+        }
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    } catch (const std::length_error&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace zelto
