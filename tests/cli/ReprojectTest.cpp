@@ -3,12 +3,14 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestData.h"
 
+#include <cpl_conv.h>
 #include <gdal_priv.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <cstdio>
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 using nlohmann::json;
@@ -27,10 +29,9 @@ std::string SmallRaster(const zelto::test::TemporaryFolder& folder, const std::s
 
 /// The two numbers of the only line of output.
 std::pair<double, double> OnlyPoint(const std::string& output) {
-    double x = 0.0;
-    double y = 0.0;
-    EXPECT_EQ(std::sscanf(output.c_str(), "%lf %lf", &x, &y), 2) << output;
-    return {x, y};
+    const std::size_t blank = output.find(' ');
+    EXPECT_NE(blank, std::string::npos) << output;
+    return {CPLAtof(output.c_str()), CPLAtof(output.substr(blank + 1).c_str())};
 }
 
 } // namespace

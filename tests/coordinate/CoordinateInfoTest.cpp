@@ -2,9 +2,9 @@
 
 #include "tests/coordinate/ReferenceDialects.h"
 
+#include <cpl_conv.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -35,7 +35,7 @@ std::vector<std::string> InfoLines(const std::string& srs) {
 /// The number after `label`, which the line must start with.
 double NumberAfter(const std::string& line, const std::string& label) {
     EXPECT_EQ(line.substr(0, label.size()), label);
-    return std::strtod(line.c_str() + label.size(), nullptr);
+    return CPLAtof(line.c_str() + label.size());
 }
 
 } // namespace
