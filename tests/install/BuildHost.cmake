@@ -60,3 +60,12 @@ endif()
 run(${host} ${SOURCE}/samples/L7_ETMs.tif)
 expect_output("L7_ETMs.tif: 349 x 352 pixels, 6 bands\n")
 expect_output("extent 288776.25 9120760.75 298722.75 9110728.75\n")
+
+# The picture has the scene's own size: it is no wider than the host's limit.
+run(${host} ${SOURCE}/samples/L7_ETMs.tif ${FOLDER}/picture.ppm)
+file(READ ${FOLDER}/picture.ppm start LIMIT 15)
+file(SIZE ${FOLDER}/picture.ppm size)
+math(EXPR expected "15 + 349 * 352 * 3")
+if(NOT start STREQUAL "P6\n349 352\n255\n" OR NOT size EQUAL expected)
+    message(FATAL_ERROR "the picture has ${size} bytes and starts with ${start}")
+endif()
