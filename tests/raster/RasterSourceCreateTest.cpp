@@ -194,6 +194,20 @@ TEST(CreateGTiff, IsBandInterleavedWithAWorldFile) {
               "500015.0000000000\n3999985.0000000000\n");
 }
 
+TEST(CreateGTiff, TheWorldFileOfAnOlderImageDoesNotPlaceTheNewOne) {
+    const TemporaryFolder folder;
+    CRasterSource source;
+    ASSERT_EQ(Create(source, folder.WideFile("a.tif"), RDF_GTiff, 1), GIS_SUCCESS);
+    source.Close();
+    ASSERT_EQ(source.CreateRaster(RDF_GTiff, folder.WideFile("a.tif").c_str(), 5, 4, 1, PDT_Byte,
+                                  nullptr, nullptr, nullptr),
+              GIS_SUCCESS);
+    source.Close();
+    EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.tif"});
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(source.GetLeft(), 0.0);
+}
+
 TEST(CreateGTiff, TheCallersOptionsWin) {
     const TemporaryFolder folder;
     CPLStringList options;

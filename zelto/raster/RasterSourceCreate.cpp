@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -31,6 +33,14 @@ bool DeleteExisting(const std::wstring& path, int line, const wchar_t* function)
                      L"删除已存在的文件失败: " + path +
                          L"，可能文件已经打开，或者无权限删除文件！");
     return false;
+}
+
+/// Deletes the world file of an earlier image of this name. Once that image is gone the driver
+/// does not count the world file as its own, and it would georeference the new one.
+void DeleteStaleWorldFile(const std::wstring& path) {
+    std::error_code ignored;
+    std::filesystem::remove(CommonFun::U2M(CommonFun::GetFilePahWithoutExtension(path) + L".tfw"),
+                            ignored);
 }
 
 /// Size of the pixels in megabytes.
@@ -101,8 +111,11 @@ GISError CRasterSource::CreateGTiffRaster(RasterDataFormat format, const wchar_t
     m_format = format;
     m_filePath = path;
     m_fileName = CommonFun::GetFileNameWithExtension(m_filePath);
+    const bool replaces = CommonFun::IsFileExist(m_filePath);
     if (!DeleteExisting(m_filePath, __LINE__, L"CRasterSource::CreateGTiffRaster"))
         return GIS_FAILED;
+    if (replaces)
+        DeleteStaleWorldFile(m_filePath);
     const zelto::RasterLayout layout = {width, height, bands, type};
     CPLStringList allOptions = GTiffOptions(layout, options);
     return CreateAtStoredPath(*driver, layout, geoTransform, wkt, allOptions.List());
