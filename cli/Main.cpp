@@ -17,7 +17,11 @@ void AddCommands(CLI::App& program) {
     program.require_subcommand(1);
     AddAoi(program);
     AddClasses(program);
+    AddCopy(program);
+    AddCreate(program);
+    AddFile(program);
     AddInfo(program);
+    AddPyramids(program);
     AddReproject(program);
     AddSrs(program);
     AddVector(program);

@@ -25,7 +25,8 @@ void Redirect(const std::string& path, int flags, int descriptor) {
 
 } // namespace
 
-RunResult RunZelto(const std::vector<std::string>& arguments, const std::string& input) {
+RunResult RunZelto(const std::vector<std::string>& arguments, const std::string& input,
+                   const std::function<void(pid_t)>& meanwhile) {
     const TemporaryFolder folder;
     WriteFile(folder.File("in"), input);
     std::vector<std::string> words = {ProgramPath()};
@@ -43,6 +44,8 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
         execv(argv[0], argv.data());
         _exit(127);
     }
+    if (meanwhile)
+        meanwhile(child);
     int status = 0;
     waitpid(child, &status, 0);
     RunResult result;

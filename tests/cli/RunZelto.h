@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace zelto::test {
@@ -13,6 +15,8 @@ struct RunResult {
 };
 
 /// Runs the built `zelto` with these arguments, `input` on its standard input, and waits for it.
-RunResult RunZelto(const std::vector<std::string>& arguments, const std::string& input = "");
+/// @param meanwhile called with the program's process while it runs
+RunResult RunZelto(const std::vector<std::string>& arguments, const std::string& input = "",
+                   const std::function<void(pid_t)>& meanwhile = {});
 
 } // namespace zelto::test

@@ -1,0 +1,203 @@
+#include "zelto/raster/RasterBand.h"
+
+#include "cli/Commands.h"
+#include "cli/support/Failure.h"
+#include "cli/support/GdalUse.h"
+#include "cli/support/NewRaster.h"
+#include "cli/support/Open.h"
+#include "cli/support/RasterChoice.h"
+#include "cli/support/Strips.h"
+#include "cli/support/Text.h"
+
+#include <CLI/CLI.hpp>
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <numeric>
+
+namespace zelto::cli {
+
+namespace {
+
+struct Options {
+    std::string from;
+    std::string to;
+    std::string bands;
+    std::string window;
+    std::string box;
+    std::string type;
+    std::string format;
+    std::vector<std::string> creation;
+};
+
+/// What is copied: some bands of a part of an image, as samples of a type.
+struct Selection {
+    std::vector<int> bands; ///< from 0
+    CRect window;
+    PixelDataType type = PDT_Byte;
+
+    int Width() const { return window.right - window.left; }
+    int Height() const { return window.bottom - window.top; }
+};
+
+CRect PixelWindow(const std::string& text) {
+    const std::vector<double> numbers = ParseNumbers("--window", text, 4);
+    for (const double number : numbers)
+        if (number != static_cast<int>(number))
+            throw UsageError("--window: pixels are counted in whole numbers");
+    if (numbers[2] < 1 || numbers[3] < 1)
+        throw UsageError("--window: it has at least one column and one row");
+    return {static_cast<int>(numbers[0]), static_cast<int>(numbers[1]),
+            static_cast<int>(std::min(numbers[0] + numbers[2], 2147483647.0)),
+            static_cast<int>(std::min(numbers[1] + numbers[3], 2147483647.0))};
+}
+
+/// The part of the image that the options ask for, cut to the image.
+CRect ChooseWindow(const Options& options, CRasterSource& source) {
+    const CRect image = {0, 0, source.GetWidth(), source.GetHeight()};
+    CRect wanted = image;
+    if (!options.window.empty()) {
+        wanted = PixelWindow(options.window);
+    } else if (!options.box.empty()) {
+        CBoundingBox box = ParseBox("--box", options.box);
+        wanted = source.GroundToImage(&box);
+    }
+    CRect window;
+    if (!IntersectRect(&window, &wanted, &image))
+        throw Failure(options.from, "the part asked for lies outside the image");
+    return window;
+}
+
+Selection Select(const Options& options, CRasterSource& source) {
+    Selection selection;
+    selection.bands.resize(static_cast<std::size_t>(source.GetBandCount()));
+    std::iota(selection.bands.begin(), selection.bands.end(), 0);
+    if (!options.bands.empty())
+        selection.bands = ParseBands("--bands", options.bands, source.GetBandCount());
+    selection.window = ChooseWindow(options, source);
+    selection.type = options.type.empty() ? source.GetRasterBand(selection.bands[0])->GetDataType()
+                                          : ParsePixelType(options.type);
+    return selection;
+}
+
+/// The file's own geotransform, moved to the window's corner; false where it has none.
+bool WindowGeoTransform(const CRasterSource& source, const CRect& window, double* geoTransform) {
+    // Asked this way, the answer says whether the file lacks a geotransform.
+    if (source.GetGeoTransform(geoTransform, true))
+        return false;
+    geoTransform[0] += window.left * geoTransform[1] + window.top * geoTransform[2];
+    geoTransform[3] += window.left * geoTransform[4] + window.top * geoTransform[5];
+    return true;
+}
+
+/// Control points, moved with the window's corner.
+void CopyControlPoints(CRasterSource& source, const CRect& window, CRasterSource& made) {
+    GDALDataset* file = source.GetGDALDataset();
+    const int count = file->GetGCPCount();
+    if (count == 0)
+        return;
+    GDAL_GCP* points = GDALDuplicateGCPs(count, file->GetGCPs());
+    for (int i = 0; i < count; ++i) {
+        points[i].dfGCPPixel -= window.left;
+        points[i].dfGCPLine -= window.top;
+    }
+    made.GetGDALDataset()->SetGCPs(count, points, file->GetGCPSpatialRef());
+    GDALDeinitGCPs(count, points);
+    CPLFree(points);
+}
+
+/// Whether a value survives as a sample of a type.
+bool Fits(double value, PixelDataType type) {
+    std::array<double, 2> sample = {};
+    double back = 0.0;
+    GDALCopyWords(&value, GDT_Float64, 0, sample.data(), static_cast<GDALDataType>(type), 0, 1);
+    GDALCopyWords(sample.data(), static_cast<GDALDataType>(type), 0, &back, GDT_Float64, 0, 1);
+    return back == value || (value != value && back != back);
+}
+
+/// No-data values and colour tables, which some formats store before the pixels.
+void CopyBandFacts(CRasterSource& source, const Selection& selection, CRasterSource& made) {
+    for (std::size_t i = 0; i < selection.bands.size(); ++i) {
+        const CRasterBand& from = *source.GetRasterBand(selection.bands[i]);
+        CRasterBand* to = made.GetRasterBand(static_cast<int>(i));
+        if (from.IsHaveNoData() && Fits(from.GetNoDataValue(), selection.type))
+            to->SetNoDataValue(from.GetNoDataValue(), true);
+        // A table explains the values of one band; several bands are colours themselves.
+        if (from.IsHaveColorTable() && selection.bands.size() == 1)
+            to->SetColorTable(from.GetColorTable());
+    }
+}
+
+void CopyPixels(CRasterSource& source, const Selection& selection, CRasterSource& made,
+                const Options& options) {
+    const auto sampleSize = static_cast<std::size_t>(
+        GDALGetDataTypeSizeBytes(static_cast<GDALDataType>(selection.type)));
+    RowRange rows;
+    rows.first = selection.window.top;
+    rows.count = selection.Height();
+    rows.bytesPerRow =
+        static_cast<std::size_t>(selection.Width()) * selection.bands.size() * sampleSize;
+    rows.blockHeight = std::max(source.GetRasterBand(selection.bands[0])->GetBlockYSize(), 1);
+    std::vector<std::byte> samples;
+    ForEachStrip(rows, L"copying", options.to, [&](int first, int count) {
+        const std::size_t plane = static_cast<std::size_t>(selection.Width()) *
+                                  static_cast<std::size_t>(count) * sampleSize;
+        samples.resize(plane * selection.bands.size());
+        for (std::size_t i = 0; i < selection.bands.size(); ++i) {
+            CPLErrorReset();
+            CRasterBand& band = *source.GetRasterBand(selection.bands[i]);
+            if (band.ReadBlock(selection.window.left, first, selection.Width(), count,
+                               samples.data() + i * plane, selection.Width(), count, selection.type,
+                               0, 0) != GIS_SUCCESS)
+                throw Failure(options.from, LastGdalMessage("cannot be read"));
+        }
+        WriteRows(made, first - selection.window.top, count, samples.data(), selection.type,
+                  options.to);
+    });
+}
+
+void Copy(const Options& options) {
+    const GdalUse use;
+    if (!options.window.empty() && !options.box.empty())
+        throw UsageError("--window and --box both choose the part to copy; give one");
+    NewRasterLayout layout;
+    layout.format = ChooseFormat(options.format, options.to);
+    CheckCreationOptions(options.creation, layout.format);
+    CRasterSource source;
+    OpenOrFail(source, options.from);
+    const Selection selection = Select(options, source);
+    std::array<double, 6> geoTransform = {};
+    if (WindowGeoTransform(source, selection.window, geoTransform.data()))
+        layout.geoTransform = geoTransform.data();
+    layout.width = selection.Width();
+    layout.height = selection.Height();
+    layout.bands = static_cast<int>(selection.bands.size());
+    layout.type = selection.type;
+    layout.wkt = source.GetProjectionWKT();
+    layout.options = options.creation;
+    NewRaster made(options.to, layout);
+    CopyControlPoints(source, selection.window, made.Raster());
+    CopyBandFacts(source, selection, made.Raster());
+    CopyPixels(source, selection, made.Raster(), options);
+    made.Commit();
+}
+
+} // namespace
+
+void AddCopy(CLI::App& program) {
+    auto* copy = program.add_subcommand("copy", "copy pixels into a new raster file");
+    auto options = std::make_shared<Options>();
+    copy->add_option("IN", options->from, "the raster to copy")->required();
+    copy->add_option("OUT", options->to, "the file to make")->required();
+    copy->add_option("--bands", options->bands, "bands to copy, in this order: 3,2,1");
+    copy->add_option("--window", options->window, "part to copy: column,row,columns,rows");
+    copy->add_option("--box", options->box, "part to copy: left,top,right,bottom in ground units");
+    copy->add_option("--type", options->type, "pixel type, Byte … Float64");
+    copy->add_option("--format", options->format, "format, where the extension does not tell");
+    copy->add_option("--co", options->creation, "KEY=VALUE for the GeoTIFF writer");
+    copy->callback([options] { Copy(*options); });
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,142 @@
+#include "zelto/raster/RasterSource.h"
+
+#include "cli/Commands.h"
+#include "cli/support/Failure.h"
+#include "cli/support/GdalUse.h"
+#include "cli/support/Open.h"
+#include "cli/support/Text.h"
+
+#include <CLI/CLI.hpp>
+#include <gdal_priv.h>
+
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+namespace zelto::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Options {
+    std::vector<std::string> paths;
+    std::string from;
+    std::string to;
+    bool overwrite = false;
+};
+
+/// The path of an image's world file. GDAL's driver writes it, but does not count it among the
+/// image's own files when the image is georeferenced itself.
+fs::path WorldFile(const std::string& path) {
+    return fs::path(path).replace_extension("tfw");
+}
+
+bool IsGTiff(GDALDriver& driver) {
+    return EQUAL(driver.GetDescription(), "GTiff");
+}
+
+/// The driver of a raster that exists. The engine's own renaming asks the destination, which
+/// a new name cannot answer.
+GDALDriver& DriverOf(const std::string& path) {
+    CPLErrorReset();
+    GDALDriver* driver = GDALDriver::FromHandle(
+        GDALIdentifyDriverEx(path.c_str(), GDAL_OF_RASTER, nullptr, nullptr));
+    if (driver == nullptr)
+        throw Failure(path, ReasonForFailure(path, GIS_OPEN_FAILED));
+    return *driver;
+}
+
+void Remove(const Options& options) {
+    const GdalUse use;
+    for (const std::string& path : options.paths) {
+        GDALDriver& driver = DriverOf(path);
+        if (CRasterSource::DeleteFileW(Wide(path).c_str()) != GIS_SUCCESS)
+            throw Failure(path, LastGdalMessage("cannot be removed"));
+        std::error_code ignored;
+        if (IsGTiff(driver))
+            fs::remove(WorldFile(path), ignored);
+    }
+}
+
+/// A path inside the destination where that is a folder.
+std::string Destination(const Options& options) {
+    std::error_code ignored;
+    if (fs::is_directory(options.to, ignored))
+        return (fs::path(options.to) / fs::path(options.from).filename()).string();
+    return options.to;
+}
+
+void MakeRoom(const std::string& path, bool overwrite) {
+    std::error_code ignored;
+    if (!fs::exists(path, ignored))
+        return;
+    if (!overwrite)
+        throw Failure(path, "it exists; --overwrite replaces it");
+    if (GDALDriver::QuietDelete(path.c_str()) != CE_None)
+        throw Failure(path, LastGdalMessage("cannot be replaced"));
+}
+
+/// Checks origin and destination, then calls `work` with driver, origin and destination.
+template <typename Work>
+void Transfer(const Options& options, Work work) {
+    const GdalUse use;
+    GDALDriver& driver = DriverOf(options.from);
+    const std::string to = Destination(options);
+    std::error_code ignored;
+    if (fs::equivalent(options.from, to, ignored))
+        throw Failure(to, "origin and destination are the same file");
+    MakeRoom(to, options.overwrite);
+    CPLErrorReset();
+    if (work(driver, options.from, to) != CE_None)
+        throw Failure(options.from, LastGdalMessage("cannot be moved or copied"));
+}
+
+void Move(const Options& options) {
+    Transfer(options, [](GDALDriver& driver, const std::string& from, const std::string& to) {
+        const CPLErr result = driver.Rename(to.c_str(), from.c_str());
+        std::error_code ignored;
+        if (result == CE_None && IsGTiff(driver) && !fs::exists(WorldFile(to), ignored))
+            fs::rename(WorldFile(from), WorldFile(to), ignored);
+        return result;
+    });
+}
+
+void Copy(const Options& options) {
+    Transfer(options, [](GDALDriver& driver, const std::string& from, const std::string& to) {
+        const CPLErr result = driver.CopyFiles(to.c_str(), from.c_str());
+        std::error_code ignored;
+        if (result == CE_None && IsGTiff(driver))
+            fs::copy_file(WorldFile(from), WorldFile(to), ignored);
+        return result;
+    });
+}
+
+void AddTransferOptions(CLI::App& command, const std::shared_ptr<Options>& options) {
+    command.add_option("FROM", options->from, "a raster")->required();
+    command.add_option("TO", options->to, "its new name, or a folder")->required();
+    command.add_flag("--overwrite", options->overwrite, "replace what has the new name");
+}
+
+} // namespace
+
+void AddFile(CLI::App& program) {
+    auto* file = program.add_subcommand(
+        "file", "remove, move and copy rasters with the files that belong to them");
+    file->require_subcommand(1);
+    auto options = std::make_shared<Options>();
+
+    auto* rm = file->add_subcommand("rm", "remove rasters");
+    rm->add_option("FILE", options->paths)->required();
+    rm->callback([options] { Remove(*options); });
+
+    auto* mv = file->add_subcommand("mv", "move or rename a raster");
+    AddTransferOptions(*mv, options);
+    mv->callback([options] { Move(*options); });
+
+    auto* cp = file->add_subcommand("cp", "copy a raster");
+    AddTransferOptions(*cp, options);
+    cp->callback([options] { Copy(*options); });
+}
+
+} // namespace zelto::cli

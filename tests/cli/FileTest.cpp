@@ -1,0 +1,108 @@
+#include "tests/cli/RunZelto.h"
+#include "tests/support/RasterFile.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+using zelto::test::NorthUp;
+using zelto::test::Pixels;
+using zelto::test::ReadBand;
+using zelto::test::RunZelto;
+using zelto::test::TemporaryFolder;
+using zelto::test::WriteFile;
+using Names = std::vector<std::string>;
+
+namespace {
+
+void WriteImage(const TemporaryFolder& folder, const std::string& name, double value,
+                const char* driver = "GTiff") {
+    zelto::test::RasterSpec spec = {.width = 4, .height = 1};
+    spec.driver = driver;
+    spec.geoTransform = NorthUp(0.0, 1.0, 1.0);
+    if (spec.driver == "GTiff")
+        spec.options = {"TFW=YES"};
+    zelto::test::WriteRaster(folder.File(name), spec, {Pixels(4, value)});
+}
+
+} // namespace
+
+TEST(FileCommand, RemovesRastersWithTheirSideFiles) {
+    const TemporaryFolder folder;
+    WriteImage(folder, "a.tif", 1.0);
+    WriteImage(folder, "b", 2.0, "ENVI");
+    ASSERT_EQ(folder.Names(), (Names{"a.tfw", "a.tif", "b", "b.hdr"}));
+    const auto run = RunZelto({"file", "rm", folder.File("a.tif"), folder.File("b")});
+    EXPECT_EQ(run.exitStatus, 0) << run.errors;
+    EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(FileCommand, RemovesNothingThatIsNoRaster) {
+    const TemporaryFolder folder;
+    WriteFile(folder.Path() / "note.txt", "this is no image");
+    auto run = RunZelto({"file", "rm", folder.File("note.txt")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors.find("zelto: " + folder.File("note.txt") + ": "), 0U) << run.errors;
+    EXPECT_EQ(folder.Names(), Names{"note.txt"});
+    run = RunZelto({"file", "rm", folder.File("missing.tif")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors, "zelto: " + folder.File("missing.tif") + ": No such file or directory\n");
+}
+
+TEST(FileCommand, MovesToANewName) {
+    const TemporaryFolder folder;
+    WriteImage(folder, "a.tif", 1.0);
+    auto run = RunZelto({"file", "mv", folder.File("a.tif"), folder.File("新.tif")});
+    EXPECT_EQ(run.exitStatus, 0) << run.errors;
+    EXPECT_EQ(folder.Names(), (Names{"新.tfw", "新.tif"}));
+    EXPECT_EQ(ReadBand(folder.File("新.tif"), 1), Pixels(4, 1.0));
+}
+
+TEST(FileCommand, MovesAndCopiesIntoAFolder) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.Path() / "sub");
+    WriteImage(folder, "a", 1.0, "ENVI");
+    EXPECT_EQ(RunZelto({"file", "cp", folder.File("a"), folder.File("sub")}).exitStatus, 0);
+    EXPECT_EQ(ReadBand(folder.File("sub/a"), 1), Pixels(4, 1.0));
+    EXPECT_EQ(folder.Names(), (Names{"a", "a.hdr", "sub"}));
+    EXPECT_EQ(
+        RunZelto({"file", "mv", folder.File("a"), folder.File("sub"), "--overwrite"}).exitStatus,
+        0);
+    EXPECT_EQ(folder.Names(), Names{"sub"});
+}
+
+TEST(FileCommand, CopiesWithTheWorldFile) {
+    const TemporaryFolder folder;
+    WriteImage(folder, "a.tif", 1.0);
+    EXPECT_EQ(RunZelto({"file", "cp", folder.File("a.tif"), folder.File("b.tif")}).exitStatus, 0);
+    EXPECT_EQ(folder.Names(), (Names{"a.tfw", "a.tif", "b.tfw", "b.tif"}));
+    EXPECT_EQ(ReadBand(folder.File("b.tif"), 1), Pixels(4, 1.0));
+}
+
+TEST(FileCommand, OverwritesOnlyWhenTold) {
+    const TemporaryFolder folder;
+    WriteImage(folder, "a.tif", 1.0);
+    WriteImage(folder, "b.tif", 2.0);
+    for (const char* command : {"mv", "cp"}) {
+        const auto run = RunZelto({"file", command, folder.File("a.tif"), folder.File("b.tif")});
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_EQ(run.errors,
+                  "zelto: " + folder.File("b.tif") + ": it exists; --overwrite replaces it\n");
+    }
+    EXPECT_EQ(ReadBand(folder.File("b.tif"), 1), Pixels(4, 2.0));
+    EXPECT_EQ(RunZelto({"file", "mv", folder.File("a.tif"), folder.File("b.tif"), "--overwrite"})
+                  .exitStatus,
+              0);
+    EXPECT_EQ(ReadBand(folder.File("b.tif"), 1), Pixels(4, 1.0));
+    const auto itself =
+        RunZelto({"file", "mv", folder.File("b.tif"), folder.File("b.tif"), "--overwrite"});
+    EXPECT_EQ(itself.exitStatus, 1);
+    EXPECT_EQ(ReadBand(folder.File("b.tif"), 1), Pixels(4, 1.0));
+}
+
+TEST(FileCommand, WrongUsageEndsWithTwo) {
+    EXPECT_EQ(RunZelto({"file"}).exitStatus, 2);
+    EXPECT_EQ(RunZelto({"file", "rm"}).exitStatus, 2);
+    EXPECT_EQ(RunZelto({"file", "mv", "only.tif"}).exitStatus, 2);
+}
