@@ -37,6 +37,7 @@
 #include "zelto/datasource/DatasetOpenInfo.h"
 #include "zelto/datasource/Enumerations.h"
 #include "zelto/datasource/GISDataSource.h"
+#include "zelto/display/ComposedRaster.h"
 #include "zelto/display/ImgEnhance.h"
 #include "zelto/display/ImgStretch.h"
 #include "zelto/display/RasterHistogram.h"

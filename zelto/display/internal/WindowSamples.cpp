@@ -25,6 +25,8 @@ std::optional<WindowSamples::Samples<T>> ReadAs(GDALDataType type, GDALRasterBan
                                                 const ReadWindow& window) {
     WindowSamples::Samples<T> samples(static_cast<std::size_t>(window.bufWidth) *
                                       static_cast<std::size_t>(window.bufHeight));
+    if (samples.empty())
+        return samples;
     if (band->RasterIO(GF_Read, window.xOff, window.yOff, window.xSize, window.ySize,
                        samples.data(), window.bufWidth, window.bufHeight, type, 0, 0,
                        nullptr) != CE_None)

@@ -29,7 +29,7 @@ class WindowSamples {
     template <typename T>
     using Samples = std::vector<T, Uninitialised<T>>;
 
-    /// One GDAL raster I/O of the window.
+    /// One GDAL raster I/O of the window; a window read at no size has no samples.
     /// @return nothing without a band, when the memory cannot be had or on a GDAL error
     static std::optional<WindowSamples> Read(GDALRasterBand* band, const ReadWindow& window);
 
