@@ -20,13 +20,37 @@ bool IsLeftOf(double x, const CrossingEdge& edge) {
     return CrossesRightOf(edge.startX, edge.startAbove, edge.endX, edge.endAbove, x);
 }
 
+/// The position near which the crossing should be, were the positions evenly spaced.
+std::size_t GuessBoundary(const CrossingEdge& edge, std::span<const double> xs) {
+    const double alongEdge = edge.startAbove / (edge.startAbove - edge.endAbove);
+    const double crossing = edge.startX + (edge.endX - edge.startX) * alongEdge;
+    const double share = (crossing - xs.front()) / (xs.back() - xs.front());
+    const auto last = static_cast<double>(xs.size() - 1);
+    // A single position gives no number, which counts as the first.
+    return share > 0 ? static_cast<std::size_t>(std::min(share, 1.0) * last) : 0;
+}
+
 /// Number of positions, from the left, that have the crossing to their right. With moderate
 /// coordinates every step of the comparison keeps the order of the positions under rounding,
-/// so that the first refusal is the last change and may be searched for.
+/// so that the first refusal is the last change and may be searched for: outwards from the
+/// guess in growing steps, then by halves.
 std::size_t PositionsLeftOf(const CrossingEdge& edge, std::span<const double> xs) {
-    const auto boundary =
-        std::partition_point(xs.begin(), xs.end(), [&](double x) { return IsLeftOf(x, edge); });
-    return static_cast<std::size_t>(boundary - xs.begin());
+    const auto isLeft = [&](std::size_t i) { return IsLeftOf(xs[i], edge); };
+    // Positions before `low` are left of the crossing, those from `high` on are not.
+    std::size_t low = 0;
+    std::size_t high = xs.size();
+    const auto narrow = [&](std::size_t probe) {
+        const bool left = isLeft(probe);
+        (left ? low : high) = left ? probe + 1 : probe;
+        return left;
+    };
+    const bool upwards = narrow(GuessBoundary(edge, xs));
+    for (std::size_t step = 1; step <= high - low; step *= 2)
+        if (narrow(upwards ? low + step - 1 : high - step) != upwards)
+            break;
+    while (low < high)
+        narrow(low + (high - low) / 2);
+    return low;
 }
 
 /// Marks the positions left of an odd number of boundaries.
