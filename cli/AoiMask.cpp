@@ -18,6 +18,15 @@ namespace zelto::cli {
 
 namespace {
 
+/// Opens the image for its grid alone. The mask is burnt on a north-up grid, through a view of
+/// the image where it is not one.
+void OpenGridOrFail(CRasterSource& image, const std::string& path) {
+    CPLErrorReset();
+    const GISError error = image.OpenSimple(Wide(path).c_str(), GIS_READONLY, true);
+    if (error != GIS_SUCCESS)
+        throw Failure(path, ReasonForFailure(path, error));
+}
+
 void CreateOrFail(CRasterSource& out, const std::string& path, const CRasterSource& image) {
     double geoTransform[6];
     image.GetGeoTransform(geoTransform, false);
@@ -58,8 +67,7 @@ std::int64_t WriteOrFail(const CAOIMask& mask, CRasterSource& out, const std::st
 
 void WriteAoiMask(const AoiMaskOptions& options) {
     CRasterSource image;
-    // The mask is burnt on a north-up grid, through a view of the image where it is not one.
-    OpenOrFail(image, options.image, GIS_READONLY, true);
+    OpenGridOrFail(image, options.image);
     CAOISource aoi;
     // Where one of them has no reference system both are taken to be in the same one.
     OpenAoiOrFail(aoi, options.aoi);

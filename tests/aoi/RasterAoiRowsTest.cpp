@@ -11,10 +11,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <atomic>
 #include <filesystem>
 #include <memory>
+#include <numeric>
 #include <random>
+#include <thread>
 
 namespace {
 
@@ -82,6 +84,31 @@ TEST_F(RasterAoiRows, AnswerAsTheQuestionsForSinglePixels) {
             }
         }
     }
+}
+
+/// Rows and single pixels asked by several threads at once, as the rendering loops do.
+TEST_F(RasterAoiRows, MayBeAskedFromSeveralThreads) {
+    AddRandomShapes(5);
+    const auto area = MakeArea();
+    const zelto::RasterAoiRows rows(*area);
+    std::vector<double> columns(40);
+    std::iota(columns.begin(), columns.end(), 0.0);
+    std::atomic<int> differences = 0;
+    const auto ask = [&] {
+        zelto::RasterAoiRows::Scratch scratch;
+        Bytes inside(columns.size());
+        for (int row = 0; row < 30; ++row) {
+            rows.Row(row, columns, inside, scratch);
+            for (int column = 0; column < 40; ++column)
+                differences += (inside[std::size_t(column)] != 0) != area->IsdfInAOI(column, row);
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back(ask);
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(differences, 0);
 }
 
 TEST_F(RasterAoiRows, AnAreaThatIsNotInitialisedHoldsNothing) {
