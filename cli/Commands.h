@@ -18,6 +18,7 @@ void AddInfo(CLI::App& program);
 void AddPyramids(CLI::App& program);
 void AddReproject(CLI::App& program);
 void AddSrs(CLI::App& program);
+void AddStats(CLI::App& program);
 void AddVector(CLI::App& program);
 
 } // namespace zelto::cli

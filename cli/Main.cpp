@@ -24,6 +24,7 @@ void AddCommands(CLI::App& program) {
     AddPyramids(program);
     AddReproject(program);
     AddSrs(program);
+    AddStats(program);
     AddVector(program);
 }
 

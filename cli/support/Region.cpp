@@ -100,10 +100,9 @@ std::unique_ptr<CAOISource> MakeRegion(const RegionOptions& options, const CRast
         OpenAoiOrFail(*region, options.aoi, raster.GetProjectionWKT());
         return region;
     }
-    auto shape = options.box.empty()
-                     ? ParseShape("--shape", options.shape)
-                     : MakeCornered(std::make_unique<CDrawRectangle>(),
-                                    ParseBox("--box", options.box), "--box");
+    auto shape = options.box.empty() ? ParseShape("--shape", options.shape)
+                                     : MakeCornered(std::make_unique<CDrawRectangle>(),
+                                                    ParseBox("--box", options.box), "--box");
     if (region->AddDrawShape(shape.get()))
         static_cast<void>(shape.release());
     return region;

@@ -26,12 +26,9 @@ std::string ForPeople(double value) {
 
 std::vector<std::string> CellsOf(const Band& band, bool percentiles,
                                  const std::function<std::string(double)>& format) {
-    std::vector<std::string> cells = {std::to_string(band.index + 1),
-                                      std::to_string(band.count),
-                                      format(band.minimum),
-                                      format(band.maximum),
-                                      format(band.mean),
-                                      format(band.standardDeviation)};
+    std::vector<std::string> cells = {
+        std::to_string(band.index + 1), std::to_string(band.count), format(band.minimum),
+        format(band.maximum),           format(band.mean),          format(band.standardDeviation)};
     if (percentiles) {
         cells.push_back(format(band.lowPercentile));
         cells.push_back(format(band.highPercentile));
@@ -40,8 +37,8 @@ std::vector<std::string> CellsOf(const Band& band, bool percentiles,
 }
 
 void PrintBandTable(const std::vector<RegionReport>& reports) {
-    std::vector<std::string> header = {"band", "count", "minimum",
-                                       "maximum", "mean", "standard deviation"};
+    std::vector<std::string> header = {"band",    "count", "minimum",
+                                       "maximum", "mean",  "standard deviation"};
     const RegionReport& first = reports.front();
     if (first.hasPercentiles)
         header.insert(header.end(), {"low percentile", "high percentile"});
@@ -117,9 +114,8 @@ void PrintTables(const std::vector<RegionReport>& reports) {
         PrintMatrix(report, "covariance" + of, [&](std::size_t a, std::size_t b) {
             return report.covariance[a * report.bands.size() + b];
         });
-        PrintMatrix(report, "correlation" + of, [&](std::size_t a, std::size_t b) {
-            return report.Correlation(a, b);
-        });
+        PrintMatrix(report, "correlation" + of,
+                    [&](std::size_t a, std::size_t b) { return report.Correlation(a, b); });
     }
 }
 
@@ -127,8 +123,8 @@ void PrintCsv(const std::vector<RegionReport>& reports) {
     if (reports.empty())
         return;
     const RegionReport& first = reports.front();
-    std::vector<std::string> header = {"band", "count", "minimum",
-                                       "maximum", "mean", "standardDeviation"};
+    std::vector<std::string> header = {"band",    "count", "minimum",
+                                       "maximum", "mean",  "standardDeviation"};
     if (first.hasPercentiles)
         header.insert(header.end(), {"lowPercentile", "highPercentile"});
     if (!first.covariance.empty())
@@ -175,10 +171,10 @@ Json ToJson(const RegionReport& report) {
         return json;
     const std::size_t n = report.bands.size();
     json["covarianceCount"] = report.covarianceCount;
-    json["covariance"] = MatrixAsRows(
-        n, [&](std::size_t a, std::size_t b) { return report.covariance[a * n + b]; });
-    json["correlation"] = MatrixAsRows(
-        n, [&](std::size_t a, std::size_t b) { return report.Correlation(a, b); });
+    json["covariance"] =
+        MatrixAsRows(n, [&](std::size_t a, std::size_t b) { return report.covariance[a * n + b]; });
+    json["correlation"] =
+        MatrixAsRows(n, [&](std::size_t a, std::size_t b) { return report.Correlation(a, b); });
     return json;
 }
 
