@@ -64,6 +64,8 @@ void AddRegionOptions(CLI::App& command, RegionOptions& options) {
         "\"polygon x,y x,y x,y …\", \"rectangle left,top,right,bottom\" or \"ellipse …\"");
     aoi->excludes(box)->excludes(shape);
     box->excludes(shape);
+    for (CLI::Option* option : {aoi, box, shape})
+        option->check([](const std::string& text) { return text.empty() ? "is empty" : ""; });
 }
 
 void OpenForRegion(CRasterSource& raster, const std::string& path, const RegionOptions& options) {
@@ -97,7 +99,11 @@ std::unique_ptr<CAOISource> MakeRegion(const RegionOptions& options, const CRast
         return nullptr;
     auto region = std::make_unique<CAOISource>();
     if (!options.aoi.empty()) {
-        OpenAoiOrFail(*region, options.aoi, raster.GetProjectionWKT());
+        OpenAoiOrFail(*region, options.aoi);
+        const std::string srs = raster.GetProjectionWKT();
+        // Without a reference system of its own an area is taken to be in the raster's.
+        if (!srs.empty() && !region->GetSpatialReferenceWKT().empty())
+            OpenAoiOrFail(*region, options.aoi, srs);
         return region;
     }
     auto shape = options.box.empty() ? ParseShape("--shape", options.shape)
