@@ -11,11 +11,13 @@ namespace zelto::cli {
 
 void AddAoi(CLI::App& program);
 void AddClasses(CLI::App& program);
+void AddCompose(CLI::App& program);
 void AddCopy(CLI::App& program);
 void AddCreate(CLI::App& program);
 void AddFile(CLI::App& program);
 void AddInfo(CLI::App& program);
 void AddPyramids(CLI::App& program);
+void AddRender(CLI::App& program);
 void AddReproject(CLI::App& program);
 void AddSrs(CLI::App& program);
 void AddStats(CLI::App& program);

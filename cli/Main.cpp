@@ -17,11 +17,13 @@ void AddCommands(CLI::App& program) {
     program.require_subcommand(1);
     AddAoi(program);
     AddClasses(program);
+    AddCompose(program);
     AddCopy(program);
     AddCreate(program);
     AddFile(program);
     AddInfo(program);
     AddPyramids(program);
+    AddRender(program);
     AddReproject(program);
     AddSrs(program);
     AddStats(program);

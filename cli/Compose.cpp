@@ -1,0 +1,106 @@
+#include "zelto/display/ComposedRaster.h"
+#include "zelto/raster/RasterBand.h"
+
+#include "cli/Commands.h"
+#include "cli/RenderStretch.h"
+#include "cli/RenderView.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Open.h"
+#include "cli/support/Picture.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <memory>
+
+namespace zelto::cli {
+
+namespace {
+
+struct Options {
+    std::vector<std::string> colors; ///< FILE:BAND for red, green, blue
+    std::string out;
+    ViewOptions view;
+    std::string stretch = "stddev";
+    StretchOptions stretchData;
+};
+
+/// One colour: a source of its own, also where two colours come from one file, because the
+/// stretch is the source's.
+struct ColorSource {
+    std::string path;
+    CRasterSource source;
+    CRasterBand* band = nullptr;
+};
+
+void OpenColor(ColorSource& color, const std::string& text) {
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string::npos || colon + 1 == text.size() ||
+        text.find_first_not_of("0123456789", colon + 1) != std::string::npos)
+        throw UsageError("'" + text + "': give each colour as FILE:BAND, as scene.tif:4");
+    color.path = text.substr(0, colon);
+    color.source.SetForDisplay(true);
+    OpenOrFail(color.source, color.path, GIS_READONLY, true);
+    int band = -1;
+    try {
+        band = std::stoi(text.substr(colon + 1)) - 1;
+    } catch (const std::out_of_range&) {
+        band = -1;
+    }
+    color.band = color.source.GetRasterBand(band);
+    if (color.band == nullptr)
+        throw UsageError("'" + text + "': bands are numbered from 1 to " +
+                         std::to_string(color.source.GetBandCount()));
+    color.source.SetShowBandNum(1, &band);
+}
+
+void Run(const Options& options) {
+    CheckPictureName(options.out);
+    ColorSource colors[3];
+    for (std::size_t k = 0; k < 3; ++k) {
+        OpenColor(colors[k], options.colors[k]);
+        ApplyStretch(colors[k].source, options.stretchData, colors[k].path);
+    }
+    CComposedRaster composed;
+    if (composed.CreateRaster(&colors[0].source, colors[0].band, &colors[1].source, colors[1].band,
+                              &colors[2].source, colors[2].band) != GIS_SUCCESS)
+        throw Failure(colors[0].path + ", " + colors[1].path + ", " + colors[2].path,
+                      "the three have no ground in common");
+    const View view = ChooseView(composed, options.view);
+    Picture picture(view.width, view.height);
+    CBoundingBox box = view.box;
+    if (!composed.GetShowData(&box, view.width, view.height, picture.pixels.data(), true))
+        throw Failure(options.out, "the box misses the images, or their pixels cannot be read");
+    WritePicture(picture, options.out, PicturePlace{view.box, composed.GetProjectionWKT()});
+    std::cout << options.out << ": " << view.width << " x " << view.height << " pixels\n";
+}
+
+} // namespace
+
+void AddCompose(CLI::App& program) {
+    auto* compose = program.add_subcommand("compose", "draw bands of three rasters as one picture");
+    auto options = std::make_shared<Options>();
+    compose->add_option("RED GREEN BLUE", options->colors, "FILE:BAND for each colour")
+        ->required()
+        ->expected(3);
+    compose->add_option("OUT", options->out, "picture: .png, .jpg or .tif (georeferenced)")
+        ->required();
+    compose->add_option("--box", options->view.box,
+                        "left,top,right,bottom; default: what the three have in common");
+    compose->add_option("--size", options->view.size,
+                        "WxH, or one side as 1024x or x768; default: at most 1024 pixels");
+    compose->add_option("--stretch", options->stretch, "as zelto render; each band has its own")
+        ->capture_default_str();
+    compose->footer("The rasters may differ in grid and resolution, but must lie in one reference\n"
+                    "system. The picture has the resolution of the red one and the system of the\n"
+                    "blue one.\n"
+                    "Example: zelto compose nir.tif:1 red.tif:1 scene.tif:2 picture.png");
+    compose->callback([options] {
+        options->stretchData.type = ParseStretch(options->stretch);
+        if (options->stretchData.type == StretchWallis)
+            throw UsageError("--stretch wallis is for the three bands of one raster");
+        Run(*options);
+    });
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,286 @@
+#include "zelto/aoi/AOISource.h"
+#include "zelto/aoi/RasterAOI.h"
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+
+#include "cli/Commands.h"
+#include "cli/RenderRamps.h"
+#include "cli/RenderSheet.h"
+#include "cli/RenderStretch.h"
+#include "cli/RenderView.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Open.h"
+#include "cli/support/Picture.h"
+#include "cli/support/Text.h"
+
+#include <CLI/CLI.hpp>
+#include <cpl_error.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <memory>
+
+namespace zelto::cli {
+
+namespace {
+
+struct Options {
+    std::string file;
+    std::string out;
+    ViewOptions view;
+    std::string bands;
+    std::string stretch = "stddev";
+    StretchOptions stretchData;
+    double low = 0.0;
+    double high = 0.0;
+    std::string ramp;
+    float hue = 0.0F;
+    float intensity = 0.0F;
+    float saturation = 0.0F;
+    float contrast = 0.0F;
+    float transparency = 0.0F;
+    std::string adjustFrom;
+    std::string aoi;
+    std::string outside = "transparent";
+    std::string srs;
+    bool contactSheet = false;
+};
+
+void OpenForDisplay(CRasterSource& source, const std::string& path, const std::string& srs) {
+    source.SetForDisplay(true);
+    if (srs.empty()) {
+        OpenOrFail(source, path, GIS_READONLY, true);
+        return;
+    }
+    const GISError error = source.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, srs.c_str());
+    if (error != GIS_SUCCESS)
+        throw Failure(path, ReasonForFailure(path, error));
+}
+
+void ChooseBands(CRasterSource& source, const std::string& text) {
+    std::vector<int> bands = ParseBands("--bands", text, source.GetBandCount());
+    if (bands.size() != 1 && bands.size() != 3)
+        throw UsageError("--bands: give one band, or three for red, green and blue");
+    source.SetShowBandNum(static_cast<int>(bands.size()), bands.data());
+}
+
+void ChooseRamp(CRasterSource& source, const std::string& name) {
+    int first = source.GetRedBandNum();
+    source.SetShowBandNum(1, &first);
+    CColorRamp ramp = MakeRamp(name);
+    source.SetColorRamp(&ramp);
+    source.SetDisplayType(static_cast<DataDisplayType>(1));
+}
+
+/// The options that are display settings of the source. Those of another raster come first, so
+/// that what is said on the command line holds.
+void ApplySettings(CRasterSource& source, const Options& options) {
+    if (!options.adjustFrom.empty()) {
+        CRasterSource other;
+        OpenForDisplay(other, options.adjustFrom, "");
+        source.CopyDisplaySetting(&other);
+    }
+    if (!options.bands.empty())
+        ChooseBands(source, options.bands);
+    if (!options.ramp.empty())
+        ChooseRamp(source, options.ramp);
+    source.m_hue = options.hue;
+    source.m_intensity = options.intensity;
+    source.m_saturation = options.saturation;
+    source.m_contrast = options.contrast;
+    source.m_transparency = options.transparency;
+}
+
+void FailWithoutPixels(bool drawn, const std::string& path) {
+    if (!drawn)
+        throw Failure(path, "the box misses the image, or its pixels cannot be read");
+}
+
+Picture Draw(CRasterSource& source, const View& view, const std::string& path) {
+    Picture picture(view.width, view.height);
+    CBoundingBox box = view.box;
+    FailWithoutPixels(
+        source.GetShowData(&box, view.width, view.height, picture.pixels.data(), true), path);
+    // Palette and class colours have their transparency from the drawing already.
+    source.m_hue = source.m_intensity = source.m_saturation = source.m_contrast = 0.0F;
+    source.ApplyShowDataHISC(view.width, view.height, picture.pixels.data());
+    return picture;
+}
+
+/// Pixels outside the area are transparent or black; pixels without data inside it are black.
+Picture DrawMasked(CRasterSource& source, const View& view, const Options& options) {
+    CAOISource aoi;
+    CPLErrorReset();
+    const GISError error = aoi.OpenAndWarped(
+        Wide(options.aoi).c_str(), GIS_READONLY,
+        source.GetProjectionWKT().empty() ? nullptr : source.GetProjectionWKT().c_str());
+    if (error != GIS_SUCCESS)
+        throw Failure(options.aoi, ReasonForFailure(options.aoi, error));
+    CRasterAOI area(&source, &aoi);
+    area.Initialize();
+
+    const std::size_t size = static_cast<std::size_t>(view.width) * view.height;
+    std::vector<unsigned char> planes[3];
+    unsigned char* pointers[3];
+    for (int i = 0; i < 3; ++i) {
+        planes[i].resize(size);
+        pointers[i] = planes[i].data();
+    }
+    CBoundingBox box = view.box;
+    FailWithoutPixels(source.GetShowData(&box, view.width, view.height, 3, pointers, &area, false),
+                      options.file);
+
+    Picture picture(view.width, view.height);
+    const double dx = box.GetWidth() / view.width;
+    const double dy = box.GetHeight() / view.height;
+    const auto opaque =
+        static_cast<unsigned char>(std::lround(255.0 * (1.0 - options.transparency)));
+    for (std::size_t i = 0; i < size; ++i) {
+        double column = 0.0;
+        double row = 0.0;
+        source.GroundToImage(box.GetLeft() + (static_cast<double>(i % view.width) + 0.5) * dx,
+                             box.GetTop() - (static_cast<double>(i / view.width) + 0.5) * dy,
+                             column, row);
+        const bool shown = options.outside == "black" || area.IsdfInAOI(column, row);
+        unsigned char* pixel = picture.pixels.data() + i * 4;
+        pixel[0] = planes[2][i];
+        pixel[1] = planes[1][i];
+        pixel[2] = planes[0][i];
+        pixel[3] = shown ? opaque : 0;
+    }
+    return picture;
+}
+
+/// Each stretch gets a source of its own: some build on what an earlier drawing left.
+Picture DrawSheet(const View& view, const Options& options) {
+    std::vector<SheetCell> cells;
+    for (const std::string& name : StretchNames()) {
+        CRasterSource source;
+        OpenForDisplay(source, options.file, options.srs);
+        ApplySettings(source, options);
+        StretchOptions stretch = options.stretchData;
+        stretch.type = ParseStretch(name);
+        ApplyStretch(source, stretch, options.file);
+        cells.push_back({name, Draw(source, view, options.file)});
+    }
+    return MakeSheet(cells);
+}
+
+void CheckOptions(const Options& options) {
+    CheckPictureName(options.out);
+    if (options.outside != "transparent" && options.outside != "black")
+        throw UsageError("--outside: transparent or black");
+    if (options.contactSheet && !options.aoi.empty())
+        throw UsageError("--contact-sheet and --aoi do not go together");
+    if (!(options.stretchData.gamma > 0))
+        throw UsageError("--gamma must be positive");
+    if (!(options.transparency >= 0.0F && options.transparency <= 1.0F))
+        throw UsageError("--transparency: 0 to 1");
+}
+
+void Run(const Options& options) {
+    CheckOptions(options);
+    CRasterSource source;
+    OpenForDisplay(source, options.file, options.srs);
+    ApplySettings(source, options);
+    ViewOptions viewOptions = options.view;
+    if (options.contactSheet && viewOptions.size.empty())
+        viewOptions.size = "320x";
+    const View view = ChooseView(source, viewOptions);
+    if (options.contactSheet) {
+        WritePicture(DrawSheet(view, options), options.out);
+    } else {
+        ApplyStretch(source, options.stretchData, options.file);
+        const Picture picture = options.aoi.empty() ? Draw(source, view, options.file)
+                                                    : DrawMasked(source, view, options);
+        WritePicture(picture, options.out, PicturePlace{view.box, source.GetProjectionWKT()});
+    }
+    std::cout << options.out << ": " << view.width << " x " << view.height
+              << (options.contactSheet ? " pixels a picture\n" : " pixels\n");
+}
+
+void AddViewOptions(CLI::App& render, Options& options) {
+    render.add_option("--box", options.view.box,
+                      "ground rectangle left,top,right,bottom; default: the whole image");
+    render.add_option("--center", options.view.center, "x,y in the middle of the picture");
+    render
+        .add_option("--scale", options.view.scale,
+                    "with --center: ground units per pixel; default: the image's own")
+        ->check(CLI::PositiveNumber);
+    render.add_option("--size", options.view.size,
+                      "WxH, or one side as 1024x or x768; default: at most 1024 pixels");
+    render.add_option("--srs", options.srs, "reference system to show the image in");
+    render.add_option("--aoi", options.aoi, "area of interest (.aif or any vector file) to show");
+    render
+        .add_option("--outside", options.outside, "what is outside the area: transparent or black")
+        ->capture_default_str();
+}
+
+void AddStretchOptions(CLI::App& render, Options& options) {
+    std::string names;
+    for (const std::string& name : StretchNames())
+        names += (names.empty() ? "" : ", ") + name;
+    render.add_option("--stretch", options.stretch, "one of " + names)->capture_default_str();
+    render.add_option("--low", options.low,
+                      "lower bound of zoom002 and zoom (display values) or of custom-equalize");
+    render.add_option("--high", options.high, "upper bound of the same");
+    render
+        .add_option("--threshold", options.stretchData.threshold,
+                    "fraction that autolevels cuts at each end")
+        ->capture_default_str();
+    render
+        .add_option("--wallis-model", options.stretchData.wallisModel,
+                    "colour model of wallis: 0, 1 or 2")
+        ->check(CLI::Range(0, 2))
+        ->capture_default_str();
+    render.add_option("--gamma", options.stretchData.gamma, "curve of the enhancement table")
+        ->capture_default_str();
+    render.add_flag("--contact-sheet", options.contactSheet,
+                    "one labelled sheet of all stretches; --size is that of one picture");
+}
+
+void AddColorOptions(CLI::App& render, Options& options) {
+    render.add_option("--bands", options.bands,
+                      "band numbers for red,green,blue, or one band; default: the file's order, "
+                      "3,2,1 for four bands");
+    render.add_option("--ramp", options.ramp, "colour ramp of a single band: " + RampNames());
+    render.add_option("--hue", options.hue, "shift of the hue, -1 to 1");
+    render.add_option("--intensity", options.intensity, "brighter or darker, -1 to 1");
+    render.add_option("--saturation", options.saturation, "more or less colour, -1 to 1");
+    render.add_option("--contrast", options.contrast, "more or less contrast, -1 to 1");
+    render.add_option("--transparency", options.transparency, "0 opaque to 1 transparent");
+    render.add_option("--adjust-from", options.adjustFrom,
+                      "take the shown bands and the kind of display of another raster");
+}
+
+} // namespace
+
+void AddRender(CLI::App& program) {
+    auto* render = program.add_subcommand("render", "draw a raster as a picture");
+    auto options = std::make_shared<Options>();
+    render->add_option("FILE", options->file, "raster file")->required();
+    render->add_option("OUT", options->out, "picture: .png, .jpg or .tif (georeferenced)")
+        ->required();
+    AddViewOptions(*render, *options);
+    AddColorOptions(*render, *options);
+    AddStretchOptions(*render, *options);
+    render->footer(
+        "Stretches: none shows 8-bit values as they are, others from minimum to maximum;\n"
+        "table: minimum to maximum through a gamma curve; linear: minimum to maximum;\n"
+        "stddev: two standard deviations around the mean; equalize, custom-equalize: equal\n"
+        "shares of the histogram, of the whole range or from --low to --high; autolevels: cuts\n"
+        "--threshold off both ends; zoom002, zoom: by the bounds; wallis: to a model's mean and\n"
+        "deviation per colour.\n"
+        "Example: zelto render --bands 4,3,2 --size 800x scene.tif picture.png");
+    render->callback([options, render] {
+        options->stretchData.type = ParseStretch(options->stretch);
+        if (render->count("--low") > 0)
+            options->stretchData.low = options->low;
+        if (render->count("--high") > 0)
+            options->stretchData.high = options->high;
+        Run(*options);
+    });
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "cli/support/Picture.h"
+
+#include <string>
+#include <vector>
+
+namespace zelto::cli {
+
+/// One picture of a sheet and what stands below it.
+struct SheetCell {
+    std::string label;
+    Picture picture;
+};
+
+/// Pictures of equal size side by side, four to a row, each with its label below.
+Picture MakeSheet(const std::vector<SheetCell>& cells);
+
+} // namespace zelto::cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "zelto/geometry/BoundingBox.h"
+
+#include <string>
+
+class CRasterSource;
+
+namespace zelto::cli {
+
+/// What part of the ground is drawn, as the options say it; empty texts were not given.
+struct ViewOptions {
+    std::string box;    ///< left,top,right,bottom
+    std::string center; ///< x,y
+    double scale = 0.0; ///< ground units per output pixel; 0: the image's
+    std::string size;   ///< WxH, Wx, xH or W
+};
+
+struct View {
+    CBoundingBox box;
+    int width = 0;
+    int height = 0;
+};
+
+/// The view of a source: the whole image at most 1024 pixels along the longer side, unless the
+/// options say otherwise. Where one side of the size is given the other keeps the box's shape.
+/// Throws UsageError.
+View ChooseView(const CRasterSource& source, const ViewOptions& options);
+
+} // namespace zelto::cli

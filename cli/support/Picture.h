@@ -1,0 +1,38 @@
+#pragma once
+
+#include "zelto/geometry/BoundingBox.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto::cli {
+
+/// A picture as the engine draws it: rows from the top, 4 bytes a pixel in the order blue,
+/// green, red, alpha.
+struct Picture {
+    int width = 0;
+    int height = 0;
+    std::vector<unsigned char> pixels;
+
+    Picture(int w, int h) : width(w), height(h) {
+        pixels.resize(static_cast<std::size_t>(w) * static_cast<std::size_t>(h) * 4);
+    }
+};
+
+/// Where a picture lies on the ground.
+struct PicturePlace {
+    CBoundingBox box;
+    std::string wkt; ///< may be empty
+};
+
+/// Throws UsageError naming `path` unless its extension is one of png, jpg, jpeg, tif, tiff.
+void CheckPictureName(const std::string& path);
+
+/// Writes the picture in the format of the path's extension; a file of that name is replaced
+/// when the new one is complete. PNG and GeoTIFF have an alpha channel where a pixel is not
+/// opaque; JPEG has white there. GeoTIFF carries the place. Throws Failure.
+void WritePicture(const Picture& picture, const std::string& path,
+                  const std::optional<PicturePlace>& place = std::nullopt);
+
+} // namespace zelto::cli
