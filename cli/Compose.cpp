@@ -80,9 +80,10 @@ void Run(const Options& options) {
 void AddCompose(CLI::App& program) {
     auto* compose = program.add_subcommand("compose", "draw bands of three rasters as one picture");
     auto options = std::make_shared<Options>();
-    compose->add_option("RED GREEN BLUE", options->colors, "FILE:BAND for each colour")
-        ->required()
-        ->expected(3);
+    options->colors.resize(3);
+    compose->add_option("RED", options->colors[0], "FILE:BAND of the red colour")->required();
+    compose->add_option("GREEN", options->colors[1], "FILE:BAND of the green colour")->required();
+    compose->add_option("BLUE", options->colors[2], "FILE:BAND of the blue colour")->required();
     compose->add_option("OUT", options->out, "picture: .png, .jpg or .tif (georeferenced)")
         ->required();
     compose->add_option("--box", options->view.box,
