@@ -152,3 +152,9 @@ TEST(SpatialReferenceNode, ReplacingChangesTheFirstNodeOnly) {
     EXPECT_EQ(zelto::ReplaceNodeValue("A[", "A", "new"), "");
     EXPECT_EQ(zelto::ReplaceNodeValue("", "A", "new"), "");
 }
+
+TEST(SpatialReference, DefinitionsOnTheNetworkAreNotFetched) {
+    EXPECT_FALSE(zelto::ParseSpatialReference("http://localhost:9/system.wkt"));
+    EXPECT_TRUE(zelto::ParseSpatialReference("http://www.opengis.net/def/crs/EPSG/0/4326"))
+        << "a name of the registry, known without a network";
+}

@@ -87,7 +87,9 @@ bool LoadSpatialReference(OGRSpatialReference& reference, const char* text) {
     reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
     if (text == nullptr)
         return false;
-    if (reference.SetFromUserInput(text) == OGRERR_NONE)
+    // Texts come from files as well; none of them may make the program fetch something.
+    const char* const options[] = {"ALLOW_NETWORK_ACCESS=NO", nullptr};
+    if (reference.SetFromUserInput(text, options) == OGRERR_NONE)
         return true;
     // GDAL has reported the rejection already; a second report would only repeat it.
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
