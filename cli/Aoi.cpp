@@ -11,6 +11,7 @@
 
 #include <iostream>
 #include <memory>
+#include <numeric>
 
 namespace zelto::cli {
 
@@ -53,9 +54,8 @@ void PrintShapes(const CAOISource& aoi, const std::vector<int>& positions) {
 }
 
 std::vector<int> AllShapes(const CAOISource& aoi) {
-    std::vector<int> positions;
-    for (int i = 0; i < aoi.GetDrawShapeCount(); ++i)
-        positions.push_back(i);
+    std::vector<int> positions(static_cast<std::size_t>(aoi.GetDrawShapeCount()));
+    std::iota(positions.begin(), positions.end(), 0);
     return positions;
 }
 

@@ -30,7 +30,7 @@ std::string SrsAsWkt(const std::string& srs, const char* format) {
     const char* const options[] = {format, nullptr};
     char* text = nullptr;
     const bool written = reference.exportToWkt(&text, options) == OGRERR_NONE;
-    const std::string result = written && text != nullptr ? text : "";
+    std::string result = written && text != nullptr ? text : "";
     CPLFree(text);
     return result;
 }

@@ -65,18 +65,23 @@ Json LayerJson(const CVectorLayer& layer) {
             {"fields", fields}};
 }
 
+std::string FormatBox(const CBoundingBox& box) {
+    std::string text = FormatNumber(box.m_left);
+    for (const double side : {box.m_top, box.m_right, box.m_bottom})
+        text.append(",").append(FormatNumber(side));
+    return text;
+}
+
 void PrintLayer(const CVectorLayer& layer) {
     Table table({"layer", Narrow(layer.GetLayerName())});
     table.AddRow({"geometry", GeometryName(layer)});
     table.AddRow({"features", std::to_string(layer.GetOGRLayer()->GetFeatureCount())});
-    const CBoundingBox box = layer.GetExtent();
     if (HasExtent(layer))
-        table.AddRow({"extent", FormatNumber(box.m_left) + "," + FormatNumber(box.m_top) + "," +
-                                    FormatNumber(box.m_right) + "," + FormatNumber(box.m_bottom)});
+        table.AddRow({"extent", FormatBox(layer.GetExtent())});
     const std::string system = SystemName(layer);
     table.AddRow({"system", system.empty() ? "none" : system});
     for (const auto& [name, type] : Fields(layer))
-        table.AddRow({"field", name + " (" + type + ")"});
+        table.AddRow({"field", std::string(name).append(" (").append(type).append(")")});
     table.Print();
 }
 

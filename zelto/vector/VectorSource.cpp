@@ -13,7 +13,8 @@ CVectorSource::CVectorSource() {
 }
 
 CVectorSource& CVectorSource::operator=(const CVectorSource& other) {
-    CGISDataSource::operator=(other);
+    if (this != &other)
+        CGISDataSource::operator=(other);
     return *this;
 }
 
