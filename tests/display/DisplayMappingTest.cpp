@@ -179,40 +179,6 @@ TEST(DisplayMapping, AgreesWithThePlainStatementForEveryStretchAndType) {
     }
 }
 
-TEST(DisplayMapping, TablesHoldTheByteOfEveryValue) {
-    Random random(77);
-    for (const GDALDataType type : {GDT_Byte, GDT_UInt16, GDT_Int16}) {
-        TestBand band({.width = 5, .height = 5, .type = type}, RandomPixels(random, type, 25));
-        PlainDisplay plain;
-        SetRandomState(random, *band, plain);
-        for (int stretch = 0; stretch < 10; ++stretch) {
-            band->SetStretchType(static_cast<StretchType>(stretch));
-            const DisplayMapping mapping(*band);
-            const auto table = mapping.MakeTable(static_cast<PixelDataType>(type));
-            ASSERT_EQ(table.size(), type == GDT_Byte ? 256U : 65536U);
-            for (int value = type == GDT_Int16 ? -32768 : 0;
-                 value < (type == GDT_Byte ? 256 : 32768); ++value)
-                ASSERT_EQ(table[type == GDT_Byte ? static_cast<std::uint8_t>(value)
-                                                 : static_cast<std::uint16_t>(value)],
-                          band->Convert2ShowValue(value))
-                    << stretch << ": " << value;
-            if (type == GDT_UInt16) {
-                ASSERT_EQ(table[65535], band->Convert2ShowValue(65535.0));
-            }
-        }
-    }
-}
-
-TEST(DisplayMapping, OnlySmallIntegerTypesHaveTables) {
-    TestBand band({.width = 2, .height = 1}, {1, 2});
-    const DisplayMapping mapping(*band);
-    for (int type = 0; type < 14; ++type) {
-        const auto pixelType = static_cast<PixelDataType>(type);
-        EXPECT_EQ(DisplayMapping::HasTable(pixelType), type >= 1 && type <= 3);
-        EXPECT_EQ(mapping.MakeTable(pixelType).empty(), !DisplayMapping::HasTable(pixelType));
-    }
-}
-
 TEST(ShowValue, SeveralThreadsMayConvertAtOnceWhenTheAutoLevelsMapIsStillMissing) {
     TestBand band({.width = 64, .height = 4},
                   MakePixels(64, 4, [](int c, int r) { return c * 4 + r; }));

@@ -4,8 +4,6 @@
 #include "zelto/display/RasterHistogram.h"
 #include "zelto/raster/RasterBand.h"
 
-#include <cstdint>
-
 namespace zelto {
 
 namespace {
@@ -25,16 +23,6 @@ auto ThroughObject(const CImgStretch& object, Prepare prepare, Use use) {
         return use(Through<Prepare, ZoomLinearFunction>{
             prepare, ZoomLinearFunction(static_cast<const CZoomLinear&>(object))});
     }
-}
-
-template <typename Index, typename Sample>
-std::vector<unsigned char> FillTable(const DisplayMapping& mapping) {
-    std::vector<unsigned char> table(std::size_t{1} << (8 * sizeof(Index)));
-    mapping.Visit([&table](const auto& stretch) {
-        for (std::size_t i = 0; i < table.size(); ++i)
-            table[i] = stretch(static_cast<double>(static_cast<Sample>(static_cast<Index>(i))));
-    });
-    return table;
 }
 
 } // namespace
@@ -99,19 +87,6 @@ DisplayMapping::DisplayMapping(CRasterBand& band)
 
 unsigned char DisplayMapping::Convert(CRasterBand& band, double sample) {
     return Choose(band, [sample](const auto& stretch) { return stretch(sample); });
-}
-
-std::vector<unsigned char> DisplayMapping::MakeTable(PixelDataType type) const {
-    switch (type) {
-    case PDT_Byte:
-        return FillTable<std::uint8_t, std::uint8_t>(*this);
-    case PDT_UInt16:
-        return FillTable<std::uint16_t, std::uint16_t>(*this);
-    case PDT_Int16:
-        return FillTable<std::uint16_t, std::int16_t>(*this);
-    default:
-        return {};
-    }
 }
 
 } // namespace zelto

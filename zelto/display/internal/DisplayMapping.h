@@ -1,12 +1,10 @@
 #pragma once
 
-#include "zelto/datasource/Enumerations.h"
 #include "zelto/display/internal/DisplayStretches.h"
 #include "zelto/display/internal/StretchFunctions.h"
 
 #include <utility>
 #include <variant>
-#include <vector>
 
 class CRasterBand;
 
@@ -39,16 +37,6 @@ class DisplayMapping {
     unsigned char operator()(double sample) const {
         return Visit([sample](const auto& stretch) { return stretch(sample); });
     }
-
-    /// Whether MakeTable() has a table for samples of the type.
-    static bool HasTable(PixelDataType type) {
-        return type == PDT_Byte || type == PDT_UInt16 || type == PDT_Int16;
-    }
-
-    /// The display byte of every value of an 8- or 16-bit integer type: 256 or 65,536 entries,
-    /// indexed by the value as an unsigned integer of that size (an Int16 sample v by
-    /// static_cast<std::uint16_t>(v)). Empty for the other types.
-    std::vector<unsigned char> MakeTable(PixelDataType type) const;
 
     /// The display byte of one sample under the band's present state, without keeping it.
     static unsigned char Convert(CRasterBand& band, double sample);
