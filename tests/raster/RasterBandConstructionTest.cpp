@@ -74,6 +74,13 @@ TEST(RasterBand, BoundsInsideTheRangeAreTwoDeviationsFromTheMean) {
     EXPECT_EQ(band->GetStdDevLowerBound(), 100.0 - 2.0 * std::sqrt(1000.0));
 }
 
+TEST(RasterBand, BoundsFollowAMinimumAndMaximumStoredLater) {
+    TestBand band({.width = 2, .height = 1}, {90, 110}); // mean 100, deviation 10
+    band->StoreMinMax(85.0, 1000.0);
+    EXPECT_EQ(band->GetStdDevUpperBound(), 120.0);
+    EXPECT_EQ(band->GetStdDevLowerBound(), 85.0);
+}
+
 TEST(RasterBand, AllNoDataLeavesEveryStatisticZero) {
     TestBand band({.width = 2, .height = 2, .noData = 9.0}, {9, 9, 9, 9});
     EXPECT_EQ(band->GetMinimum(), 0.0);
@@ -145,6 +152,8 @@ TEST(RasterBand, LightConstructionTakesGdalsApproximateRange) {
     EXPECT_EQ(light.GetMaximum(), expected[1]);
     EXPECT_EQ(light.GetMean(), 0.0);
     EXPECT_EQ(light.GetStandardDeviation(), 0.0);
+    EXPECT_EQ(light.GetStdDevUpperBound(), 0.0) << "mean + 2 deviations, both 0";
+    EXPECT_EQ(light.GetStdDevLowerBound(), light.GetMinimum());
     EXPECT_EQ(light.GetOverviewCount(), 1);
     EXPECT_EQ(light.GetAutoLevelThresold(), 0.01);
     EXPECT_EQ(light.GetStretchType(), StretchNone);

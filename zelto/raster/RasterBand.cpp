@@ -15,8 +15,7 @@ CRasterBand::CRasterBand(bool /*flag*/, GDALRasterBand* band) : m_band(band) {
     double range[2] = {0.0, 0.0};
     if (zelto::CanHoldBlocks(*m_band))
         m_band->ComputeRasterMinMax(TRUE, range);
-    m_minimum = range[0];
-    m_maximum = range[1];
+    StoreMinMax(range[0], range[1]);
     BuildOverviewBands();
 }
 
@@ -82,4 +81,5 @@ CRasterBand* CRasterBand::GetOverview(int index) const {
 void CRasterBand::StoreMinMax(double minimum, double maximum) {
     m_minimum = minimum;
     m_maximum = maximum;
+    SetStandardDeviationBounds();
 }

@@ -78,7 +78,8 @@ class ZELTO_API CRasterBand {
     /// While set, ComputeMinMax() returns the stored values without reading.
     void SetStoredMinMaxFixed(bool fixed) { m_storedMinMaxFixed = fixed; }
     bool IsStoredMinMaxFixed() const { return m_storedMinMaxFixed; }
-    /// Stores minimum and maximum as a statistics operation found them.
+    /// Stores minimum and maximum as a statistics operation found them; the standard-deviation
+    /// bounds follow.
     void StoreMinMax(double minimum, double maximum);
 
     /// Reads a region of pixels, resampled by GDAL when the buffer size differs.
