@@ -21,6 +21,7 @@ void AddCommands(CLI::App& program) {
     AddCopy(program);
     AddCreate(program);
     AddFile(program);
+    AddHistogram(program);
     AddInfo(program);
     AddPyramids(program);
     AddRender(program);

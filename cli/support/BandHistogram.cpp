@@ -1,0 +1,77 @@
+#include "cli/support/BandHistogram.h"
+
+#include "zelto/raster/RasterBand.h"
+
+#include "cli/support/Failure.h"
+#include "cli/support/Open.h"
+#include "cli/support/Progress.h"
+
+#include <cpl_error.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace zelto::cli {
+
+namespace {
+
+/// Least and greatest value. GDAL's statistics tell them; its search for them alone leaves out
+/// the last pixels of some 16-bit blocks.
+std::pair<double, double> OccurringRange(CRasterBand& band, const std::string& path,
+                                         CDataProgress& progress) {
+    std::pair<double, double> range;
+    double mean = 0.0;
+    double deviation = 0.0;
+    CPLErrorReset();
+    if (!band.ComputeStatics(&range.first, &range.second, &mean, &deviation, false, &progress))
+        throw Failure(path,
+                      Interrupted() ? "interrupted" : LastGdalMessage("no valid pixel to count"));
+    return range;
+}
+
+/// Buckets around whole numbers: from half a unit below the least value on.
+BandHistogram WholeBuckets(double least, double greatest, int buckets) {
+    const double values = std::floor(greatest) - std::ceil(least) + 1.0;
+    BandHistogram histogram;
+    histogram.low = std::ceil(least) - 0.5;
+    histogram.width = std::max(1.0, std::ceil(values / buckets));
+    histogram.counts.resize(
+        static_cast<std::size_t>(std::max(1.0, std::ceil(values / histogram.width))));
+    return histogram;
+}
+
+/// Buckets of equal width; the greatest value falls into the last one.
+BandHistogram EvenBuckets(double least, double greatest, int buckets) {
+    BandHistogram histogram;
+    histogram.low = least;
+    histogram.width = greatest > least ? (greatest - least) * (1.0 + 1e-9) / buckets : 1.0;
+    histogram.counts.resize(static_cast<std::size_t>(greatest > least ? buckets : 1));
+    return histogram;
+}
+
+} // namespace
+
+long long BandHistogram::Total() const {
+    return std::accumulate(counts.begin(), counts.end(), 0LL);
+}
+
+BandHistogram CountValues(CRasterBand& band, int buckets,
+                          const std::optional<std::pair<double, double>>& range,
+                          const std::string& path, CDataProgress& progress) {
+    const auto [least, greatest] = range ? *range : OccurringRange(band, path, progress);
+    if (!std::isfinite(least) || !std::isfinite(greatest))
+        throw Failure(path, "its values have no finite range; choose one with --range");
+    const bool isWhole = band.GetDataType() >= PDT_Byte && band.GetDataType() <= PDT_Int32;
+    BandHistogram histogram =
+        isWhole ? WholeBuckets(least, greatest, buckets) : EvenBuckets(least, greatest, buckets);
+    CPLErrorReset();
+    // The band counts from a half where it is asked to count from exactly zero.
+    const double low = histogram.low == 0.0 ? -histogram.width * 1e-9 : histogram.low;
+    if (!band.GetHistogram(low, histogram.High(), static_cast<int>(histogram.counts.size()),
+                           histogram.counts.data(), false, false, &progress))
+        throw Failure(path, Interrupted() ? "interrupted" : LastGdalMessage("cannot be read"));
+    return histogram;
+}
+
+} // namespace zelto::cli

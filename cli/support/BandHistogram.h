@@ -1,0 +1,35 @@
+#pragma once
+
+#include "zelto/datasource/DataProgress.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+class CRasterBand;
+
+namespace zelto::cli {
+
+/// How often values occur in a band: counts[i] of the values from low + i × width up to, not
+/// including, the next such bound. No-data values are left out.
+struct BandHistogram {
+    double low = 0.0;
+    double width = 1.0; ///< of one bucket
+    std::vector<int> counts;
+
+    double High() const { return low + width * static_cast<double>(counts.size()); }
+    /// Values counted.
+    long long Total() const;
+};
+
+/// Counts the values of a band.
+/// @param buckets how many at most. Whole-numbered types get buckets that each hold the same
+///        number of whole values, so that none looks fuller for holding one more
+/// @param range least and greatest value to count; none: those that occur
+/// Throws Failure naming `path`.
+BandHistogram CountValues(CRasterBand& band, int buckets,
+                          const std::optional<std::pair<double, double>>& range,
+                          const std::string& path, CDataProgress& progress);
+
+} // namespace zelto::cli
