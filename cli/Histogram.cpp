@@ -206,7 +206,7 @@ void Run(const Options& options) {
         DrawPlot(options, bands);
     if (options.json)
         PrintAsJson(options, bands);
-    else if (options.png.empty())
+    else
         PrintAsTable(bands);
 }
 

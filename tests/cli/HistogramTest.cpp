@@ -113,7 +113,7 @@ TEST(HistogramCommand, DrawsAPlot) {
     const std::string png = folder.File("直方图.png");
     const auto run = RunZelto({"histogram", SampleScene(), "--band", "4", "--png", png});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
-    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.output.rfind("band 4: 122848 values, shown from 13.193 to 105.28\n", 0), 0U);
     EXPECT_EQ(folder.Names(), std::vector<std::string>{"直方图.png"});
     GDALAllRegister();
     const GDALDatasetUniquePtr picture(GDALDataset::Open(png.c_str(), GDAL_OF_RASTER));
