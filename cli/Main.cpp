@@ -23,9 +23,11 @@ void AddCommands(CLI::App& program) {
     AddFile(program);
     AddHistogram(program);
     AddInfo(program);
+    AddPolygonize(program);
     AddPyramids(program);
     AddRender(program);
     AddReproject(program);
+    AddSamples(program);
     AddSrs(program);
     AddStats(program);
     AddVector(program);

@@ -1,6 +1,7 @@
 #include "cli/support/NewRaster.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/FolderBeside.h"
 #include "cli/support/Open.h"
 #include "cli/support/RasterChoice.h"
 #include "cli/support/Text.h"
@@ -8,27 +9,11 @@
 #include <cpl_string.h>
 #include <gdal_priv.h>
 
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <system_error>
 
 namespace zelto::cli {
 
-namespace {
-
 namespace fs = std::filesystem;
-
-/// A new hidden folder beside a path. The file keeps its name in there, because formats and the
-/// files that go with an image depend on it.
-fs::path MakeFolderBeside(const std::string& path) {
-    std::string pattern = (fs::path(path).parent_path() / ".zelto-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-        throw Failure(path, std::strerror(errno));
-    return pattern;
-}
-
-} // namespace
 
 NewRaster::NewRaster(const std::string& path, const NewRasterLayout& layout) : m_path(path) {
     RequireCreatable(layout.format, path);

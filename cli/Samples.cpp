@@ -1,0 +1,241 @@
+#include "cli/AoiFile.h"
+#include "cli/Commands.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Json.h"
+#include "cli/support/Open.h"
+#include "cli/support/Region.h"
+#include "cli/support/SampleClasses.h"
+#include "cli/support/Table.h"
+#include "cli/support/Text.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <memory>
+
+namespace zelto::cli {
+
+namespace {
+
+using ClassRecord = CClassifySampleFile::ClassRecord;
+
+struct Options {
+    std::string image;
+    std::string aoi;
+    std::string file;
+    LabelOptions labels;
+    bool csv = false;
+    bool json = false;
+};
+
+void OpenImage(CRasterSource& raster, const Options& options) {
+    RegionOptions region;
+    region.aoi = options.aoi.empty() ? options.file : options.aoi;
+    OpenForRegion(raster, options.image, region);
+}
+
+void PrintCsv(const SampleClasses& classes, int bandCount) {
+    std::cout << "label,class";
+    for (int b = 1; b <= bandCount; ++b)
+        std::cout << ",band" << b;
+    std::cout << '\n';
+    for (const SampleClass& sampleClass : classes) {
+        // The name is quoted as its only text; quotes in it are doubled.
+        std::string name;
+        for (const char c : sampleClass.name)
+            name += c == '"' ? "\"\"" : std::string(1, c);
+        const std::string start = FormatNumber(sampleClass.label) + ",\"" + name + '"';
+        for (int i = 0; i < sampleClass.pixels.GetSampleSize(); ++i) {
+            std::cout << start;
+            for (const double value : sampleClass.pixels.Get(i))
+                std::cout << ',' << FormatNumber(value);
+            std::cout << '\n';
+        }
+    }
+}
+
+void PrintClasses(const SampleClasses& classes, int bandCount, bool asJson) {
+    Table table({"class", "label", "shapes", "pixels", "band", "mean", "minimum", "maximum"});
+    Json json = Json::array();
+    for (const SampleClass& sampleClass : classes) {
+        const SampleStatistics statistics = StatisticsOf(sampleClass.pixels, bandCount);
+        const int pixels = sampleClass.pixels.GetSampleSize();
+        Json bands = Json::array();
+        for (int b = 0; b < bandCount && pixels > 0; ++b) {
+            const auto i = static_cast<std::size_t>(b);
+            table.AddRow({sampleClass.name, FormatNumber(sampleClass.label),
+                          std::to_string(sampleClass.shapes.size()), std::to_string(pixels),
+                          std::to_string(b + 1), FormatNumber(statistics.mean[i]),
+                          FormatNumber(statistics.minimum[i]),
+                          FormatNumber(statistics.maximum[i])});
+            bands.push_back({{"band", b + 1},
+                             {"mean", JsonNumber(statistics.mean[i])},
+                             {"minimum", JsonNumber(statistics.minimum[i])},
+                             {"maximum", JsonNumber(statistics.maximum[i])}});
+        }
+        json.push_back({{"class", sampleClass.name},
+                        {"label", JsonNumber(sampleClass.label)},
+                        {"shapes", sampleClass.shapes.size()},
+                        {"pixels", pixels},
+                        {"bands", bands}});
+    }
+    if (asJson)
+        PrintJson({{"classes", json}});
+    else
+        table.Print();
+}
+
+/// What a reader of the numbers must know, on standard error.
+void PrintRemarks(const SampleClasses& classes) {
+    for (const SampleClass& sampleClass : classes) {
+        if (sampleClass.shapesOffImage > 0)
+            std::cerr << "zelto: " << sampleClass.name << ": " << sampleClass.shapesOffImage
+                      << " of its shapes lie off the image\n";
+        if (sampleClass.pixels.GetSampleSize() == 0)
+            std::cerr << "zelto: " << sampleClass.name << ": no pixels\n";
+    }
+}
+
+void WriteSampleFile(const SampleClasses& classes, int bandCount, const std::string& path) {
+    CClassifySampleFile file;
+    file.SetTag(CClassifySampleFile::FILE_TAG);
+    for (const SampleClass& sampleClass : classes)
+        file.AddClass(MakeRecord(sampleClass, bandCount));
+    if (file.WriteClassifySampleFile(Wide(path)) != 1)
+        throw Failure(path, "cannot be written");
+}
+
+void Collect(const Options& options) {
+    CRasterSource raster;
+    OpenImage(raster, options);
+    SampleClasses classes = MakeClasses(options.aoi, options.labels, raster);
+    CollectPixels(classes, raster, options.image);
+    if (!options.file.empty())
+        WriteSampleFile(classes, raster.GetBandCount(), options.file);
+    if (options.csv)
+        PrintCsv(classes, raster.GetBandCount());
+    else
+        PrintClasses(classes, raster.GetBandCount(), options.json);
+    std::cout.flush();
+    PrintRemarks(classes);
+}
+
+void ReadSampleFile(CClassifySampleFile& file, const std::string& path) {
+    if (file.ReadClassifySampleFile(Wide(path)) == 1)
+        return;
+    const std::string reason = ReasonForFailure(path, GIS_SUCCESS);
+    throw Failure(path, reason.find("not recognised") != std::string::npos ? "is no sample file"
+                                                                           : reason);
+}
+
+void Export(const Options& options) {
+    CClassifySampleFile file;
+    ReadSampleFile(file, options.file);
+    CRasterSource raster;
+    OpenImage(raster, options);
+    SampleClasses classes = ClassesOf(file);
+    CollectPixels(classes, raster, options.image);
+    PrintCsv(classes, raster.GetBandCount());
+    std::cout.flush();
+    PrintRemarks(classes);
+}
+
+Json NumbersAsJson(const std::vector<double>& numbers) {
+    Json json = Json::array();
+    for (const double number : numbers)
+        json.push_back(JsonNumber(number));
+    return json;
+}
+
+Json RecordAsJson(const ClassRecord& record) {
+    Json shapes = Json::array();
+    for (const CDrawShape* shape : record.m_sampleShapes)
+        shapes.push_back({{"kind", KindName(*shape)}, {"extent", JsonBox(shape->m_extent)}});
+    return {{"name", Narrow(record.GetName())},
+            {"values", record.m_values},
+            {"bandCount", record.m_bandCount},
+            {"firstArray", NumbersAsJson(record.m_firstArray)},
+            {"secondArray", NumbersAsJson(record.m_secondArray)},
+            {"thirdArray", NumbersAsJson(record.m_thirdArray)},
+            {"moreValues", record.m_moreValues},
+            {"matrix", NumbersAsJson(record.m_matrix)},
+            {"hasSamples", record.m_hasSamples != 0},
+            {"shapes", shapes}};
+}
+
+void Show(const Options& options) {
+    CClassifySampleFile file;
+    ReadSampleFile(file, options.file);
+    Json classes = Json::array();
+    Table table({"class", "values", "shapes", "band", "first", "second", "third"});
+    for (int i = 0; file.GetClass(i) != nullptr; ++i) {
+        const ClassRecord& record = *file.GetClass(i);
+        classes.push_back(RecordAsJson(record));
+        const std::string values = std::to_string(record.m_values[0]) + ", " +
+                                   std::to_string(record.m_values[1]) + ", " +
+                                   std::to_string(record.m_values[2]);
+        const std::vector<std::string> start = {Narrow(record.GetName()), values,
+                                                std::to_string(record.m_sampleShapes.size())};
+        if (record.m_thirdArray.empty())
+            table.AddRow(start);
+        for (std::size_t b = 0; b < record.m_thirdArray.size(); ++b)
+            table.AddRow({start[0], start[1], start[2], std::to_string(b + 1),
+                          FormatNumber(record.m_firstArray[b]),
+                          FormatNumber(record.m_secondArray[b]),
+                          FormatNumber(record.m_thirdArray[b])});
+    }
+    if (options.json)
+        PrintJson({{"classes", classes}});
+    else
+        table.Print();
+}
+
+void AddCollect(CLI::App& samples) {
+    auto* collect = samples.add_subcommand("collect", "the pixels under the shapes of an area");
+    auto options = std::make_shared<Options>();
+    collect->add_option("IMAGE", options->image, "raster file")->required();
+    collect->add_option("--aoi", options->aoi, "area file (.aif) or any vector file")->required();
+    auto* labels = collect->add_option("--labels", options->labels.labels,
+                                       "class numbers of the shapes in order, or one for all; "
+                                       "1,2,3 … when not given");
+    collect
+        ->add_option("--field", options->labels.field,
+                     "attribute of the vector file that tells the class")
+        ->excludes(labels);
+    collect->add_option("--names", options->labels.names,
+                        "names of the classes, in the order they come up");
+    collect->add_option("-o,--out", options->file, "write a sample file");
+    auto* csv = collect->add_flag("--csv", options->csv, "print the pixels, one line each");
+    collect->add_flag("--json", options->json, "print JSON")->excludes(csv);
+    collect->callback([options] { Collect(*options); });
+}
+
+void AddShowAndExport(CLI::App& samples) {
+    auto* show = samples.add_subcommand("show", "what a sample file holds");
+    auto options = std::make_shared<Options>();
+    show->add_option("FILE", options->file, "sample file")->required();
+    show->add_flag("--json", options->json, "print JSON");
+    show->callback([options] { Show(*options); });
+    auto* exporting =
+        samples.add_subcommand("export", "the pixels under a sample file's shapes, as CSV");
+    exporting->add_option("IMAGE", options->image, "raster file")->required();
+    exporting->add_option("FILE", options->file, "sample file")->required();
+    exporting->callback([options] { Export(*options); });
+}
+
+} // namespace
+
+void AddSamples(CLI::App& program) {
+    auto* samples = program.add_subcommand("samples", "training pixels of a classification");
+    samples->require_subcommand(1);
+    AddCollect(*samples);
+    AddShowAndExport(*samples);
+    samples->footer(
+        "A pixel is a sample of a shape when its top-left corner lies in it, its value in every\n"
+        "band is at most two standard deviations from the band's mean in the shape, and none is\n"
+        "the no-data value of the last band.\n"
+        "Sample files written here hold per class the label, the number of pixels and 0, per\n"
+        "band mean, minimum and maximum, the covariance matrix, and the shapes.");
+}
+
+} // namespace zelto::cli
