@@ -7,9 +7,9 @@
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
 
-#include <climits>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <memory>
 

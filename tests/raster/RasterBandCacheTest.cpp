@@ -1,8 +1,7 @@
 #include "tests/raster/TestBand.h"
 
-#include <climits>
-
 #include <array>
+#include <climits>
 #include <cmath>
 #include <limits>
 

@@ -3,10 +3,10 @@
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/StatisticsBand.h"
 
-#include <climits>
 #include <gdal_priv.h>
 
 #include <algorithm>
+#include <climits>
 #include <new>
 #include <vector>
 
