@@ -1,5 +1,6 @@
 #include "cli/AoiFile.h"
 
+#include "zelto/aoi/DrawEllipse.h"
 #include "zelto/baselib/CommonFun.h"
 
 #include "cli/support/Failure.h"
@@ -9,6 +10,8 @@
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <ogr_spatialref.h>
+
+#include <algorithm>
 
 namespace zelto::cli {
 
@@ -49,12 +52,22 @@ void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& 
         throw Failure(path, ReasonForFailure(path, error));
 }
 
+void UseModerateRings(CAOISource& aoi) {
+    constexpr double STEPS_PER_QUARTER = 5000;
+    double longest = 0.0;
+    for (int i = 0; i < aoi.GetDrawShapeCount(); ++i)
+        if (const auto* ellipse = dynamic_cast<CDrawEllipse*>(aoi.GetDrawShape(i)))
+            longest = std::max(longest, ellipse->m_width / 2);
+    aoi.SetResolution(longest / STEPS_PER_QUARTER);
+}
+
 void RequireAoiFormat(const std::string& path) {
     if (FormatOf(path) == VectorDataFormat(0))
         throw UsageError(path + ": areas of interest are written as .aif or .shp");
 }
 
 void SaveAoiOrFail(CAOISource& aoi, const std::string& path) {
+    UseModerateRings(aoi);
     CPLErrorReset();
     const VectorDataFormat format = FormatOf(path);
     if (aoi.SaveAs(Wide(path).c_str(), format) != GIS_SUCCESS)

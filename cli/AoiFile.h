@@ -15,6 +15,10 @@ void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& 
 /// reference system in a .prj file.
 void SaveAoiOrFail(CAOISource& aoi, const std::string& path);
 
+/// Lets the largest ellipse become a ring of 20,000 points; the engine's own step of a
+/// thousandth of a ground unit would make millions of them.
+void UseModerateRings(CAOISource& aoi);
+
 /// Throws UsageError for a path that SaveAoiOrFail() has no format for.
 void RequireAoiFormat(const std::string& path);
 

@@ -73,6 +73,7 @@ void WriteAoiMask(const AoiMaskOptions& options) {
     OpenAoiOrFail(aoi, options.aoi);
     if (!aoi.GetSpatialReferenceWKT().empty() && !image.GetProjectionWKT().empty())
         OpenAoiOrFail(aoi, options.aoi, image.GetProjectionWKT());
+    UseModerateRings(aoi);
     const CAOIMask mask(&aoi, image.GetExtent(), image.GetWidth(), image.GetHeight());
     CRasterSource out;
     CreateOrFail(out, options.out, image);

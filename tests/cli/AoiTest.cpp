@@ -103,6 +103,15 @@ TEST_F(AoiCommand, ConvertGoesToAShapefileAndBack) {
     EXPECT_EQ(info["coordinateSystem"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
 }
 
+TEST_F(AoiCommand, LargeEllipsesBecomeModerateRings) {
+    ASSERT_EQ(RunZelto({"aoi", "new", File("a.shp"), "--ellipse", "0,20000,40000,0", "--ellipse",
+                        "0,20,40,0"})
+                  .exitStatus,
+              0);
+    // Four quarters of 5,000 steps with both ends, and those of 50 at least.
+    EXPECT_NEAR(double(std::filesystem::file_size(File("a.shp"))), 16 * 4 * (5002 + 52), 1000);
+}
+
 TEST_F(AoiCommand, ConvertTransformsWhenAsked) {
     ASSERT_EQ(RunZelto({"aoi", "new", File("a.aif"), "--rect", "500000,110530,600000,0", "--srs",
                         "EPSG:32650"})

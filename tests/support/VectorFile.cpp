@@ -25,11 +25,11 @@ void AddFeature(OGRLayer& layer, const std::string& wkt, int number) {
 
 } // namespace
 
-std::string WriteVector(const std::string& path, const VectorSpec& spec,
+std::string WriteVector(const std::string& path, const VectorLayout& layout,
                         const std::vector<std::string>& wkts) {
     GDALAllRegister();
-    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(spec.driver.c_str());
-    EXPECT_NE(driver, nullptr) << "no driver " << spec.driver;
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(layout.driver.c_str());
+    EXPECT_NE(driver, nullptr) << "no driver " << layout.driver;
     if (driver == nullptr)
         return path;
     GDALDatasetUniquePtr dataset(driver->Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
@@ -37,15 +37,15 @@ std::string WriteVector(const std::string& path, const VectorSpec& spec,
     if (!dataset)
         return path;
     OGRSpatialReference srs;
-    if (!spec.srs.empty()) {
-        EXPECT_EQ(srs.SetFromUserInput(spec.srs.c_str()), OGRERR_NONE);
+    if (!layout.srs.empty()) {
+        EXPECT_EQ(srs.SetFromUserInput(layout.srs.c_str()), OGRERR_NONE);
     }
-    OGRLayer* layer = dataset->CreateLayer(spec.layer.c_str(), spec.srs.empty() ? nullptr : &srs,
-                                           spec.type, nullptr);
+    OGRLayer* layer = dataset->CreateLayer(
+        layout.layer.c_str(), layout.srs.empty() ? nullptr : &srs, layout.type, nullptr);
     EXPECT_NE(layer, nullptr) << "cannot create a layer in " << path;
     if (layer == nullptr)
         return path;
-    for (const auto& [name, type] : spec.fields) {
+    for (const auto& [name, type] : layout.fields) {
         OGRFieldDefn field(name.c_str(), type);
         EXPECT_EQ(layer->CreateField(&field), OGRERR_NONE) << name;
     }

@@ -9,7 +9,7 @@
 namespace zelto::test {
 
 /// What a test vector file looks like; geometries are given apart.
-struct VectorSpec {
+struct VectorLayout {
     std::string driver = "ESRI Shapefile";
     std::string layer = "layer"; ///< a shapefile takes its own name instead
     OGRwkbGeometryType type = wkbUnknown;
@@ -20,7 +20,7 @@ struct VectorSpec {
 /// Creates a vector file of one layer with one feature per WKT text ("" for a feature without
 /// geometry) and returns its path. Field i of feature f holds the text "f.i" or the number f.
 /// Fails the test when GDAL reports an error.
-std::string WriteVector(const std::string& path, const VectorSpec& spec,
+std::string WriteVector(const std::string& path, const VectorLayout& layout,
                         const std::vector<std::string>& wkts);
 
 /// WKT of every geometry of a layer in file order, read by GDAL alone; "" where there is none.

@@ -19,9 +19,9 @@ class VectorLayerTest : public testing::Test {
   protected:
     /// Opens a new file with these geometries and returns its layer.
     CVectorLayer& Layer(const std::vector<std::string>& wkts,
-                        VectorSpec spec = {.driver = "GPKG"}) {
-        const std::string name = spec.driver == "GPKG" ? "a.gpkg" : "a.shp";
-        WriteVector(m_folder.File(name), spec, wkts);
+                        VectorLayout layout = {.driver = "GPKG"}) {
+        const std::string name = layout.driver == "GPKG" ? "a.gpkg" : "a.shp";
+        WriteVector(m_folder.File(name), layout, wkts);
         EXPECT_EQ(m_source.Open(m_folder.WideFile(name).c_str(), GIS_UPDATE, true), GIS_SUCCESS);
         return *m_source.GetVectorLayer(0);
     }
