@@ -36,21 +36,23 @@ struct Window {
     int xOff, yOff, xSize, ySize, bufWidth, bufHeight;
 };
 
-void ReadRaw(GDALRasterBand& band, const Window& w) {
-    const std::size_t count =
-        static_cast<std::size_t>(w.bufWidth) * static_cast<std::size_t>(w.bufHeight);
-    const std::unique_ptr<double[]> buffer(new double[count]); // not initialised
+void ReadRaw(GDALRasterBand& band, const Window& w, GDALDataType type) {
+    const std::size_t bytes = static_cast<std::size_t>(w.bufWidth) *
+                              static_cast<std::size_t>(w.bufHeight) *
+                              static_cast<std::size_t>(GDALGetDataTypeSizeBytes(type));
+    const std::unique_ptr<char[]> buffer(new char[bytes]); // not initialised
     Require(band.RasterIO(GF_Read, w.xOff, w.yOff, w.xSize, w.ySize, buffer.get(), w.bufWidth,
-                          w.bufHeight, GDT_Float64, 0, 0, nullptr) == CE_None,
+                          w.bufHeight, type, 0, 0, nullptr) == CE_None,
             "cannot read a window");
 }
 
-/// The reads that opening makes: each band over a grid of 2048 samples.
+/// The reads that opening makes: each band over a grid of 2048 samples, in its own type.
 void ReadStatisticsGrids(const std::string& path) {
     const GDALDatasetUniquePtr dataset = OpenRaw(path);
     for (int i = 1; i <= dataset->GetRasterCount(); ++i) {
         GDALRasterBand& band = *dataset->GetRasterBand(i);
-        ReadRaw(band, {0, 0, band.GetXSize(), band.GetYSize(), 2048, 2048});
+        ReadRaw(band, {0, 0, band.GetXSize(), band.GetYSize(), 2048, 2048},
+                band.GetRasterDataType());
     }
 }
 
@@ -87,7 +89,7 @@ void AddGetData(const std::string& name, const std::string& path, const Window& 
                   shared->band->ReleaseCache(); // the raw read frees its buffer as well
               },
               prepare},
-             {[=] { ReadRaw(shared->Gdal(), w); }, prepare}, 15);
+             {[=] { ReadRaw(shared->Gdal(), w, GDT_Float64); }, prepare}, 15);
 }
 
 constexpr int LOOKUPS = 1'000'000;

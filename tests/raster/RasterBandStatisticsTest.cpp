@@ -77,6 +77,31 @@ TEST(SampledStatistics, GridSidesAreRounded) {
     EXPECT_EQ(Sampled(*band).mean, sum / (2048.0 * rows));
 }
 
+TEST(SampledStatistics, EveryTypeIsTakenAtItsValue) {
+    const std::vector<std::pair<GDALDataType, Pixels>> extremes = {
+        {GDT_Byte, {0, 255}},
+        {GDT_UInt16, {0, 65535}},
+        {GDT_Int16, {-32768, 32767}},
+        {GDT_UInt32, {0, 4294967295.0}},
+        {GDT_Int32, {-2147483648.0, 2147483647}},
+        {GDT_Float32, {-0.5, 16777216}},
+        {GDT_Float64, {-0.1, 1e15}},
+        {GDT_CInt16, {-5, 70}},
+        {GDT_CFloat64, {-0.1, 1e15}},
+    };
+    for (const auto& [type, pixels] : extremes) {
+        SCOPED_TRACE(GDALGetDataTypeName(type));
+        TestBand band({.width = 2, .height = 1, .type = type}, pixels);
+        const Statistics s = Sampled(*band);
+        const double mean = (pixels[0] + pixels[1]) / 2.0;
+        const double squares = pixels[0] * pixels[0] + pixels[1] * pixels[1];
+        EXPECT_EQ(s.min, pixels[0]);
+        EXPECT_EQ(s.max, pixels[1]);
+        EXPECT_EQ(s.mean, mean);
+        EXPECT_EQ(s.deviation, std::sqrt(squares / 2.0 - mean * mean));
+    }
+}
+
 TEST(SampledStatistics, LeavesOutNoDataAndTheExcludedValue) {
     TestBand band({.width = 3, .height = 2, .noData = 0.0}, {0, 1, 2, 3, 200, 0});
     double excluded = 200.0 + 5e-9;

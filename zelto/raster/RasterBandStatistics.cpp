@@ -6,6 +6,7 @@
 #include <gdal_priv.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <new>
 
@@ -17,9 +18,62 @@ void Report(double value, double* target) {
         *target = value;
 }
 
-/// A side of the sample grid: the band's side over the factor, rounded, at least 1.
-int GridSide(int side, double factor) {
-    return std::max(static_cast<int>(side / factor + 0.5), 1);
+/// The samples that stand for a whole band, at most 2048 along its longer side.
+struct SampleGrid {
+    int columns;
+    int rows;
+
+    SampleGrid(int width, int height) : columns(width), rows(height) {
+        constexpr int MAX_SIDE = 2048;
+        const int longer = std::max(width, height);
+        if (longer <= MAX_SIDE)
+            return;
+        const double factor = static_cast<double>(longer) / MAX_SIDE;
+        columns = Side(width, factor);
+        rows = Side(height, factor);
+    }
+
+  private:
+    /// Rounded, and at least 1.
+    static int Side(int side, double factor) {
+        return std::max(static_cast<int>(side / factor + 0.5), 1);
+    }
+};
+
+/// Reads the grid in one go, as samples of `type`, and adds it up.
+template <typename Sample>
+bool AddSamples(GDALRasterBand& band, SampleGrid grid, GDALDataType type,
+                zelto::SampleStatistics& statistics) {
+    const std::size_t count =
+        static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows);
+    const std::unique_ptr<Sample[]> samples(new (std::nothrow) Sample[count]);
+    if (!samples || band.RasterIO(GF_Read, 0, 0, band.GetXSize(), band.GetYSize(), samples.get(),
+                                  grid.columns, grid.rows, type, 0, 0, nullptr) != CE_None)
+        return false;
+    statistics.Add(samples.get(), count);
+    return true;
+}
+
+/// The types whose every value a double holds are read as they are, which moves less memory
+/// than a grid of doubles and comes to the same; the others as doubles.
+bool AddSamples(GDALRasterBand& band, SampleGrid grid, zelto::SampleStatistics& statistics) {
+    const GDALDataType type = band.GetRasterDataType();
+    switch (type) {
+    case GDT_Byte:
+        return AddSamples<std::uint8_t>(band, grid, type, statistics);
+    case GDT_UInt16:
+        return AddSamples<std::uint16_t>(band, grid, type, statistics);
+    case GDT_Int16:
+        return AddSamples<std::int16_t>(band, grid, type, statistics);
+    case GDT_UInt32:
+        return AddSamples<std::uint32_t>(band, grid, type, statistics);
+    case GDT_Int32:
+        return AddSamples<std::int32_t>(band, grid, type, statistics);
+    case GDT_Float32:
+        return AddSamples<float>(band, grid, type, statistics);
+    default:
+        return AddSamples<double>(band, grid, GDT_Float64, statistics);
+    }
 }
 
 } // namespace
@@ -59,24 +113,11 @@ bool CRasterBand::ComputeStatics(double* min, double* max, double* mean, double*
 
 bool CRasterBand::ComputeStaticsFromCustom(double& min, double& max, double& mean, double& stdDev,
                                            double* excluded) {
-    constexpr int MAX_SIDE = 2048;
-    if (m_band == nullptr)
+    if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band))
         return false;
-    int columns = m_width;
-    int rows = m_height;
-    if (std::max(columns, rows) > MAX_SIDE) {
-        const double factor = static_cast<double>(std::max(columns, rows)) / MAX_SIDE;
-        columns = GridSide(columns, factor);
-        rows = GridSide(rows, factor);
-    }
-    const std::size_t count = static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows);
-    const std::unique_ptr<double[]> samples(new (std::nothrow) double[count]);
-    if (!GetDataToBuffer(0, 0, m_width, m_height, columns, rows, samples.get()))
+    zelto::SampleStatistics statistics(m_hasNoData != 0 ? &m_noDataValue : nullptr, excluded);
+    if (!AddSamples(*m_band, SampleGrid(m_width, m_height), statistics))
         return false;
-
-    zelto::SampleStatistics statistics;
-    const double* noData = m_hasNoData != 0 ? &m_noDataValue : nullptr;
-    statistics.Add(samples.get(), count, noData, excluded);
     statistics.Report(min, max, mean, stdDev);
     return true;
 }

@@ -2,24 +2,33 @@
 
 #include "zelto/raster/internal/CachedRegion.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <type_traits>
 
 namespace zelto {
 
-/// Minimum, maximum, mean and population deviation of samples, accumulated in their order.
+/// Minimum, maximum, mean and population deviation of samples, accumulated as doubles in their
+/// order.
 class SampleStatistics {
   public:
-    /// Adds `count` samples, leaving out those near to `*noData` or `*excluded` (either may be
-    /// null). NaN is near to nothing and counts.
-    void Add(const double* samples, std::size_t count, const double* noData,
-             const double* excluded) {
+    /// Leaves out samples near to `*noData` or `*excluded` (either may be null). NaN is near to
+    /// nothing and counts.
+    SampleStatistics(const double* noData, const double* excluded)
+        : m_noData(noData), m_excluded(excluded) {}
+
+    template <typename Sample>
+    void Add(const Sample* samples, std::size_t count) {
+        if constexpr (std::is_integral_v<Sample> && sizeof(Sample) <= 2) {
+            if (AddWholeNumbers(samples, count))
+                return;
+        }
         for (std::size_t i = 0; i < count; ++i) {
-            const double sample = samples[i];
-            if ((noData != nullptr && IsNearNoData(sample, *noData)) ||
-                (excluded != nullptr && IsNearNoData(sample, *excluded)))
-                continue;
-            Add(sample);
+            const auto sample = static_cast<double>(samples[i]);
+            if (!IsLeftOut(sample))
+                AddOne(sample);
         }
     }
 
@@ -37,7 +46,44 @@ class SampleStatistics {
     }
 
   private:
-    void Add(double sample) {
+    bool IsLeftOut(double sample) const {
+        return (m_noData != nullptr && IsNearNoData(sample, *m_noData)) ||
+               (m_excluded != nullptr && IsNearNoData(sample, *m_excluded));
+    }
+
+    /// Sums of whole numbers below 2^53 are exact in any order, so that integers, several at a
+    /// time, come to what doubles one by one come to.
+    /// @return false, with nothing added, where that does not hold or samples are left out
+    template <typename Sample>
+    bool AddWholeNumbers(const Sample* samples, std::size_t count) {
+        constexpr std::uint64_t EXACT = std::uint64_t{1} << 53;
+        constexpr std::size_t MAX_COUNT = std::size_t{1} << 31; // the squares fit their sum
+        if (m_noData != nullptr || m_excluded != nullptr || m_count != 0 || count == 0 ||
+            count > MAX_COUNT)
+            return false;
+        std::int64_t sum = 0;
+        std::uint64_t squares = 0;
+        Sample low = samples[0];
+        Sample high = samples[0];
+        for (std::size_t i = 0; i < count; ++i) {
+            const int sample = samples[i];
+            const auto magnitude = static_cast<std::uint32_t>(sample < 0 ? -sample : sample);
+            sum += sample;
+            squares += magnitude * magnitude;
+            low = std::min(low, samples[i]);
+            high = std::max(high, samples[i]);
+        }
+        if (squares >= EXACT)
+            return false;
+        m_count = count;
+        m_min = low;
+        m_max = high;
+        m_sum = static_cast<double>(sum);
+        m_sumOfSquares = static_cast<double>(squares);
+        return true;
+    }
+
+    void AddOne(double sample) {
         if (m_count == 0) {
             m_min = sample;
             m_max = sample;
@@ -52,6 +98,8 @@ class SampleStatistics {
         m_sumOfSquares += sample * sample;
     }
 
+    const double* m_noData;
+    const double* m_excluded;
     std::size_t m_count = 0;
     double m_min = 0.0;
     double m_max = 0.0;
