@@ -1,5 +1,7 @@
 #include "zelto/raster/internal/StatisticsBand.h"
 
+#include <vrtdataset.h>
+
 #include <cstring>
 #include <vector>
 
@@ -79,9 +81,12 @@ CPLErr StandInBand::IReadBlock(int column, int row, void* block) {
     return CE_None;
 }
 
+/// Virtual rasters are never taken as open for update: warped ones say they are however they
+/// were opened, and would write the results into their file.
 bool IsOpenForUpdate(GDALRasterBand& band) {
     GDALDataset* dataset = band.GetDataset();
-    return dataset != nullptr && dataset->GetAccess() == GA_Update;
+    return dataset != nullptr && dataset->GetAccess() == GA_Update &&
+           dynamic_cast<VRTDataset*>(dataset) == nullptr;
 }
 
 } // namespace
