@@ -114,7 +114,7 @@ GISError CRasterSource::SetUpOpened(bool allowWarp, bool lightBands) {
 std::wstring CRasterSource::CloseForFirstSubDataset() {
     if (SubDatasetEntryCount(*m_dataset) == 0)
         return {};
-    const std::wstring name = SubDatasetName(*m_dataset, 1);
+    std::wstring name = SubDatasetName(*m_dataset, 1);
     Close();
     return name;
 }
