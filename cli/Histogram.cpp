@@ -1,3 +1,4 @@
+#include "zelto/algorithm/RegionStatistics.h"
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
@@ -9,6 +10,7 @@
 #include "cli/support/Open.h"
 #include "cli/support/Plot.h"
 #include "cli/support/Progress.h"
+#include "cli/support/Region.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
@@ -20,6 +22,7 @@
 #include <iostream>
 #include <memory>
 #include <numeric>
+#include <utility>
 
 namespace zelto::cli {
 
@@ -31,6 +34,7 @@ constexpr int MOST_BUCKETS = 65536;
 
 struct Options {
     std::string path;
+    RegionOptions region;
     std::string bands;
     std::string range;
     std::string png;
@@ -61,14 +65,24 @@ std::vector<Counted> Count(CRasterSource& source, const Options& options, int bu
     std::iota(bands.begin(), bands.end(), 0);
     if (!options.bands.empty())
         bands = ParseBands("--band", options.bands, source.GetBandCount());
-    std::vector<Counted> counted;
+    const auto range = ParseRange(options.range);
+    const auto area = MakeRegion(options.region, source);
     TerminalProgress progress;
-    for (const int index : bands) {
-        CRasterBand& band = *source.GetRasterBand(index);
-        counted.push_back(
-            {index + 1,
-             CountValues(band, buckets, ParseRange(options.range), options.path, progress),
-             band.GetStdDevLowerBound(), band.GetStdDevUpperBound()});
+    CRegionStatistics region(&source);
+    region.SetBands(bands);
+    region.SetAOI(area.get());
+    if (area != nullptr && region.Compute(&progress) != GIS_SUCCESS)
+        throw Failure(options.path,
+                      Interrupted() ? "interrupted" : LastGdalMessage("cannot be read"));
+    std::vector<Counted> counted;
+    for (std::size_t i = 0; i < bands.size(); ++i) {
+        CRasterBand& band = *source.GetRasterBand(bands[i]);
+        BandHistogram histogram = area == nullptr
+                                      ? CountValues(band, buckets, range, options.path, progress)
+                                      : CountValues(region, static_cast<int>(i), band.GetDataType(),
+                                                    buckets, range, options.path, progress);
+        counted.push_back({bands[i] + 1, std::move(histogram), band.GetStdDevLowerBound(),
+                           band.GetStdDevUpperBound()});
     }
     return counted;
 }
@@ -197,7 +211,7 @@ void Run(const Options& options) {
         CheckPlotName(options.png);
     CRasterSource source;
     source.SetForDisplay(true); // the display range is what a display would show
-    OpenOrFail(source, options.path);
+    OpenOrFail(source, options.path, GIS_READONLY, !options.region.IsWholeImage());
     const bool fine = options.json || !options.png.empty();
     const int buckets =
         options.buckets > 0 ? options.buckets : (fine ? FINE_BUCKETS : TABLE_BUCKETS);
@@ -216,6 +230,7 @@ void AddHistogram(CLI::App& program) {
     auto* histogram = program.add_subcommand("histogram", "how often the values of bands occur");
     auto options = std::make_shared<Options>();
     histogram->add_option("FILE", options->path, "the raster")->required();
+    AddRegionOptions(*histogram, options->region);
     histogram->add_option("--band,--bands", options->bands, "bands to count, as 4 or 3,2,1 (all)");
     histogram->add_option("--buckets", options->buckets,
                           "buckets at most (32 for the table, 256 for JSON and plots)");
@@ -225,8 +240,9 @@ void AddHistogram(CLI::App& program) {
     histogram->add_flag("--log", options->logarithmic, "logarithmic counts in the plot");
     histogram->add_flag("--json", options->json, "print JSON");
     histogram->footer(
-        "Every pixel is read; no-data values are left out. Buckets of whole-numbered types hold\n"
-        "the same number of values each, the last one perhaps fewer that occur.\n"
+        "Every pixel of the image, or of the region (those whose centre lies in it), is read;\n"
+        "no-data values are left out. Buckets of whole-numbered types hold the same number of\n"
+        "values each, the last one perhaps fewer that occur.\n"
         "The display range is what the standard-deviation stretch shows: two deviations on\n"
         "either side of the mean, within minimum and maximum. The plot of one band marks it;\n"
         "that of several bands draws each as a line.\n"

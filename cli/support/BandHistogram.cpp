@@ -1,5 +1,6 @@
 #include "cli/support/BandHistogram.h"
 
+#include "zelto/algorithm/RegionStatistics.h"
 #include "zelto/raster/RasterBand.h"
 
 #include "cli/support/Failure.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 namespace zelto::cli {
@@ -50,6 +52,11 @@ BandHistogram EvenBuckets(double least, double greatest, int buckets) {
     return histogram;
 }
 
+BandHistogram MakeBuckets(PixelDataType type, double least, double greatest, int buckets) {
+    const bool isWhole = type >= PDT_Byte && type <= PDT_Int32;
+    return isWhole ? WholeBuckets(least, greatest, buckets) : EvenBuckets(least, greatest, buckets);
+}
+
 } // namespace
 
 long long BandHistogram::Total() const {
@@ -62,15 +69,32 @@ BandHistogram CountValues(CRasterBand& band, int buckets,
     const auto [least, greatest] = range ? *range : OccurringRange(band, path, progress);
     if (!std::isfinite(least) || !std::isfinite(greatest))
         throw Failure(path, "its values have no finite range; choose one with --range");
-    const bool isWhole = band.GetDataType() >= PDT_Byte && band.GetDataType() <= PDT_Int32;
-    BandHistogram histogram =
-        isWhole ? WholeBuckets(least, greatest, buckets) : EvenBuckets(least, greatest, buckets);
+    BandHistogram histogram = MakeBuckets(band.GetDataType(), least, greatest, buckets);
     CPLErrorReset();
     // The band counts from a half where it is asked to count from exactly zero.
     const double low = histogram.low == 0.0 ? -histogram.width * 1e-9 : histogram.low;
     if (!band.GetHistogram(low, histogram.High(), static_cast<int>(histogram.counts.size()),
                            histogram.counts.data(), false, false, &progress))
         throw Failure(path, Interrupted() ? "interrupted" : LastGdalMessage("cannot be read"));
+    return histogram;
+}
+
+BandHistogram CountValues(CRegionStatistics& region, int position, PixelDataType type, int buckets,
+                          const std::optional<std::pair<double, double>>& range,
+                          const std::string& path, CDataProgress& progress) {
+    const CRegionStatistics::Band& band = region.GetBands()[static_cast<std::size_t>(position)];
+    if (band.count == 0 && !range)
+        throw Failure(path, "no values in the region");
+    const auto [least, greatest] = range.value_or(std::pair(band.minimum, band.maximum));
+    BandHistogram histogram = MakeBuckets(type, least, greatest, buckets);
+    std::vector<__int64> counts(histogram.counts.size());
+    CPLErrorReset();
+    if (region.ComputeHistogram(position, histogram.low, histogram.width, counts, &progress) !=
+        GIS_SUCCESS)
+        throw Failure(path, Interrupted() ? "interrupted" : LastGdalMessage("cannot be read"));
+    std::transform(counts.begin(), counts.end(), histogram.counts.begin(), [](__int64 count) {
+        return static_cast<int>(std::min<__int64>(count, std::numeric_limits<int>::max()));
+    });
     return histogram;
 }
 

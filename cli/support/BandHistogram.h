@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelto/datasource/DataProgress.h"
+#include "zelto/datasource/Enumerations.h"
 
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 #include <vector>
 
 class CRasterBand;
+class CRegionStatistics;
 
 namespace zelto::cli {
 
@@ -29,6 +31,13 @@ struct BandHistogram {
 /// @param range least and greatest value to count; none: those that occur
 /// Throws Failure naming `path`.
 BandHistogram CountValues(CRasterBand& band, int buckets,
+                          const std::optional<std::pair<double, double>>& range,
+                          const std::string& path, CDataProgress& progress);
+
+/// The same for the pixels of a region. Call `region.Compute()` first.
+/// @param position of the band in `region.GetBands()`
+/// @param type of the band
+BandHistogram CountValues(CRegionStatistics& region, int position, PixelDataType type, int buckets,
                           const std::optional<std::pair<double, double>>& range,
                           const std::string& path, CDataProgress& progress);
 

@@ -272,3 +272,14 @@ TEST_F(RegionStatistics, OnARotatedGridPixelCentresDecideToo) {
     EXPECT_GT(count, 50);
     EXPECT_EQ(statistics.GetBands()[0].count, count);
 }
+
+TEST_F(RegionStatistics, HistogramsCountTheValuesBetweenTheirBounds) {
+    auto source = Open(UnitSpec(6, 1, GDT_Float32), {{-1, 0, 0.5, 1, 1.99, 2}});
+    CRegionStatistics statistics(source.get());
+    std::vector<__int64> counts(2, 77);
+    EXPECT_EQ(statistics.ComputeHistogram(0, 0, 1, counts, nullptr), GIS_SUCCESS);
+    EXPECT_EQ(counts, (std::vector<__int64>{2, 2}));
+    EXPECT_EQ(statistics.ComputeHistogram(1, 0, 1, counts, nullptr), GIS_FAILED);
+    EXPECT_EQ(statistics.ComputeHistogram(-1, 0, 1, counts, nullptr), GIS_FAILED);
+    EXPECT_EQ(statistics.ComputeHistogram(0, 0, 0, counts, nullptr), GIS_FAILED);
+}

@@ -153,3 +153,24 @@ TEST(HistogramCommand, OfNothingButNoDataFails) {
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_NE(run.errors.find(path), std::string::npos) << run.errors;
 }
+
+TEST(HistogramCommand, CountsTheValuesOfARegionAlone) {
+    const TemporaryFolder folder;
+    const std::string path =
+        WriteRaster(folder.File("a.tif"),
+                    {.width = 4, .height = 2, .geoTransform = NorthUp(0, 2, 1), .noData = 9.0},
+                    {{1, 2, 2, 100, 9, 2, 3, 100}, {5, 5, 6, 7, 5, 5, 6, 7}});
+    const json result = Count({path, "--box", "0,2,3,0"});
+    EXPECT_EQ(result["bands"][0]["low"], 0.5);
+    EXPECT_EQ(result["bands"][0]["counts"], (json{1, 3, 1}));
+    EXPECT_EQ(result["bands"][1]["counts"], (json{4, 2}));
+    EXPECT_EQ(Count({path, "--shape", "polygon 0 0 0 2 3 2 3 0"}), result);
+    // The display range is the image's all the same.
+    EXPECT_EQ(result["bands"][1]["displayRange"], Count({path})["bands"][1]["displayRange"]);
+    EXPECT_EQ(
+        Count({path, "--band", "1", "--box", "0,2,3,0", "--range", "2,4"})["bands"][0]["counts"],
+        (json{3, 1, 0}));
+    const auto off = RunZelto({"histogram", path, "--box", "10,12,11,11"});
+    EXPECT_EQ(off.exitStatus, 1);
+    EXPECT_EQ(off.errors, "zelto: " + path + ": no values in the region\n");
+}

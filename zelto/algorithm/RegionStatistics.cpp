@@ -7,12 +7,15 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace {
 
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 constexpr const wchar_t* TITLE = L"计算统计信息";
+constexpr const wchar_t* HISTOGRAM_TITLE = L"计算直方图信息";
 
 } // namespace
 
@@ -60,6 +63,10 @@ zelto::RegionScan CRegionStatistics::MakeScan() const {
     std::vector<int> bands;
     for (const Band& band : m_bands)
         bands.push_back(band.index);
+    return MakeScan(bands);
+}
+
+zelto::RegionScan CRegionStatistics::MakeScan(const std::vector<int>& bands) const {
     if (m_wholeRaster)
         return {*m_source, bands, std::nullopt, m_approx};
     return {*m_source, bands, m_shapes, m_approx};
@@ -83,4 +90,23 @@ GISError CRegionStatistics::Compute(CDataProgress* progress) {
         m_bands[b].standardDeviation = moments[b].StandardDeviation();
     }
     return GIS_SUCCESS;
+}
+
+GISError CRegionStatistics::ComputeHistogram(int position, double low, double width,
+                                             std::vector<__int64>& counts,
+                                             CDataProgress* progress) {
+    const bool valid = position >= 0 && position < static_cast<int>(m_bands.size()) && width > 0;
+    if (m_source == nullptr || !valid)
+        return GIS_FAILED;
+    std::fill(counts.begin(), counts.end(), 0);
+    const auto count = static_cast<double>(counts.size());
+    const auto add = [&](std::size_t, std::span<const double> values) {
+        for (const double value : values) {
+            const double bucket = std::floor((value - low) / width);
+            if (bucket >= 0 && bucket < count)
+                ++counts[static_cast<std::size_t>(bucket)];
+        }
+    };
+    const int band = m_bands[static_cast<std::size_t>(position)].index;
+    return MakeScan({band}).VisitValues(HISTOGRAM_TITLE, progress, add) ? GIS_SUCCESS : GIS_FAILED;
 }

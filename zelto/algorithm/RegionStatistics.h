@@ -77,6 +77,15 @@ class ZELTO_API CRegionStatistics {
     /// The region is read a few times over. Call Compute() first.
     GISError ComputePercentiles(double low, double high, CDataProgress* progress);
 
+    /// Counts one band's values into buckets of equal width; those outside are left out.
+    /// @param position in GetBands()
+    /// @param low where the first bucket starts; it belongs to the bucket, the end does not
+    /// @param width above 0
+    /// @param counts as many buckets as elements; set, not added to
+    /// @return GIS_FAILED also for a position outside the list and a width of 0 or less
+    GISError ComputeHistogram(int position, double low, double width, std::vector<__int64>& counts,
+                              CDataProgress* progress);
+
     const std::vector<Band>& GetBands() const { return m_bands; }
     /// bands × bands, row by row; empty before ComputeCovariance().
     const std::vector<double>& GetCovariance() const { return m_covariance; }
@@ -87,6 +96,7 @@ class ZELTO_API CRegionStatistics {
 
   private:
     zelto::RegionScan MakeScan() const;
+    zelto::RegionScan MakeScan(const std::vector<int>& bands) const;
 
     CRasterSource* m_source;
     std::vector<CDrawShape*> m_shapes;     ///< not owned
