@@ -268,10 +268,10 @@ void AddRender(CLI::App& program) {
     render->footer(
         "Stretches: none shows 8-bit values as they are, others from minimum to maximum;\n"
         "table: minimum to maximum through a gamma curve; linear: minimum to maximum;\n"
-        "stddev: two standard deviations around the mean; equalize, custom-equalize: equal\n"
-        "shares of the histogram, of the whole range or from --low to --high; autolevels: cuts\n"
-        "--threshold off both ends; zoom002, zoom: by the bounds; wallis: to a model's mean and\n"
-        "deviation per colour.\n"
+        "stddev: two standard deviations around the mean; equalize: equal shares of the\n"
+        "histogram of the whole range; custom-equalize: of that from --low (0) to --high (the\n"
+        "maximum, 255 for 8-bit bands); autolevels: cuts --threshold off both ends; zoom002,\n"
+        "zoom: by the bounds; wallis: to a model's mean and deviation per colour.\n"
         "Example: zelto render --bands 4,3,2 --size 800x scene.tif picture.png");
     render->callback([options, render] {
         options->stretchData.type = ParseStretch(options->stretch);

@@ -55,12 +55,14 @@ void ApplyZoom(CRasterSource& source, const StretchOptions& options) {
     });
 }
 
-/// Equalises by the histogram between two bounds instead of the whole range.
+/// Equalises by the histogram between two bounds instead of the whole range. The engine finds a
+/// value's bucket from the value itself, so the picture is even where the bounds begin at zero.
 void ApplyCustomEqualization(CRasterSource& source, const StretchOptions& options,
                              const std::string& path) {
     ForEachShownBand(source, [&](CRasterBand& band) {
-        const double low = options.low.value_or(band.GetStdDevLowerBound());
-        const double high = options.high.value_or(band.GetStdDevUpperBound());
+        const double high =
+            options.high.value_or(band.GetDataType() == PDT_Byte ? 255.0 : band.GetMaximum());
+        const double low = options.low.value_or(high > 0.0 ? 0.0 : band.GetMinimum());
         std::array<int, TABLE_SIZE> counts{};
         if (!band.GetHistogram(low, high, TABLE_SIZE, counts.data(), false, true, nullptr) ||
             !band.SetCustomHistogram(low, high, TABLE_SIZE, counts.data()))
