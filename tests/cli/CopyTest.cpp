@@ -1,5 +1,6 @@
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
+#include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestData.h"
 
@@ -185,6 +186,24 @@ TEST(CopyCommand, AnInterruptedCopyLeavesNothingBehind) {
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.errors, "zelto: " + folder.File("a.tif") + ": interrupted\n");
     EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(CopyCommand, AFullDiskLeavesTheOldFile) {
+    const TemporaryFolder folder;
+    const zelto::test::SmallDisk disk(folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount a small file system";
+    const std::string in = zelto::test::WriteRaster(
+        folder.File("in.tif"), {.width = 2000, .height = 2000}, {Pixels(4000000, 5.0)});
+    const std::string out = folder.File("disk/a.tif");
+    zelto::test::WriteRaster(out, {.width = 2, .height = 1}, {{1.0, 2.0}});
+    const auto run = RunZelto({"copy", in, out});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors.find("zelto: " + out + ": "), 0U) << run.errors;
+    EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;
+    EXPECT_EQ(ReadBand(out, 1), (Pixels{1.0, 2.0}));
+    const std::filesystem::directory_iterator files(folder.Path() / "disk");
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1);
 }
 
 TEST(CopyCommand, WrongUsageEndsWithTwo) {

@@ -3,19 +3,19 @@
 
 #include "tests/support/RasterFile.h"
 #include "tests/support/RecordingLog.h"
-#include "tests/support/RecordingProgress.h"
+#include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sys/mount.h>
 #include <unistd.h>
 
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
 using zelto::test::ReadFile;
 using zelto::test::RecordingLog;
+using zelto::test::SmallDisk;
 using zelto::test::TemporaryFolder;
 using zelto::test::WriteFile;
 using zelto::test::WriteRaster;
@@ -43,27 +43,6 @@ class WithoutPrivileges {
   private:
     uid_t m_former;
     bool m_dropped = false;
-};
-
-/// A file system of one megabyte, where this user may mount one.
-class SmallDisk {
-  public:
-    explicit SmallDisk(const fs::path& place) : m_place(place) {
-        fs::create_directory(place);
-        m_mounted = mount("tmpfs", place.c_str(), "tmpfs", 0, "size=1m") == 0;
-    }
-    ~SmallDisk() {
-        if (m_mounted)
-            umount(m_place.c_str());
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-    bool IsMounted() const { return m_mounted; }
-
-  private:
-    fs::path m_place;
-    bool m_mounted = false;
 };
 
 GISError Create(CRasterSource& source, const std::wstring& path, int width = 4, int height = 4) {
