@@ -113,32 +113,44 @@ const std::vector<std::pair<const char*, StretchType>> stretches = {
     {"zoom", StretchZoomLinear},
     {"custom-equalize", StretchCustomHistEqualize}};
 
-struct View {
-    const char* name;
-    double column, row, pixels;
-};
+/// One view with an emptied block cache, against the raw reads.
+void AddColdView(const std::string& name, ScenePointer scene, const CBoundingBox& box,
+                 StretchType type) {
+    bench::AddRatio(name, 1.25,
+                    {[=] { scene->Draw(box, side); },
+                     [=] {
+                         SetStretch(scene->source, type);
+                         EmptyBlockCache();
+                     }},
+                    {[=] { scene->Read(box, side); }, EmptyBlockCache}, 5);
+}
+
+/// The same into planes. Enlarged planes are read at the file's resolution, a few samples for a
+/// whole picture, so that their ratio is for information.
+void AddColdPlanes(const std::string& name, ScenePointer scene, const CBoundingBox& box,
+                   double limit) {
+    bench::AddRatio(name, limit,
+                    {[=] { scene->DrawPlanes(box, side); },
+                     [=] {
+                         SetStretch(scene->source, StretchStdDev);
+                         EmptyBlockCache();
+                     }},
+                    {[=] { scene->Read(box, side, ViewRule::Planes); }, EmptyBlockCache}, 5);
+}
 
 void AddColdViews(const std::string& file, ScenePointer scene) {
-    const double whole = scene->source.GetWidth();
-    for (const View& view : {View{"whole", 0, 0, whole}, View{"1:1", 4000, 5000, side},
-                             View{"8x", 6000, 3000, side / 8.0}}) {
-        const CBoundingBox box = scene->Box(view.column, view.row, view.pixels);
-        for (const auto& [name, type] : stretches)
-            bench::AddRatio("render/" + file + "/cold/" + view.name + "/" + name, 1.25,
-                            {[=, type = type] { scene->Draw(box, side); },
-                             [=, type = type] {
-                                 SetStretch(scene->source, type);
-                                 EmptyBlockCache();
-                             }},
-                            {[=] { scene->Read(box, side); }, EmptyBlockCache});
-        bench::AddRatio("render/" + file + "/cold/" + view.name + "/planes", 1.25,
-                        {[=] { scene->DrawPlanes(box, side); },
-                         [=] {
-                             SetStretch(scene->source, StretchStdDev);
-                             EmptyBlockCache();
-                         }},
-                        {[=] { scene->Read(box, side, ViewRule::Planes); }, EmptyBlockCache});
+    const std::string cold = "render/" + file + "/cold/";
+    const CBoundingBox whole = scene->Box(0, 0, scene->source.GetWidth());
+    const CBoundingBox oneToOne = scene->Box(4000, 5000, side);
+    const CBoundingBox enlarged = scene->Box(6000, 3000, side / 8.0);
+    for (const auto& [name, type] : stretches) {
+        AddColdView(cold + "whole/" + name, scene, whole, type);
+        AddColdView(cold + "1:1/" + name, scene, oneToOne, type);
     }
+    AddColdView(cold + "8x/stddev", scene, enlarged, StretchStdDev);
+    AddColdPlanes(cold + "whole/planes", scene, whole, 1.25);
+    AddColdPlanes(cold + "1:1/planes", scene, oneToOne, 1.25);
+    AddColdPlanes(cold + "8x/planes", scene, enlarged, 0.0);
 }
 
 template <typename Use>
@@ -188,7 +200,8 @@ void AddCached(const std::string& file, ScenePointer scene) {
                              while (std::chrono::steady_clock::now() < end) {
                              }
                          },
-                         [=] { scene->Read(box, side); }});
+                         [=] { scene->Read(box, side); }},
+                        5);
 }
 
 /// What remains once the samples are read, all threads against one.
