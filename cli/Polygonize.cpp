@@ -59,6 +59,12 @@ std::unique_ptr<CRasterBand> DataMask(const CRasterBand& band) {
     return std::make_unique<CRasterBand>(false, band.GetGDALBand()->GetMaskBand());
 }
 
+/// Asked of the finished file: not every format can count while it is written.
+GIntBig CountFeatures(const std::string& path) {
+    const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_VECTOR));
+    return dataset && dataset->GetLayerCount() > 0 ? dataset->GetLayer(0)->GetFeatureCount() : 0;
+}
+
 void Run(const Options& options) {
     CRasterSource raster;
     OpenOrFail(raster, options.image, GIS_READONLY, true);
@@ -82,9 +88,9 @@ void Run(const Options& options) {
         GIS_SUCCESS)
         throw Failure(options.image,
                       Interrupted() ? "interrupted" : LastGdalMessage("cannot be polygonized"));
-    const auto count = ogrLayer.GetFeatureCount();
     file.Finish();
-    std::cout << options.out << ": " << count << " polygons\n";
+    const GIntBig count = CountFeatures(options.out);
+    std::cout << options.out << ": " << count << (count == 1 ? " polygon\n" : " polygons\n");
     if (HasFractions(band.GetDataType()))
         std::cerr << "zelto: the values have fractions; areas and numbers are of their whole "
                      "parts\n";

@@ -82,6 +82,7 @@ TEST_F(PolygonizeCommand, FractionsAreRemarkedOn) {
     const std::string image = WriteRaster(m_folder.File("float.tif"), spec, {{1.2, 1.4}});
     const RunResult run = RunZelto({"polygonize", image, m_folder.File("out.geojson")});
     EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.output, m_folder.File("out.geojson") + ": 1 polygon\n");
     EXPECT_NE(run.errors.find("whole parts"), std::string::npos);
     EXPECT_EQ(Read("out.geojson").size(), 1U);
 }
