@@ -69,7 +69,7 @@ class Scene {
         for (int i = 0; i < VERTICES; ++i) {
             const double angle = 2 * 3.14159265358979323846 * i / VERTICES;
             const double r = radius(random);
-            const CPoint2D p(SIZE / 2 + r * std::cos(angle), SIZE / 2 + r * std::sin(angle));
+            const CPoint2D p(SIZE / 2.0 + r * std::cos(angle), SIZE / 2.0 + r * std::sin(angle));
             shape->AddVertex(p);
             ring.addPoint(p.x, p.y);
         }

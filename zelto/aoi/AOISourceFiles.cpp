@@ -10,6 +10,7 @@
 
 #include <fstream>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -51,8 +52,12 @@ GISError CAOISource::OpenAOIFile(const wchar_t* path) {
         return GIS_NOT_SUPPORTED;
     SetSpatialReferenceWKT(header.wkt.c_str());
     const std::int32_t count = LowHalf(header.shapeCount);
-    for (std::int32_t i = 0; i < count && reader.IsGood(); ++i)
-        AddOwnShape(zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::AREA_OF_INTEREST));
+    try {
+        for (std::int32_t i = 0; i < count && reader.IsGood(); ++i)
+            AddOwnShape(zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::AREA_OF_INTEREST));
+    } catch (const std::bad_alloc&) {
+        return GIS_FAILED;
+    }
     return GIS_SUCCESS;
 }
 

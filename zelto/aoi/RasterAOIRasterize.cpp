@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <numeric>
 #include <span>
 
@@ -41,6 +42,15 @@ class PixelProgress {
     std::int64_t m_done = 0;
 };
 
+/// The columns from `left` on as positions; empty when memory is short.
+std::vector<double> ColumnPositions(int left, int count) try {
+    std::vector<double> columns(static_cast<std::size_t>(std::max(count, 0)));
+    std::iota(columns.begin(), columns.end(), static_cast<double>(left));
+    return columns;
+} catch (const std::bad_alloc&) {
+    return {};
+}
+
 /// Walks a grid of pixels that starts at the rectangle's top-left corner, row by row.
 /// @param rows the shapes; null holds nothing
 /// @param sink called as sink(row, fill), takes the row's bytes by fill(span) and answers
@@ -50,9 +60,10 @@ template <typename Sink>
 bool RasterizeRows(const zelto::RowMembership* rows, const CRect& rect, int width, int height,
                    CDataProgress* progress, Sink sink) {
     PixelProgress pixels(progress, width, height);
-    std::vector<double> columns(static_cast<std::size_t>(std::max(width, 0)));
-    std::iota(columns.begin(), columns.end(), static_cast<double>(rect.left));
+    const std::vector<double> columns = ColumnPositions(rect.left, width);
     zelto::RowMembership::Scratch scratch;
+    if (width > 0 && columns.empty())
+        return false;
     for (int row = 0; row < height && width > 0; ++row) {
         const auto fill = [&](std::span<unsigned char> inside) {
             if (rows != nullptr)
@@ -99,11 +110,14 @@ bool CRasterAOI::RasterizeAoiToFile(const wchar_t* path, int width, int height,
         m_temporaryRaster->GetGDALDataset() == nullptr)
         return false;
     GDALRasterBand* band = m_temporaryRaster->GetGDALDataset()->GetRasterBand(1);
-    std::vector<unsigned char> inside(static_cast<std::size_t>(width));
+    const auto size = static_cast<std::size_t>(width);
+    const std::unique_ptr<unsigned char[]> inside(new (std::nothrow) unsigned char[size]);
+    if (inside == nullptr)
+        return false;
     return RasterizeRows(m_rows.get(), m_pixelRect, width, height, progress,
                          [&](int row, const auto& fill) {
-                             fill(inside);
-                             return band->RasterIO(GF_Write, 0, row, width, 1, inside.data(), width,
+                             fill({inside.get(), size});
+                             return band->RasterIO(GF_Write, 0, row, width, 1, inside.get(), width,
                                                    1, GDT_Byte, 0, 0, nullptr) == CE_None;
                          });
 }
