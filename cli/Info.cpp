@@ -19,18 +19,21 @@ struct Options {
     bool reference = false;
 };
 
-/// Every file that can be described is; the failures of the others are told at the end.
+/// Every file that can be described is; the failures of the others are told at the end. A list
+/// that the user stopped has failed, also where no single file had.
 std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure>& failures) {
     std::vector<RasterFacts> described;
     TerminalProgress progress;
     for (const std::string& file : options.files) {
+        if (Interrupted()) {
+            failures.emplace_back(file, "interrupted");
+            break;
+        }
         try {
             described.push_back(DescribeRaster(file, options.statistics, progress));
         } catch (const Failure& failure) {
             failures.push_back(failure);
         }
-        if (Interrupted())
-            break;
     }
     return described;
 }

@@ -10,7 +10,11 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
 #include <cmath>
+#include <csignal>
+#include <fstream>
+#include <thread>
 
 using nlohmann::json;
 using zelto::test::MakePixels;
@@ -29,6 +33,24 @@ json Describe(std::vector<std::string> arguments) {
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
     EXPECT_EQ(run.errors, "");
     return json::parse(run.output);
+}
+
+/// Whether a process handles a signal itself.
+bool Catches(pid_t process, int signalNumber) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string word; status >> word;) {
+        std::uint64_t caught = 0;
+        if (word == "SigCgt:" && status >> std::hex >> caught)
+            return (caught >> (signalNumber - 1) & 1U) != 0;
+    }
+    return false;
+}
+
+void InterruptOnceItCatches(pid_t process) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!Catches(process, SIGINT) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::yield();
+    kill(process, SIGINT);
 }
 
 void ExpectOneLine(const std::string& errors, const std::string& file) {
@@ -250,4 +272,16 @@ TEST(InfoCommand, FilesThatFailAreNamedAndTheOthersDescribed) {
     EXPECT_EQ(json::parse(run.output).size(), 1U);
     EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 2);
     EXPECT_EQ(RunZelto({"info"}).exitStatus, 2);
+}
+
+TEST(InfoCommand, AListThatIsInterruptedFails) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("a.tif");
+    WriteRaster(path, {.width = 2, .height = 1}, {{0, 1}});
+    std::vector<std::string> arguments(3000, path);
+    arguments.insert(arguments.begin(), {"info", "--json"});
+    const auto run = RunZelto(arguments, "", InterruptOnceItCatches);
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors, "zelto: " + path + ": interrupted\n");
+    EXPECT_LT(json::parse(run.output).size(), 3000U);
 }
