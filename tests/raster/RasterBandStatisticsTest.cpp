@@ -102,6 +102,26 @@ TEST(SampledStatistics, EveryTypeIsTakenAtItsValue) {
     }
 }
 
+TEST(SampledStatistics, AVirtualBandCountsWhatItComputesNotWhatItsTypeHolds) {
+    TestBand file({.width = 2, .height = 1}, {1, 200});
+    zelto::test::WriteFile(file.Folder().Path() / "scaled.vrt",
+                           "<VRTDataset rasterXSize='2' rasterYSize='1'>"
+                           "<VRTRasterBand dataType='Byte' band='1'><ComplexSource>"
+                           "<SourceFilename relativeToVRT='1'>band.tif</SourceFilename>"
+                           "<SourceBand>1</SourceBand><ScaleOffset>0</ScaleOffset>"
+                           "<ScaleRatio>1.5</ScaleRatio></ComplexSource></VRTRasterBand>"
+                           "</VRTDataset>");
+    GDALDatasetUniquePtr dataset(
+        GDALDataset::Open(file.Folder().File("scaled.vrt").c_str(), GDAL_OF_RASTER));
+    ASSERT_NE(dataset, nullptr);
+    CRasterBand band(dataset->GetRasterBand(1), true, false);
+    EXPECT_EQ(band.GetMinimum(), 1.5);
+    EXPECT_EQ(band.GetMaximum(), 300.0);
+    EXPECT_EQ(band.GetMean(), 150.75);
+    ASSERT_TRUE(band.GetData(0, 0, 2, 1, 2, 1));
+    EXPECT_EQ(band.GetCacheDataMean(), 150.75) << "what the display stretches";
+}
+
 TEST(SampledStatistics, LeavesOutNoDataAndTheExcludedValue) {
     TestBand band({.width = 3, .height = 2, .noData = 0.0}, {0, 1, 2, 3, 200, 0});
     double excluded = 200.0 + 5e-9;
