@@ -1,3 +1,5 @@
+#include "zelto/datasource/GISDataSource.h"
+
 #include "tests/raster/TestBand.h"
 
 #include <cmath>
@@ -138,6 +140,40 @@ TEST(RasterBand, WrapsEachOverviewInGdalsOrder) {
     EXPECT_EQ(band->GetOverview(0)->GetMaximum(), 0.0) << "overviews compute no statistics";
     EXPECT_EQ(band->GetOverview(-1), nullptr);
     EXPECT_EQ(band->GetOverview(2), nullptr);
+}
+
+TEST(RasterBand, OverviewsThatLeadBackToTheBandEnd) {
+    const zelto::test::TemporaryFolder folder;
+    const auto write = [&](const char* name, const char* overview) {
+        zelto::test::WriteFile(folder.Path() / name,
+                               "<VRTDataset rasterXSize='4' rasterYSize='4'>"
+                               "<VRTRasterBand dataType='Byte' band='1'><Overview>"
+                               "<SourceFilename relativeToVRT='1'>" +
+                                   std::string(overview) +
+                                   "</SourceFilename><SourceBand>1</SourceBand></Overview>"
+                                   "</VRTRasterBand></VRTDataset>");
+    };
+    write("a.vrt", "b.vrt");
+    write("b.vrt", "a.vrt");
+    CGISDataSource::RegisterGDAL();
+    {
+        GDALDatasetUniquePtr dataset(
+            GDALDataset::Open(folder.File("a.vrt").c_str(), GDAL_OF_RASTER));
+        ASSERT_NE(dataset, nullptr);
+        for (const bool light : {false, true}) {
+            std::unique_ptr<CRasterBand> band;
+            if (light)
+                band = std::make_unique<CRasterBand>(true, dataset->GetRasterBand(1));
+            else
+                band = std::make_unique<CRasterBand>(dataset->GetRasterBand(1), false, false);
+            EXPECT_EQ(band->GetOverviewCount(), 1);
+            int depth = 0;
+            for (const CRasterBand* level = band.get(); level != nullptr && depth < 10; ++depth)
+                level = level->GetOverview(0);
+            EXPECT_LT(depth, 6);
+        }
+    }
+    CGISDataSource::DestroyGDAL();
 }
 
 TEST(RasterBand, LightConstructionTakesGdalsApproximateRange) {

@@ -8,6 +8,36 @@
 
 #include <gdal_priv.h>
 
+#include <set>
+
+namespace {
+
+/// The bands whose overviews are wrapped while one band is constructed on this thread. A virtual
+/// raster may name any file as its overview, also one whose own overview leads back to it: each
+/// list of overviews is wrapped once, and a band met again gets none.
+class OverviewLists {
+  public:
+    explicit OverviewLists(const GDALRasterBand* band)
+        : m_outermost(s_bands.empty()), m_first(s_bands.insert(band).second) {}
+    ~OverviewLists() {
+        if (m_outermost)
+            s_bands.clear();
+    }
+    OverviewLists(const OverviewLists&) = delete;
+    OverviewLists& operator=(const OverviewLists&) = delete;
+
+    bool IsFirst() const { return m_first; }
+
+  private:
+    static thread_local std::set<const GDALRasterBand*> s_bands;
+    bool m_outermost;
+    bool m_first;
+};
+
+thread_local std::set<const GDALRasterBand*> OverviewLists::s_bands;
+
+} // namespace
+
 CRasterBand::CRasterBand(bool /*flag*/, GDALRasterBand* band) : m_band(band) {
     if (m_band == nullptr)
         return;
@@ -56,7 +86,8 @@ void CRasterBand::ReadBasics() {
 }
 
 void CRasterBand::BuildOverviewBands() {
-    const int count = m_band->GetOverviewCount();
+    const OverviewLists lists(m_band);
+    const int count = lists.IsFirst() ? m_band->GetOverviewCount() : 0;
     for (int i = 0; i < count; ++i) {
         if (GDALRasterBand* overview = m_band->GetOverview(i))
             m_overviews.push_back(new CRasterBand(overview, false, true));
