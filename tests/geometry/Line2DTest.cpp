@@ -93,6 +93,14 @@ TEST(Line2D, ThisSegmentIsWidenedByTheToleranceOfItsParameter) {
     ExpectPoint(line.intersectSegment(Line(farBefore, -50, farBefore, 50)), 0, 0);
 }
 
+TEST(Line2D, BothWideningsIncludeTheirEnds) {
+    const CLine2D line = Line(0, 0, 1, 0);
+    ExpectPoint(line.intersectSegment(Line(1 + EPS, -50, 1 + EPS, 50)), 1.0000001192092896, 0);
+    ExpectPoint(line.intersectSegment(Line(-EPS, -50, -EPS, 50)), -EPS, 0);
+    // The crossing is exactly 0.5 + eps away from the middle of a segment of length 1.
+    ExpectPoint(Line(0, 0, 10, 0).intersectSegment(Line(5, EPS, 5, 1 + EPS)), 5, 0);
+}
+
 TEST(Line2D, TheOtherSegmentIsWidenedByTheToleranceOfItsHalfLength) {
     // The other segment has length 1: it reaches 0.5 + eps from its midpoint.
     const CLine2D line = Line(0, 4, 10, 4);
@@ -104,6 +112,8 @@ TEST(Line2D, PointsNearAnEndLieOnTheLineWhateverTheTolerance) {
     const CLine2D line = Line(0, 0, 4, 4);
     EXPECT_TRUE(line.isPointOnInfiniteLine({EPS / 2, 0}, 0));
     EXPECT_TRUE(line.isPointOnInfiniteLine({4, 4 - EPS / 2}, 0));
+    EXPECT_FALSE(line.isPointOnInfiniteLine({EPS, 0}, 0));
+    EXPECT_FALSE(line.isPointOnInfiniteLine({4, 4 + EPS}, 0));
     EXPECT_FALSE(line.isPointOnInfiniteLine({2 * EPS, 0}, 0));
 }
 
@@ -116,12 +126,22 @@ TEST(Line2D, AxisParallelLinesIncludeTheTolerance) {
     EXPECT_FALSE(horizontal.isPointOnInfiniteLine({4, 2.49}, 0.5));
 }
 
+TEST(Line2D, LinesWithinTheToleranceOfAnAxisAreParallelToIt) {
+    // Far along a line that counts as oblique the point is more than 0.5 away from it.
+    EXPECT_TRUE(Line(3, 0, 3 + EPS, 8).isPointOnInfiniteLine({3.5, -100}, 0.5));
+    EXPECT_FALSE(Line(3, 0, 3 + 2 * EPS, 8).isPointOnInfiniteLine({3.5, -100}, 0.5));
+    EXPECT_TRUE(Line(0, 3, 8, 3 + EPS).isPointOnInfiniteLine({-100, 3.5}, 0.5));
+    EXPECT_FALSE(Line(0, 3, 8, 3 + 2 * EPS).isPointOnInfiniteLine({-100, 3.5}, 0.5));
+}
+
 TEST(Line2D, ObliqueLinesExcludeTheTolerance) {
     const CLine2D line = Line(0, 0, 3, 4); // (4, −3) / 5 is its normal
     EXPECT_TRUE(line.isPointOnInfiniteLine({30 + 0.8, 40 - 0.6}, 1.001));
     EXPECT_FALSE(line.isPointOnInfiniteLine({30 + 0.8, 40 - 0.6}, 0.999));
     EXPECT_TRUE(line.isPointOnInfiniteLine({6, 8}, 1e-9));
     EXPECT_FALSE(line.isPointOnInfiniteLine({6, 8}, 0));
+    // Both coordinates of the foot are exact here: exactly the tolerance away is too far.
+    EXPECT_FALSE(line.isPointOnInfiniteLine({3 + 4, 4 - 3}, 5));
 }
 
 TEST(Line2D, NoPointIsWithinWithAPositiveTolerance) {

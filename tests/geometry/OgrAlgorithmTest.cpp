@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 #include <ogrsf_frmts.h>
 
+#include <cmath>
 #include <limits>
+#include <type_traits>
 
 namespace {
 
@@ -34,9 +36,25 @@ constexpr const char* HOLED_MULTI =
 
 } // namespace
 
+TEST(OgrAlgorithm, HoldsNothingButItsVirtualDestructor) {
+    static_assert(std::has_virtual_destructor_v<COgrAlgorithm>);
+    static_assert(sizeof(COgrAlgorithm) == sizeof(void*));
+    const COgrAlgorithm algorithm;
+    COgrAlgorithm copy(algorithm);
+    copy = algorithm;
+}
+
 TEST(DistancePointLine, OfADegenerateSegmentIsTheDistanceToItsStart) {
     EXPECT_EQ(COgrAlgorithm::DistancePointLine({3, 4}, {0, 0}, {0, 0}), 5);
     EXPECT_EQ(COgrAlgorithm::DistancePointLine({3, 4}, {0, 0}, {1e-7, -1e-7}), 5);
+}
+
+TEST(DistancePointLine, ASegmentAsLongAsTheToleranceIsNotDegenerate) {
+    // The end counts: at exactly the tolerance it is (3 − eps, 4) away, less than 5.
+    EXPECT_LT(COgrAlgorithm::DistancePointLine({3, 4}, {0, 0}, {GEOMETRY_EPSILON, 0}), 5);
+    EXPECT_EQ(
+        COgrAlgorithm::DistancePointLine({3, 4}, {0, 0}, {std::nextafter(GEOMETRY_EPSILON, 0), 0}),
+        5);
 }
 
 TEST(DistancePointLine, IsThePerpendicularWithinTheSegment) {
@@ -103,6 +121,12 @@ TEST(IsPointOnSurface, OfACollectionAsksEachMember) {
         OnSurface("GEOMETRYCOLLECTION (GEOMETRYCOLLECTION (POLYGON ((0 0,4 0,4 4,0 0))))", 3, 1));
     EXPECT_FALSE(OnSurface("GEOMETRYCOLLECTION (POLYGON ((0 0,4 0,4 4,0 0)))", 1, 3));
     EXPECT_FALSE(OnSurface("GEOMETRYCOLLECTION EMPTY", 1, 3));
+}
+
+TEST(IsPointOnSurface, HeightsChangeNoKindOfGeometry) {
+    EXPECT_TRUE(OnSurface("MULTIPOLYGON Z (((0 0 1,4 0 1,4 4 1,0 0 1)))", 3, 1));
+    EXPECT_TRUE(OnSurface(
+        "GEOMETRYCOLLECTION Z (POINT Z (9 9 9),POLYGON Z ((0 0 1,4 0 1,4 4 1,0 0 1)))", 3, 1));
 }
 
 TEST(IsPointOnSurface, OfEverythingElseIsFalse) {

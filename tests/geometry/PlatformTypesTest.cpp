@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+
 namespace {
 
 void ExpectRect(const CRect& rect, int left, int top, int right, int bottom) {
@@ -12,6 +14,17 @@ void ExpectRect(const CRect& rect, int left, int top, int right, int bottom) {
 }
 
 } // namespace
+
+TEST(PixelTypes, AreLaidOutAsThePlatforms) {
+    EXPECT_EQ(sizeof(CPoint), 8U);
+    EXPECT_EQ(offsetof(CPoint, x), 0U);
+    EXPECT_EQ(offsetof(CPoint, y), 4U);
+    EXPECT_EQ(sizeof(CRect), 16U);
+    EXPECT_EQ(offsetof(CRect, left), 0U);
+    EXPECT_EQ(offsetof(CRect, top), 4U);
+    EXPECT_EQ(offsetof(CRect, right), 8U);
+    EXPECT_EQ(offsetof(CRect, bottom), 12U);
+}
 
 TEST(PixelRectangle, SetStoresTheSidesAsGiven) {
     CRect rect;
