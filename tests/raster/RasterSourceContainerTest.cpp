@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 using zelto::test::ExposedRasterSource;
+using zelto::test::NorthUp;
 using zelto::test::OpenDatasetCount;
 using zelto::test::Pixels;
 using zelto::test::TemporaryFolder;
@@ -40,6 +41,17 @@ unsigned char FirstPixel(CRasterSource& source) {
     EXPECT_EQ(source.GetPixel(&value, 0, 0, PDT_Byte), GIS_SUCCESS);
     return value;
 }
+
+/// Records every opening by path: the path and whether warping is allowed.
+class WatchedSource : public CRasterSource {
+  public:
+    using CRasterSource::Open;
+    GISError Open(const wchar_t* path, GISDataAccess access, bool allowWarp) override {
+        m_openings.emplace_back(path, allowWarp);
+        return CRasterSource::Open(path, access, allowWarp);
+    }
+    std::vector<std::pair<std::wstring, bool>> m_openings;
+};
 
 /// A raster whose metadata lists `entries` as its sub-data-sets.
 void WriteList(const TemporaryFolder& folder, const std::string& name,
@@ -148,6 +160,42 @@ TEST(Container, WhatCannotBeOpenedIsLeftOut) {
     EXPECT_EQ(source.Open(folder.WideFile("list.vrt").c_str(), GIS_READONLY, true),
               GIS_OPEN_FAILED);
     EXPECT_FALSE(source.IsOpened());
+}
+
+TEST(Container, TheFirstSubDatasetIsWarpedWhereAReferenceIsAsked) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"),
+                {.width = 10,
+                 .height = 10,
+                 .geoTransform = NorthUp(500000.0, 4000000.0, 30.0),
+                 .srs = "EPSG:32650"},
+                {Pixels(100, 5.0)});
+    WriteList(folder, "list.vrt", {"a.tif"});
+    ExposedRasterSource source;
+    ASSERT_EQ(source.OpenAndWarped(folder.WideFile("list.vrt").c_str(), GIS_READONLY, "EPSG:4326"),
+              GIS_SUCCESS);
+    EXPECT_EQ(source.GetFilePath(), folder.WideFile("a.tif"));
+    EXPECT_TRUE(source.HasBase());
+    EXPECT_TRUE(source.IsGeographic());
+    ASSERT_EQ(source.OpenAndWarped(folder.WideFile("list.vrt").c_str(), GIS_READONLY, nullptr),
+              GIS_SUCCESS);
+    EXPECT_FALSE(source.HasBase());
+    EXPECT_EQ(FirstPixel(source), 5);
+}
+
+TEST(Container, TheFirstSubDatasetIsOpenedThroughTheVirtualOperation) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 3, .height = 2}, {Pixels(6, 5.0)});
+    WriteList(folder, "list.vrt", {"a.tif"});
+    WatchedSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("list.vrt").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    ASSERT_EQ(source.m_openings.size(), 2U);
+    EXPECT_EQ(source.m_openings[1].first, folder.WideFile("a.tif"));
+    EXPECT_TRUE(source.m_openings[1].second) << "a sub-data-set may be warped in any case";
+    ASSERT_EQ(source.Open(CDatasetOpenInfo(folder.WideFile("a.tif").c_str(), GIS_READONLY)),
+              GIS_SUCCESS);
+    ASSERT_EQ(source.m_openings.size(), 3U);
+    EXPECT_TRUE(source.m_openings[2].second);
 }
 
 TEST(Container, ListsThatLeadBackToThemselvesEndAsAFailedOpen) {
