@@ -104,6 +104,20 @@ TEST(CreationFaults, AFolderWithoutTheRightToWriteKeepsItsFile) {
     EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.tif"});
 }
 
+TEST(OpeningFaults, AFileWithoutTheRightToReadFailsToOpen) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 4, .height = 4}, {Pixels(16, 1.0)});
+    fs::permissions(folder.Path(), fs::perms(0755));
+    fs::permissions(folder.Path() / "a.tif", fs::perms(0));
+    const CRasterSource keepsGdalAlive;
+    const WithoutPrivileges unprivileged;
+    for (const GISDataAccess access : {GIS_READONLY, GIS_UPDATE}) {
+        CRasterSource source;
+        EXPECT_EQ(source.Open(folder.WideFile("a.tif").c_str(), access, true), GIS_OPEN_FAILED);
+        EXPECT_FALSE(source.IsOpened());
+    }
+}
+
 TEST(CreationFaults, AMissingFolderFails) {
     const TemporaryFolder folder;
     CRasterSource source;
