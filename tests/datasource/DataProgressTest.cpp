@@ -16,6 +16,7 @@ class OpenProgress : public RecordingProgress {
   public:
     bool AutoClose() const { return m_autoClose; }
     bool ReadOnly() const { return m_readOnly; }
+    bool AutoCloseStandsFirst() const { return &m_autoClose < &m_readOnly; }
 };
 
 } // namespace
@@ -27,6 +28,7 @@ TEST(DataProgress, StartsWithoutAutomaticCloseAndTakesTheHostsFlags) {
     EXPECT_TRUE(progress.AutoClose());
     progress.SetReadOnly(true);
     EXPECT_TRUE(progress.ReadOnly());
+    EXPECT_TRUE(progress.AutoCloseStandsFirst());
 }
 
 TEST(DataProgress, VirtualOperationsStandInTheirSlots) {

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <vector>
+
 TEST(DatasetOpenInfo, StartsEmpty) {
     const CDatasetOpenInfo info;
     EXPECT_EQ(info.m_fileName, L"");
@@ -39,6 +43,13 @@ TEST(DatasetOpenInfo, NamesOutsideTheListAreEmpty) {
     info.AddSubFileNames(L"a");
     EXPECT_EQ(info.GetSubFileName(-1), L"");
     EXPECT_EQ(info.GetSubFileName(info.GetSubFileCount()), L"");
+}
+
+TEST(DatasetOpenInfo, MembersStandInTheirOrder) {
+    const CDatasetOpenInfo info;
+    const std::vector<const void*> members = {&info.m_fileName, &info.m_access, &info.m_mergeBands,
+                                              &info.m_dataSourceType, &info.m_subFileNames};
+    EXPECT_TRUE(std::is_sorted(members.begin(), members.end(), std::less<>()));
 }
 
 TEST(DatasetOpenInfo, CopiesCarryEverything) {

@@ -3,10 +3,15 @@
 #include "tests/datasource/PlainDataSource.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <gdal.h>
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
+#include <algorithm>
 #include <array>
+#include <functional>
+#include <iterator>
+#include <vector>
 
 using zelto::test::PlainDataSource;
 using zelto::test::ReadFile;
@@ -169,12 +174,99 @@ TEST(DataSource, EnumerationsHaveTheirFixedValues) {
     EXPECT_EQ(GIS_OPEN_FAILED, 2);
     EXPECT_EQ(GIS_NOT_SUPPORTED, 3);
     EXPECT_EQ(GIS_FAILED, 4);
+    EXPECT_EQ(GIS_READONLY, 0);
+    EXPECT_EQ(GIS_UPDATE, 1);
     EXPECT_EQ(DS_RASTER, 1);
     EXPECT_EQ(DS_VECTOR, 2);
     EXPECT_EQ(DS_AOI, 3);
-    EXPECT_EQ(RDF_ENVI, 10);
+    EXPECT_EQ(DISPLAY_DEFAULT, 0);
+    EXPECT_EQ(DISPLAY_CLASSIFIED, 2);
+    EXPECT_EQ(sizeof(GISError), 4U);
+    EXPECT_EQ(sizeof(GISDataAccess), 4U);
+    EXPECT_EQ(sizeof(GISDataSourceType), 4U);
+    EXPECT_EQ(sizeof(DataDisplayType), 4U);
+}
+
+TEST(DataSource, PixelTypesAreNumberedAsGdals) {
+    const PixelDataType types[] = {PDT_Unknown, PDT_Byte,  PDT_UInt16,  PDT_Int16,
+                                   PDT_UInt32,  PDT_Int32, PDT_Float32, PDT_Float64};
+    const GDALDataType gdals[] = {GDT_Unknown, GDT_Byte,  GDT_UInt16,  GDT_Int16,
+                                  GDT_UInt32,  GDT_Int32, GDT_Float32, GDT_Float64};
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(static_cast<int>(types[i]), i);
+        EXPECT_EQ(static_cast<int>(gdals[i]), i);
+    }
+}
+
+TEST(DataSource, FormatsAreNumberedInTheirOrder) {
+    const RasterDataFormat formats[] = {RDF_Unknown,
+                                        RDF_AAIGrid,
+                                        RDF_ADRG,
+                                        RDF_BLX,
+                                        RDF_BMP,
+                                        RDF_BT,
+                                        RDF_DTED,
+                                        RDF_ECW,
+                                        RDF_EHDR,
+                                        RDF_ELAS,
+                                        RDF_ENVI,
+                                        RDF_ERS,
+                                        RDF_FIT,
+                                        RDF_GIF,
+                                        RDF_GSAG,
+                                        RDF_GSBG,
+                                        RDF_GSC,
+                                        RDF_GTX,
+                                        RDF_IDA,
+                                        RDF_ILWIS,
+                                        RDF_HFA,
+                                        RDF_INGR,
+                                        RDF_JPEG,
+                                        RDF_JPEG2000,
+                                        RDF_MEM,
+                                        RDF_MFF,
+                                        RDF_NITF,
+                                        RDF_NTv2,
+                                        RDF_PAux,
+                                        RDF_PCIDSK,
+                                        RDF_PCRaster,
+                                        RDF_PNG,
+                                        RDF_PNM,
+                                        RDF_RMF,
+                                        RDF_RMF2,
+                                        RDF_SAGA,
+                                        RDF_SGI,
+                                        RDF_SRTMHGT,
+                                        RDF_GTiff,
+                                        RDF_GTiffVariant39,
+                                        RDF_GTiffVariant40,
+                                        RDF_TSX,
+                                        RDF_USGSDEM,
+                                        RDF_VRT,
+                                        RDF_XPM,
+                                        RDF_XYZ};
+    ASSERT_EQ(std::size(formats), 46U);
+    for (int i = 0; i < 46; ++i)
+        EXPECT_EQ(static_cast<int>(formats[i]), i);
     EXPECT_EQ(RDF_HFA, 20);
-    EXPECT_EQ(RDF_PCIDSK, 29);
     EXPECT_EQ(RDF_GTiff, 38);
-    EXPECT_EQ(RDF_XYZ, 45);
+}
+
+TEST(DataSource, MembersStandInTheirOrder) {
+    class Opened : public PlainDataSource {
+      public:
+        std::vector<const void*> Members() const {
+            return {&m_access,      &m_fileName,         &m_filePath,    &m_visible,
+                    &m_description, &m_dataSourceType,   &m_wkt,         &m_coordinateName,
+                    &m_extent,      &m_spatialReference, &m_displayType, &m_forDisplay,
+                    &m_changed,     &m_selected};
+        }
+        bool IsForDisplay() const { return m_forDisplay; }
+    };
+    Opened source;
+    const std::vector<const void*> members = source.Members();
+    EXPECT_TRUE(std::is_sorted(members.begin(), members.end(), std::less<>()));
+    EXPECT_FALSE(source.IsForDisplay());
+    source.SetForDisplay(true);
+    EXPECT_TRUE(source.IsForDisplay());
 }

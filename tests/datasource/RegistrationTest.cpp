@@ -70,6 +70,39 @@ TEST(Registration, ExplicitRegistrationCountsAsAUser) {
     EXPECT_EQ(DriverCount(), 0);
 }
 
+TEST(Registration, TheFirstExplicitRegistrationConfigures) {
+    CPLSetConfigOption("GDAL_CACHEMAX", "64");
+    CGISDataSource::RegisterGDAL();
+    EXPECT_EQ(Option("GDAL_CACHEMAX"), "256");
+    CPLSetConfigOption("GDAL_CACHEMAX", "64");
+    CGISDataSource::RegisterGDAL();
+    EXPECT_EQ(Option("GDAL_CACHEMAX"), "64");
+    CGISDataSource::DestroyGDAL();
+    CGISDataSource::DestroyGDAL();
+    CPLSetConfigOption("GDAL_CACHEMAX", "256");
+}
+
+TEST(Registration, ACopyCountsOnlyWhenItEnds) {
+    auto source = std::make_unique<PlainDataSource>();
+    auto copy = std::make_unique<PlainDataSource>(*source);
+    copy.reset();
+    EXPECT_EQ(DriverCount(), 0);
+    CGISDataSource::RegisterGDAL(); // what the copy's end took away
+    EXPECT_GT(DriverCount(), 0);
+    source.reset();
+    EXPECT_EQ(DriverCount(), 0);
+}
+
+TEST(Registration, AssignmentDoesNotCount) {
+    auto first = std::make_unique<PlainDataSource>();
+    auto second = std::make_unique<PlainDataSource>();
+    *second = *first;
+    second.reset();
+    EXPECT_GT(DriverCount(), 0);
+    first.reset();
+    EXPECT_EQ(DriverCount(), 0);
+}
+
 TEST(Registration, TenCyclesWithRastersAndReferencesStayClean) {
     const TemporaryFolder folder;
     for (int cycle = 0; cycle < 10; ++cycle) {
