@@ -123,6 +123,16 @@ TEST(DrawLine, TheSelectedIndexIsNeverTouched) {
     EXPECT_EQ(line.m_selectedPointIndex, 7);
 }
 
+TEST(DrawLine, WithoutAnEndNothingIsHit) {
+    CDrawLine line;
+    EXPECT_EQ(Hit(line, {0, 0}, 1), 0);
+    line.AddVertex({5, 5});
+    EXPECT_EQ(Hit(line, {5, 5}, 1), 0);
+    EXPECT_EQ(Hit(line, {2, 2}, 1), 0) << "no line leads to the origin";
+    line.AddVertex({9, 9});
+    EXPECT_EQ(Hit(line, {5, 5}, 1), 3);
+}
+
 TEST(DrawLine, BoxesDoNotSelectLines) {
     CDrawLine line = MakeLine({0, 0}, {10, 10});
     CBoundingBox box(-1, 11, 11, -1);

@@ -58,11 +58,15 @@ TEST(DrawPolygonBox, ABoxInANotchIsDisjoint) {
     EXPECT_EQ(Meet(notched, {4.5, 9, 5.5, 8}), 0);
 }
 
-TEST(DrawPolygonBox, WithoutVerticesNothingMeets) {
+TEST(DrawPolygonBox, WithTooFewVerticesNothingMeets) {
     CDrawPolygon empty;
     EXPECT_EQ(Meet(empty, {-1, 1, 1, -1}), 0);
     auto point = MakePolygon({{5, 5}});
-    EXPECT_EQ(Meet(point, {0, 10, 10, 0}), 1) << "its only vertex lies in the box";
+    EXPECT_EQ(Meet(point, {0, 10, 10, 0}), 0);
+    auto segment = MakePolygon({{-5, 5}, {15, 5}});
+    EXPECT_EQ(Meet(segment, {0, 10, 10, 0}), 0) << "its line crosses the box";
+    segment.AddVertex({15, 6});
+    EXPECT_EQ(Meet(segment, {0, 10, 10, 0}), 1);
 }
 
 /// The rule of the box test, written down a second time.
@@ -92,7 +96,7 @@ int PlainBoxTest(CDrawPolygon& polygon, const CBoundingBox& b) {
     const CPoint2D bl(b.m_left, b.m_bottom);
     const CPoint2D br(b.m_right, b.m_bottom);
     const auto& v = polygon.m_vertices;
-    if (v.empty())
+    if (v.size() < 3)
         return 0;
     if (v.size() == 4 && std::all_of(v.begin(), v.end(), [&](const CPoint2D& p) {
             return p == tl || p == tr || p == bl || p == br;

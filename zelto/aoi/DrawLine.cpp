@@ -36,6 +36,9 @@ int CDrawLine::AddVertex(CPoint2D p) {
 }
 
 SpatialTopoRelation CDrawLine::TopoRelationWithPoint(CPoint2D p, double tolerance, int /*mode*/) {
+    // With its start alone the line would lead to an end that nobody has drawn.
+    if (m_vertices.size() < 2)
+        return TOPO_DISJOINT;
     const auto [x1, y1] = m_startPoint;
     const auto [x2, y2] = m_endPoint;
     const bool nearVertical = std::fabs(x1 - x2) <= tolerance;

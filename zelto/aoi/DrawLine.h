@@ -17,7 +17,8 @@ class ZELTO_API CDrawLine : public CDrawShape {
     int AddVertex(CPoint2D p) override;
     /// TOPO_CONTAIN when the line passes within the tolerance above or below `p`. The distance
     /// is measured along y, so a steep line is hit only near itself and a vertical one only by
-    /// its own near-vertical rule. The mode is ignored and m_selectedPointIndex stays.
+    /// its own near-vertical rule. With fewer than two vertices nothing is hit. The mode is
+    /// ignored and m_selectedPointIndex stays.
     SpatialTopoRelation TopoRelationWithPoint(CPoint2D p, double tolerance, int mode) override;
     /// TOPO_DISJOINT always: lines are not selected by boxes.
     SpatialTopoRelation TopoRelationWithBoundingbox(CBoundingBox* box) override;

@@ -19,7 +19,7 @@ class ZELTO_API CDrawPolygon : public CDrawShape {
     SpatialTopoRelation TopoRelationWithPoint(CPoint2D p, double tolerance, int mode) override;
     /// TOPO_TOUCH for four vertices on the box's corners, TOPO_INTERSECT when an edge meets a
     /// side, TOPO_CONTAIN when the box lies inside, TOPO_INTERSECT when the polygon lies in the
-    /// box.
+    /// box; TOPO_DISJOINT with fewer than three vertices.
     SpatialTopoRelation TopoRelationWithBoundingbox(CBoundingBox* box) override;
 
     /// @copydoc CDrawMultiLine::InsertVertex

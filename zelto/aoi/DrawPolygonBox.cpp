@@ -63,7 +63,7 @@ bool OutlineMeets(const std::vector<CPoint2D>& vertices, const CBoundingBox& box
 } // namespace
 
 SpatialTopoRelation CDrawPolygon::TopoRelationWithBoundingbox(CBoundingBox* box) {
-    if (box == nullptr || m_vertices.empty())
+    if (box == nullptr || m_vertices.size() < 3)
         return TOPO_DISJOINT;
     if (CoincidesWith(m_vertices, *box))
         return TOPO_TOUCH;
