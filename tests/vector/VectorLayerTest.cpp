@@ -128,6 +128,39 @@ TEST_F(VectorLayerTest, SelectedFeaturesAreWrittenInTheOrderGiven) {
     EXPECT_EQ(out->GetLayer(0)->GetSpatialRef(), nullptr);
 }
 
+TEST_F(VectorLayerTest, SelectedFeaturesKeepTheValuesOfFieldsWithLongNames) {
+    CVectorLayer& layer = Layer({"POLYGON ((0 0,0 1,1 1,0 0))", "POLYGON ((5 5,5 6,6 6,5 5))"},
+                                {.driver = "GPKG",
+                                 .type = wkbPolygon,
+                                 .fields = {{"population_before", OFTString},
+                                            {"population_after", OFTString},
+                                            {"short", OFTInteger}}});
+    // Features of this format are numbered from 1.
+    ASSERT_TRUE(layer.SaveSelectedGeometrys(m_folder.File("out.shp"), {2}));
+    GDALDatasetUniquePtr out(GDALDataset::Open(m_folder.File("out.shp").c_str(), GDAL_OF_VECTOR));
+    ASSERT_NE(out, nullptr);
+    const OGRFeatureUniquePtr feature(out->GetLayer(0)->GetFeature(0));
+    ASSERT_EQ(feature->GetFieldCount(), 3);
+    EXPECT_STREQ(feature->GetFieldAsString(0), "1.0");
+    EXPECT_STREQ(feature->GetFieldAsString(1), "1.1");
+    EXPECT_EQ(feature->GetFieldAsInteger(2), 1);
+}
+
+TEST_F(VectorLayerTest, FieldsThatAShapefileCannotHoldAreLeftOut) {
+    WriteFile(m_folder.File("a.geojson"),
+              R"({"type":"FeatureCollection","features":[{"type":"Feature",)"
+              R"("properties":{"tags":["x","y"],"n":5},"geometry":{"type":"Polygon",)"
+              R"("coordinates":[[[0,0],[0,1],[1,1],[0,0]]]}}]})");
+    CVectorSource source;
+    ASSERT_EQ(source.Open(m_folder.WideFile("a.geojson").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    ASSERT_TRUE(source.GetVectorLayer(0)->SaveSelectedGeometrys(m_folder.File("out.shp"), {0}));
+    GDALDatasetUniquePtr out(GDALDataset::Open(m_folder.File("out.shp").c_str(), GDAL_OF_VECTOR));
+    ASSERT_NE(out, nullptr);
+    const OGRFeatureUniquePtr feature(out->GetLayer(0)->GetFeature(0));
+    ASSERT_EQ(feature->GetFieldCount(), 1);
+    EXPECT_EQ(feature->GetFieldAsInteger("n"), 5);
+}
+
 TEST_F(VectorLayerTest, AMissingFeatureOrPlaceFailsAndLeavesTheOldFile) {
     const std::string polygon = "POLYGON ((0 0,0 1,1 1,0 0))";
     CVectorLayer& layer = Layer({polygon}, {.type = wkbPolygon});

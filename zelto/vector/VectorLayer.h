@@ -51,7 +51,8 @@ class ZELTO_API CVectorLayer {
     bool GetLayerFieldName(std::vector<std::string>& names);
 
     /// Writes the features with the given identifiers, in that order, to a new polygon
-    /// shapefile with this layer's fields.
+    /// shapefile with this layer's fields: names longer than the format allows are shortened,
+    /// fields of types it does not have are left out.
     /// @param path UTF-8; existing data there is replaced
     /// @return false when the file cannot be made or a feature cannot be fetched or written
     bool SaveSelectedGeometrys(std::string path, std::vector<int> indices);

@@ -2,6 +2,7 @@
 #include "zelto/vector/VectorLayer.h"
 #include "zelto/vector/internal/NewShapefile.h"
 
+#include <cpl_error.h>
 #include <ogrsf_frmts.h>
 
 namespace {
@@ -29,23 +30,30 @@ void AddMeeting(const OGRGeometry& geometry, const CBoundingBox* box,
     }
 }
 
-bool CopyFields(OGRLayer& from, OGRLayer& to) {
+/// Creates the fields of one layer in another; what the format cannot hold is left out.
+/// @return for each field its number in the other layer, −1 for one left out
+std::vector<int> CopyFields(OGRLayer& from, OGRLayer& to) {
     const OGRFeatureDefn& fields = *from.GetLayerDefn();
+    std::vector<int> numbers;
     for (int i = 0; i < fields.GetFieldCount(); ++i) {
         OGRFieldDefn copy(fields.GetFieldDefn(i));
-        if (to.CreateField(&copy) != OGRERR_NONE)
-            return false;
+        const bool created = to.CreateField(&copy) == OGRERR_NONE;
+        numbers.push_back(created ? to.GetLayerDefn()->GetFieldCount() - 1 : -1);
+        if (!created)
+            CPLErrorReset(); // a field left out is no failure of the file
     }
-    return true;
+    return numbers;
 }
 
-/// Copies the feature with the identifier into a layer with the same fields.
-bool CopyFeature(OGRLayer& from, GIntBig identifier, OGRLayer& to) {
+/// Copies the feature with the identifier into a layer with these fields. Numbers and not names
+/// tell which is which: the format shortens names.
+bool CopyFeature(OGRLayer& from, GIntBig identifier, OGRLayer& to,
+                 const std::vector<int>& fieldNumbers) {
     const OGRFeatureUniquePtr feature(from.GetFeature(identifier));
     if (feature == nullptr)
         return false;
     OGRFeature copy(to.GetLayerDefn());
-    return copy.SetFrom(feature.get(), TRUE) == OGRERR_NONE &&
+    return copy.SetFrom(feature.get(), fieldNumbers.data(), TRUE) == OGRERR_NONE &&
            to.CreateFeature(&copy) == OGRERR_NONE;
 }
 
@@ -85,10 +93,11 @@ bool CVectorLayer::SaveSelectedGeometrys(std::string path, std::vector<int> indi
         return false;
     zelto::NewShapefile file(path);
     OGRLayer* layer = file.CreateLayer("polygon", wkbPolygon);
-    if (layer == nullptr || !CopyFields(*m_layer, *layer))
+    if (layer == nullptr)
         return false;
+    const std::vector<int> fieldNumbers = CopyFields(*m_layer, *layer);
     for (int index : indices)
-        if (!CopyFeature(*m_layer, index, *layer))
+        if (!CopyFeature(*m_layer, index, *layer, fieldNumbers))
             return false;
     return file.Commit();
 }
