@@ -29,6 +29,19 @@ std::string PaletteOver(const std::string& file) {
 </VRTDataset>)";
 }
 
+/// A file of some hundred bytes whose only tile takes more than a gibibyte.
+void WriteVastTile(const std::string& path) {
+    GDALAllRegister();
+    CPLStringList options;
+    options.SetNameValue("SPARSE_OK", "TRUE");
+    options.SetNameValue("TILED", "YES");
+    options.SetNameValue("BLOCKXSIZE", "32768");
+    options.SetNameValue("BLOCKYSIZE", "32784");
+    const GDALDatasetUniquePtr dataset(GetGDALDriverManager()->GetDriverByName("GTiff")->Create(
+        path.c_str(), 8, 8, 1, GDT_Byte, options.List()));
+    ASSERT_NE(dataset, nullptr);
+}
+
 Bytes Transparent() {
     return {255, 255, 255, 0};
 }
@@ -186,6 +199,22 @@ TEST(InterleavedRendering, AClosedSourceAnswersFalse) {
     EXPECT_FALSE(source.GetShowData(&box, 1, 1, image.data(), true));
     CRasterSource never;
     EXPECT_FALSE(never.GetShowData(&box, 1, 1, image.data(), true));
+}
+
+TEST(InterleavedRendering, BandsWhoseBlocksNoMemoryShouldHoldAreNotRead) {
+    const TemporaryFolder folder;
+    WriteVastTile(folder.File("vast.tif"));
+    CRasterSource source;
+    source.SetForDisplay(true);
+    ASSERT_EQ(source.Open(folder.WideFile("vast.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    CBoundingBox box = source.GetExtent();
+    Bytes image(4 * 64, 91);
+    EXPECT_FALSE(source.GetShowData(&box, 8, 8, image.data(), false));
+    EXPECT_EQ(image, Bytes(4 * 64, 255)) << "as when a band cannot be read";
+    Bytes plane(64, 91);
+    unsigned char* planes[] = {plane.data()};
+    EXPECT_FALSE(source.GetShowData(&box, 8, 8, 1, planes, nullptr, false));
+    EXPECT_FALSE(source.GetShowData2Cache(&box, 8, 8));
 }
 
 TEST(InterleavedRendering, BadArgumentsAnswerFalse) {

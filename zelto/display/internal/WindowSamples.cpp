@@ -1,5 +1,7 @@
 #include "zelto/display/internal/WindowSamples.h"
 
+#include "zelto/raster/internal/BlockLimit.h"
+
 #include <gdal_priv.h>
 #include <vrtdataset.h>
 
@@ -37,7 +39,7 @@ std::optional<WindowSamples::Samples<T>> ReadAs(GDALDataType type, GDALRasterBan
 } // namespace
 
 std::optional<WindowSamples> WindowSamples::Read(GDALRasterBand* band, const ReadWindow& window) {
-    if (band == nullptr)
+    if (band == nullptr || !CanHoldBlocks(*band))
         return std::nullopt;
     const auto as = [&](auto sample) -> std::optional<WindowSamples> {
         auto samples = ReadAs<decltype(sample)>(ReadType(band), band, window);

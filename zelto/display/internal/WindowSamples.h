@@ -30,7 +30,8 @@ class WindowSamples {
     using Samples = std::vector<T, Uninitialised<T>>;
 
     /// One GDAL raster I/O of the window; a window read at no size has no samples.
-    /// @return nothing without a band, when the memory cannot be had or on a GDAL error
+    /// @return nothing without a band, when the memory cannot be had, for a file whose blocks are
+    ///         beyond any healthy size, or on a GDAL error
     static std::optional<WindowSamples> Read(GDALRasterBand* band, const ReadWindow& window);
 
     /// Calls f with the vector of samples.
