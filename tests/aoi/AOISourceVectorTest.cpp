@@ -141,8 +141,27 @@ TEST_F(AOISourceVector, APathWithoutExtensionIsAFolderOfLayers) {
     EXPECT_TRUE(std::filesystem::exists(m_folder.File("folder/MultiPolygon AOI.shp")));
 }
 
+TEST_F(AOISourceVector, CreatingADataSourceClosesAnOpenOneOnly) {
+    const auto create = [&] {
+        return m_source.CreateDataSource(VDF_SHAPEFILE, m_folder.WideFile("n.shp").c_str(),
+                                         nullptr);
+    };
+    m_source.AddDrawShape(new CDrawRectangle(Drag({0, 10}, {20, 0})));
+    ASSERT_EQ(create(), GIS_SUCCESS);
+    EXPECT_EQ(m_source.GetDrawShapeCount(), 1) << "nothing was open";
+    ASSERT_EQ(create(), GIS_SUCCESS);
+    EXPECT_EQ(m_source.GetDrawShapeCount(), 0);
+}
+
 TEST_F(AOISourceVector, AFolderThatIsMissingFails) {
     EXPECT_EQ(SaveAsShapefile("missing/out.shp"), GIS_FAILED);
+    EXPECT_TRUE(m_folder.Names().empty());
+}
+
+TEST_F(AOISourceVector, WithoutTheShapefileDriverShapefilesAreNotSupported) {
+    m_source.AddDrawShape(new CDrawRectangle(Drag({0, 10}, {20, 0})));
+    const WithoutShapefileDriver without;
+    EXPECT_EQ(SaveAsShapefile("out.shp"), GIS_NOT_SUPPORTED);
     EXPECT_TRUE(m_folder.Names().empty());
 }
 

@@ -26,4 +26,17 @@ std::string WriteVector(const std::string& path, const VectorLayout& layout,
 /// WKT of every geometry of a layer in file order, read by GDAL alone; "" where there is none.
 std::vector<std::string> ReadGeometries(const std::string& path, int layer = 0);
 
+/// Takes the shapefile driver away for as long as this lives; nothing may register the drivers
+/// meanwhile.
+class WithoutShapefileDriver {
+  public:
+    WithoutShapefileDriver() { GetGDALDriverManager()->DeregisterDriver(m_driver); }
+    ~WithoutShapefileDriver() { GetGDALDriverManager()->RegisterDriver(m_driver); }
+    WithoutShapefileDriver(const WithoutShapefileDriver&) = delete;
+    WithoutShapefileDriver& operator=(const WithoutShapefileDriver&) = delete;
+
+  private:
+    GDALDriver* m_driver = GetGDALDriverManager()->GetDriverByName("ESRI Shapefile");
+};
+
 } // namespace zelto::test

@@ -165,6 +165,26 @@ TEST_F(VectorSourceTest, WithoutADriverThatCreatesNothingIsSupported) {
     EXPECT_EQ(source.CreateDataSource(VDF_SHAPEFILE, nullptr, nullptr), GIS_FAILED);
 }
 
+TEST_F(VectorSourceTest, ADriverThatOnlyReadsIsNotSupportedAndTheSourceStaysOpen) {
+    WriteVector(m_folder.File("a.shp"), {.type = wkbPolygon}, {SQUARE});
+    WriteFile(m_folder.File("a.ovf"), "<OGRVRTDataSource><OGRVRTLayer name=\"a\"><SrcDataSource>" +
+                                          m_folder.File("a.shp") +
+                                          "</SrcDataSource></OGRVRTLayer></OGRVRTDataSource>");
+    CVectorSource source;
+    ASSERT_EQ(Open(source, "a.ovf"), GIS_SUCCESS);
+    EXPECT_EQ(Create(source, VDF_AOI, "b.ovf"), GIS_NOT_SUPPORTED);
+    EXPECT_TRUE(source.IsOpened());
+    EXPECT_NE(source.GetVectorLayer(0), nullptr);
+    EXPECT_EQ(source.GetFileName(), L"a.ovf");
+}
+
+TEST_F(VectorSourceTest, WithoutTheShapefileDriverShapefilesAreNotSupported) {
+    CVectorSource source;
+    const WithoutShapefileDriver without;
+    EXPECT_EQ(Create(source, VDF_SHAPEFILE, "a.shp"), GIS_NOT_SUPPORTED);
+    EXPECT_TRUE(m_folder.Names().empty());
+}
+
 TEST_F(VectorSourceTest, AnotherFormatKeepsTheDriverOfTheLastOpen) {
     WriteVector(m_folder.File("a.geojson"), {.driver = "GeoJSON"}, {SQUARE});
     CVectorSource source;

@@ -91,7 +91,9 @@ GISError CVectorSource::CreateDataSource(VectorDataFormat format, const wchar_t*
         m_driver = zelto::ShapefileDriver();
     if (m_driver == nullptr || !zelto::CanCreateVector(*m_driver))
         return GIS_NOT_SUPPORTED;
-    Close();
+    // Sources derived from this one hold more than a data set, which stays unless one is open.
+    if (IsOpened())
+        Close();
     m_filePath = path;
     m_fileName = CommonFun::GetFileNameWithExtension(m_filePath);
     const std::string narrowPath = CommonFun::U2M(m_filePath);

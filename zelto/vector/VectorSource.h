@@ -37,7 +37,8 @@ class ZELTO_API CVectorSource : public CGISDataSource {
     /// True while a data set is held.
     bool IsOpened() override;
 
-    /// Creates an empty data source, replacing what is at the path, and keeps it open.
+    /// Creates an empty data source, replacing what is at the path, and keeps it open. A data
+    /// source that is open is closed before.
     /// @param format VDF_SHAPEFILE; any other one means the driver of the last open or creation
     /// @param wkt stored as the source's WKT, the spatial reference itself stays; may be null
     /// @return GIS_NOT_SUPPORTED without a driver that can create, GIS_FAILED when it fails
