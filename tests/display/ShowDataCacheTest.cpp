@@ -1,7 +1,9 @@
 #include "tests/display/ShownRaster.h"
 #include "tests/support/RecordingLog.h"
 
+#include <array>
 #include <limits>
+#include <utility>
 
 using namespace zelto::test;
 
@@ -95,6 +97,41 @@ TEST(ShowDataCache, NamesTheBandThatCannotBeRead) {
     double value = 0.0;
     EXPECT_TRUE(source.GetRasterBand(1)->GetNearestValueAt(0, 0, &value)) << "stays filled";
     EXPECT_FALSE(source.GetRasterBand(0)->GetNearestValueAt(0, 0, &value));
+}
+
+TEST(ShowDataCache, NamesBandsOfAnyIndex) {
+    ShownRaster source({.width = 2, .height = 1}, {{1, 2}});
+    for (const auto& [index, message] :
+         {std::pair{-1, L"读取第0波段数据出错"},
+          {std::numeric_limits<int>::max(), L"读取第-2147483648波段数据出错"}}) {
+        const RecordingLog log;
+        source.Show({index});
+        EXPECT_FALSE(Fill(source));
+        ExpectOneRecord(log, message);
+    }
+}
+
+TEST(ShowDataCache, AGridWithoutAPixelWidthOrHeightIsNotRead) {
+    const Pixels pixels = MakePixels(20, 20, [](int, int) { return 1; });
+    CBoundingBox box(0, 20, 20, 0);
+    {
+        // A quarter turn: x = row, y = 20 − column. Columns and rows are both met.
+        ShownRaster source(
+            {.width = 20, .height = 20, .geoTransform = std::array<double, 6>{0, 0, 1, 20, -1, 0}},
+            {pixels});
+        const RecordingLog log;
+        EXPECT_FALSE(source.GetShowData2Cache(&box, 5, 5));
+        ExpectOneRecord(log, L"转换之后的宽度为0");
+    }
+    {
+        // Sheared: x = column + row, y = 20 − column. Only the pixel height is missing.
+        ShownRaster source(
+            {.width = 20, .height = 20, .geoTransform = std::array<double, 6>{0, 1, 1, 20, -1, 0}},
+            {pixels});
+        const RecordingLog log;
+        EXPECT_FALSE(source.GetShowData2Cache(&box, 5, 5));
+        ExpectOneRecord(log, L"转换之后的高度为0");
+    }
 }
 
 TEST(ShowDataCache, WithoutALoggerItStillAnswersFalse) {

@@ -20,6 +20,11 @@ void LogFailure(int line, const wchar_t* format, Arguments... arguments) {
                                   L"CRasterSource::GetShowData2Cache", format, arguments...);
 }
 
+/// Number of a band for people, from 1. Shown bands may have any index; the greatest one wraps.
+int NumberOf(int index) {
+    return static_cast<int>(static_cast<unsigned>(index) + 1U);
+}
+
 /// Why there is nothing to read.
 void LogMissedWindow(ViewStatus status) {
     switch (status) {
@@ -52,7 +57,7 @@ bool CRasterSource::GetShowData2Cache(CBoundingBox* box, int w, int h) {
         if (band == nullptr || !band->GetData(read.xOff, read.yOff, read.xSize, read.ySize,
                                               read.bufWidth, read.bufHeight)) {
             const int index = static_cast<std::size_t>(k) < m_showBands.size() ? m_showBands[k] : k;
-            LogFailure(__LINE__, L"读取第%d波段数据出错", index + 1);
+            LogFailure(__LINE__, L"读取第%d波段数据出错", NumberOf(index));
             return false;
         }
     }
