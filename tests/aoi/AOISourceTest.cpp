@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <type_traits>
 
 namespace {
 
@@ -36,6 +37,11 @@ TEST(AOISource, StartsEmpty) {
     EXPECT_FALSE(source.IsShapeFile());
     EXPECT_FALSE(source.IsOpened());
     EXPECT_TRUE(source.IsVisible());
+}
+
+TEST(AOISource, HasOneOwnerOfItsShapes) {
+    EXPECT_FALSE(std::is_copy_constructible_v<CAOISource>);
+    EXPECT_FALSE(std::is_copy_assignable_v<CAOISource>);
 }
 
 TEST(AOISource, SaveAsFollowsTheBasesOperations) {

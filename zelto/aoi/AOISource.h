@@ -24,6 +24,9 @@ class OGRLinearRing;
 class ZELTO_API CAOISource : public CVectorSource {
   public:
     CAOISource();
+    /// The shapes and the temporary file have one owner.
+    CAOISource(const CAOISource&) = delete;
+    CAOISource& operator=(const CAOISource&) = delete;
 
     /// Closes, and deletes the file of a temporary source that was not saved.
     ~CAOISource() override;
