@@ -28,7 +28,9 @@ VectorDataFormat FormatOf(const std::string& path) {
 
 std::string SrsAsWkt(const std::string& srs, const char* format) {
     OGRSpatialReference reference;
-    if (srs.empty() || reference.SetFromUserInput(srs.c_str()) != OGRERR_NONE)
+    // The text may come from a file, which must not make the program fetch something.
+    const char* const parsing[] = {"ALLOW_NETWORK_ACCESS=NO", nullptr};
+    if (srs.empty() || reference.SetFromUserInput(srs.c_str(), parsing) != OGRERR_NONE)
         return {};
     const char* const options[] = {format, nullptr};
     char* text = nullptr;
