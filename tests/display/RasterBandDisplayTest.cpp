@@ -146,6 +146,16 @@ TEST(SetCustomHistogram, WithoutBucketsTheSampleIsShownWrapped) {
     EXPECT_EQ(band->Convert2ShowValue(0), 0);
 }
 
+TEST(SetCustomHistogram, MissingCountsAreRefusedAndThePresentOneStays) {
+    TestBand band({.width = 2, .height = 1}, {0, 3});
+    std::array<int, 4> counts = {1, 2, 3, 4};
+    ASSERT_TRUE(band->SetCustomHistogram(0.0, 3.0, 4, counts.data()));
+    EXPECT_FALSE(band->SetCustomHistogram(0.0, 3.0, 4, nullptr));
+    EXPECT_FALSE(band->SetCustomHistogram(0.0, 3.0, -1, counts.data()));
+    band->SetStretchType(StretchCustomHistEqualize);
+    EXPECT_EQ(band->Convert2ShowValue(1), 76); // 0.3 × 255 = 76.5
+}
+
 TEST(SetEnhancedData, StoresTableLineTypeAndPoints) {
     TestBand band({.width = 2, .height = 1}, {0, 255});
     auto table = Inverted();

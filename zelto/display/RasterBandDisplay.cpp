@@ -46,6 +46,8 @@ bool CRasterBand::EnableHistogramEqualize() {
 }
 
 bool CRasterBand::SetCustomHistogram(double min, double max, int buckets, int* counts) {
+    if (buckets < 0 || (buckets > 0 && counts == nullptr))
+        return false;
     delete m_customHistogram;
     m_customHistogram = new (std::nothrow) CRasterHistogram(min, max, buckets, counts, false, true);
     if (m_customHistogram == nullptr)

@@ -158,6 +158,10 @@ class ZELTO_API CRasterBand {
                         double a6);
     /// Computes the histogram over the display range and its equalisation map.
     bool EnableHistogramEqualize();
+    /// Replaces the custom histogram and builds its equalisation map.
+    /// @param counts `buckets` values, copied; may be null for none
+    /// @return false for missing counts or a negative number of them, which changes nothing, and
+    ///         when the histogram cannot be allocated
     bool SetCustomHistogram(double min, double max, int buckets, int* counts);
     /// @param table 256 bytes
     /// @param points the curve the table came from, may be null
