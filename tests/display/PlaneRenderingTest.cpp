@@ -161,6 +161,19 @@ TEST(PlaneRendering, ABoxInsideOnePixelHasNoPlaneWindow) {
     EXPECT_EQ(plane[0], 91);
 }
 
+TEST(PlaneRendering, ABoxOutsideAnswersFalseAndLeavesThePlanes) {
+    ShownRaster source({.width = 2, .height = 2, .geoTransform = NorthUp(100, 200, 1)},
+                       {{1, 2, 3, 4}});
+    Bytes plane(9, 91);
+    unsigned char* planes[] = {plane.data()};
+    for (CBoundingBox box : {CBoundingBox(300, 200, 310, 190), CBoundingBox(0, 200, 10, 190),
+                             CBoundingBox(100, 400, 102, 398), CBoundingBox(100, 20, 102, 18)}) {
+        EXPECT_FALSE(source.GetShowData(&box, 3, 3, 1, planes, nullptr, false));
+        EXPECT_FALSE(source.GetShowDataGray(&box, 3, 3, 1, planes, nullptr, false));
+    }
+    EXPECT_EQ(plane, Bytes(9, 91));
+}
+
 TEST(PlaneRendering, BadArgumentsAnswerFalse) {
     ShownRaster source({.width = 2, .height = 1}, {{5, 6}});
     CBoundingBox box = source.GetExtent();

@@ -60,6 +60,18 @@ TEST(ShowValue, ASinglePixelIsNeverStretched) {
     EXPECT_EQ(row->Convert2ShowValue(0.0), 0) << "one row of two pixels is stretched";
 }
 
+TEST(ShowValue, ASinglePixelIsNotEqualizedEitherThoughItHasAHistogram) {
+    TestBand single({.width = 1, .height = 1, .type = GDT_UInt16}, {500});
+    single->StoreMinMax(0.0, 1000.0);
+    ASSERT_TRUE(single->EnableHistogramEqualize());
+    for (const StretchType type : {StretchNone, StretchHistEqualize, StretchAutoLevels}) {
+        single->SetStretchType(type);
+        EXPECT_EQ(single->Convert2ShowValue(500.0), 127) << type; // equalised: 255
+        EXPECT_EQ(single->Convert2ShowValue(0.0), 1) << type;
+        EXPECT_EQ(single->Convert2ShowValue(2000.0), 254) << type;
+    }
+}
+
 TEST(ShowValue, LinearUsesTheWholeByteRange) {
     TestBand band = SixteenBit();
     for (const int type : {1, 2, 10, 77, -1}) {
