@@ -1,3 +1,4 @@
+#include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/RasterAOI.h"
 #include "zelto/raster/RasterBand.h"
@@ -108,7 +109,8 @@ Picture Draw(CRasterSource& source, const View& view, const std::string& path) {
     return picture;
 }
 
-/// Pixels outside the area are transparent or black; pixels without data inside it are black.
+/// Pixels outside the area are transparent or black, whatever is adjusted; pixels without data
+/// inside it are black before the adjustments.
 Picture DrawMasked(CRasterSource& source, const View& view, const Options& options) {
     CAOISource aoi;
     CPLErrorReset();
@@ -127,9 +129,13 @@ Picture DrawMasked(CRasterSource& source, const View& view, const Options& optio
         planes[i].resize(size);
         pointers[i] = planes[i].data();
     }
+    // The source adjusts the contrast of as many planes as bands are shown; a picture of a single
+    // band has three alike.
+    source.m_contrast = 0.0F;
     CBoundingBox box = view.box;
     FailWithoutPixels(source.GetShowData(&box, view.width, view.height, 3, pointers, &area, false),
                       options.file);
+    CRasterAlgorithm::AdjustContrast(pointers, view.width, view.height, options.contrast, 3);
 
     Picture picture(view.width, view.height);
     const double dx = box.GetWidth() / view.width;
@@ -142,12 +148,11 @@ Picture DrawMasked(CRasterSource& source, const View& view, const Options& optio
         source.GroundToImage(box.GetLeft() + (static_cast<double>(i % view.width) + 0.5) * dx,
                              box.GetTop() - (static_cast<double>(i / view.width) + 0.5) * dy,
                              column, row);
-        const bool shown = options.outside == "black" || area.IsdfInAOI(column, row);
+        const bool inside = area.IsdfInAOI(column, row);
         unsigned char* pixel = picture.pixels.data() + i * 4;
-        pixel[0] = planes[2][i];
-        pixel[1] = planes[1][i];
-        pixel[2] = planes[0][i];
-        pixel[3] = shown ? opaque : 0;
+        for (int channel = 0; channel < 3; ++channel)
+            pixel[channel] = inside ? planes[2 - channel][i] : 0;
+        pixel[3] = inside || options.outside == "black" ? opaque : 0;
     }
     return picture;
 }

@@ -131,6 +131,33 @@ TEST(RenderCommand, AnAreaLeavesTheRestTransparentOrBlack) {
     EXPECT_EQ(ReadBand(out, 1)[55], 200.0);
 }
 
+TEST(RenderCommand, AdjustmentsOfAnAreaKeepGreyGreyAndTheOutsideBlack) {
+    const TemporaryFolder folder;
+    const std::string image = WriteRaster(
+        folder.File("grey.tif"),
+        {.width = 10, .height = 10, .geoTransform = NorthUp(0.0, 10.0, 1.0)}, {Pixels(100, 100.0)});
+    WriteFile(folder.File("area.geojson"),
+              R"({"type":"Polygon","coordinates":[[[2,2],[2,8],[8,8],[8,2],[2,2]]]})");
+    const std::string area = folder.File("area.geojson");
+    const std::string out = folder.File("out.png");
+    ASSERT_EQ(RunZelto({"render", "--stretch", "none", "--aoi", area, "--outside", "black",
+                        "--contrast", "1", image, out})
+                  .exitStatus,
+              0);
+    for (int band = 1; band <= 3; ++band) {
+        EXPECT_EQ(ReadBand(out, band)[55], 72.0) << band; // 100 − 28
+        EXPECT_EQ(ReadBand(out, band)[0], 0.0) << band;
+    }
+    ASSERT_EQ(RunZelto({"render", "--stretch", "none", "--aoi", area, "--outside", "black",
+                        "--contrast=-0.5", "--intensity", "0.2", image, out})
+                  .exitStatus,
+              0);
+    for (int band = 1; band <= 3; ++band) {
+        EXPECT_NEAR(ReadBand(out, band)[55], 128.5, 1.5) << band; // 129, halfway to the middle
+        EXPECT_EQ(ReadBand(out, band)[0], 0.0) << band;
+    }
+}
+
 TEST(RenderCommand, AJpegLaysMissingPixelsOnWhite) {
     const TemporaryFolder folder;
     const std::string image = WriteRaster(
