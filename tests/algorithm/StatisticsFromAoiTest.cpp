@@ -138,6 +138,20 @@ TEST_F(StatisticsFromAoi, AnAreaWhollyOffTheRasterCountsNothing) {
         source.get(), &aoi, count, nullptr, nullptr, nullptr, &covariance, false, nullptr));
 }
 
+TEST_F(StatisticsFromAoi, AnAreaFarLargerThanTheRasterAnswersFalseAtOnce) {
+    auto source = Open(UnitSpec(10, 10), {Digits()});
+    // 10^9 × 10 pixels and the other way round: 1,410,065,408 and more in 32 bits, so that
+    // both are walked in blocks, the first of which cannot be read.
+    for (const auto& points : {std::vector<CPoint2D>{{0, 10}, {1e9, 10}, {1e9, 0}},
+                               std::vector<CPoint2D>{{0, 10}, {10, 10}, {10, -1e9}}}) {
+        auto area = Area(Polygon(points));
+        EXPECT_FALSE(Compute(*source, area.get()));
+        EXPECT_EQ(m_count, 0);
+        EXPECT_EQ(m_min[0], -999);
+        EXPECT_EQ(m_mean[0], -999);
+    }
+}
+
 TEST_F(StatisticsFromAoi, AnAreaOfOnePixelColumnsWidthIsEmpty) {
     auto source = Open(UnitSpec(10, 10), {Digits()});
     // All vertices fall on column 3: the window has no width.

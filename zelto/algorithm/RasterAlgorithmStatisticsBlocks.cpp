@@ -14,7 +14,7 @@ using zelto::PixelWindow;
 /// The blocks of an area too large to be read at once.
 class AoiBlocks {
   public:
-    explicit AoiBlocks(CRasterAOI& aoi)
+    AoiBlocks(CRasterAOI& aoi, int rasterHeight)
         : m_window(zelto::WindowOf(aoi.GetRect())),
           m_blockRows(zelto::AoiStatisticsBlockRows(m_window.width, m_window.height)) {
         const auto region = zelto::RowsOf(
@@ -23,6 +23,10 @@ class AoiBlocks {
         zelto::RegionSpans spans;
         for (int row = 0; row < m_window.height; row += m_blockRows) {
             m_accepted.push_back(0);
+            // The read of a block that leaves the raster ends the work: nobody asks what it or
+            // a later one holds, and an area may have rows without end.
+            if (RowsFrom(row) > rasterHeight - row)
+                break;
             // Row by row, so that a block's spans need not be held all at once.
             for (int r = row; r < row + RowsFrom(row); ++r) {
                 spans.Find(*region, r, 1);
@@ -74,7 +78,10 @@ bool CRasterAlgorithm::ComputeStaticsFormAOIByBlock(CRasterSource* source, CRast
     // The rectangle of an area wholly off the raster has negative sides.
     if (window.width < 1 || window.height < 1)
         return false;
-    const AoiBlocks blocks(*aoi);
+    // No block that wide can be read; its columns may be more than there is memory for.
+    if (window.width > source->GetWidth())
+        return false;
+    const AoiBlocks blocks(*aoi, source->GetHeight());
     const auto samples = zelto::AllocateSamples<double>(blocks.Capacity());
     if (!samples)
         return false;
