@@ -4,6 +4,7 @@
 #include "tests/algorithm/RegionFixture.h"
 
 #include <filesystem>
+#include <limits>
 #include <numeric>
 
 using namespace zelto::test;
@@ -112,6 +113,18 @@ TEST_F(HistogramFromBox, ClippedValuesAreCountedWhereTheyFallInTheRange) {
     EXPECT_EQ(m_max, 20);
     // 15 → trunc(127.5 + 0.5) = 128; 265 is far beyond bin 254.
     EXPECT_EQ(m_histogram[128], 1);
+    EXPECT_EQ(Counted(), 1);
+}
+
+TEST_F(HistogramFromBox, WhatIsNotANumberIsNeitherCountedNorBinned) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    auto source = Open(UnitSpec(4, 1, GDT_Float32), {{nan, 10, 20, 265}});
+    EXPECT_TRUE(Compute(*source, {0, 1, 4, 0}));
+    EXPECT_EQ(m_count, 3);
+    EXPECT_EQ(m_min, 10);
+    EXPECT_EQ(m_max, 265);
+    EXPECT_DOUBLE_EQ(m_mean, 295 / 3.0);
+    EXPECT_EQ(m_histogram[10], 1);
     EXPECT_EQ(Counted(), 1);
 }
 

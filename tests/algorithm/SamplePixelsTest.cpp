@@ -5,6 +5,7 @@
 #include "tests/algorithm/RegionFixture.h"
 
 #include <filesystem>
+#include <limits>
 
 using namespace zelto::test;
 
@@ -141,6 +142,48 @@ TEST_F(SamplePixels, NoDataPixelsTakePartInTheStatistics) {
     source->GetRasterBand(0)->SetNoDataValue(200, false);
     EXPECT_TRUE(Collect(*source, *Rectangle(0, 1, 6, 0)));
     EXPECT_EQ(m_samples, (Samples{{9}, {11}, {9}, {11}, {12}}));
+}
+
+TEST_F(SamplePixels, WhereTheMeanIsNotANumberEveryValueIsTypical) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    auto source = Open(UnitSpec(3, 1, GDT_Float32), {{1, nan, 300}});
+    EXPECT_TRUE(Collect(*source, *Rectangle(0, 1, 3, 0)));
+    ASSERT_EQ(m_samples.size(), 3U);
+    EXPECT_EQ(m_samples[0], (std::vector<double>{1}));
+    EXPECT_TRUE(std::isnan(m_samples[1][0]));
+    EXPECT_EQ(m_samples[2], (std::vector<double>{300}));
+}
+
+TEST_F(SamplePixels, LargeShapesAreDecimatedToTwoToThe24Samples) {
+    // 4,200 × 4,200 = 17,640,000 pixels; of the shape's box a sliver along the diagonal.
+    RasterSpec spec = UnitSpec(4200, 4200);
+    spec.options = {"COMPRESS=PACKBITS"};
+    auto source = Open(spec, {MakePixels(4200, 4200, [](int c, int r) {
+                           return c % 100 == 0 ? 200.0 : (c + 3 * r) % 7;
+                       })});
+    auto shape = Polygon({{0, 4200}, {4200, 0}, {4200, 3}});
+    const double s = std::sqrt(17640000 * 5.9604644775390625e-08);
+    const int buf = static_cast<int>(4200 / s);
+    const auto values = ReadPlain(m_path, 1, 0, 0, 4200, 4200, buf, buf, false);
+    std::vector<double> inside;
+    for (int j = 0; j < buf; ++j)
+        for (int i = 0; i < buf; ++i)
+            if (shape->TopoRelationWithPoint({i * s, 4200 - j * s}, 0.0, 1) == TOPO_CONTAIN)
+                inside.push_back(values[static_cast<std::size_t>(j) * buf + i]);
+    ASSERT_FALSE(inside.empty());
+    double mean = 0, squares = 0;
+    for (const double v : inside)
+        mean += v;
+    mean /= static_cast<double>(inside.size());
+    for (const double v : inside)
+        squares += (v - mean) * (v - mean);
+    const double deviation = std::sqrt(squares / static_cast<double>(inside.size()));
+    Samples plain;
+    for (const double v : inside)
+        if (v >= mean - 2 * deviation && v <= mean + 2 * deviation)
+            plain.push_back({v});
+    EXPECT_TRUE(Collect(*source, *shape));
+    EXPECT_EQ(m_samples, plain);
 }
 
 TEST_F(SamplePixels, AShapeWithoutAnyPixelCornerAddsNothingAndSucceeds) {

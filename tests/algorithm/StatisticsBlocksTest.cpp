@@ -88,6 +88,22 @@ TEST_F(StatisticsBlocks, AShortLastBlockTakesWhatTheBlockBeforeLeftInItsPlace) {
     EXPECT_DOUBLE_EQ(m_mean[0], (3355 * 100.0 + 30) / 3356);
 }
 
+TEST_F(StatisticsBlocks, TheCovarianceAnswersWhenItIsAskedAndReadsEveryPixelInItsPlace) {
+    auto source = OpenSparse(5000, 3356, 1, {{0, 0, 100}, {0, 1, 30}, {0, 3355, 7}});
+    auto area = Area(Rectangle(0, 3356, 5000, 0));
+    CRasterAOI aoi(source.get(), area.get());
+    double mean = -999, covariance = -999;
+    EXPECT_TRUE(CRasterAlgorithm::ComputeStaticsFromAOI(
+        source.get(), &aoi, m_count, nullptr, nullptr, &mean, &covariance, false, nullptr));
+    const double m = (3355 * 100.0 + 30) / 3356;
+    EXPECT_DOUBLE_EQ(mean, m);
+    // Around the mean of the blocks, but of the pixels: all 0 but for the three.
+    const double n = 5000.0 * 3356;
+    const double squares =
+        (n - 3) * m * m + (100 - m) * (100 - m) + (30 - m) * (30 - m) + (7 - m) * (7 - m);
+    EXPECT_NEAR(covariance, squares / n, 1e-8 * squares / n);
+}
+
 TEST_F(StatisticsBlocks, BeyondTheBufferABlockAcceptsNothing) {
     // Rows of 10,000,000 samples: one per block, so that block 1 would start where it ends.
     auto source = OpenSparse(10'000'000, 2, 1, {{0, 0, 5}, {0, 1, 6}});

@@ -5,6 +5,8 @@
 #include "tests/algorithm/RegionFixture.h"
 #include "tests/support/RecordingProgress.h"
 
+#include <filesystem>
+
 using namespace zelto::test;
 
 namespace {
@@ -152,6 +154,22 @@ TEST_F(StatisticsFromAoi, AnAreaFarLargerThanTheRasterAnswersFalseAtOnce) {
     }
 }
 
+TEST_F(StatisticsFromAoi, ABandThatCannotBeReadCountsNothingAndKeepsTheRangeOfTheBandBefore) {
+    RasterSpec spec = UnitSpec(300, 300);
+    spec.options = {"INTERLEAVE=BAND"};
+    const auto fives = MakePixels(300, 300, [](int c, int) { return 1.0 + c % 5; });
+    auto source = Open(spec, {fives, fives});
+    source.reset();
+    std::filesystem::resize_file(m_path, 120000); // the second band is cut
+    source = Reopen();
+    auto area = Area(Rectangle(0, 300, 300, 0));
+    EXPECT_FALSE(Compute(*source, area.get()));
+    EXPECT_EQ(m_count, 0);
+    EXPECT_EQ(m_min, (std::vector<double>{1, 1}));
+    EXPECT_EQ(m_max, (std::vector<double>{5, 5}));
+    EXPECT_EQ(m_mean, (std::vector<double>{3, -999}));
+}
+
 TEST_F(StatisticsFromAoi, AnAreaOfOnePixelColumnsWidthIsEmpty) {
     auto source = Open(UnitSpec(10, 10), {Digits()});
     // All vertices fall on column 3: the window has no width.
@@ -186,6 +204,27 @@ TEST_F(StatisticsFromAoi, WithoutAnAreaExactAsksGdalAndCountsNoDataToo) {
     ASSERT_EQ(progress.m_stages.size(), 1U);
     EXPECT_EQ(progress.m_stages[0].first, L"计算统计信息");
     EXPECT_EQ(progress.m_stages[0].second, 100);
+}
+
+TEST_F(StatisticsFromAoi, WithoutAnAreaTheCovarianceAnswersWhenItIsAsked) {
+    auto source = Open(UnitSpec(2, 2), {{1, 2, 3, 4}, {8, 6, 4, 2}});
+    for (const bool approx : {false, true}) {
+        __int64 count = 0;
+        std::vector<double> mean(2, -999), covariance(4, -999);
+        EXPECT_TRUE(CRasterAlgorithm::ComputeStaticsFromAOI(source.get(), nullptr, count, nullptr,
+                                                            nullptr, mean.data(), covariance.data(),
+                                                            approx, nullptr));
+        EXPECT_EQ(count, 4);
+        EXPECT_EQ(mean, (std::vector<double>{2.5, 5}));
+        EXPECT_EQ(covariance, (std::vector<double>{1.25, -2.5, -2.5, 5}));
+    }
+    // Also where a band's statistics fail.
+    RecordingProgress progress(0);
+    __int64 count = 0;
+    std::vector<double> mean(2, -999), covariance(4, -999);
+    EXPECT_TRUE(CRasterAlgorithm::ComputeStaticsFromAOI(source.get(), nullptr, count, nullptr,
+                                                        nullptr, mean.data(), covariance.data(),
+                                                        false, &progress));
 }
 
 TEST_F(StatisticsFromAoi, WithoutAnAreaACancelledBandMakesTheAnswerFalse) {

@@ -4,6 +4,8 @@
 #include "tests/algorithm/PlainStatistics.h"
 #include "tests/algorithm/RegionFixture.h"
 
+#include <filesystem>
+
 using namespace zelto::test;
 
 namespace {
@@ -44,6 +46,29 @@ TEST_F(StatisticsFromShape, ANullShapeMeansTheStoredStatisticsOfTheWholeRaster) 
     EXPECT_TRUE(Compute(*source, nullptr));
     EXPECT_EQ(m_count, 100);
     EXPECT_EQ(m_max[0], 1234);
+}
+
+TEST_F(StatisticsFromShape, WithANullShapeTheCovarianceIsThatOfTheWholeRaster) {
+    auto source = Open(UnitSpec(2, 2), {{1, 2, 3, 4}});
+    double covariance = -1;
+    EXPECT_TRUE(Compute(*source, nullptr, &covariance));
+    EXPECT_EQ(m_mean[0], 2.5);
+    EXPECT_EQ(covariance, 1.25);
+}
+
+TEST_F(StatisticsFromShape, ABandThatCannotBeReadCountsNothingAndTheAnswerStaysTrue) {
+    RasterSpec spec = UnitSpec(300, 300);
+    spec.options = {"INTERLEAVE=BAND"};
+    const auto fives = MakePixels(300, 300, [](int c, int) { return 1.0 + c % 5; });
+    auto source = Open(spec, {fives, fives});
+    source.reset();
+    std::filesystem::resize_file(m_path, 120000); // the second band is cut
+    source = Reopen();
+    EXPECT_TRUE(Compute(*source, Rectangle(0, 300, 300, 0).get()));
+    EXPECT_EQ(m_count, 0);
+    EXPECT_EQ(m_min, (std::vector<double>{1, 1}));
+    EXPECT_EQ(m_max, (std::vector<double>{5, 5}));
+    EXPECT_EQ(m_mean, (std::vector<double>{3, -999}));
 }
 
 TEST_F(StatisticsFromShape, PixelsWhoseCornerLiesInTheShapeCount) {

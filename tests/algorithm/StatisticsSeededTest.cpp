@@ -146,6 +146,18 @@ TEST_F(SeededStatistics, ABandWithoutValuesZeroesItsOutputsAndEndsTheWork) {
     EXPECT_EQ(m_max, (std::vector<double>{4, 0, -999}));
 }
 
+TEST_F(SeededStatistics, ARegionThatCannotBeReadZeroesTheFirstBandAndEndsTheWork) {
+    auto source = Open(UnitSpec(10, 10), {Pixels(100, 3.0), Pixels(100, 4.0)});
+    // They touch the right edge: the window is column 10, which there is not.
+    for (const bool box : {true, false}) {
+        EXPECT_TRUE(box ? FromBox(*source, {10, 5, 12, 3})
+                        : FromArea(*source, *Area(Rectangle(10, 5, 12, 3))));
+        EXPECT_EQ(m_count, 0);
+        for (const auto* array : {&m_min, &m_max, &m_mean, &m_dev})
+            EXPECT_EQ(*array, (std::vector<double>{0, -999}));
+    }
+}
+
 TEST_F(SeededStatistics, BoxesLeaveOutNoDataZerosAndWhatIsBeyondTheClips) {
     RasterSpec spec = UnitSpec(6, 1, GDT_Float32);
     spec.noData = 9.0;
