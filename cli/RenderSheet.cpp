@@ -1,5 +1,7 @@
 #include "cli/RenderSheet.h"
 
+#include "cli/support/Failure.h"
+
 #include <cairo.h>
 
 #include <algorithm>
@@ -82,6 +84,9 @@ Picture MakeSheet(const std::vector<SheetCell>& cells) {
     const int height = rows * stepY + MARGIN;
 
     const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
+    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
+        throw UsageError("--size: a contact sheet of " + std::to_string(width) + " x " +
+                         std::to_string(height) + " pixels cannot be drawn");
     const Context context(cairo_create(surface.get()));
     cairo_set_source_rgb(context.get(), 1.0, 1.0, 1.0);
     cairo_paint(context.get());

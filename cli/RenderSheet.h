@@ -13,7 +13,8 @@ struct SheetCell {
     Picture picture;
 };
 
-/// Pictures of equal size side by side, four to a row, each with its label below.
+/// Pictures of equal size side by side, four to a row, each with its label below. Throws
+/// UsageError where the sheet would be larger than can be drawn.
 Picture MakeSheet(const std::vector<SheetCell>& cells);
 
 } // namespace zelto::cli

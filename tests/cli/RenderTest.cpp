@@ -109,6 +109,16 @@ TEST(RenderCommand, TheContactSheetHoldsTenPicturesInThreeRows) {
     EXPECT_EQ(ReadBand(out, 1).size(), std::size_t{4 * 62 + 12} * (3 * 78 + 12));
 }
 
+TEST(RenderCommand, AContactSheetTooLargeToDrawIsRefused) {
+    const TemporaryFolder folder;
+    const std::string out = folder.File("sheet.png");
+    const auto run =
+        RunZelto({"render", "--contact-sheet", "--size", "9000x1", SampleScene(), out});
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_NE(run.errors.find("36060 x 129"), std::string::npos) << run.errors;
+    EXPECT_TRUE(folder.Names().empty());
+}
+
 TEST(RenderCommand, AnAreaLeavesTheRestTransparentOrBlack) {
     const TemporaryFolder folder;
     const std::string image = WriteRaster(
