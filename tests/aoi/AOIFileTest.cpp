@@ -158,6 +158,16 @@ TEST_F(AOIFile, TheExtensionIsComparedLetterByLetter) {
     }
 }
 
+TEST_F(AOIFile, AnExtensionInCapitalsNamesAVectorFile) {
+    Write("a.AIF", R"({"type":"Polygon","coordinates":[[[0,0],[0,9],[9,9],[0,0]]]})");
+    CAOISource source;
+    ASSERT_EQ(Open(source, "a.AIF"), GIS_SUCCESS);
+    EXPECT_TRUE(source.IsShapeFile());
+    EXPECT_EQ(source.GetFileName(), L"a.AIF");
+    ASSERT_EQ(source.GetDrawShapeCount(), 1);
+    EXPECT_EQ(source.GetDrawShape(0)->m_vertices.size(), 4U);
+}
+
 TEST_F(AOIFile, UnknownFormatsAndPlacesFail) {
     CAOISource source;
     EXPECT_EQ(source.SaveAs(Path("a.aif").c_str(), VectorDataFormat(0)), GIS_FAILED);

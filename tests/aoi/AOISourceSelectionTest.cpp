@@ -41,6 +41,12 @@ TEST_F(AOISourceSelection, SingleSelectionTakesTheFirstHitAndDeselectsTheOthers)
     EXPECT_EQ(Selected(), (Flags{true, false, false}));
 }
 
+TEST_F(AOISourceSelection, SingleSelectionDoesNotTestTheShapesBehindTheHit) {
+    Shape(1).m_selectedPointIndex = 6;
+    EXPECT_EQ(Pick(7, 7, 0), &Shape(0));
+    EXPECT_EQ(Shape(1).m_selectedPointIndex, 6) << "a test would have reset it";
+}
+
 TEST_F(AOISourceSelection, SingleSelectionWithoutAHitDeselectsAll) {
     Select({true, true, true});
     EXPECT_EQ(Pick(17, 17, 0), nullptr);

@@ -145,6 +145,9 @@ TEST(AOISource, PointRelationAsksShapesWithinTheExtentOnly) {
     EXPECT_EQ(source.TopoRelationWithPoint(5, 5), TOPO_CONTAIN);
     EXPECT_EQ(source.TopoRelationWithPoint(25, 0), TOPO_CONTAIN);
     EXPECT_EQ(source.TopoRelationWithPoint(15, 5), TOPO_DISJOINT);
+    source.GetDrawShape(0)->m_selectedPointIndex = 6;
+    EXPECT_EQ(source.TopoRelationWithPoint(-1, 5), TOPO_DISJOINT);
+    EXPECT_EQ(source.GetDrawShape(0)->m_selectedPointIndex, 6) << "no shape was asked";
     // A shape enlarged by the host: its own extent holds the point, the source's does not.
     source.GetDrawShape(0)->m_extent.SetBoundingBox(0, 100, 10, 0);
     EXPECT_EQ(source.TopoRelationWithPoint(5, 50), TOPO_DISJOINT);

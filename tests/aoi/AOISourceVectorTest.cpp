@@ -198,6 +198,25 @@ TEST_F(AOISourceVector, WarpingTransformsEveryShape) {
     EXPECT_TRUE(warped.IsProjected()) << "the reference is the target's";
 }
 
+TEST_F(AOISourceVector, WarpingDrawsEllipsesAnewFromTwoCorners) {
+    // Along the central meridian and the equator, as above.
+    m_source.AddDrawShape(new CDrawEllipse(Drag<CDrawEllipse>({117, 1}, {118, 0})));
+    m_source.SetSpatialReferenceWKT("EPSG:4326");
+    ASSERT_EQ(m_source.SaveAs(m_folder.WideFile("e.aif").c_str(), VDF_AOI), GIS_SUCCESS);
+    CAOISource warped;
+    ASSERT_EQ(warped.OpenAndWarped(m_folder.WideFile("e.aif").c_str(), GIS_READONLY, "EPSG:32650"),
+              GIS_SUCCESS);
+    ASSERT_EQ(warped.GetDrawShapeCount(), 1);
+    const auto& ellipse = dynamic_cast<CDrawEllipse&>(*warped.GetDrawShape(0));
+    ASSERT_EQ(ellipse.m_vertices.size(), 2U);
+    EXPECT_TRUE(ellipse.m_complete);
+    EXPECT_NEAR(ellipse.m_topLeft.x, 500000, 1e-3);
+    EXPECT_NEAR(ellipse.m_topLeft.y, 110530.16, 0.05);
+    EXPECT_EQ(ellipse.m_width, ellipse.m_vertices[1].x - ellipse.m_vertices[0].x);
+    EXPECT_NEAR(ellipse.m_extent.m_bottom, 0, 1e-3);
+    EXPECT_EQ(warped.GetExtent().m_right, ellipse.m_extent.m_right);
+}
+
 TEST_F(AOISourceVector, WarpingToTheSameReferenceOrToNoneChangesNothing) {
     ASSERT_EQ(OpenWith({"POLYGON ((117 0,117 1,118 1,117 0))"}, "EPSG:4326"), GIS_SUCCESS);
     for (const char* target : {"EPSG:4326", "+proj=longlat +datum=WGS84", (const char*)nullptr}) {

@@ -94,6 +94,9 @@ TEST(DrawShape, VirtualOperationsStandInTheirSlots) {
     EXPECT_EQ(SlotOf(&CDrawShape::SetOffset), 5);
     EXPECT_EQ(SlotOf(&CDrawShape::UpdateSelectPoint), 6);
     EXPECT_EQ(SlotOf(&CDrawShape::RecomputeExtent), 7);
+    EXPECT_EQ(SlotOf(&CDrawShape::Check) + SlotOf(&CDrawShape::Delete) +
+                  SlotOf(&CDrawShape::Update),
+              8 + 9 + 11);
     EXPECT_EQ(SlotOf(&CDrawShape::SetDrawModelState), 10);
     EXPECT_EQ(SlotOf(&CDrawShape::Validate), 12);
     EXPECT_EQ(SlotOf(&CDrawShape::SetColor), 13);
@@ -101,10 +104,15 @@ TEST(DrawShape, VirtualOperationsStandInTheirSlots) {
     EXPECT_EQ(SlotOf(&CDrawPolygon::RemoveVertex), 15);
     EXPECT_EQ(SlotOf(&CDrawPolygon::ReComputeExtent), 16);
     EXPECT_EQ(SlotOf(&CDrawMultiLine::InsertVertex), 14);
+    EXPECT_EQ(SlotOf(&CDrawMultiLine::RemoveVertex), 15);
     EXPECT_EQ(SlotOf(&CDrawMultiLine::ReComputeExtent), 16);
     EXPECT_EQ(SlotOf(&CDrawRectangle::SetTop), 14);
+    EXPECT_EQ(SlotOf(&CDrawRectangle::SetBottom), 15);
+    EXPECT_EQ(SlotOf(&CDrawRectangle::SetLeft), 16);
     EXPECT_EQ(SlotOf(&CDrawRectangle::SetRight), 17);
     EXPECT_EQ(SlotOf(&CDrawRectangle::SetTopLeft), 18);
+    EXPECT_EQ(SlotOf(&CDrawRectangle::SetTopRight), 19);
+    EXPECT_EQ(SlotOf(&CDrawRectangle::SetBottomLeft), 20);
     EXPECT_EQ(SlotOf(&CDrawRectangle::SetBottomRight), 21);
     EXPECT_EQ(SlotOf(&CDrawRectangle::UpdateExtent), 22);
 }
