@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
 #include <memory>
 
@@ -91,6 +92,25 @@ TEST_F(SampleFileWrite, WritesEveryShapeWhateverFlagAndCountSay) {
     expected += SampleClass("x", 0, 0, 9);
     expected += SamplePolygon({1, 2, 3, 4});
     EXPECT_EQ(Written(), expected.Byte(2).Byte(0).Str());
+}
+
+TEST_F(SampleFileWrite, ShapesThatFlagAndCountDoNotTellOfAreNotReadBack) {
+    for (const auto& [flag, count, readBack] :
+         {std::array{0, 2, 0}, {1, 0, 0}, {1, 1, 1}, {-1, 2, 2}}) {
+        SCOPED_TRACE(testing::Message() << flag << ", " << count);
+        CClassifySampleFile::ClassRecord record;
+        record.m_sampleShapes = {new CDrawPolygon, new CDrawPolygon};
+        record.m_hasSamples = flag;
+        record.m_sampleShapeCount = count;
+        m_file.SetTag(CClassifySampleFile::FILE_TAG);
+        m_file.RemoveAllClasses();
+        m_file.AddClass(record);
+        EXPECT_EQ(Written().size(), 312U + 256 + 16 + 8 + 8 + 2 * (1 + 4));
+        ASSERT_EQ(m_file.ReadClassifySampleFile(m_folder.WideFile("out")), 1);
+        EXPECT_EQ(m_file.GetClass(0)->m_sampleShapes.size(), static_cast<std::size_t>(readBack));
+        EXPECT_EQ(m_file.GetClass(0)->m_hasSamples, flag);
+        EXPECT_EQ(m_file.GetClass(0)->m_sampleShapeCount, count);
+    }
 }
 
 TEST_F(SampleFileWrite, WritesTheSecondArrayFirst) {
