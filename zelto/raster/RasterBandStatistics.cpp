@@ -2,9 +2,9 @@
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/SampleStatistics.h"
 #include "zelto/raster/internal/StatisticsBand.h"
+#include "zelto/raster/internal/VirtualBand.h"
 
 #include <gdal_priv.h>
-#include <vrtdataset.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -55,16 +55,10 @@ bool AddSamples(GDALRasterBand& band, SampleGrid grid, GDALDataType type,
     return true;
 }
 
-/// The band's own type where reading it moves less memory than a grid of doubles and comes to
-/// the same. A virtual band that computes its values does not round them to its type when it is
-/// asked for doubles, and it is those that the display stretches.
-GDALDataType ReadType(GDALRasterBand& band) {
-    return dynamic_cast<VRTSourcedRasterBand*>(&band) != nullptr ? GDT_Float64
-                                                                 : band.GetRasterDataType();
-}
-
+/// The types whose every value a double holds are read as they are, which moves less memory
+/// than a grid of doubles and comes to the same; the others and virtual bands as doubles.
 bool AddSamples(GDALRasterBand& band, SampleGrid grid, zelto::SampleStatistics& statistics) {
-    const GDALDataType type = ReadType(band);
+    const GDALDataType type = zelto::IsVirtual(&band) ? GDT_Float64 : band.GetRasterDataType();
     switch (type) {
     case GDT_Byte:
         return AddSamples<std::uint8_t>(band, grid, type, statistics);

@@ -2,6 +2,7 @@
 
 #include "zelto/algorithm/internal/SampleReader.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/VirtualBand.h"
 
 #include <array>
 #include <limits>
@@ -102,7 +103,7 @@ NoDataRule NoDataRule::Of(const CRasterBand& band) {
 bool HasSmallWholeNumbers(const CRasterBand& band) {
     const PixelDataType type = band.GetDataType();
     const bool small = type == PDT_Byte || type == PDT_UInt16 || type == PDT_Int16;
-    return small && !IsVirtual(band);
+    return small && !IsVirtual(band.GetGDALBand());
 }
 
 MomentsAdder::MomentsAdder(const CRasterBand& band)

@@ -2,6 +2,7 @@
 
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/VirtualBand.h"
 
 #include <gdal_priv.h>
 
@@ -53,21 +54,15 @@ std::vector<CRasterBand*> BandsOf(CRasterSource& source) {
     return bands;
 }
 
-bool IsVirtual(const CRasterBand& band) {
-    GDALDataset* const dataset =
-        band.GetGDALBand() != nullptr ? band.GetGDALBand()->GetDataset() : nullptr;
-    const GDALDriver* const driver = dataset != nullptr ? dataset->GetDriver() : nullptr;
-    return driver == nullptr || EQUAL(driver->GetDescription(), "VRT");
-}
-
 WindowStrips::WindowStrips(const PixelWindow& window, const SampleGrid& grid,
                            const std::vector<CRasterBand*>& bands, int maximumRows)
     : m_window(window), m_grid(grid), m_rows(maximumRows) {
     // Blocks that do not stay in GDAL's cache from strip to strip would be decoded again for
     // every strip.
     const bool blocksAreKept = BytesOfBlockRow(bands, grid.width) <= GDALGetCacheMax64() / 2;
-    const bool cutting = std::none_of(bands.begin(), bands.end(),
-                                      [](const CRasterBand* band) { return IsVirtual(*band); });
+    const bool cutting = std::none_of(bands.begin(), bands.end(), [](const CRasterBand* band) {
+        return IsVirtual(band->GetGDALBand());
+    });
     if (grid.step != 1.0)
         m_rows = grid.height;
     else if (blocksAreKept && cutting)

@@ -35,10 +35,6 @@ bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int
 /// The bands of a source in order.
 std::vector<CRasterBand*> BandsOf(CRasterSource& source);
 
-/// Whether the band is assembled by GDAL from other rasters while it is read. Samples may then
-/// have fractions whatever the band's type says, and depend on the window they are read with.
-bool IsVirtual(const CRasterBand& band);
-
 /// Cuts a window into strips of full rows that stay in the processor's caches. A window of stored
 /// pixels read one by one gives the same samples in strips as at once; one that is decimated,
 /// whose rows GDAL picks from the whole, or virtual is a single strip.

@@ -1,9 +1,9 @@
 #include "zelto/display/internal/WindowSamples.h"
 
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/VirtualBand.h"
 
 #include <gdal_priv.h>
-#include <vrtdataset.h>
 
 #include <new>
 #include <stdexcept>
@@ -11,13 +11,11 @@
 namespace zelto {
 namespace {
 
-/// Type that the band's samples are read as. A virtual band that computes its values answers a
-/// read as doubles with values that are not rounded to the band's own type, and the 64-bit and
-/// complex types have no exact smaller one here.
+/// Type that the band's samples are read as: doubles for virtual bands, and for the 64-bit and
+/// complex types, which have no exact smaller one here.
 GDALDataType ReadType(GDALRasterBand* band) {
     const GDALDataType type = band->GetRasterDataType();
-    if (type < GDT_Byte || type > GDT_Float32 ||
-        dynamic_cast<VRTSourcedRasterBand*>(band) != nullptr)
+    if (type < GDT_Byte || type > GDT_Float32 || IsVirtual(band))
         return GDT_Float64;
     return type;
 }
