@@ -12,6 +12,7 @@
 using zelto::test::ExposedRasterSource;
 using zelto::test::MakePixels;
 using zelto::test::Pixels;
+using zelto::test::ReadBand;
 using zelto::test::RecordingLog;
 using zelto::test::RecordingProgress;
 using zelto::test::TemporaryFolder;
@@ -193,6 +194,20 @@ TEST(BuildOverviews, ReportsProgressAndStopsWhenCancelled) {
     EXPECT_EQ(progress.m_steps.back().first, 100);
     EXPECT_EQ(progress.m_steps.back().second, L"处理中：");
     EXPECT_TRUE(progress.m_stages.empty());
+}
+
+TEST(BuildOverviews, ACancelledPyramidInsideTheFileFailsAndIsRemoved) {
+    const TemporaryFolder folder;
+    CPLSetConfigOption("USE_RRD", "NO");
+    WriteRaster(folder.File("a.tif"), {.width = 600, .height = 600, .overviews = {4}},
+                {Stripes(600, 600)});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    RecordingProgress cancelling(1);
+    EXPECT_EQ(source.BuildOverviews("AVERAGE", 0, nullptr, &cancelling), GIS_FAILED);
+    source.Close();
+    EXPECT_EQ(Pyramid(folder.File("a.tif")), Sizes{});
+    EXPECT_EQ(ReadBand(folder.File("a.tif"), 1), Stripes(600, 600));
 }
 
 TEST(BuildOverviews, BadArgumentsFail) {

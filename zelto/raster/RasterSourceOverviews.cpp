@@ -62,15 +62,29 @@ bool HasInternalOverviews(GDALDataset& dataset) {
            !std::filesystem::exists(std::string(dataset.GetDescription()) + ".ovr", ignored);
 }
 
+/// The host's progress, and whether the host has cancelled: a build inside the file ends early
+/// then, but GDAL reports it as done.
+struct WatchedProgress {
+    CDataProgress* progress;
+    bool cancelled = false;
+};
+
+int WatchProgress(double complete, const char* message, void* progressData) {
+    auto& watched = *static_cast<WatchedProgress*>(progressData);
+    const int goOn = GDALProgressFuncEx(complete, message, watched.progress);
+    watched.cancelled = watched.cancelled || goOn == 0;
+    return goOn;
+}
+
 /// GDAL's pyramid build; zero levels remove what there is.
 bool Build(GDALDataset& dataset, const char* resampling, std::vector<int> levels, int bandCount,
            int* bandList, CDataProgress* progress) {
+    WatchedProgress watched{progress};
     const CPLErr result = dataset.BuildOverviews(
         resampling, static_cast<int>(levels.size()), levels.empty() ? nullptr : levels.data(),
-        bandCount, bandList, progress != nullptr ? GDALProgressFuncEx : GDALProgressFuncNone,
-        progress);
+        bandCount, bandList, progress != nullptr ? WatchProgress : GDALProgressFuncNone, &watched);
     dataset.FlushCache();
-    return result == CE_None;
+    return result == CE_None && !watched.cancelled;
 }
 
 void RemoveOverviews(GDALDataset& dataset) {
