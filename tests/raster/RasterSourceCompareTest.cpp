@@ -114,6 +114,13 @@ TEST(CompareReferences, LinearUnitsMayDifferByABillionth) {
     EXPECT_FALSE(Same(metre, Projected("Transverse_Mercator", "117", "0.3048")));
 }
 
+TEST(CompareReferences, LocalSystemsDifferByTheirUnit) {
+    const std::string metre = "LOCAL_CS[\"Site\",UNIT[\"metre\",1]]";
+    EXPECT_TRUE(Same(metre, "LOCAL_CS[\"Another site\",UNIT[\"metre\",1.0]]"));
+    EXPECT_FALSE(Same(metre, "LOCAL_CS[\"Site\",UNIT[\"foot\",0.3048]]"));
+    EXPECT_FALSE(Same(metre, "EPSG:4326"));
+}
+
 TEST(CompareReferences, VerticalSystemsCountWhenAsked) {
     EXPECT_TRUE(Same("EPSG:32650+5773", "EPSG:32650+5773"));
     EXPECT_FALSE(Same("EPSG:32650+5773", "EPSG:32650+5703"));

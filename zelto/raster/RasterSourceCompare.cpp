@@ -70,9 +70,12 @@ bool HasParametersOf(const OGRSpatialReference& a, const OGRSpatialReference& b)
 }
 
 bool IsSameProjection(const OGRSpatialReference& a, const OGRSpatialReference& b) {
-    if (!IsSameName(ProjectionName(a), ProjectionName(b)) || !HasParametersOf(a, b) ||
-        !HasParametersOf(b, a))
-        return false;
+    return IsSameName(ProjectionName(a), ProjectionName(b)) && HasParametersOf(a, b) &&
+           HasParametersOf(b, a);
+}
+
+/// Local systems have linear units as well; geographic ones answer 1.
+bool HasSameLinearUnits(const OGRSpatialReference& a, const OGRSpatialReference& b) {
     const double ratio = b.GetLinearUnits() / a.GetLinearUnits();
     return ratio > 0.9999999999 && ratio < 1.000000001;
 }
@@ -111,6 +114,8 @@ bool CRasterSource::IsSameSpatialReference(CRasterSource* a, CRasterSource* b,
     if (!IsSameKind(first, second) || !IsSameGeographicPart(first, second))
         return false;
     if (first.IsProjected() != 0 && !IsSameProjection(first, second))
+        return false;
+    if (!HasSameLinearUnits(first, second))
         return false;
     return !compareVertical || IsSameVertically(first, second);
 }
