@@ -121,12 +121,13 @@ TEST(CompareReferences, LocalSystemsDifferByTheirUnit) {
     EXPECT_FALSE(Same(metre, "EPSG:4326"));
 }
 
-TEST(CompareReferences, VerticalSystemsCountWhenAsked) {
+TEST(CompareReferences, VerticalSystemsCountAndOnRequestTheLackOfOne) {
     EXPECT_TRUE(Same("EPSG:32650+5773", "EPSG:32650+5773"));
     EXPECT_FALSE(Same("EPSG:32650+5773", "EPSG:32650+5703"));
     EXPECT_FALSE(Same("EPSG:32650+5773", "EPSG:32650"));
     EXPECT_TRUE(Same("EPSG:32650+5773", "EPSG:32650", false));
-    EXPECT_TRUE(Same("EPSG:32650+5773", "EPSG:32650+5703", false));
+    EXPECT_FALSE(Same("EPSG:32650+5773", "EPSG:32650+5703", false));
+    EXPECT_FALSE(Same("EPSG:5773", "EPSG:5703", false));
 }
 
 TEST(CompareReferences, TwoSourcesCompareTheirHandles) {

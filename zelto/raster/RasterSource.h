@@ -190,6 +190,9 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     GISError ClearGCP(bool onBase);
     GISError SetProjection(const char* wkt);
     bool IsSameSpatialReference(CRasterSource* other);
+    /// The tolerant comparison of datum, spheroid, units and projection; systems of heights must
+    /// be the same where both sources have one.
+    /// @param compareVertical whether one with a system of heights differs from one without
     static bool IsSameSpatialReference(CRasterSource* a, CRasterSource* b, bool compareVertical);
     /// Writes one pixel of every band from consecutive slots of the raster's data type.
     GISError SetPixel(void* values, int col, int row);

@@ -87,10 +87,11 @@ bool IsSameKind(const OGRSpatialReference& a, const OGRSpatialReference& b) {
            (a.IsLocal() != 0) == (b.IsLocal() != 0);
 }
 
-bool IsSameVertically(const OGRSpatialReference& a, const OGRSpatialReference& b) {
-    if (a.IsVertical() == 0 && b.IsVertical() == 0)
-        return true;
-    return a.IsVertical() != 0 && b.IsVertical() != 0 && a.IsSameVertCS(&b) != 0;
+/// @param needsBoth whether a system of heights and none are different
+bool IsSameVertically(const OGRSpatialReference& a, const OGRSpatialReference& b, bool needsBoth) {
+    if (a.IsVertical() != 0 && b.IsVertical() != 0)
+        return a.IsSameVertCS(&b) != 0;
+    return !needsBoth || (a.IsVertical() == 0 && b.IsVertical() == 0);
 }
 
 } // namespace
@@ -117,5 +118,5 @@ bool CRasterSource::IsSameSpatialReference(CRasterSource* a, CRasterSource* b,
         return false;
     if (!HasSameLinearUnits(first, second))
         return false;
-    return !compareVertical || IsSameVertically(first, second);
+    return IsSameVertically(first, second, compareVertical);
 }
