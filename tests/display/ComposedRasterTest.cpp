@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <unistd.h>
+
 using zelto::test::MakePixels;
 using zelto::test::NorthUp;
 using zelto::test::TemporaryFolder;
@@ -40,6 +43,18 @@ class ComposedRaster : public testing::Test {
     GISError Compose(CComposedRaster& composed) {
         return composed.CreateRaster(&red, red.GetRasterBand(0), &green, green.GetRasterBand(0),
                                      &blue, blue.GetRasterBand(0));
+    }
+
+    /// For a process that has composed nothing yet: ends it with 0 when the names of its first
+    /// and second composed rasters are right.
+    [[noreturn]] void ComposeTwiceAndExit() {
+        CComposedRaster first;
+        CComposedRaster second;
+        const bool right = Compose(first) == GIS_SUCCESS && Compose(second) == GIS_SUCCESS &&
+                           first.GetFileName() == L"RGBComposedFile" &&
+                           second.GetFileName() == L"RGBComposedFile2";
+        std::filesystem::remove_all(m_folder.Path());
+        _exit(right ? 0 : 1);
     }
 
     TemporaryFolder m_folder;
@@ -83,6 +98,12 @@ TEST_F(ComposedRaster, CoversTheCommonExtentAtTheRedResolution) {
     EXPECT_EQ(composed.GetFilePath(), L"");
     EXPECT_TRUE(composed.IsComposedRaster());
     EXPECT_FALSE(red.IsComposedRaster());
+}
+
+TEST_F(ComposedRaster, OfAProcessTheFirstHasNoDigitsAndTheSecondTheDigitTwo) {
+    // Runs this test in a new process up to here.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(ComposeTwiceAndExit(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(ComposedRaster, LaterOnesAreNumbered) {

@@ -154,6 +154,25 @@ TEST(ComposedRendering, InterleavedImagesFollowTheRulesByteForByte) {
     }
 }
 
+TEST(ComposedRendering, FullTransparencyKeepsTheColoursAfterTheFirstOut) {
+    std::mt19937 random(10);
+    Scene scene;
+    MakeScene(scene, random, false);
+    // The first colour makes every pixel transparent, and transparent pixels are skipped.
+    scene.composed.m_transparency = 1.0F;
+    CBoundingBox box = scene.composed.GetExtent();
+    std::vector<unsigned char> expected(25 * 25 * 4);
+    ASSERT_TRUE(RenderInterleavedPlainly(scene, box, 25, 25, expected));
+    std::vector<unsigned char> out(expected.size(), 3);
+    ASSERT_TRUE(scene.composed.GetShowData(&box, 25, 25, out.data(), false));
+    EXPECT_TRUE(out == expected);
+    for (std::size_t pixel = 0; pixel < out.size(); pixel += 4) {
+        EXPECT_EQ(out[pixel], 255) << "blue";
+        EXPECT_EQ(out[pixel + 1], 255) << "green";
+        EXPECT_EQ(out[pixel + 3], 0) << "alpha";
+    }
+}
+
 TEST(ComposedRendering, PlanesFollowTheRulesByteForByteWithAndWithoutAnArea) {
     constexpr unsigned SEED = 515;
     std::mt19937 random(SEED);

@@ -99,6 +99,21 @@ TEST(SetGeoTransform, ReachesTheFileWhenAsked) {
     EXPECT_EQ(InFile(folder.File("a.tif")), moved);
 }
 
+TEST(SetGeoTransform, OfAWarpedViewLeavesTheFileBehindIt) {
+    const TemporaryFolder folder;
+    ExposedRasterSource source;
+    OpenImage(source, folder, "a.tif", ROTATED);
+    ASSERT_TRUE(source.HasBase());
+    GeoTransform moved = NorthUp(1000.0, 2000.0, 2.0);
+    EXPECT_EQ(source.SetGeoTransform(moved.data(), true), GIS_SUCCESS);
+    EXPECT_EQ(source.GeoTransform(), moved);
+    GeoTransform view = {};
+    EXPECT_EQ(source.GetGDALDataset()->GetGeoTransform(view.data()), CE_None);
+    EXPECT_EQ(view, moved);
+    source.Close();
+    EXPECT_EQ(InFile(folder.File("a.tif")), ROTATED);
+}
+
 TEST(SetGeoTransform, WithoutADataSetOnlyTheMembersChange) {
     ExposedRasterSource source;
     GeoTransform moved = NorthUp(1000.0, 2000.0, 2.0);
@@ -153,6 +168,8 @@ TEST(ControlPoints, AreCountedAndClearedOnTheFileBehindAView) {
     ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
     EXPECT_EQ(source.GetGCPCount(true), 3);
     EXPECT_EQ(source.GetGCPCount(false), 0) << "the view has none";
+    EXPECT_EQ(source.ClearGCP(false), GIS_SUCCESS);
+    EXPECT_EQ(source.GetGCPCount(true), 3) << "only the view was asked";
     EXPECT_EQ(source.ClearGCP(true), GIS_SUCCESS);
     EXPECT_EQ(source.GetGCPCount(true), 0);
     source.Close();
