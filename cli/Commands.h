@@ -15,6 +15,7 @@ void AddCompose(CLI::App& program);
 void AddCopy(CLI::App& program);
 void AddCreate(CLI::App& program);
 void AddFile(CLI::App& program);
+void AddGeoref(CLI::App& program);
 void AddHistogram(CLI::App& program);
 void AddInfo(CLI::App& program);
 void AddPolygonize(CLI::App& program);

@@ -21,6 +21,7 @@ void AddCommands(CLI::App& program) {
     AddCopy(program);
     AddCreate(program);
     AddFile(program);
+    AddGeoref(program);
     AddHistogram(program);
     AddInfo(program);
     AddPolygonize(program);

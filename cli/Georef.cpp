@@ -1,0 +1,149 @@
+#include "zelto/coordinate/CoordinateAlgorithm.h"
+#include "zelto/raster/RasterSource.h"
+
+#include "cli/Commands.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Open.h"
+#include "cli/support/Text.h"
+
+#include <CLI/CLI.hpp>
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace zelto::cli {
+
+namespace {
+
+using GeoTransform = std::array<double, 6>;
+
+struct Options {
+    std::string path;
+    std::string box;
+    std::string geoTransform;
+    std::string srs;
+    bool clearPoints = false;
+};
+
+void CheckFinite(const std::string& option, const std::vector<double>& numbers) {
+    if (!std::all_of(numbers.begin(), numbers.end(), [](double x) { return std::isfinite(x); }))
+        throw UsageError(option + ": the numbers are finite");
+}
+
+/// The box divided into the image's pixels.
+GeoTransform FromBox(const std::string& text, const CRasterSource& raster) {
+    const std::vector<double> sides = ParseNumbers("--box", text, 4);
+    CheckFinite("--box", sides);
+    if (!(sides[0] < sides[2] && sides[3] < sides[1]))
+        throw UsageError("--box: left must be below right and bottom below top");
+    return {sides[0], (sides[2] - sides[0]) / raster.GetWidth(), 0.0, sides[1],
+            0.0,      (sides[3] - sides[1]) / raster.GetHeight()};
+}
+
+GeoTransform FromTerms(const std::string& text) {
+    const std::vector<double> terms = ParseNumbers("--geotransform", text, 6);
+    CheckFinite("--geotransform", terms);
+    if (terms[1] * terms[5] == terms[2] * terms[4])
+        throw UsageError("--geotransform: its pixels have no area");
+    GeoTransform geoTransform;
+    std::copy(terms.begin(), terms.end(), geoTransform.begin());
+    return geoTransform;
+}
+
+std::optional<GeoTransform> ChoosePlace(const Options& options, const CRasterSource& raster) {
+    if (!options.box.empty())
+        return FromBox(options.box, raster);
+    if (!options.geoTransform.empty())
+        return FromTerms(options.geoTransform);
+    return std::nullopt;
+}
+
+/// The system of the image, or of the control points that place it.
+std::string ReferenceOf(const CRasterSource& raster) {
+    std::string wkt = raster.GetProjectionWKT();
+    if (wkt.empty())
+        wkt = raster.GetGDALDataset()->GetGCPProjection();
+    return wkt;
+}
+
+/// Writes the system; the engine keeps a system that the file cannot hold, a user wants to know.
+void SetReference(CRasterSource& raster, const std::string& srs, const std::string& path) {
+    CPLErrorReset();
+    raster.SetProjection(srs.c_str());
+    if (CPLGetLastErrorType() == CE_Failure)
+        throw Failure(path, LastGdalMessage("the format cannot store a reference system"));
+}
+
+void ClearPoints(CRasterSource& raster, const Options& options) {
+    // Some formats keep one system for both, which goes with the points.
+    const std::string srs = ReferenceOf(raster);
+    CPLErrorReset();
+    if (raster.ClearGCP(true) != GIS_SUCCESS)
+        throw Failure(options.path, LastGdalMessage("its control points cannot be removed"));
+    if (options.srs.empty() && !srs.empty())
+        SetReference(raster, srs, options.path);
+}
+
+/// The world file that GDAL wrote beside a GeoTIFF when it was made, but does not keep up.
+void UpdateWorldFile(CRasterSource& raster, const std::string& path, GeoTransform& geoTransform) {
+    std::error_code ignored;
+    if (EQUAL(raster.GetGDALDataset()->GetDriverName(), "GTiff") &&
+        std::filesystem::exists(std::filesystem::path(path).replace_extension("tfw"), ignored) &&
+        !CGISDataSource::WriteGeotransformToWorldFile(path.c_str(), geoTransform.data()))
+        throw Failure(path, LastGdalMessage("its world file cannot be written"));
+}
+
+void Place(CRasterSource& raster, GeoTransform& geoTransform, const Options& options) {
+    if (raster.GetGCPCount(true) > 0)
+        throw Failure(options.path, "control points place it; --clear-points removes them");
+    CPLErrorReset();
+    if (raster.SetGeoTransform(geoTransform.data(), true) != GIS_SUCCESS)
+        throw Failure(options.path, LastGdalMessage("the format cannot store a place"));
+    UpdateWorldFile(raster, options.path, geoTransform);
+}
+
+void Georef(const Options& options) {
+    if (options.box.empty() && options.geoTransform.empty() && options.srs.empty() &&
+        !options.clearPoints)
+        throw UsageError("give --box, --geotransform, --srs or --clear-points");
+    CRasterSource raster;
+    if (!options.srs.empty() && !CCoordinateAlgorithm::IsValidCoordinate(options.srs.c_str()))
+        throw Failure(options.srs, "not a reference system");
+    OpenOrFail(raster, options.path, GIS_UPDATE);
+    std::optional<GeoTransform> place = ChoosePlace(options, raster);
+    if (options.clearPoints)
+        ClearPoints(raster, options);
+    if (place)
+        Place(raster, *place, options);
+    if (!options.srs.empty())
+        SetReference(raster, options.srs, options.path);
+    CPLErrorReset();
+    raster.Close();
+    if (CPLGetLastErrorType() == CE_Failure)
+        throw Failure(options.path, LastGdalMessage("cannot be written"));
+}
+
+} // namespace
+
+void AddGeoref(CLI::App& program) {
+    auto* georef = program.add_subcommand("georef", "say where an image lies");
+    auto options = std::make_shared<Options>();
+    georef->add_option("FILE", options->path, "raster file, changed in place")->required();
+    auto* box = georef->add_option("--box", options->box,
+                                   "left,top,right,bottom of the whole image, north up");
+    georef
+        ->add_option("--geotransform", options->geoTransform,
+                     "x,width,row rotation,y,column rotation,height: GDAL's six terms")
+        ->excludes(box);
+    georef->add_option("--srs", options->srs, "reference system of these coordinates");
+    georef->add_flag("--clear-points", options->clearPoints, "remove the ground control points");
+    georef->footer("The pixels are not touched.");
+    georef->callback([options] { Georef(*options); });
+}
+
+} // namespace zelto::cli
