@@ -83,11 +83,15 @@ void Run(const Options& options) {
     char eight[] = "8CONNECTED=8";
     char* gdalOptions[] = {options.eight ? eight : nullptr, nullptr};
     TerminalProgress progress;
+    // Databases would otherwise secure every polygon on the disk by itself.
+    const bool inTransaction = ogrLayer.StartTransaction() == OGRERR_NONE;
     CPLErrorReset();
     if (CRasterAlgorithm::RasterPolygonize(&band, mask, &layer, 0, gdalOptions, &progress, L"") !=
         GIS_SUCCESS)
         throw Failure(options.image,
                       Interrupted() ? "interrupted" : LastGdalMessage("cannot be polygonized"));
+    if (inTransaction && ogrLayer.CommitTransaction() != OGRERR_NONE)
+        throw Failure(options.out, LastGdalMessage("cannot be written"));
     file.Finish();
     const GIntBig count = CountFeatures(options.out);
     std::cout << options.out << ": " << count << (count == 1 ? " polygon\n" : " polygons\n");
