@@ -2,11 +2,13 @@
 
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/FolderBeside.h"
 #include "cli/support/GdalUse.h"
 #include "cli/support/Open.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
+#include <cpl_conv.h>
 #include <gdal_priv.h>
 
 #include <filesystem>
@@ -67,15 +69,62 @@ std::string Destination(const Options& options) {
     return options.to;
 }
 
-void MakeRoom(const std::string& path, bool overwrite) {
-    std::error_code ignored;
-    if (!fs::exists(path, ignored))
-        return;
-    if (!overwrite)
-        throw Failure(path, "it exists; --overwrite replaces it");
-    if (GDALDriver::QuietDelete(path.c_str()) != CE_None)
-        throw Failure(path, LastGdalMessage("cannot be replaced"));
+/// Moves a file by its driver, with all that belongs to it; one that no driver knows alone.
+bool MoveFile(GDALDriver* driver, const std::string& from, const std::string& to) {
+    std::error_code error;
+    if (driver == nullptr) {
+        fs::rename(from, to, error);
+        return !error;
+    }
+    if (driver->Rename(to.c_str(), from.c_str()) != CE_None)
+        return false;
+    if (IsGTiff(*driver) && fs::exists(WorldFile(from), error))
+        CPLMoveFile(WorldFile(to).c_str(), WorldFile(from).c_str());
+    return true;
 }
+
+/// What stands under a new name: kept in a hidden folder until the work is done, and put back
+/// when it fails.
+class SetAside {
+  public:
+    /// Throws Failure when something is there and may not, or cannot, be set aside.
+    SetAside(const std::string& path, bool overwrite) : m_path(path) {
+        std::error_code ignored;
+        if (!fs::exists(path, ignored))
+            return;
+        if (!overwrite)
+            throw Failure(path, "it exists; --overwrite replaces it");
+        m_driver = GDALDriver::FromHandle(
+            GDALIdentifyDriverEx(path.c_str(), GDAL_OF_RASTER, nullptr, nullptr));
+        m_folder = MakeFolderBeside(path);
+        m_kept = (m_folder / fs::path(path).filename()).string();
+        CPLErrorReset();
+        if (!MoveFile(m_driver, path, m_kept)) {
+            fs::remove(m_folder, ignored);
+            throw Failure(path, LastGdalMessage("cannot be replaced"));
+        }
+    }
+    ~SetAside() {
+        if (m_folder.empty())
+            return;
+        std::error_code ignored;
+        // What cannot be put back stays in the folder.
+        if (m_done || MoveFile(m_driver, m_kept, m_path))
+            fs::remove_all(m_folder, ignored);
+    }
+    SetAside(const SetAside&) = delete;
+    SetAside& operator=(const SetAside&) = delete;
+
+    /// The new file has taken the place.
+    void Forget() { m_done = true; }
+
+  private:
+    std::string m_path;
+    std::string m_kept;
+    fs::path m_folder;
+    GDALDriver* m_driver = nullptr;
+    bool m_done = false;
+};
 
 /// Checks origin and destination, then calls `work` with driver, origin and destination.
 template <typename Work>
@@ -86,29 +135,35 @@ void Transfer(const Options& options, Work work) {
     std::error_code ignored;
     if (fs::equivalent(options.from, to, ignored))
         throw Failure(to, "origin and destination are the same file");
-    MakeRoom(to, options.overwrite);
+    SetAside old(to, options.overwrite);
     CPLErrorReset();
-    if (work(driver, options.from, to) != CE_None)
+    if (!work(driver, options.from, to))
         throw Failure(options.from, LastGdalMessage("cannot be moved or copied"));
+    old.Forget();
 }
 
 void Move(const Options& options) {
     Transfer(options, [](GDALDriver& driver, const std::string& from, const std::string& to) {
-        const CPLErr result = driver.Rename(to.c_str(), from.c_str());
+        if (MoveFile(&driver, from, to))
+            return true;
         std::error_code ignored;
-        if (result == CE_None && IsGTiff(driver) && !fs::exists(WorldFile(to), ignored))
-            fs::rename(WorldFile(from), WorldFile(to), ignored);
-        return result;
+        if (fs::exists(from, ignored)) // another file system, without room for all of it
+            fs::remove(to, ignored);
+        return false;
     });
 }
 
 void Copy(const Options& options) {
     Transfer(options, [](GDALDriver& driver, const std::string& from, const std::string& to) {
-        const CPLErr result = driver.CopyFiles(to.c_str(), from.c_str());
         std::error_code ignored;
-        if (result == CE_None && IsGTiff(driver))
-            fs::copy_file(WorldFile(from), WorldFile(to), ignored);
-        return result;
+        if (driver.CopyFiles(to.c_str(), from.c_str()) != CE_None) {
+            fs::remove(to, ignored); // as far as it was written
+            return false;
+        }
+        if (IsGTiff(driver))
+            fs::copy_file(WorldFile(from), WorldFile(to), fs::copy_options::overwrite_existing,
+                          ignored);
+        return true;
     });
 }
 

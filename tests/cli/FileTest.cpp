@@ -1,5 +1,6 @@
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
+#include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 using zelto::test::NorthUp;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
+using zelto::test::ReadFile;
 using zelto::test::RunZelto;
 using zelto::test::TemporaryFolder;
 using zelto::test::WriteFile;
@@ -99,6 +101,45 @@ TEST(FileCommand, OverwritesOnlyWhenTold) {
         RunZelto({"file", "mv", folder.File("b.tif"), folder.File("b.tif"), "--overwrite"});
     EXPECT_EQ(itself.exitStatus, 1);
     EXPECT_EQ(ReadBand(folder.File("b.tif"), 1), Pixels(4, 1.0));
+}
+
+TEST(FileCommand, TheWorldFileOfWhatIsReplacedGoesWithIt) {
+    for (const char* command : {"mv", "cp"}) {
+        SCOPED_TRACE(command);
+        const TemporaryFolder folder;
+        WriteImage(folder, "a.tif", 1.0);
+        WriteImage(folder, "b.tif", 2.0);
+        WriteFile(folder.Path() / "a.tfw", "1\n0\n0\n-1\n100.5\n99.5\n");
+        const std::string moved = ReadFile(folder.Path() / "a.tfw");
+        EXPECT_EQ(
+            RunZelto({"file", command, folder.File("a.tif"), folder.File("b.tif"), "--overwrite"})
+                .exitStatus,
+            0);
+        EXPECT_EQ(ReadFile(folder.Path() / "b.tfw"), moved);
+        EXPECT_EQ(folder.Names().size(), command == std::string("mv") ? 2U : 4U);
+    }
+}
+
+TEST(FileCommand, AFullDiskLeavesTheOldFile) {
+    const TemporaryFolder folder;
+    const zelto::test::SmallDisk disk(folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount a small file system";
+    zelto::test::WriteRaster(folder.File("a.tif"), {.width = 2000, .height = 2000},
+                             {Pixels(4000000, 5.0)});
+    const std::string out = folder.File("disk/b.tif");
+    zelto::test::WriteRaster(out, {.width = 2, .height = 1}, {{1.0, 2.0}});
+    // Moving to another file system is copying, too.
+    for (const char* command : {"mv", "cp"}) {
+        SCOPED_TRACE(command);
+        const auto run = RunZelto({"file", command, folder.File("a.tif"), out, "--overwrite"});
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_EQ(run.errors.find("zelto: " + folder.File("a.tif") + ": "), 0U) << run.errors;
+        EXPECT_EQ(ReadBand(out, 1), (Pixels{1.0, 2.0}));
+        const std::filesystem::directory_iterator files(folder.Path() / "disk");
+        EXPECT_EQ(std::distance(begin(files), end(files)), 1);
+        EXPECT_EQ(folder.Names(), (Names{"a.tif", "disk"}));
+    }
 }
 
 TEST(FileCommand, WrongUsageEndsWithTwo) {
