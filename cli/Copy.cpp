@@ -14,6 +14,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <memory>
 #include <numeric>
 
@@ -45,7 +47,7 @@ struct Selection {
 CRect PixelWindow(const std::string& text) {
     const std::vector<double> numbers = ParseNumbers("--window", text, 4);
     for (const double number : numbers)
-        if (number != static_cast<int>(number))
+        if (number != std::trunc(number) || std::fabs(number) > std::numeric_limits<int>::max())
             throw UsageError("--window: pixels are counted in whole numbers");
     if (numbers[2] < 1 || numbers[3] < 1)
         throw UsageError("--window: it has at least one column and one row");

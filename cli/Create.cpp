@@ -12,6 +12,8 @@
 #include <CLI/CLI.hpp>
 
 #include <array>
+#include <cmath>
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -56,7 +58,7 @@ void TakeFrom(const std::string& path, Layout& layout) {
 void SetSize(const std::string& text, Layout& layout) {
     const std::vector<double> size = ParseNumbers("--size", text, 2);
     for (const double side : size)
-        if (side != static_cast<int>(side) || side < 1)
+        if (!(side >= 1 && side <= std::numeric_limits<int>::max()) || side != std::floor(side))
             throw UsageError("--size: the sides are whole numbers of pixels from 1 on");
     layout.raster.width = static_cast<int>(size[0]);
     layout.raster.height = static_cast<int>(size[1]);
@@ -66,6 +68,8 @@ void SetBox(const std::string& text, Layout& layout) {
     const CBoundingBox box = ParseBox("--box", text);
     if (!(box.GetLeft() < box.GetRight() && box.GetBottom() < box.GetTop()))
         throw UsageError("--box: left must be below right and bottom below top");
+    if (!std::isfinite(box.GetWidth()) || !std::isfinite(box.GetHeight()))
+        throw UsageError("--box: the numbers are finite");
     layout.geoTransform = {
         box.GetLeft(), box.GetWidth() / layout.raster.width, 0.0, box.GetTop(), 0.0, 0.0};
     layout.geoTransform[5] = -box.GetHeight() / layout.raster.height;

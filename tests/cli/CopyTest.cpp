@@ -217,6 +217,8 @@ TEST(CopyCommand, WrongUsageEndsWithTwo) {
         {"copy", in, out, "--window", "1,2,3"},
         {"copy", in, out, "--window", "1,2,0,5"},
         {"copy", in, out, "--window", "1,2,2.5,5"},
+        {"copy", in, out, "--window", "99999999999,2,3,5"},
+        {"copy", in, out, "--window", "nan,2,3,5"},
         {"copy", in, out, "--window", "1,2,3,4", "--box", "1,2,3,0"},
         {"copy", in, folder.File("a.unknown")},
     };

@@ -114,11 +114,13 @@ TEST(CreateCommand, WrongUsageEndsWithTwo) {
         {"create", path, "--size", "3"},
         {"create", path, "--size", "3.5,4"},
         {"create", path, "--size", "0,4"},
+        {"create", path, "--size", "1e300,4"},
         {"create", path, "--size", "3,4", "--type", "Bit"},
         {"create", path, "--size", "3,4", "--bands", "0"},
         {"create", path, "--size", "3,4", "--format", "Painting"},
         {"create", path, "--size", "3,4", "--box", "1,2,3"},
         {"create", path, "--size", "3,4", "--box", "3,2,1,0"},
+        {"create", path, "--size", "3,4", "--box", "0,inf,1,0"},
         {"create", path, "--size", "3,4", "--co", "COMPRESS"},
         {"create", folder.File("a.unknown"), "--size", "3,4"},
     };
