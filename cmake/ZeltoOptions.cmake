@@ -1,17 +1,36 @@
-# Compiler options that every target of the project shares: INTERFACE target Zelto::options.
-add_library(zelto_options INTERFACE)
-add_library(Zelto::options ALIAS zelto_options)
+# Compiler options that the targets of the project share: INTERFACE targets Zelto::options for the
+# library and the benchmarks, Zelto::program_options for the programs that only use the library.
+# Those are many and heavy on templates: quick to build matters more there than speed.
 
+add_library(zelto_common_options INTERFACE)
 # The engine's arithmetic is what the source says: no contraction to fused operations.
-target_compile_options(zelto_options INTERFACE
+target_compile_options(zelto_common_options INTERFACE
     -ffp-contract=off -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
 if(ZELTO_WERROR)
-    target_compile_options(zelto_options INTERFACE -Werror)
+    target_compile_options(zelto_common_options INTERFACE -Werror)
 endif()
 if(ZELTO_SANITIZE)
-    target_compile_options(zelto_options INTERFACE
-        -fsanitize=${ZELTO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(zelto_options INTERFACE -fsanitize=${ZELTO_SANITIZE})
+    target_compile_options(zelto_common_options INTERFACE
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(zelto_common_options INTERFACE -fsanitize=${ZELTO_SANITIZE})
+endif()
+
+add_library(zelto_options INTERFACE)
+add_library(Zelto::options ALIAS zelto_options)
+target_link_libraries(zelto_options INTERFACE zelto_common_options)
+
+add_library(zelto_program_options INTERFACE)
+add_library(Zelto::program_options ALIAS zelto_program_options)
+target_link_libraries(zelto_program_options INTERFACE zelto_common_options)
+target_compile_options(zelto_program_options INTERFACE $<$<CONFIG:Release>:-O1>)
+
+if(ZELTO_SANITIZE)
+    target_compile_options(zelto_options INTERFACE -fsanitize=${ZELTO_SANITIZE})
+    # Programs are watched for errors of memory and threads; undefined behaviour is looked for in
+    # the engine, where the arithmetic is.
+    string(REPLACE ",undefined" "" ZELTO_SANITIZE_PROGRAMS "${ZELTO_SANITIZE}")
+    target_compile_options(zelto_program_options INTERFACE
+        -O0 -fsanitize=${ZELTO_SANITIZE_PROGRAMS})
 endif()
 
 # GDAL looks for its own support files in the folder `data` beside the running program.
