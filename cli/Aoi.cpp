@@ -1,13 +1,13 @@
 #include "cli/AoiFile.h"
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
 #include "cli/support/Open.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <cpl_error.h>
 
 #include <iostream>
 #include <memory>
@@ -131,7 +131,7 @@ void Hit(const Options& options) {
 template <typename Run, typename Given>
 auto Quietly(Run run, std::shared_ptr<Given> options) {
     return [run, options] {
-        const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+        const QuietGdalUse gdal;
         run(*options);
     };
 }

@@ -3,12 +3,12 @@
 
 #include "cli/ReprojectCommands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
 #include "cli/support/Progress.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <cpl_error.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -164,7 +164,7 @@ void Print(const Points& points, int decimals, Json& json, bool asJson) {
 }
 
 void Run(const Options& options) {
-    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const QuietGdalUse gdal;
     const Transformation transformation = Connect(options);
     PointReader reader(options.file);
     const int decimals = options.decimals < 0 ? DefaultDecimals(options.to) : options.decimals;

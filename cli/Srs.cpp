@@ -2,12 +2,12 @@
 
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
 #include "cli/support/SrsFacts.h"
 #include "cli/support/Table.h"
 
 #include <CLI/CLI.hpp>
-#include <cpl_error.h>
 
 #include <iostream>
 #include <memory>
@@ -128,7 +128,7 @@ void GaussKruger(const Options& options) {
 /// GDAL's own messages are part of the program's, not beside them.
 template <typename Function>
 void Quietly(Function work, const Options& options) {
-    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const QuietGdalUse gdal;
     work(options);
 }
 

@@ -2,13 +2,13 @@
 
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
 #include "cli/support/Open.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <cpl_error.h>
 #include <ogr_spatialref.h>
 #include <ogrsf_frmts.h>
 
@@ -86,7 +86,7 @@ void PrintLayer(const CVectorLayer& layer) {
 }
 
 void Info(const Options& options) {
-    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const QuietGdalUse gdal;
     CVectorSource source;
     OpenOrFail(source, options.file);
     const std::string driver = source.GetOGRDataSource()->GetDriverName();

@@ -2,6 +2,8 @@
 
 #include "zelto/datasource/GISDataSource.h"
 
+#include <cpl_error.h>
+
 namespace zelto::cli {
 
 /// Keeps GDAL configured and its drivers registered, for work outside a data source's life.
@@ -11,6 +13,14 @@ class GdalUse {
     ~GdalUse() { CGISDataSource::DestroyGDAL(); }
     GdalUse(const GdalUse&) = delete;
     GdalUse& operator=(const GdalUse&) = delete;
+};
+
+/// The same with GDAL's messages kept from the terminal: the commands tell what failed in lines
+/// of their own. GDAL must outlive its message handler, which it would otherwise lose.
+class QuietGdalUse {
+  private:
+    GdalUse m_use;
+    CPLErrorHandlerPusher m_quiet{CPLQuietErrorHandler};
 };
 
 } // namespace zelto::cli
