@@ -143,11 +143,12 @@ Picture DrawMasked(CRasterSource& source, const View& view, const Options& optio
     const auto opaque =
         static_cast<unsigned char>(std::lround(255.0 * (1.0 - options.transparency)));
     for (std::size_t i = 0; i < size; ++i) {
+        const std::size_t x = i % view.width;
+        const std::size_t y = i / view.width;
         double column = 0.0;
         double row = 0.0;
-        source.GroundToImage(box.GetLeft() + (static_cast<double>(i % view.width) + 0.5) * dx,
-                             box.GetTop() - (static_cast<double>(i / view.width) + 0.5) * dy,
-                             column, row);
+        source.GroundToImage(box.GetLeft() + (static_cast<double>(x) + 0.5) * dx,
+                             box.GetTop() - (static_cast<double>(y) + 0.5) * dy, column, row);
         const bool inside = area.IsdfInAOI(column, row);
         unsigned char* pixel = picture.pixels.data() + i * 4;
         for (int channel = 0; channel < 3; ++channel)

@@ -58,6 +58,7 @@ std::optional<std::vector<double>> MeansOf(const zelto::RegionScan& scan, Comple
     if (!scan.Visit(TITLE, progress, add))
         return std::nullopt;
     std::vector<double> means;
+    means.reserve(moments.size());
     for (const zelto::PreciseMoments& band : moments)
         means.push_back(band.Mean());
     return means;

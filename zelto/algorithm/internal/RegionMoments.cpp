@@ -37,6 +37,7 @@ std::optional<std::vector<Moments>> AccumulateMoments(const std::vector<CRasterB
     if (!samples)
         return std::nullopt;
     std::vector<BandPass> passes;
+    passes.reserve(bands.size());
     for (CRasterBand* band : bands)
         passes.push_back({band, MomentsAdder(*band)});
     RegionSpans spans;

@@ -152,6 +152,7 @@ class AoiRegionRows : public RegionRows {
 
 std::vector<CDrawShape*> ShapesOf(const CAOISource& aoi) {
     std::vector<CDrawShape*> shapes;
+    shapes.reserve(static_cast<std::size_t>(aoi.GetDrawShapeCount()));
     for (int i = 0; i < aoi.GetDrawShapeCount(); ++i)
         shapes.push_back(aoi.GetDrawShape(i));
     return shapes;

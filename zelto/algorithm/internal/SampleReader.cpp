@@ -49,6 +49,7 @@ bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int
 
 std::vector<CRasterBand*> BandsOf(CRasterSource& source) {
     std::vector<CRasterBand*> bands;
+    bands.reserve(static_cast<std::size_t>(source.GetBandCount()));
     for (int b = 0; b < source.GetBandCount(); ++b)
         bands.push_back(source.GetRasterBand(b));
     return bands;

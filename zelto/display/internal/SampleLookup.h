@@ -27,7 +27,7 @@ class SampleLookup {
     /// @param missing the entry of output pixels that have no sample
     SampleLookup(const WindowSamples& samples, Convert convert, Entry missing)
         : m_samples(samples), m_convert(std::move(convert)), m_missing(missing) {
-        samples.Visit([this](const auto& values) { MakeTable(values); });
+        samples.Visit([&](const auto& values) { MakeTable(values); });
     }
 
     /// The entries of a run of output pixels.
