@@ -106,6 +106,23 @@ TEST(RowMembership, PolygonsOnFractionsAnswerAsTheSingleTest) {
                           [&] { return random.Real(0, 10); });
 }
 
+TEST(RowMembership, RowsWithManyCrossingsAnswerAsTheSingleTest) {
+    SCOPED_TRACE("seed 16");
+    Random random(16);
+    for (int round = 0; round < 20; ++round) {
+        Shapes shapes;
+        // A zigzag whose edges all cross the rows in its middle: 20 to 120 crossings a row.
+        for (int n = random.Integer(1, 2); n > 0; --n) {
+            std::vector<CPoint2D> zigzag;
+            for (int i = random.Integer(20, 120); i > 0; --i)
+                zigzag.emplace_back(random.Real(0, 10),
+                                    i % 2 == 0 ? random.Real(0, 4) : random.Real(6, 10));
+            shapes.push_back(std::make_unique<CDrawPolygon>(MakePolygon(zigzag)));
+        }
+        ExpectSameAsSingleTest(shapes, Steps(-0.5, 0.73, 16), Steps(-0.7, 0.05, 230));
+    }
+}
+
 TEST(RowMembership, PositionsBesideACrossingByOneRoundingStepAnswerAsTheSingleTest) {
     SCOPED_TRACE("seed 13");
     Random random(13);
@@ -257,7 +274,7 @@ TEST(RowMembership, NoShapesAndNullShapesHoldNothing) {
     const RowMembership rows(shapes);
     RowMembership::Scratch scratch;
     EXPECT_FALSE(rows.Holds(0, 0, scratch));
-    rows.Row(0, {}, {}, scratch);
+    rows.Row(0, std::vector<double>{}, {}, scratch);
 }
 
 TEST(RowMembership, TheSelectedPointIsForgottenAsBySingleTests) {

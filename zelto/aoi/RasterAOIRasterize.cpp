@@ -61,13 +61,14 @@ bool RasterizeRows(const zelto::RowMembership* rows, const CRect& rect, int widt
                    CDataProgress* progress, Sink sink) {
     PixelProgress pixels(progress, width, height);
     const std::vector<double> columns = ColumnPositions(rect.left, width);
+    const zelto::RowPositions positions(columns);
     zelto::RowMembership::Scratch scratch;
     if (width > 0 && columns.empty())
         return false;
     for (int row = 0; row < height && width > 0; ++row) {
         const auto fill = [&](std::span<unsigned char> inside) {
             if (rows != nullptr)
-                rows->Row(-(static_cast<double>(row) + rect.top), columns, inside, scratch);
+                rows->Row(-(static_cast<double>(row) + rect.top), positions, inside, scratch);
             else
                 std::fill(inside.begin(), inside.end(), 0);
         };

@@ -11,6 +11,8 @@ namespace zelto {
 
 namespace {
 
+constexpr std::size_t MANY_BOUNDARIES = 24;
+
 bool IsModerate(const CPoint2D& p) {
     return std::fabs(p.x) <= MONOTONE_LIMIT && std::fabs(p.y) <= MONOTONE_LIMIT;
 }
@@ -53,7 +55,19 @@ std::size_t PositionsLeftOf(const CrossingEdge& edge, std::span<const double> xs
     return low;
 }
 
-/// Marks the positions left of an odd number of boundaries.
+/// Marks the positions left of an odd number of boundaries, in one pass over all of them.
+void FillAlong(RowScratch& scratch, std::span<unsigned char> inside) {
+    scratch.turns.assign(inside.size() + 1, 0);
+    for (const std::size_t boundary : scratch.boundaries)
+        scratch.turns[boundary] ^= 1;
+    unsigned char marked = 0;
+    for (std::size_t i = inside.size(); i-- > 0;) {
+        marked ^= scratch.turns[i + 1];
+        inside[i] |= marked;
+    }
+}
+
+/// The same span by span.
 void FillBetween(std::vector<std::size_t>& boundaries, std::span<unsigned char> inside) {
     std::sort(boundaries.begin(), boundaries.end(), std::greater<>());
     if (boundaries.size() % 2 == 1)
@@ -108,7 +122,11 @@ void PolygonRows::Mark(const PositionRow& row, std::span<unsigned char> inside,
         scratch.boundaries.clear();
         for (const CrossingEdge& edge : scratch.crossings)
             scratch.boundaries.push_back(PositionsLeftOf(edge, row.xs));
-        FillBetween(scratch.boundaries, inside);
+        // Sorting many boundaries costs more than looking at every position.
+        if (scratch.boundaries.size() > MANY_BOUNDARIES)
+            FillAlong(scratch, inside);
+        else
+            FillBetween(scratch.boundaries, inside);
         return;
     }
     for (std::size_t i = 0; i < row.xs.size(); ++i) {

@@ -10,18 +10,34 @@ const CRect& RasterAoiRows::PixelRect() const {
     return m_aoi.m_pixelRect;
 }
 
-void RasterAoiRows::Row(double row, std::span<const double> columns,
-                        std::span<unsigned char> inside, Scratch& scratch) const {
+namespace {
+
+/// Clears the marks of positions before `left` and behind `right`.
+void ClearBeyond(double left, double right, const RowPositions& positions,
+                 std::span<unsigned char> inside) {
+    const std::span<const double> xs = positions.Values();
+    if (positions.AreMonotone()) {
+        const auto first = std::lower_bound(xs.begin(), xs.end(), left) - xs.begin();
+        const auto last = std::upper_bound(xs.begin(), xs.end(), right) - xs.begin();
+        std::fill(inside.begin(), inside.begin() + first, 0);
+        std::fill(inside.begin() + last, inside.end(), 0);
+        return;
+    }
+    for (std::size_t i = 0; i < xs.size(); ++i)
+        inside[i] &= static_cast<unsigned char>(xs[i] >= left && xs[i] <= right);
+}
+
+} // namespace
+
+void RasterAoiRows::Row(double row, const RowPositions& columns, std::span<unsigned char> inside,
+                        Scratch& scratch) const {
     const CRect& rect = m_aoi.m_pixelRect;
     if (m_aoi.m_rows == nullptr || !(row >= rect.top && row <= rect.bottom)) {
         std::fill(inside.begin(), inside.end(), 0);
         return;
     }
     m_aoi.m_rows->Row(-row, columns, inside, scratch);
-    const double left = rect.left;
-    const double right = rect.right;
-    for (std::size_t i = 0; i < columns.size(); ++i)
-        inside[i] &= static_cast<unsigned char>(columns[i] >= left && columns[i] <= right);
+    ClearBeyond(rect.left, rect.right, columns, inside);
 }
 
 bool RasterAoiRows::ToBuffer(unsigned char* buffer, int width, int height,

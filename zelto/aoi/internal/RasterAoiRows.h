@@ -25,7 +25,7 @@ class RasterAoiRows {
 
     /// Sets every `inside[i]` to 1 where CRasterAOI::IsdfInAOI(columns[i], row), else to 0; see
     /// RowMembership::Row() for the cost. Whole numbers answer as IsInAOI().
-    void Row(double row, std::span<const double> columns, std::span<unsigned char> inside,
+    void Row(double row, const RowPositions& columns, std::span<unsigned char> inside,
              Scratch& scratch) const;
 
     /// As CRasterAOI::RasterizeAoiToBuffer().

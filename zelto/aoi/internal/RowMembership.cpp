@@ -20,14 +20,12 @@ bool NeverDecrease(std::span<const double> xs) {
     return ordered && !xs.empty() && xs[0] == xs[0];
 }
 
-PositionRow MakeRow(double y, std::span<const double> xs) {
-    const bool monotone = NeverDecrease(xs) && std::fabs(y) <= MONOTONE_LIMIT &&
-                          std::fabs(xs.front()) <= MONOTONE_LIMIT &&
-                          std::fabs(xs.back()) <= MONOTONE_LIMIT;
-    return {y, xs, monotone};
-}
-
 } // namespace
+
+RowPositions::RowPositions(std::span<const double> xs)
+    : m_xs(xs),
+      m_monotone(NeverDecrease(xs) && std::fabs(xs.front()) <= MONOTONE_LIMIT &&
+                 std::fabs(xs.back()) <= MONOTONE_LIMIT) {}
 
 RowMembership::RowMembership(std::span<CDrawShape* const> shapes) {
     for (CDrawShape* shape : shapes)
@@ -75,10 +73,11 @@ void RowMembership::MarkShape(const ShapeRows& shape, const PositionRow& row,
             shape.Mark({row.y, row.xs.subspan(i, 1), false}, inside.subspan(i, 1), scratch);
 }
 
-void RowMembership::Row(double y, std::span<const double> xs, std::span<unsigned char> inside,
+void RowMembership::Row(double y, const RowPositions& positions, std::span<unsigned char> inside,
                         Scratch& scratch) const {
     std::fill(inside.begin(), inside.end(), 0);
-    const PositionRow row = MakeRow(y, xs);
+    const std::span<const double> xs = positions.Values();
+    const PositionRow row{y, xs, positions.AreMonotone() && std::fabs(y) <= MONOTONE_LIMIT};
     m_index.Visit(
         y, [&](std::uint32_t position) { MarkShape(*m_shapes[position], row, inside, scratch); });
     for (CDrawShape* shape : m_others)
@@ -89,7 +88,7 @@ void RowMembership::Row(double y, std::span<const double> xs, std::span<unsigned
 
 bool RowMembership::Holds(double x, double y, Scratch& scratch) const {
     unsigned char inside = 0;
-    Row(y, std::span(&x, 1), std::span(&inside, 1), scratch);
+    Row(y, std::span<const double>(&x, 1), std::span(&inside, 1), scratch);
     return inside != 0;
 }
 

@@ -11,6 +11,22 @@ class CDrawShape;
 
 namespace zelto {
 
+/// Positions along a row and what is known of their order. Made once where many rows ask for the
+/// same positions, which must outlive it.
+class RowPositions {
+  public:
+    RowPositions(std::span<const double> xs);
+    RowPositions(const std::vector<double>& xs) : RowPositions(std::span(xs)) {}
+
+    std::span<const double> Values() const { return m_xs; }
+    /// Whether they never decrease and are moderate; see MONOTONE_LIMIT.
+    bool AreMonotone() const { return m_monotone; }
+
+  private:
+    std::span<const double> m_xs;
+    bool m_monotone;
+};
+
 /// Answers for whole rows of positions which lie in a set of shapes, exactly as the single test
 /// `TopoRelationWithPoint((x, y), 0.0, 1) == TOPO_CONTAIN` of any of them would, to the last
 /// bit: both evaluate the same comparisons. Positions are in the shapes' own coordinates
@@ -36,7 +52,7 @@ class RowMembership {
     /// @param xs in any order; rows that never decrease are the fast ones, others cost the
     ///        crossing edges once per position
     /// @param inside as long as `xs`
-    void Row(double y, std::span<const double> xs, std::span<unsigned char> inside,
+    void Row(double y, const RowPositions& xs, std::span<unsigned char> inside,
              Scratch& scratch) const;
 
     /// The answer for a single position, from the edges that cross its row.

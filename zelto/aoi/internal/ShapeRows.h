@@ -23,6 +23,7 @@ struct CrossingEdge {
 struct RowScratch {
     std::vector<CrossingEdge> crossings;
     std::vector<std::size_t> boundaries;
+    std::vector<unsigned char> turns; ///< whether the answer turns at a position
 };
 
 /// One row of positions.
