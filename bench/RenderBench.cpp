@@ -1,4 +1,7 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/aoi/AOISource.h"
+#include "zelto/aoi/DrawPolygon.h"
+#include "zelto/aoi/RasterAOI.h"
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/display/internal/BandDisplay.h"
 #include "zelto/display/internal/Compose.h"
@@ -15,7 +18,9 @@
 
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <memory>
+#include <numbers>
 #include <stdexcept>
 #include <vector>
 
@@ -50,10 +55,10 @@ struct Scene {
             throw std::runtime_error("a view was not drawn");
     }
 
-    void DrawPlanes(CBoundingBox box, int size) {
+    void DrawPlanes(CBoundingBox box, int size, CRasterAOI* area = nullptr) {
         const std::size_t count = static_cast<std::size_t>(size) * static_cast<std::size_t>(size);
         unsigned char* planes[] = {image.data(), image.data() + count, image.data() + 2 * count};
-        if (!source.GetShowData(&box, size, size, 3, planes, nullptr, false))
+        if (!source.GetShowData(&box, size, size, 3, planes, area, false))
             throw std::runtime_error("a view was not drawn");
     }
 
@@ -204,6 +209,44 @@ void AddCached(const std::string& file, ScenePointer scene) {
                         5);
 }
 
+/// A star of 1,000 vertices over half of a box.
+CAOISource* StarIn(const CBoundingBox& box) {
+    constexpr int VERTICES = 1000;
+    auto polygon = std::make_unique<CDrawPolygon>();
+    for (int i = 0; i < VERTICES; ++i) {
+        const double angle = 2 * std::numbers::pi * i / VERTICES;
+        const double radius = (i % 2 == 0 ? 0.3 : 0.5) * box.GetWidth();
+        polygon->AddVertex(
+            CPoint2D((box.GetLeft() + box.GetRight()) / 2 + radius * std::cos(angle),
+                     (box.GetTop() + box.GetBottom()) / 2 + radius * std::sin(angle)));
+    }
+    polygon->m_complete = true;
+    auto aoi = std::make_unique<CAOISource>();
+    if (!aoi->AddDrawShape(polygon.release()))
+        throw std::runtime_error("the area is not accepted");
+    return aoi.release();
+}
+
+/// Planes inside an area against all of them.
+void AddMasked(const std::string& file, ScenePointer scene) {
+    const auto add = [&](const std::string& name, const CBoundingBox& box) {
+        // Never deleted, as the scene.
+        auto* area = new CRasterAOI(&scene->source, StarIn(box));
+        const auto prepare = [=] {
+            SetStretch(scene->source, StretchStdDev);
+            EmptyBlockCache();
+        };
+        bench::AddRatio("render/" + file + "/cold/" + name + "/masked planes (planes)", 1.15,
+                        {[=] { scene->DrawPlanes(box, side, area); }, prepare},
+                        {[=] { scene->DrawPlanes(box, side); }, prepare});
+        bench::AddRatio("render/" + file + "/cached/" + name + "/masked planes (planes)", 0.0,
+                        {[=] { scene->DrawPlanes(box, side, area); }},
+                        {[=] { scene->DrawPlanes(box, side); }});
+    };
+    add("whole", scene->Box(0, 0, scene->source.GetWidth()));
+    add("1:1", scene->Box(4000, 5000, side));
+}
+
 /// What remains once the samples are read, all threads against one.
 void AddThreads(const std::string& file, ScenePointer scene) {
     const CBoundingBox box = scene->Box(4000, 5000, side);
@@ -216,7 +259,7 @@ void AddThreads(const std::string& file, ScenePointer scene) {
         const OutputGrid output = OutputOf(scene->source, box, view, side, 0.0);
         const SamplePositions positions(output, view.read, band.GetWidth(), band.GetHeight());
         const auto lookup = ShowBytes(*samples, band);
-        const ViewMask mask(output, nullptr);
+        const ViewMask mask;
         for (int n = 0; n < 20; ++n)
             DrawRows(BandView{side, side, positions, lookup, mask}, {},
                      [&](std::size_t pixel, int count, const ShownByte* bytes) {
@@ -262,6 +305,7 @@ void zelto::bench::Register() {
         AddColdViews(name, scene);
         AddPan(name, scene);
         AddCached(name, scene);
+        AddMasked(name, scene);
         AddThreads(name, scene);
         if (scene->source.GetRasterDataType() == PDT_Byte)
             AddAdjustments(scene);

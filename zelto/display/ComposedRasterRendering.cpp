@@ -71,12 +71,12 @@ class ColorLayer {
 
     bool IsRead() const { return m_samples.has_value(); }
 
-    /// Draws the display bytes; see DrawRows().
-    template <typename Draw>
-    void DrawBytes(const ComposedView& view, CRasterAOI* aoi, const RowBuffers& written,
-                   const Draw& draw) const {
-        const ViewMask mask(m_output, aoi);
-        const auto lookup = ShowBytes(*m_samples, m_band);
+    /// Draws what `show`, ShowBytes or ShowPlaneBytes, shows of the samples; see DrawRows().
+    template <typename Show, typename Draw>
+    void DrawBytes(const ComposedView& view, CRasterAOI* aoi, const Show& show,
+                   const RowBuffers& written, const Draw& draw) const {
+        const ViewMask mask(m_output, view.h, aoi);
+        const auto lookup = show(*m_samples, m_band);
         const SamplePositions positions(m_output, m_window, m_band.GetWidth(), m_band.GetHeight());
         DrawRows(BandView{view.w, view.h, positions, lookup, mask}, written, draw);
     }
@@ -111,7 +111,8 @@ bool CComposedRaster::GetShowData(CBoundingBox* box, int w, int h, unsigned char
             const ChannelRule rule{ShownChannel(k), k == 0, true,
                                    AlphaOfTransparency(m_transparency)};
             unsigned char* const buffer = out;
-            layer.DrawBytes(view, nullptr, {{&buffer, 1}, PixelIndex(1, w) * 4, sameRows.data()},
+            layer.DrawBytes(view, nullptr, ShowBytes,
+                            {{&buffer, 1}, PixelIndex(1, w) * 4, sameRows.data()},
                             [&](std::size_t pixel, int count, const ShownByte* bytes) {
                                 ComposeChannel(bytes, count, rule, out + pixel * 4, nullptr);
                             });
@@ -140,9 +141,9 @@ bool CComposedRaster::GetShowData(CBoundingBox* box, int w, int h, int bands,
             if (k >= bands)
                 continue;
             unsigned char* const plane = planes[k];
-            layer.DrawBytes(view, aoi, {{&plane, 1}, PixelIndex(1, w)},
-                            [&](std::size_t pixel, int count, const ShownByte* bytes) {
-                                ComposePlane(bytes, count, Channel::Blue, plane + pixel);
+            layer.DrawBytes(view, aoi, ShowPlaneBytes, {{&plane, 1}, PixelIndex(1, w)},
+                            [&](std::size_t pixel, int count, const unsigned char* bytes) {
+                                std::memcpy(plane + pixel, bytes, static_cast<std::size_t>(count));
                             });
         }
         AdjustColors(planes, bands, w, h);

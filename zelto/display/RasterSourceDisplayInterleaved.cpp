@@ -27,7 +27,6 @@ class InterleavedView {
           m_window(SelectViewWindow(GridOf(source), box, w, h, ViewRule::Interleaved)),
           // The pixel's corner is looked up here, its centre in the planes.
           m_output(OutputOf(source, box, m_window, w, 0.0)),
-          m_noMask(m_output, nullptr),
           m_sameRows(static_cast<std::size_t>(std::max(h, 0)), 1) {}
 
     bool HasWindow() const { return m_window.status == ViewStatus::Selected; }

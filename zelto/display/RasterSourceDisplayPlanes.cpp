@@ -39,8 +39,10 @@ class PlaneView {
           m_image(image),
           m_masked(aoi != nullptr),
           m_window(SelectViewWindow(GridOf(source), box, image.w, image.h, ViewRule::Planes)),
-          m_output(OutputOf(source, box, m_window, image.w, 0.5)),
-          m_mask(m_output, aoi) {}
+          m_output(OutputOf(source, box, m_window, image.w, 0.5)) {
+        if (IsDrawable())
+            m_mask = ViewMask(m_output, image.h, aoi);
+    }
 
     /// Whether the box meets the raster and there are planes to draw into.
     bool IsDrawable() const {
@@ -55,13 +57,13 @@ class PlaneView {
     /// Writes the band's display bytes into each of the planes.
     void DrawBytes(const WindowSamples& samples, CRasterBand& band,
                    std::span<unsigned char* const> planes) const {
-        const auto lookup = ShowBytes(samples, band);
+        const auto lookup = ShowPlaneBytes(samples, band);
         const SamplePositions positions = PositionsOf(band);
         DrawRows(BandView{m_image.w, m_image.h, positions, lookup, m_mask},
                  {planes, PixelIndex(1, m_image.w)},
-                 [planes](std::size_t pixel, int count, const ShownByte* bytes) {
+                 [planes](std::size_t pixel, int count, const unsigned char* bytes) {
                      for (unsigned char* plane : planes)
-                         ComposePlane(bytes, count, Channel::Blue, plane + pixel);
+                         std::memcpy(plane + pixel, bytes, static_cast<std::size_t>(count));
                  });
     }
 

@@ -78,19 +78,29 @@ PackedColor PaletteColor(const GDALColorTable& table, double value, int transpar
                      static_cast<unsigned char>(entry.c4 - transparency));
 }
 
+/// Display bytes with a mark beside them; 0 where there is none.
+template <typename Entry>
+SampleLookup<Entry> ShowMarked(const WindowSamples& samples, CRasterBand& band, Entry mark) {
+    return {samples,
+            [&band, mark, mapping = DisplayMapping(band)](const double* values, int count,
+                                                          Entry* bytes) {
+                mapping.Visit([&](const auto& stretch) {
+                    for (int i = 0; i < count; ++i)
+                        bytes[i] = static_cast<Entry>(mark | stretch(values[i]));
+                });
+                DropNoData(band, values, count, bytes, Entry{0});
+            },
+            Entry{0}};
+}
+
 } // namespace
 
 SampleLookup<ShownByte> ShowBytes(const WindowSamples& samples, CRasterBand& band) {
-    return {
-        samples,
-        [&band, mapping = DisplayMapping(band)](const double* values, int count, ShownByte* bytes) {
-            mapping.Visit([&](const auto& stretch) {
-                for (int i = 0; i < count; ++i)
-                    bytes[i] = isShown | stretch(values[i]);
-            });
-            DropNoData(band, values, count, bytes, ShownByte{0});
-        },
-        ShownByte{0}};
+    return ShowMarked(samples, band, isShown);
+}
+
+SampleLookup<unsigned char> ShowPlaneBytes(const WindowSamples& samples, CRasterBand& band) {
+    return ShowMarked<unsigned char>(samples, band, 0);
 }
 
 SingleBandKind KindOf(const CRasterSource& source, const CRasterBand& band) {

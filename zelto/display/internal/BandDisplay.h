@@ -37,6 +37,9 @@ inline constexpr unsigned char AlphaOf(PackedColor color) {
 /// The display bytes of a band's samples under its present stretch.
 SampleLookup<ShownByte> ShowBytes(const WindowSamples& samples, CRasterBand& band);
 
+/// The same without the mark: 0 is all that a plane shows of a sample that is missing.
+SampleLookup<unsigned char> ShowPlaneBytes(const WindowSamples& samples, CRasterBand& band);
+
 /// How a single shown band becomes colour.
 enum class SingleBandKind {
     Grey,    ///< the display byte in every channel

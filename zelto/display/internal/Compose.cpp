@@ -74,10 +74,10 @@ void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels) 
     std::memcpy(pixels, colors, static_cast<std::size_t>(count) * sizeof *colors);
 }
 
-void ComposePlane(const std::uint32_t* entries, int count, Channel channel, unsigned char* plane) {
+void ComposePlane(const PackedColor* colors, int count, Channel channel, unsigned char* plane) {
     const int shift = 8 * static_cast<int>(channel);
     for (int i = 0; i < count; ++i)
-        plane[i] = static_cast<unsigned char>(entries[i] >> shift);
+        plane[i] = static_cast<unsigned char>(colors[i] >> shift);
 }
 
 } // namespace zelto

@@ -71,8 +71,7 @@ void ComposeChannel(const ShownByte* bytes, int count, const ChannelRule& rule,
 /// Writes colours as interleaved pixels of blue, green, red, alpha.
 void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels);
 
-/// Writes one channel of packed colours into a plane; display bytes are the blue one, and 0
-/// where there is none.
-void ComposePlane(const std::uint32_t* entries, int count, Channel channel, unsigned char* plane);
+/// Writes one channel of packed colours into a plane.
+void ComposePlane(const PackedColor* colors, int count, Channel channel, unsigned char* plane);
 
 } // namespace zelto

@@ -83,13 +83,24 @@ class SampleLookup {
     }
 
     template <typename T>
-    void LookUp(const T* line, const std::ptrdiff_t* offsets, int count, Entry* entries) const {
+    void LookUp(const T* line, const SamplePositions::Run& run, Entry* entries) const {
         // Copies, so that the compiler need not load them again after every store.
         const Entry* table = m_table.data();
         const std::ptrdiff_t first = m_first;
         const Entry missing = m_missing;
-        for (int i = 0; i < count; ++i)
-            entries[i] = offsets[i] < 0 ? missing : table[line[offsets[i]] - first];
+        const std::ptrdiff_t* offsets = run.offsets;
+        const int count = run.count;
+        if (run.isConsecutive) {
+            const T* samples = line + offsets[0];
+            for (int i = 0; i < count; ++i)
+                entries[i] = table[samples[i] - first];
+        } else if (run.isInside) {
+            for (int i = 0; i < count; ++i)
+                entries[i] = table[line[offsets[i]] - first];
+        } else {
+            for (int i = 0; i < count; ++i)
+                entries[i] = offsets[i] < 0 ? missing : table[line[offsets[i]] - first];
+        }
     }
 
     template <typename T>
@@ -97,7 +108,7 @@ class SampleLookup {
         const T* line = values + run.base;
         if constexpr (isSmall<T>) {
             if (!m_table.empty()) {
-                LookUp(line, run.offsets, run.count, entries);
+                LookUp(line, run, entries);
                 return;
             }
         }

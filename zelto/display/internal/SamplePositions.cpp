@@ -2,6 +2,8 @@
 
 #include "zelto/baselib/internal/Truncate.h"
 
+#include <algorithm>
+
 namespace zelto {
 
 std::ptrdiff_t SamplePositions::Axis::Index(double position) const {
@@ -25,6 +27,14 @@ SamplePositions::SamplePositions(const OutputGrid& output, const ReadWindow& win
     m_columns.reserve(static_cast<std::size_t>(output.width));
     for (int column = 0; column < output.width; ++column)
         m_columns.push_back(m_columnAxis.Index(output.SourceColumn(output.GroundX(column), y)));
+    const auto begin = std::find_if(m_columns.begin(), m_columns.end(),
+                                    [](std::ptrdiff_t index) { return index != outside; });
+    m_insideBegin = static_cast<int>(begin - m_columns.begin());
+    m_insideEnd = static_cast<int>(std::find(begin, m_columns.end(), outside) - m_columns.begin());
+    const auto gap = std::adjacent_find(begin, m_columns.end(),
+                                        [](auto index, auto next) { return next != index + 1; });
+    m_consecutiveEnd =
+        gap == m_columns.end() ? m_insideEnd : static_cast<int>(gap + 1 - m_columns.begin());
 }
 
 std::ptrdiff_t SamplePositions::LineOf(int row) const {
@@ -36,7 +46,9 @@ std::ptrdiff_t SamplePositions::LineOf(int row) const {
 SamplePositions::Run SamplePositions::RunOf(int row, int firstColumn, int count,
                                             Scratch& scratch) const {
     if (m_output.IsAxisParallel())
-        return {LineOf(row), m_columns.data() + firstColumn, count};
+        return {LineOf(row), m_columns.data() + firstColumn, count,
+                firstColumn >= m_insideBegin && firstColumn + count <= m_insideEnd,
+                firstColumn >= m_insideBegin && firstColumn + count <= m_consecutiveEnd};
     const double y = m_output.GroundY(row);
     for (int i = 0; i < count; ++i) {
         const double x = m_output.GroundX(firstColumn + i);

@@ -48,6 +48,8 @@ class SamplePositions {
         std::ptrdiff_t base = outside;
         const std::ptrdiff_t* offsets = nullptr;
         int count = 0;
+        bool isInside = false;      ///< whether certainly none of the offsets is `outside`
+        bool isConsecutive = false; ///< whether each is besides one more than the one before
     };
 
     /// @param bandWidth,bandHeight positions beyond them are outside whatever the window holds
@@ -81,6 +83,9 @@ class SamplePositions {
     Axis m_columnAxis;
     Axis m_rowAxis;
     std::vector<std::ptrdiff_t> m_columns; ///< of every output column; empty on rotated grids
+    int m_insideBegin = 0;                 ///< the columns from here on to the end show samples
+    int m_insideEnd = 0;
+    int m_consecutiveEnd = 0; ///< from m_insideBegin on to the end they show neighbours
 };
 
 } // namespace zelto

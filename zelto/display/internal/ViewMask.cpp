@@ -1,33 +1,87 @@
 #include "zelto/display/internal/ViewMask.h"
 
 #include "zelto/aoi/RasterAOI.h"
+#include "zelto/aoi/internal/RasterAoiRows.h"
+
+#include <algorithm>
+#include <atomic>
+#include <new>
+#include <span>
 
 namespace zelto {
+namespace {
 
-std::optional<RasterAoiRows> ViewMask::RowsOf(CRasterAOI* aoi) {
+/// The rows of an output image that lie inside an area.
+class MaskRows {
+  public:
+    MaskRows(const OutputGrid& output, CRasterAOI& aoi)
+        : m_output(output),
+          m_aoi(aoi),
+          m_rows(aoi),
+          m_columns(ColumnsOf(output)),
+          m_positions(m_columns) {}
+
+    void Find(int row, std::span<unsigned char> inside, RasterAoiRows::Scratch& scratch) const {
+        const double y = m_output.GroundY(row);
+        if (m_output.IsAxisParallel()) {
+            m_rows.Row(m_output.SourceRow(m_output.GroundX(0), y), m_positions, inside, scratch);
+            return;
+        }
+        for (int column = 0; column < m_output.width; ++column) {
+            const double x = m_output.GroundX(column);
+            const bool isInside =
+                m_aoi.IsdfInAOI(m_output.SourceColumn(x, y), m_output.SourceRow(x, y));
+            inside[static_cast<std::size_t>(column)] = isInside ? 1 : 0;
+        }
+    }
+
+  private:
+    /// Source positions of the columns; none on rotated grids.
+    static std::vector<double> ColumnsOf(const OutputGrid& output) {
+        std::vector<double> columns;
+        if (!output.IsAxisParallel())
+            return columns;
+        const double y = output.GroundY(0);
+        columns.reserve(static_cast<std::size_t>(output.width));
+        for (int column = 0; column < output.width; ++column)
+            columns.push_back(output.SourceColumn(output.GroundX(column), y));
+        return columns;
+    }
+
+    const OutputGrid& m_output;
+    CRasterAOI& m_aoi;
+    RasterAoiRows m_rows;
+    std::vector<double> m_columns;
+    RowPositions m_positions; ///< of m_columns
+};
+
+} // namespace
+
+ViewMask::ViewMask(const OutputGrid& output, int height, CRasterAOI* aoi)
+    : m_width(static_cast<std::size_t>(std::max(output.width, 0))) {
     if (aoi == nullptr)
-        return std::nullopt;
+        return;
     if (!aoi->IsInitialized())
         aoi->Initialize();
-    return RasterAoiRows(*aoi);
-}
-
-void ViewMask::FindInside(int row, int firstColumn, int count, unsigned char* inside) const {
-    const double y = m_output.GroundY(row);
-    const auto size = static_cast<std::size_t>(count);
-    if (m_output.IsAxisParallel()) {
-        std::array<double, SamplePositions::chunk> columns;
-        for (int i = 0; i < count; ++i)
-            columns[i] = m_output.SourceColumn(m_output.GroundX(firstColumn + i), y);
+    m_inside.resize(m_width * static_cast<std::size_t>(std::max(height, 0)));
+    const MaskRows rows(output, *aoi);
+    // No exception leaves a parallel loop.
+    std::atomic<bool> isShortOfMemory = false;
+#pragma omp parallel
+    {
         RasterAoiRows::Scratch scratch;
-        m_rows->Row(m_output.SourceRow(m_output.GroundX(firstColumn), y), {columns.data(), size},
-                    {inside, size}, scratch);
-        return;
+#pragma omp for schedule(static)
+        for (int row = 0; row < height; ++row) {
+            try {
+                rows.Find(row, {m_inside.data() + static_cast<std::size_t>(row) * m_width, m_width},
+                          scratch);
+            } catch (const std::bad_alloc&) {
+                isShortOfMemory = true;
+            }
+        }
     }
-    for (int i = 0; i < count; ++i) {
-        const double x = m_output.GroundX(firstColumn + i);
-        inside[i] = m_aoi->IsdfInAOI(m_output.SourceColumn(x, y), m_output.SourceRow(x, y)) ? 1 : 0;
-    }
+    if (isShortOfMemory)
+        throw std::bad_alloc();
 }
 
 } // namespace zelto

@@ -1,44 +1,45 @@
 #pragma once
 
-#include "zelto/aoi/internal/RasterAoiRows.h"
 #include "zelto/display/internal/SamplePositions.h"
 
-#include <optional>
+#include <cstddef>
+#include <vector>
 
 class CRasterAOI;
 
 namespace zelto {
 
-/// Leaves out the pixels of a view that lie outside an area of interest, whole rows at a time
-/// where the grid is not rotated. Const, for use by several threads.
+/// Leaves out the pixels of a view that lie outside an area of interest. Which those are is found
+/// once for all the bands of the view, row by row, and kept as a byte per pixel. Const after
+/// construction, for use by several threads.
 class ViewMask {
   public:
+    /// Nothing is left out.
+    ViewMask() = default;
+
+    /// Throws std::bad_alloc where the memory cannot be had.
+    /// @param output on the grid of the area's raster
+    /// @param height rows of the output
     /// @param aoi initialised here if that was not done yet; null: nothing is left out
-    ViewMask(const OutputGrid& output, CRasterAOI* aoi)
-        : m_output(output), m_aoi(aoi), m_rows(RowsOf(aoi)) {}
+    ViewMask(const OutputGrid& output, int height, CRasterAOI* aoi);
 
     /// Whether anything may be left out.
-    bool IsActive() const { return m_rows.has_value(); }
+    bool IsActive() const { return !m_inside.empty(); }
 
     /// Replaces the entries of output pixels (firstColumn … + count − 1, row) outside the area.
-    /// @param count at most SamplePositions::chunk
     template <typename Entry>
     void Apply(int row, int firstColumn, int count, Entry* entries, Entry missing) const {
-        if (!m_rows)
+        if (!IsActive())
             return;
-        std::array<unsigned char, SamplePositions::chunk> inside;
-        FindInside(row, firstColumn, count, inside.data());
+        const unsigned char* inside = m_inside.data() + static_cast<std::size_t>(row) * m_width +
+                                      static_cast<std::size_t>(firstColumn);
         for (int i = 0; i < count; ++i)
             entries[i] = inside[i] != 0 ? entries[i] : missing;
     }
 
   private:
-    static std::optional<RasterAoiRows> RowsOf(CRasterAOI* aoi);
-    void FindInside(int row, int firstColumn, int count, unsigned char* inside) const;
-
-    OutputGrid m_output;
-    CRasterAOI* m_aoi;
-    std::optional<RasterAoiRows> m_rows;
+    std::size_t m_width = 0;
+    std::vector<unsigned char> m_inside; ///< empty: no mask
 };
 
 } // namespace zelto
