@@ -5,6 +5,7 @@
 
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
+#include "cli/support/Reference.h"
 #include "cli/support/Text.h"
 
 #include <cpl_conv.h>
@@ -27,14 +28,12 @@ VectorDataFormat FormatOf(const std::string& path) {
 } // namespace
 
 std::string SrsAsWkt(const std::string& srs, const char* format) {
-    OGRSpatialReference reference;
-    // The text may come from a file, which must not make the program fetch something.
-    const char* const parsing[] = {"ALLOW_NETWORK_ACCESS=NO", nullptr};
-    if (srs.empty() || reference.SetFromUserInput(srs.c_str(), parsing) != OGRERR_NONE)
+    const auto reference = ParseReference(srs);
+    if (!reference)
         return {};
     const char* const options[] = {format, nullptr};
     char* text = nullptr;
-    const bool written = reference.exportToWkt(&text, options) == OGRERR_NONE;
+    const bool written = reference->exportToWkt(&text, options) == OGRERR_NONE;
     std::string result = written && text != nullptr ? text : "";
     CPLFree(text);
     return result;

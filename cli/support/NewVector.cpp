@@ -3,6 +3,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/FolderBeside.h"
 #include "cli/support/Open.h"
+#include "cli/support/Reference.h"
 
 #include <cpl_error.h>
 #include <cpl_string.h>
@@ -54,13 +55,11 @@ NewVector::~NewVector() {
 }
 
 OGRLayer& NewVector::MakeLayer(const std::string& srs, OGRwkbGeometryType type) {
-    OGRSpatialReference reference;
-    reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    const bool known = !srs.empty() && reference.SetFromUserInput(srs.c_str()) == OGRERR_NONE;
+    auto reference = ParseReference(srs);
     const std::string name = std::filesystem::path(m_path).stem().string();
     OGRLayer* const layer =
         m_dataset
-            ? m_dataset->CreateLayer(name.c_str(), known ? &reference : nullptr, type, nullptr)
+            ? m_dataset->CreateLayer(name.c_str(), reference ? &*reference : nullptr, type, nullptr)
             : nullptr;
     if (layer == nullptr)
         throw Failure(m_path, LastGdalMessage("cannot be written"));

@@ -5,6 +5,7 @@
 
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
+#include "cli/support/Reference.h"
 #include "cli/support/Region.h"
 #include "cli/support/Text.h"
 
@@ -50,13 +51,11 @@ void AddCopies(SampleClass& sampleClass, const CAOISource& area) {
 }
 
 void AddFeatures(SampleClasses& classes, OGRLayer& layer, int field, const std::string& wkt) {
-    OGRSpatialReference target;
-    target.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    const bool transforming = !wkt.empty() && layer.GetSpatialRef() != nullptr &&
-                              target.SetFromUserInput(wkt.c_str()) == OGRERR_NONE;
+    auto target = ParseReference(wkt);
+    const bool transforming = target && layer.GetSpatialRef() != nullptr;
     for (const auto& feature : layer) {
         OGRGeometry* geometry = feature->GetGeometryRef();
-        if (geometry == nullptr || (transforming && geometry->transformTo(&target) != OGRERR_NONE))
+        if (geometry == nullptr || (transforming && geometry->transformTo(&*target) != OGRERR_NONE))
             continue;
         const std::unique_ptr<CAOISource> area(CAOISource::Create(geometry));
         if (area)

@@ -3,6 +3,7 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/Reference.h"
 #include "cli/support/Text.h"
 
 #include <ogr_spatialref.h>
@@ -113,8 +114,7 @@ SrsFacts DescribeSrs(const std::string& srs) {
         throw Failure(srs, "cannot be read as a spatial reference");
     SrsFacts result;
     AddSummary(result.facts, srs);
-    OGRSpatialReference reference;
-    reference.SetFromUserInput(srs.c_str());
+    const auto reference = ParseReference(srs).value_or(OGRSpatialReference());
     if (CCoordinateAlgorithm::IsGeographic(srs.c_str())) {
         result.kind = SrsKind::Geographic;
     } else if (CCoordinateAlgorithm::IsProjected(srs.c_str())) {

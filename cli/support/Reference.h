@@ -1,0 +1,15 @@
+#pragma once
+
+#include <ogr_spatialref.h>
+
+#include <optional>
+#include <string>
+
+namespace zelto::cli {
+
+/// The spatial reference of a text in any form that GDAL reads, longitude before latitude. Nothing
+/// is fetched from a network for it, for the text may come from a file.
+/// @return nothing for an empty text and for one that is no reference
+std::optional<OGRSpatialReference> ParseReference(const std::string& text);
+
+} // namespace zelto::cli
