@@ -247,6 +247,33 @@ void AddMasked(const std::string& file, ScenePointer scene) {
     add("1:1", scene->Box(4000, 5000, side));
 }
 
+/// What a large view takes beyond its output and GDAL's own cache.
+void AddMemory(const std::string& file, ScenePointer scene) {
+    constexpr int LARGE = 4096;
+    const std::string name = "render/" + file + "/memory of 4096 x 4096 at 1:1";
+    const CBoundingBox box = scene->Box(2000, 2000, LARGE);
+    bench::AddTime(name, 1.0, {[=] {
+                       std::vector<unsigned char> image(std::size_t{4} * LARGE * LARGE);
+                       const GIntBig cache = GDALGetCacheMax64();
+                       EmptyBlockCache();
+                       GDALSetCacheMax64(16 << 20);
+                       bench::ResetPeakMemory();
+                       const double before = bench::PeakMemoryMegabytes();
+                       CBoundingBox view = box;
+                       if (!scene->source.GetShowData(&view, LARGE, LARGE, image.data(), false))
+                           throw std::runtime_error("a view was not drawn");
+                       const double grown = bench::PeakMemoryMegabytes() - before;
+                       GDALSetCacheMax64(cache);
+                       const int bytes = GDALGetDataTypeSizeBytes(
+                           scene->source.GetRasterBand(0)->GetGDALBand()->GetRasterDataType());
+                       bench::Remark(name, "peak grows by " + std::to_string(std::lround(grown)) +
+                                               " MB, of which 16 GDAL's cache; a band's window " +
+                                               std::to_string(bytes * LARGE / 1024 * LARGE / 1024) +
+                                               " MB");
+                   }},
+                   1);
+}
+
 /// What remains once the samples are read, all threads against one.
 void AddThreads(const std::string& file, ScenePointer scene) {
     const CBoundingBox box = scene->Box(4000, 5000, side);
@@ -306,6 +333,7 @@ void zelto::bench::Register() {
         AddPan(name, scene);
         AddCached(name, scene);
         AddMasked(name, scene);
+        AddMemory(name, scene);
         AddThreads(name, scene);
         if (scene->source.GetRasterDataType() == PDT_Byte)
             AddAdjustments(scene);

@@ -16,7 +16,11 @@ std::string FourBands16Bit();
 /// the same place.
 std::string ThreeBands8Bit();
 
-/// Peak resident memory of this process so far, in megabytes.
+/// Peak resident memory of this process, in megabytes: since its start, or since the last
+/// ResetPeakMemory().
 double PeakMemoryMegabytes();
+
+/// Lets the peak begin anew at the memory that is resident now.
+void ResetPeakMemory();
 
 } // namespace zelto::bench
