@@ -112,6 +112,6 @@ std::unique_ptr<CAOISource> MakeRegion(const RegionOptions& options, const CRast
     if (region->AddDrawShape(shape.get()))
         static_cast<void>(shape.release());
     return region;
-}
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the area owns the shape
 
 } // namespace zelto::cli
