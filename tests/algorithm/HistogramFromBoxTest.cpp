@@ -240,13 +240,7 @@ TEST_F(HistogramFromBox, AllBandsAgreeWithEachBandAlone) {
 }
 
 TEST_F(HistogramFromBox, OfABandThatCannotBeReadTheOutputsStayAndTheNextBandFollows) {
-    RasterSpec spec = UnitSpec(300, 300);
-    spec.options = {"INTERLEAVE=BAND"};
-    const auto fives = MakePixels(300, 300, [](int c, int) { return 1.0 + c % 5; });
-    auto source = Open(spec, {fives, fives});
-    source.reset();
-    std::filesystem::resize_file(m_path, 120000); // the second band is cut
-    source = Reopen();
+    auto source = OpenWithCutSecondBand();
     std::vector<int> first(256, -1), second(256, -1);
     int* pointers[] = {first.data(), second.data()};
     double min[] = {-9, -9}, max[] = {-9, -9}, mean[] = {-9, -9}, low[2], high[2];

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <memory>
 #include <random>
 #include <utility>
@@ -37,6 +38,16 @@ class RegionTest : public testing::Test {
         const std::wstring path(m_path.begin(), m_path.end());
         EXPECT_EQ(source->Open(path.c_str(), GIS_READONLY, keepRotation), GIS_SUCCESS);
         return source;
+    }
+
+    /// 300 × 300 pixels of 1 … 5 in two bands, the second of which ends early and is not read.
+    std::unique_ptr<CRasterSource> OpenWithCutSecondBand() {
+        RasterSpec spec = UnitSpec(300, 300);
+        spec.options = {"INTERLEAVE=BAND"};
+        const auto fives = MakePixels(300, 300, [](int c, int) { return 1.0 + c % 5; });
+        Open(spec, {fives, fives}).reset();
+        std::filesystem::resize_file(m_path, 120000);
+        return Reopen();
     }
 
     /// width × height pixels of one ground unit each, so that ground (x, y) is column x and row

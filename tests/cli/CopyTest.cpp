@@ -1,3 +1,4 @@
+#include "tests/cli/OpenImage.h"
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/SmallDisk.h"
@@ -13,6 +14,7 @@
 
 using zelto::test::MakePixels;
 using zelto::test::NorthUp;
+using zelto::test::OpenImage;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
 using zelto::test::RunZelto;
@@ -21,12 +23,6 @@ using zelto::test::TemporaryFolder;
 using Names = std::vector<std::string>;
 
 namespace {
-
-GDALDatasetUniquePtr OpenImage(const std::string& path) {
-    GDALAllRegister();
-    return GDALDatasetUniquePtr(
-        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
-}
 
 std::array<double, 6> GeoTransformOf(const std::string& path) {
     std::array<double, 6> geoTransform = {};

@@ -1,3 +1,4 @@
+#include "tests/cli/OpenImage.h"
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -6,21 +7,12 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
+using zelto::test::OpenImage;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
 using zelto::test::RunZelto;
 using zelto::test::TemporaryFolder;
 using Names = std::vector<std::string>;
-
-namespace {
-
-GDALDatasetUniquePtr OpenImage(const std::string& path) {
-    GDALAllRegister();
-    return GDALDatasetUniquePtr(
-        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
-}
-
-} // namespace
 
 TEST(CreateCommand, MakesARasterAsDescribed) {
     const TemporaryFolder folder;

@@ -1,3 +1,4 @@
+#include "tests/cli/OpenImage.h"
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
+using zelto::test::OpenImage;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
 using zelto::test::ReadFile;
@@ -16,12 +18,6 @@ using GeoTransform = std::array<double, 6>;
 using Names = std::vector<std::string>;
 
 namespace {
-
-GDALDatasetUniquePtr OpenImage(const std::string& path) {
-    GDALAllRegister();
-    return GDALDatasetUniquePtr(
-        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
-}
 
 GeoTransform GeoTransformOf(const std::string& path) {
     GeoTransform geoTransform = {};
