@@ -1,6 +1,7 @@
 #include "zelto/datasource/GISDataSource.h"
 
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/LastError.h"
 
 #include <gdal.h>
 #include <ogr_spatialref.h>
@@ -46,6 +47,14 @@ CGISDataSource::~CGISDataSource() {
     if (m_spatialReference != nullptr)
         m_spatialReference->Release();
     DestroyGDAL();
+}
+
+std::string CGISDataSource::GetLastErrorText() {
+    return zelto::LastError();
+}
+
+void CGISDataSource::ClearLastErrorText() {
+    zelto::ClearLastError();
 }
 
 void CGISDataSource::SetVisible(bool visible) {

@@ -90,6 +90,17 @@ class ZELTO_API CGISDataSource {
     /// Writes `wkt` as it is, without a line end; does nothing when the file cannot be opened.
     static void WriteWkt(const char* path, const char* wkt);
 
+    /// Why the last operation of the engine failed on this thread: the file it is about and the
+    /// reason, GDAL's or the system's where they gave one, in one line of UTF-8. An addition to
+    /// the fixed interface, for hosts that want to tell more than an error code says.
+    ///
+    /// Read it right after a call of any class of the engine that answered failure (an error code,
+    /// false or a null pointer): operations that succeed need not touch it. Empty when there is
+    /// nothing to tell.
+    static std::string GetLastErrorText();
+    /// Forgets the reason, so that one read later is not an older one.
+    static void ClearLastErrorText();
+
     /// Counts one more user of GDAL; the first one configures and registers it.
     static void RegisterGDAL();
     /// Counts one user of GDAL less; when none is left GDAL is torn down.
