@@ -25,6 +25,7 @@
 #include "zelto/baselib/ErrorEquation.h"
 #include "zelto/baselib/Log.h"
 #include "zelto/baselib/MatrixOperation.h"
+#include "zelto/baselib/NewFileSet.h"
 #include "zelto/baselib/RgbaColor.h"
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/classify/ClassifySampleFile.h"

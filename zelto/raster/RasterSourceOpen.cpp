@@ -1,6 +1,7 @@
 #include "zelto/baselib/ClassifyDisplayTable.h"
 #include "zelto/baselib/ColorRamp.h"
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/NewFileSet.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/raster/RasterBand.h"
@@ -80,6 +81,7 @@ GDALDataset* CRasterSource::GDALOpenEx(const wchar_t* path, GISDataAccess access
 }
 
 bool CRasterSource::OpenStoredPath(GISDataAccess access) {
+    CNewFileSet::Restore(m_filePath);
     const std::string path = CommonFun::U2M(m_filePath);
     GISDataAccess obtained = GIS_READONLY;
     if (access == GIS_UPDATE)

@@ -35,12 +35,12 @@ void AddMeeting(const OGRGeometry& geometry, const CBoundingBox* box,
 std::vector<int> CopyFields(OGRLayer& from, OGRLayer& to) {
     const OGRFeatureDefn& fields = *from.GetLayerDefn();
     std::vector<int> numbers;
+    // A field left out is no failure of the file.
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     for (int i = 0; i < fields.GetFieldCount(); ++i) {
         OGRFieldDefn copy(fields.GetFieldDefn(i));
         const bool created = to.CreateField(&copy) == OGRERR_NONE;
         numbers.push_back(created ? to.GetLayerDefn()->GetFieldCount() - 1 : -1);
-        if (!created)
-            CPLErrorReset(); // a field left out is no failure of the file
     }
     return numbers;
 }

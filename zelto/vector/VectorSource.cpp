@@ -1,6 +1,7 @@
 #include "zelto/vector/VectorSource.h"
 
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/NewFileSet.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 #include "zelto/vector/internal/NewShapefile.h"
 
@@ -32,6 +33,7 @@ GISError CVectorSource::Open(const wchar_t* path, GISDataAccess access, bool /*a
     Close();
     m_filePath = path;
     m_fileName = CommonFun::GetFileNameWithExtension(m_filePath);
+    CNewFileSet::Restore(m_filePath);
     const unsigned int flags = GDAL_OF_VECTOR | (access == GIS_UPDATE ? GDAL_OF_UPDATE : 0U);
     m_dataset = GDALDataset::Open(CommonFun::U2M(m_filePath).c_str(), flags);
     if (m_dataset == nullptr)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelto/baselib/NewFileSet.h"
+
 #include <bit>
 #include <cstdint>
 #include <fstream>
@@ -77,14 +79,11 @@ class BinaryWriter {
     std::ostream& m_stream;
 };
 
-/// A new file that takes its place only when it is complete: it is written under a temporary
-/// name in the same folder and renamed by Commit(). Without Commit() nothing remains of it.
+/// A new file, written through a stream, that takes its place only when it is complete; see
+/// CNewFileSet. Without Commit() nothing remains of it.
 class ReplacementFile {
   public:
     explicit ReplacementFile(const std::wstring& path);
-    ~ReplacementFile();
-    ReplacementFile(const ReplacementFile&) = delete;
-    ReplacementFile& operator=(const ReplacementFile&) = delete;
 
     bool IsOpen() const { return m_stream.is_open(); }
     std::ostream& Stream() { return m_stream; }
@@ -93,8 +92,7 @@ class ReplacementFile {
     bool Commit();
 
   private:
-    std::string m_path;
-    std::string m_temporaryPath;
+    CNewFileSet m_files;
     std::ofstream m_stream;
 };
 

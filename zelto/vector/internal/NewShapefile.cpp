@@ -1,9 +1,11 @@
 #include "zelto/vector/internal/NewShapefile.h"
 
+#include "zelto/baselib/CommonFun.h"
+
 #include <cpl_error.h>
 
-#include <cstdlib>
-#include <system_error>
+#include <filesystem>
+#include <vector>
 
 namespace zelto {
 
@@ -27,34 +29,33 @@ void DeleteVectorQuietly(GDALDriver& driver, const std::string& path) {
 
 namespace {
 
-/// A new empty folder beside the path; empty when the folder does not allow it.
-fs::path CreateFolderBeside(const fs::path& path) {
-    std::string name = path.string() + ".XXXXXX";
-    return path.empty() || mkdtemp(name.data()) == nullptr ? fs::path() : fs::path(name);
+/// The files that may belong to a shapefile beside its main file.
+std::vector<std::wstring> SideFiles(const std::string& path) {
+    static constexpr const char* EXTENSIONS[] = {"shx", "dbf", "sbn", "sbx", "prj",
+                                                 "idm", "ind", "qix", "cpg", "qpj"};
+    std::vector<std::wstring> names;
+    for (const char* extension : EXTENSIONS)
+        names.push_back(
+            CommonFun::M2U(fs::path(path).filename().replace_extension(extension).string()));
+    return names;
 }
 
 } // namespace
 
-NewShapefile::NewShapefile(const std::string& path)
-    : m_path(path), m_folder(CreateFolderBeside(m_path)) {
+NewShapefile::NewShapefile(const std::string& path) : m_path(path), m_files(CommonFun::M2U(path)) {
     GDALDriver* driver = ShapefileDriver();
-    if (driver == nullptr || m_folder.empty())
+    if (driver == nullptr || !m_files.IsOpen())
         return;
-    // What goes wrong from here on is found when the file is closed.
-    CPLErrorReset();
-    const std::string inFolder = (m_folder / m_path.filename()).string();
-    m_dataset.reset(driver->Create(inFolder.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
-}
-
-NewShapefile::~NewShapefile() {
-    m_dataset.reset();
-    std::error_code ignored;
-    if (!m_folder.empty())
-        fs::remove_all(m_folder, ignored);
+    m_dataset.reset(driver->Create(CommonFun::U2M(m_files.GetTemporaryPath()).c_str(), 0, 0, 0,
+                                   GDT_Unknown, nullptr));
 }
 
 OGRLayer* NewShapefile::CreateLayer(const char* name, OGRwkbGeometryType type) {
-    return m_dataset != nullptr ? m_dataset->CreateLayer(name, nullptr, type, nullptr) : nullptr;
+    OGRLayer* const layer =
+        m_dataset != nullptr ? m_dataset->CreateLayer(name, nullptr, type, nullptr) : nullptr;
+    if (layer == nullptr && m_files.IsOpen())
+        m_watch.Succeeded(false, m_path);
+    return layer;
 }
 
 bool NewShapefile::Commit() {
@@ -62,19 +63,7 @@ bool NewShapefile::Commit() {
         return false;
     // Blocks still in memory are written when the data set closes, which reports no result.
     m_dataset.reset();
-    return CPLGetLastErrorType() != CE_Failure && MoveIntoPlace();
-}
-
-bool NewShapefile::MoveIntoPlace() const {
-    DeleteVectorQuietly(*ShapefileDriver(), m_path.string());
-    std::error_code error;
-    for (fs::directory_iterator file(m_folder, error), end; !error && file != end;
-         file.increment(error)) {
-        fs::rename(file->path(), m_path.parent_path() / file->path().filename(), error);
-        if (error)
-            break;
-    }
-    return !error;
+    return m_watch.Succeeded(true, m_path) && m_files.Commit(SideFiles(m_path));
 }
 
 } // namespace zelto

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "zelto/baselib/NewFileSet.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
-#include <filesystem>
 #include <string>
 
 namespace zelto {
@@ -17,16 +19,13 @@ bool CanCreateVector(GDALDriver& driver);
 /// Deletes the data source at the path with all its files, if there is one.
 void DeleteVectorQuietly(GDALDriver& driver, const std::string& path);
 
-/// A new shapefile that takes its place only when it is complete: it is written in a temporary
-/// folder beside the path and moved by Commit(). Without Commit() nothing remains of it and
-/// what was at the path stays.
+/// A new shapefile that takes its place, with its side files, only when it is complete; see
+/// CNewFileSet. Without Commit() nothing remains of it and what was at the path stays. What GDAL
+/// says in the life of the object decides about success.
 class NewShapefile {
   public:
     /// @param path UTF-8
     explicit NewShapefile(const std::string& path);
-    ~NewShapefile();
-    NewShapefile(const NewShapefile&) = delete;
-    NewShapefile& operator=(const NewShapefile&) = delete;
 
     /// False without the driver, and where the folder cannot be written.
     bool IsOpen() const { return m_dataset != nullptr; }
@@ -37,11 +36,10 @@ class NewShapefile {
     bool Commit();
 
   private:
-    bool MoveIntoPlace() const;
-
-    std::filesystem::path m_path;
-    std::filesystem::path m_folder; ///< temporary; empty when it could not be made
-    GDALDatasetUniquePtr m_dataset;
+    std::string m_path;
+    GdalWatch m_watch;
+    CNewFileSet m_files;
+    GDALDatasetUniquePtr m_dataset; ///< closed before its files go
 };
 
 } // namespace zelto

@@ -1,0 +1,227 @@
+#include "zelto/baselib/NewFileSet.h"
+
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/datasource/GISDataSource.h"
+
+#include "tests/support/KilledProcess.h"
+#include "tests/support/SmallDisk.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using zelto::test::Ending;
+using Names = std::vector<std::string>;
+using Contents = std::map<std::string, std::string>;
+
+class NewFileSet : public testing::Test {
+  protected:
+    void Write(const Contents& files) const {
+        for (const auto& [name, text] : files)
+            zelto::test::WriteFile(m_folder.File(name), text);
+    }
+    /// What stands in the folder under the names that are not hidden.
+    Contents Visible() const {
+        Contents files;
+        for (const std::string& name : m_folder.Names())
+            if (name.front() != '.')
+                files[name] = zelto::test::ReadFile(m_folder.File(name));
+        return files;
+    }
+    static void Fill(CNewFileSet& set, const Contents& files) {
+        const fs::path folder = fs::path(CommonFun::U2M(set.GetTemporaryPath())).parent_path();
+        for (const auto& [name, text] : files)
+            zelto::test::WriteFile(folder / name, text);
+    }
+    /// Replaces the set whose main file is "a.shp".
+    bool Replace(const Contents& files, const std::vector<std::wstring>& oldFiles = {}) const {
+        CNewFileSet set(m_folder.WideFile("a.shp"));
+        if (!set.IsOpen())
+            return false;
+        Fill(set, files);
+        return set.Commit(oldFiles);
+    }
+
+    zelto::test::TemporaryFolder m_folder;
+};
+
+const Contents OLD = {{"a.dbf", "old table"}, {"a.prj", "old place"}, {"a.shp", "old shapes"}};
+const Contents NEW = {{"a.cpg", "new text"}, {"a.dbf", "new table"}, {"a.shp", "new shapes"}};
+const std::vector<std::wstring> OLD_FILES = {L"a.dbf", L"a.prj"};
+
+TEST_F(NewFileSet, ASingleFileTakesThePlaceOfTheOldOne) {
+    Write({{"a.shp", "old"}});
+    EXPECT_TRUE(Replace({{"a.shp", "new"}}));
+    EXPECT_EQ(m_folder.Names(), Names{"a.shp"});
+    EXPECT_EQ(Visible(), (Contents{{"a.shp", "new"}}));
+}
+
+TEST_F(NewFileSet, SeveralFilesTakeThePlaceOfSeveral) {
+    Write(OLD);
+    EXPECT_TRUE(Replace(NEW, OLD_FILES));
+    EXPECT_EQ(m_folder.Names(), (Names{"a.cpg", "a.dbf", "a.shp"}));
+    EXPECT_EQ(Visible(), NEW);
+}
+
+TEST_F(NewFileSet, FilesThatAreNotNamedStay) {
+    Write({{"a.shp", "old"}, {"a.txt", "mine"}});
+    EXPECT_TRUE(Replace(NEW));
+    EXPECT_EQ(Visible().at("a.txt"), "mine");
+}
+
+TEST_F(NewFileSet, WithoutCommitNothingRemains) {
+    Write(OLD);
+    {
+        CNewFileSet set(m_folder.WideFile("a.shp"));
+        ASSERT_TRUE(set.IsOpen());
+        Fill(set, NEW);
+    }
+    EXPECT_EQ(m_folder.Names(), (Names{"a.dbf", "a.prj", "a.shp"}));
+    EXPECT_EQ(Visible(), OLD);
+}
+
+TEST_F(NewFileSet, AMissingMainFileFailsAndTheOldSetStays) {
+    Write(OLD);
+    EXPECT_FALSE(Replace({{"a.dbf", "new"}}, OLD_FILES));
+    EXPECT_EQ(Visible(), OLD);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_folder.File("a.shp") + ": No such file or directory");
+}
+
+TEST_F(NewFileSet, FilesKeepThePermissionsOfTheOldOnes) {
+    Write({{"a.dbf", "x"}, {"a.shp", "x"}});
+    chmod(m_folder.File("a.dbf").c_str(), 0640);
+    chmod(m_folder.File("a.shp").c_str(), 0600);
+    const mode_t mask = umask(022);
+    EXPECT_TRUE(Replace(NEW, {L"a.dbf"}));
+    umask(mask);
+    const auto mode = [&](const char* name) {
+        struct stat status {};
+        stat(m_folder.File(name).c_str(), &status);
+        return status.st_mode & 07777U;
+    };
+    EXPECT_EQ(mode("a.dbf"), 0640U);
+    EXPECT_EQ(mode("a.shp"), 0600U);
+    EXPECT_EQ(mode("a.cpg"), 0644U);
+}
+
+TEST_F(NewFileSet, ProtectedFilesFoldersAndMissingFoldersAreRefusedWithAReason) {
+    fs::create_directory(m_folder.Path() / "folder");
+    EXPECT_FALSE(CNewFileSet(m_folder.WideFile("folder")).IsOpen());
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), m_folder.File("folder") + ": Is a directory");
+    EXPECT_FALSE(CNewFileSet(m_folder.WideFile("missing/a")).IsOpen());
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_folder.File("missing/a") + ": No such file or directory");
+    EXPECT_FALSE(CNewFileSet(L"").IsOpen());
+    if (geteuid() == 0)
+        GTEST_SKIP() << "nothing is protected from this user";
+    Write({{"a.shp", "x"}});
+    chmod(m_folder.File("a.shp").c_str(), 0400);
+    EXPECT_FALSE(CNewFileSet(m_folder.WideFile("a.shp")).IsOpen());
+}
+
+TEST_F(NewFileSet, LeftoversOfProcessesThatAreGoneAreRemoved) {
+    fs::create_directory(m_folder.Path() / ".zelto-AbCdEf");
+    Write({{".zelto-AbCdEf/big", "half a file"}});
+    EXPECT_TRUE(Replace({{"a.shp", "new"}}));
+    EXPECT_EQ(m_folder.Names(), Names{"a.shp"});
+}
+
+TEST_F(NewFileSet, FoldersOfLivingOwnersStay) {
+    CNewFileSet first(m_folder.WideFile("b.shp"));
+    Fill(first, {{"b.shp", "first"}});
+    EXPECT_TRUE(Replace({{"a.shp", "second"}}));
+    EXPECT_TRUE(first.Commit());
+    EXPECT_EQ(Visible(), (Contents{{"a.shp", "second"}, {"b.shp", "first"}}));
+}
+
+TEST_F(NewFileSet, AFullDiskLeavesTheOldSet) {
+    const zelto::test::SmallDisk disk(m_folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount";
+    Write({{"disk/a.shp", "old"}});
+    {
+        CNewFileSet set(m_folder.WideFile("disk/a.shp"));
+        const std::string megabytes(std::size_t{2} << 20, 'x');
+        std::FILE* file = std::fopen(CommonFun::U2M(set.GetTemporaryPath()).c_str(), "wb");
+        EXPECT_LT(std::fwrite(megabytes.data(), 1, megabytes.size(), file), megabytes.size());
+        std::fclose(file);
+    }
+    EXPECT_EQ(zelto::test::ReadFile(m_folder.File("disk/a.shp")), "old");
+}
+
+/// Kills a replacement before each of its system calls. At every moment the old or the new set
+/// is whole under its names, or the main file is missing and the old set is put back by the next
+/// opening; the next save leaves nothing hidden behind.
+void KillEveryStep(const std::function<void()>& prepare, const std::function<bool()>& replace,
+                   const std::function<Contents()>& visible, const Contents& before,
+                   const Contents& after, const std::wstring& main,
+                   const std::function<Names()>& names) {
+    int number = 0;
+    for (Ending ending = Ending::Killed; ending == Ending::Killed;) {
+        prepare();
+        ending = zelto::test::KillBeforeSystemCall(++number, [&] { replace(); });
+        if (ending == Ending::CannotWatch)
+            GTEST_SKIP() << "this user may not watch processes";
+        SCOPED_TRACE("killed before change " + std::to_string(number));
+        const Contents seen = visible();
+        const bool hasMain = seen.count("a.shp") != 0;
+        if (hasMain && seen != before && seen != after) {
+            // Side files of the new set wait for their main file only where none was before.
+            ADD_FAILURE() << "a mixture under the main file's name";
+        }
+        CNewFileSet::Restore(main);
+        const Contents restored = visible();
+        EXPECT_TRUE(restored == before || restored == after);
+        EXPECT_TRUE(replace());
+        EXPECT_EQ(visible(), after);
+        for (const std::string& name : names())
+            EXPECT_NE(name.front(), '.') << name;
+    }
+    EXPECT_GT(number, 5);
+}
+
+TEST_F(NewFileSet, AKillAtAnyStepLeavesTheOldOrTheNewFile) {
+    KillEveryStep(
+        [&] {
+            Write({{"a.shp", "old"}});
+        },
+        [&] {
+            return Replace({{"a.shp", "new"}});
+        },
+        [&] { return Visible(); }, {{"a.shp", "old"}}, {{"a.shp", "new"}},
+        m_folder.WideFile("a.shp"), [&] { return m_folder.Names(); });
+}
+
+TEST_F(NewFileSet, AKillAtAnyStepLeavesTheOldOrTheNewSet) {
+    KillEveryStep(
+        [&] {
+            fs::remove(m_folder.File("a.cpg"));
+            Write(OLD);
+        },
+        [&] { return Replace(NEW, OLD_FILES); }, [&] { return Visible(); }, OLD, NEW,
+        m_folder.WideFile("a.shp"), [&] { return m_folder.Names(); });
+}
+
+TEST_F(NewFileSet, ABackupWithoutAListOrWithForeignNamesHarmsNothing) {
+    fs::create_directory(m_folder.Path() / ".zelto-old-a.shp");
+    Write({{"b.txt", "mine"}});
+    CNewFileSet::Restore(m_folder.WideFile("a.shp"));
+    fs::create_directory(m_folder.Path() / "sub");
+    fs::create_directory(m_folder.Path() / "sub/.zelto-old-a.shp");
+    Write({{"sub/.zelto-old-a.shp/.zelto-set", "a.shp\n../b.txt\n"},
+           {"sub/.zelto-old-a.shp/a.shp", "old"}});
+    CNewFileSet::Restore(m_folder.WideFile("sub/a.shp"));
+    EXPECT_EQ(zelto::test::ReadFile(m_folder.File("b.txt")), "mine");
+    EXPECT_EQ(zelto::test::ReadFile(m_folder.File("sub/a.shp")), "old");
+}
+
+} // namespace
