@@ -2,9 +2,11 @@
 
 #include "zelto/aoi/DrawEllipse.h"
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/NewFileSet.h"
 
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
+#include "cli/support/RasterFiles.h"
 #include "cli/support/Reference.h"
 #include "cli/support/Text.h"
 
@@ -71,13 +73,20 @@ void SaveAoiOrFail(CAOISource& aoi, const std::string& path) {
     UseModerateRings(aoi);
     CPLErrorReset();
     const VectorDataFormat format = FormatOf(path);
-    if (aoi.SaveAs(Wide(path).c_str(), format) != GIS_SUCCESS)
+    CNewFileSet files(Wide(path));
+    if (!files.IsOpen())
+        throw Failure(CGISDataSource::GetLastErrorText());
+    const std::wstring made = files.GetTemporaryPath();
+    if (aoi.SaveAs(made.c_str(), format) != GIS_SUCCESS)
         throw Failure(path, LastGdalMessage("cannot be written"));
     const std::string prj = SrsAsWkt(aoi.GetSpatialReferenceWKT(), "FORMAT=WKT1_ESRI");
     if (format == VDF_SHAPEFILE && !prj.empty()) {
-        const std::wstring stem = CommonFun::GetFilePahWithoutExtension(Wide(path));
+        const std::wstring stem = CommonFun::GetFilePahWithoutExtension(made);
         CGISDataSource::WriteWkt(Narrow(stem + L".prj").c_str(), prj.c_str());
     }
+    const bool isSet = format == VDF_SHAPEFILE;
+    if (!files.Commit(isSet ? SideFilesOf(path) : std::vector<std::wstring>()))
+        throw Failure(CGISDataSource::GetLastErrorText());
 }
 
 std::string KindName(const CDrawShape& shape) {

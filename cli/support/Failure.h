@@ -10,6 +10,8 @@ class Failure : public std::runtime_error {
   public:
     Failure(const std::string& file, const std::string& reason)
         : std::runtime_error(file + ": " + reason) {}
+    /// @param line names the file already, as CGISDataSource::GetLastErrorText() does
+    explicit Failure(const std::string& line) : std::runtime_error(line) {}
 };
 
 /// The options make no sense together; the program prints it and exits with 2.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelto/baselib/NewFileSet.h"
+#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/raster/RasterSource.h"
 
 #include <filesystem>
@@ -20,29 +22,28 @@ struct NewRasterLayout {
     std::vector<std::string> options;
 };
 
-/// A raster that appears under its name only when it is complete: it is made in a hidden folder
-/// beside that name, which the destructor removes with whatever is in it.
+/// A raster that appears under its name, with its side files, only when it is complete; see
+/// CNewFileSet. What GDAL says in the life of the object decides about success.
 class NewRaster {
   public:
     /// Creates the raster. Throws Failure.
     /// @param path where it will appear
     NewRaster(const std::string& path, const NewRasterLayout& layout);
-    ~NewRaster();
-    NewRaster(const NewRaster&) = delete;
-    NewRaster& operator=(const NewRaster&) = delete;
 
     /// The raster, open for writing.
     CRasterSource& Raster() { return m_raster; }
-    /// Closes the raster and moves it to its name, in place of what stands there. Throws
-    /// Failure; the old file is gone only when the new one is complete.
+    /// Closes the raster, opens it again to see that it is there, and moves it to its name in
+    /// place of what stands there. Throws Failure; the old file is gone only when the new one is
+    /// complete.
     void Commit();
 
   private:
-    void MoveLeftOvers(const std::filesystem::path& folder) const;
+    void CheckReadable(const std::filesystem::path& made) const;
 
     std::string m_path;
-    std::filesystem::path m_folder;
-    CRasterSource m_raster;
+    CNewFileSet m_files;
+    CRasterSource m_raster; ///< closed before its files go
+    GdalWatch m_watch;      ///< gone before the source, with which GDAL may go
 };
 
 } // namespace zelto::cli

@@ -1,16 +1,19 @@
 #include "cli/support/NewVector.h"
 
+#include "zelto/datasource/GISDataSource.h"
+
 #include "cli/support/Failure.h"
-#include "cli/support/FolderBeside.h"
 #include "cli/support/Open.h"
+#include "cli/support/RasterFiles.h"
 #include "cli/support/Reference.h"
+#include "cli/support/Text.h"
 
 #include <cpl_error.h>
 #include <cpl_string.h>
 #include <ogr_spatialref.h>
 #include <ogrsf_frmts.h>
 
-#include <system_error>
+#include <filesystem>
 
 namespace zelto::cli {
 
@@ -43,15 +46,14 @@ GDALDriver* DriverFor(const std::string& path) {
 NewVector::NewVector(const std::string& path) : m_path(path), m_driver(DriverFor(path)) {
     if (m_driver == nullptr)
         throw UsageError(path + ": no vector format that can be written has this extension");
-    m_folder = MakeFolderBeside(path);
-    const auto file = m_folder / std::filesystem::path(path).filename();
-    m_dataset.reset(m_driver->Create(file.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    m_files.emplace(Wide(path));
+    if (!m_files->IsOpen())
+        throw Failure(CGISDataSource::GetLastErrorText());
+    m_dataset.reset(m_driver->Create(TemporaryPath().c_str(), 0, 0, 0, GDT_Unknown, nullptr));
 }
 
-NewVector::~NewVector() {
-    m_dataset.reset();
-    std::error_code ignored;
-    std::filesystem::remove_all(m_folder, ignored);
+std::string NewVector::TemporaryPath() const {
+    return Narrow(m_files->GetTemporaryPath());
 }
 
 OGRLayer& NewVector::MakeLayer(const std::string& srs, OGRwkbGeometryType type) {
@@ -67,22 +69,14 @@ OGRLayer& NewVector::MakeLayer(const std::string& srs, OGRwkbGeometryType type) 
 }
 
 void NewVector::Finish() {
-    CPLErrorReset();
+    // What is still in memory is written now; closing reports no result.
     m_dataset.reset();
-    if (CPLGetLastErrorType() == CE_Failure)
-        throw Failure(m_path, LastGdalMessage("cannot be written"));
-    if (std::filesystem::exists(m_path)) {
-        // With all its side files, as far as the format knows the old file.
-        CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
-        m_driver->Delete(m_path.c_str());
-    }
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(m_folder)) {
-        const auto target = std::filesystem::path(m_path).parent_path() / entry.path().filename();
-        std::filesystem::rename(entry.path(), target, error);
-        if (error)
-            throw Failure(target.string(), error.message());
-    }
+    if (m_watch.HasError())
+        throw Failure(m_path, m_watch.Error());
+    if (!GDALDatasetUniquePtr(GDALDataset::Open(TemporaryPath().c_str(), GDAL_OF_VECTOR)))
+        throw Failure(m_path, LastGdalMessage("was written, but cannot be read"));
+    if (!m_files->Commit(SideFilesOf(m_path)))
+        throw Failure(CGISDataSource::GetLastErrorText());
 }
 
 } // namespace zelto::cli

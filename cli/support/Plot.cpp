@@ -1,5 +1,8 @@
 #include "cli/support/Plot.h"
 
+#include "zelto/baselib/NewFileSet.h"
+#include "zelto/datasource/GISDataSource.h"
+
 #include "cli/support/Failure.h"
 #include "cli/support/Text.h"
 
@@ -7,8 +10,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <unistd.h>
 
 namespace zelto::cli {
 
@@ -214,19 +215,15 @@ void Plot::Axes() {
 }
 
 void Plot::Write(const std::string& path) {
-    const std::filesystem::path file(path);
-    const std::string unfinished =
-        (file.parent_path() / ("." + file.filename().string() + "." + std::to_string(getpid())))
-            .string();
-    const cairo_status_t status = cairo_surface_write_to_png(m_surface.get(), unfinished.c_str());
-    std::error_code error;
-    if (status == CAIRO_STATUS_SUCCESS)
-        std::filesystem::rename(unfinished, file, error);
-    if (status == CAIRO_STATUS_SUCCESS && !error)
-        return;
-    std::error_code ignored;
-    std::filesystem::remove(unfinished, ignored);
-    throw Failure(path, error ? error.message() : cairo_status_to_string(status));
+    CNewFileSet file(Wide(path));
+    if (!file.IsOpen())
+        throw Failure(CGISDataSource::GetLastErrorText());
+    const cairo_status_t status =
+        cairo_surface_write_to_png(m_surface.get(), Narrow(file.GetTemporaryPath()).c_str());
+    if (status != CAIRO_STATUS_SUCCESS)
+        throw Failure(path, cairo_status_to_string(status));
+    if (!file.Commit())
+        throw Failure(CGISDataSource::GetLastErrorText());
 }
 
 } // namespace zelto::cli
