@@ -3,13 +3,16 @@
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/datasource/GISDataSource.h"
 
-#include "tests/support/KilledProcess.h"
+#include "tests/support/DisturbedProcess.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <map>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,7 +21,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using zelto::test::Ending;
+using zelto::test::Disturb;
+using zelto::test::Disturbance;
+using zelto::test::DisturbedRun;
 using Names = std::vector<std::string>;
 using Contents = std::map<std::string, std::string>;
 
@@ -36,18 +41,20 @@ class NewFileSet : public testing::Test {
                 files[name] = zelto::test::ReadFile(m_folder.File(name));
         return files;
     }
-    static void Fill(CNewFileSet& set, const Contents& files) {
+    /// Writes files into the hidden folder; false when one cannot be written.
+    static bool Fill(CNewFileSet& set, const Contents& files) {
         const fs::path folder = fs::path(CommonFun::U2M(set.GetTemporaryPath())).parent_path();
-        for (const auto& [name, text] : files)
-            zelto::test::WriteFile(folder / name, text);
+        return std::all_of(files.begin(), files.end(), [&](const auto& file) {
+            std::ofstream stream(folder / file.first, std::ios::binary);
+            stream << file.second;
+            stream.close();
+            return static_cast<bool>(stream);
+        });
     }
     /// Replaces the set whose main file is "a.shp".
     bool Replace(const Contents& files, const std::vector<std::wstring>& oldFiles = {}) const {
         CNewFileSet set(m_folder.WideFile("a.shp"));
-        if (!set.IsOpen())
-            return false;
-        Fill(set, files);
-        return set.Commit(oldFiles);
+        return set.IsOpen() && Fill(set, files) && set.Commit(oldFiles);
     }
 
     zelto::test::TemporaryFolder m_folder;
@@ -158,57 +165,110 @@ TEST_F(NewFileSet, AFullDiskLeavesTheOldSet) {
     EXPECT_EQ(zelto::test::ReadFile(m_folder.File("disk/a.shp")), "old");
 }
 
-/// Kills a replacement before each of its system calls. At every moment the old or the new set
-/// is whole under its names, or the main file is missing and the old set is put back by the next
-/// opening; the next save leaves nothing hidden behind.
-void KillEveryStep(const std::function<void()>& prepare, const std::function<bool()>& replace,
-                   const std::function<Contents()>& visible, const Contents& before,
-                   const Contents& after, const std::wstring& main,
-                   const std::function<Names()>& names) {
-    int number = 0;
-    for (Ending ending = Ending::Killed; ending == Ending::Killed;) {
-        prepare();
-        ending = zelto::test::KillBeforeSystemCall(++number, [&] { replace(); });
-        if (ending == Ending::CannotWatch)
-            GTEST_SKIP() << "this user may not watch processes";
-        SCOPED_TRACE("killed before change " + std::to_string(number));
-        const Contents seen = visible();
-        const bool hasMain = seen.count("a.shp") != 0;
-        if (hasMain && seen != before && seen != after) {
-            // Side files of the new set wait for their main file only where none was before.
-            ADD_FAILURE() << "a mixture under the main file's name";
+/// A replacement that is disturbed at each of its steps in turn.
+struct DisturbedReplacement {
+    std::function<void()> prepare;
+    std::function<bool()> replace; ///< to be done
+    std::function<Contents()> visible;
+    std::function<Names()> names;
+    Contents before;
+    Contents after;
+    std::wstring mainFile;
+
+    /// At every moment the old or the new set is whole under its names, or the main file is
+    /// missing and the next opening puts the old set back; the next save leaves nothing hidden.
+    void KillAtEveryStep() const {
+        int number = 0;
+        for (auto ending = DisturbedRun::Ending::Disturbed;
+             ending == DisturbedRun::Ending::Disturbed;) {
+            prepare();
+            ending = Disturb(++number, Disturbance::Kill, [this] { replace(); }).ending;
+            if (ending == DisturbedRun::Ending::CannotWatch)
+                GTEST_SKIP() << "this user may not watch processes";
+            SCOPED_TRACE("killed before change " + std::to_string(number));
+            const Contents seen = visible();
+            EXPECT_TRUE(seen.count("a.shp") == 0 || seen == before || seen == after);
+            CNewFileSet::Restore(mainFile);
+            const Contents restored = visible();
+            EXPECT_TRUE(restored == before || restored == after);
+            EXPECT_TRUE(replace());
+            EXPECT_EQ(visible(), after);
+            ExpectNothingHidden();
         }
-        CNewFileSet::Restore(main);
-        const Contents restored = visible();
-        EXPECT_TRUE(restored == before || restored == after);
-        EXPECT_TRUE(replace());
-        EXPECT_EQ(visible(), after);
+        EXPECT_GT(number, 5);
+    }
+
+    /// A refused step is a failure that leaves the old set, or a success with the new one.
+    void RefuseEveryStep(Disturbance how) const {
+        int number = 0;
+        for (DisturbedRun run{DisturbedRun::Ending::Disturbed};
+             run.ending == DisturbedRun::Ending::Disturbed;) {
+            prepare();
+            run = Disturb(++number, how, [this] { _exit(replace() ? 0 : 1); });
+            if (run.ending == DisturbedRun::Ending::CannotWatch)
+                GTEST_SKIP() << "this user may not watch processes";
+            SCOPED_TRACE("refused change " + std::to_string(number));
+            CNewFileSet::Restore(mainFile);
+            EXPECT_NE(run.exitStatus, -1);
+            EXPECT_TRUE(visible() == after || (run.exitStatus == 1 && visible() == before));
+            EXPECT_TRUE(replace());
+            ExpectNothingHidden();
+        }
+        EXPECT_GT(number, 5);
+    }
+
+  private:
+    void ExpectNothingHidden() const {
         for (const std::string& name : names())
             EXPECT_NE(name.front(), '.') << name;
     }
-    EXPECT_GT(number, 5);
+};
+
+class DisturbedFileSet : public NewFileSet {
+  protected:
+    DisturbedReplacement File() {
+        return {[this] {
+                    Write({{"a.shp", "old"}});
+                },
+                [this] {
+                    return Replace({{"a.shp", "new"}});
+                },
+                [this] { return Visible(); },
+                [this] { return m_folder.Names(); },
+                {{"a.shp", "old"}},
+                {{"a.shp", "new"}},
+                m_folder.WideFile("a.shp")};
+    }
+    DisturbedReplacement Set() {
+        return {[this] {
+                    fs::remove(m_folder.File("a.cpg"));
+                    Write(OLD);
+                },
+                [this] { return Replace(NEW, OLD_FILES); },
+                [this] { return Visible(); },
+                [this] { return m_folder.Names(); },
+                OLD,
+                NEW,
+                m_folder.WideFile("a.shp")};
+    }
+};
+
+TEST_F(DisturbedFileSet, AKillAtAnyStepLeavesTheOldOrTheNewFile) {
+    File().KillAtEveryStep();
 }
 
-TEST_F(NewFileSet, AKillAtAnyStepLeavesTheOldOrTheNewFile) {
-    KillEveryStep(
-        [&] {
-            Write({{"a.shp", "old"}});
-        },
-        [&] {
-            return Replace({{"a.shp", "new"}});
-        },
-        [&] { return Visible(); }, {{"a.shp", "old"}}, {{"a.shp", "new"}},
-        m_folder.WideFile("a.shp"), [&] { return m_folder.Names(); });
+TEST_F(DisturbedFileSet, AKillAtAnyStepLeavesTheOldOrTheNewSet) {
+    Set().KillAtEveryStep();
 }
 
-TEST_F(NewFileSet, AKillAtAnyStepLeavesTheOldOrTheNewSet) {
-    KillEveryStep(
-        [&] {
-            fs::remove(m_folder.File("a.cpg"));
-            Write(OLD);
-        },
-        [&] { return Replace(NEW, OLD_FILES); }, [&] { return Visible(); }, OLD, NEW,
-        m_folder.WideFile("a.shp"), [&] { return m_folder.Names(); });
+TEST_F(DisturbedFileSet, ARefusedStepLeavesTheOldFileOrSucceeds) {
+    File().RefuseEveryStep(Disturbance::FullDisk);
+    File().RefuseEveryStep(Disturbance::BrokenDisk);
+}
+
+TEST_F(DisturbedFileSet, ARefusedStepLeavesTheOldSetOrSucceeds) {
+    Set().RefuseEveryStep(Disturbance::FullDisk);
+    Set().RefuseEveryStep(Disturbance::BrokenDisk);
 }
 
 TEST_F(NewFileSet, ABackupWithoutAListOrWithForeignNamesHarmsNothing) {
