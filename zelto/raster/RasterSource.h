@@ -296,8 +296,10 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     /// @param geoTransform,wkt null: not written
     GISError CreateAtStoredPath(GDALDriver& driver, const zelto::RasterLayout& layout,
                                 double* geoTransform, const char* wkt, char** options);
-    /// Closes the source and deletes the pyramid beside a PCIDSK file, when there is one.
-    void RemovePcidskSideFiles();
+    /// BuildOverviews() of a format that keeps the index of a pyramid in the image's file: such
+    /// a pyramid is whole, and a former one can be restored, when the file is closed.
+    GISError BuildOverviewsAndReopen(GDALDataset* dataset, const char* resampling, int bandCount,
+                                     int* bandList, CDataProgress* progress);
     static GISError WriteGeoTransform(GDALDataset& dataset, double* geoTransform);
     GISError BuildOverviews(GDALDataset* dataset, const char* resampling, int bandCount,
                             int* bandList, CDataProgress* progress);

@@ -1,14 +1,16 @@
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/FilesAside.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/PyramidBuild.h"
 #include "zelto/raster/internal/RasterLog.h"
 
 #include <gdal_priv.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <optional>
-#include <system_error>
 
 namespace {
 
@@ -41,56 +43,38 @@ bool IsBandList(GDALDataset& dataset, int bandCount, const int* bandList) {
                        [&](int band) { return band >= 1 && band <= dataset.GetRasterCount(); });
 }
 
-bool HasOverviews(GDALDataset& dataset) {
-    GDALRasterBand* band = dataset.GetRasterBand(1);
-    return band != nullptr && band->GetOverviewCount() > 0;
-}
-
 bool HasColorTable(GDALDataset& dataset) {
     GDALRasterBand* band = dataset.GetRasterBand(1);
     return band != nullptr && band->GetColorTable() != nullptr;
 }
 
-std::filesystem::path SideFile(GDALDataset& dataset, const char* extension) {
-    return std::filesystem::path(dataset.GetDescription()).replace_extension(extension);
+zelto::PyramidOrder MakeOrder(GDALDataset& dataset, RasterDataFormat format, const char* resampling,
+                              int bandCount, const int* bandList) {
+    zelto::PyramidOrder order;
+    // Colours of a table cannot be averaged.
+    order.resampling = HasColorTable(dataset) ? "NEAREST" : resampling;
+    order.levels =
+        OverviewLevels(dataset, format == RDF_PCIDSK ? SMALLEST_LEVEL_PCIDSK : SMALLEST_LEVEL);
+    if (bandCount > 0)
+        order.bands.assign(bandList, bandList + bandCount);
+    return order;
 }
 
-/// Whether the pyramid is part of the image file and not a file beside it.
-bool HasInternalOverviews(GDALDataset& dataset) {
-    std::error_code ignored;
-    return HasOverviews(dataset) && !std::filesystem::exists(SideFile(dataset, "rrd"), ignored) &&
-           !std::filesystem::exists(std::string(dataset.GetDescription()) + ".ovr", ignored);
+std::string UnknownResampling(const char* resampling) {
+    return resampling != nullptr
+               ? "no resampling for pyramids is called \"" + std::string(resampling) + "\""
+               : "no resampling is given";
 }
 
-/// The host's progress, and whether the host has cancelled: a build inside the file ends early
-/// then, but GDAL reports it as done.
-struct WatchedProgress {
-    CDataProgress* progress;
-    bool cancelled = false;
-};
-
-int WatchProgress(double complete, const char* message, void* progressData) {
-    auto& watched = *static_cast<WatchedProgress*>(progressData);
-    const int goOn = GDALProgressFuncEx(complete, message, watched.progress);
-    watched.cancelled = watched.cancelled || goOn == 0;
-    return goOn;
-}
-
-/// GDAL's pyramid build; zero levels remove what there is.
-bool Build(GDALDataset& dataset, const char* resampling, std::vector<int> levels, int bandCount,
-           int* bandList, CDataProgress* progress) {
-    WatchedProgress watched{progress};
-    const CPLErr result = dataset.BuildOverviews(
-        resampling, static_cast<int>(levels.size()), levels.empty() ? nullptr : levels.data(),
-        bandCount, bandList, progress != nullptr ? WatchProgress : GDALProgressFuncNone, &watched);
-    dataset.FlushCache();
-    return result == CE_None && !watched.cancelled;
-}
-
-void RemoveOverviews(GDALDataset& dataset) {
-    // Some drivers report an error although they can build anew.
-    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
-    Build(dataset, "NEAREST", {}, 0, nullptr, nullptr);
+/// The files that hold a pyramid whose index is inside the image's file, and which only a copy
+/// brings back. Larger pixels than an ERDAS Imagine file holds are in a file of their own,
+/// which a pyramid does not change.
+std::vector<std::filesystem::path> FilesToCopy(GDALDataset& dataset) {
+    if (!zelto::NeedsCopyToRebuild(dataset))
+        return {};
+    const std::filesystem::path path = dataset.GetDescription();
+    return {path, std::filesystem::path(path).replace_extension("rrd"),
+            std::filesystem::path(path).replace_extension("rde")};
 }
 
 bool NeedsOverviews(std::int64_t width, std::int64_t height, int overviewCount) {
@@ -112,59 +96,75 @@ bool LacksOverviews(GDALDataset& dataset) {
 
 GISError CRasterSource::BuildOverviews(const char* resampling, int bandCount, int* bandList,
                                        CDataProgress* progress) {
-    if (m_format == RDF_PCIDSK)
-        RemovePcidskSideFiles();
+    // What cannot be built must not close the file, nor cost it its pyramid.
+    if (!zelto::IsPyramidResampling(resampling)) {
+        zelto::SetLastError(CommonFun::U2M(m_filePath) + ": " + UnknownResampling(resampling));
+        return GIS_FAILED;
+    }
     if (m_format == RDF_PCIDSK || m_format == RDF_HFA)
         Reopen(GIS_UPDATE, false);
     GDALDataset* target = m_baseDataset != nullptr ? m_baseDataset : m_dataset;
-    const GISError result = BuildOverviews(target, resampling, bandCount, bandList, progress);
+    const bool isOwnIndex = (m_format == RDF_PCIDSK || m_format == RDF_HFA) && target != nullptr &&
+                            target->GetAccess() == GA_Update && zelto::IsBuiltInside(*target);
+    const GISError result =
+        isOwnIndex ? BuildOverviewsAndReopen(target, resampling, bandCount, bandList, progress)
+                   : BuildOverviews(target, resampling, bandCount, bandList, progress);
     // The view gets a pyramid of its own where the file's does not show through.
     if (m_baseDataset != nullptr)
         IsOverviewsValid();
     return result;
 }
 
+GISError CRasterSource::BuildOverviewsAndReopen(GDALDataset* dataset, const char* resampling,
+                                                int bandCount, int* bandList,
+                                                CDataProgress* progress) {
+    const std::string path = dataset->GetDescription();
+    if (!IsBandList(*dataset, bandCount, bandList))
+        return BuildOverviews(dataset, resampling, bandCount, bandList, progress);
+    const zelto::PyramidOrder order =
+        MakeOrder(*dataset, m_format, resampling, bandCount, bandList);
+    if (order.levels.empty())
+        return BuildOverviews(dataset, resampling, bandCount, bandList, progress);
+    const bool canRemove = zelto::CanRemovePyramid(*dataset);
+    zelto::FileCopies former(path, FilesToCopy(*dataset));
+    if (!former.Succeeded() && !canRemove) {
+        zelto::SetLastError(path + ": there is no room to keep its pyramid while the new one is "
+                                   "built");
+        return GIS_FAILED;
+    }
+    const bool built =
+        BuildOverviews(dataset, resampling, bandCount, bandList, progress) == GIS_SUCCESS;
+    zelto::GdalWatch watch;
+    Close();
+    const bool whole = built && watch.Succeeded(true, path) && zelto::IsPyramidInFile(path, order);
+    if (!whole) {
+        if (canRemove)
+            zelto::RemovePyramidInside(path);
+        former.Restore();
+    }
+    Reopen(GIS_UPDATE, false);
+    return whole ? GIS_SUCCESS : GIS_FAILED;
+}
+
 GISError CRasterSource::BuildOverviews(GDALDataset* dataset, const char* resampling, int bandCount,
                                        int* bandList, CDataProgress* progress) {
-    if (dataset == nullptr || resampling == nullptr || !IsBandList(*dataset, bandCount, bandList))
+    if (dataset == nullptr || !zelto::IsPyramidResampling(resampling) ||
+        !IsBandList(*dataset, bandCount, bandList)) {
+        zelto::SetLastError(CommonFun::U2M(m_filePath) +
+                            (dataset == nullptr ? ": it is not open"
+                                                : ": it has no such bands, or no such method"));
         return GIS_FAILED;
-    // Colours of a table cannot be averaged.
-    const char* method = HasColorTable(*dataset) ? "NEAREST" : resampling;
-    const std::vector<int> levels =
-        OverviewLevels(*dataset, m_format == RDF_PCIDSK ? SMALLEST_LEVEL_PCIDSK : SMALLEST_LEVEL);
-    if (levels.empty()) {
+    }
+    zelto::PyramidOrder order = MakeOrder(*dataset, m_format, resampling, bandCount, bandList);
+    order.progress = progress;
+    if (order.levels.empty()) {
         zelto::LogRaster(zelto::LOG_NOTICE, __LINE__, L"CRasterSource::BuildOverviews",
                          L"无须创建金字塔，因影像太小:" +
                              std::to_wstring(dataset->GetRasterXSize()) + L", " +
                              std::to_wstring(dataset->GetRasterYSize()));
         return GIS_SUCCESS;
     }
-    // A pyramid inside the file can be replaced, but not joined by one beside it.
-    std::optional<CPLConfigOptionSetter> insideTheFile;
-    if (HasInternalOverviews(*dataset))
-        insideTheFile.emplace("USE_RRD", "NO", false);
-    RemoveOverviews(*dataset);
-    if (Build(*dataset, method, levels, bandCount, bandList, progress))
-        return GIS_SUCCESS;
-    // An unfinished pyramid would be shown as if it were whole.
-    RemoveOverviews(*dataset);
-    return GIS_FAILED;
-}
-
-void CRasterSource::RemovePcidskSideFiles() {
-    GDALDataset* file = m_baseDataset != nullptr ? m_baseDataset : m_dataset;
-    if (file == nullptr || !HasOverviews(*file) ||
-        OverviewLevels(*file, SMALLEST_LEVEL_PCIDSK).empty())
-        return;
-    // The driver can neither remove nor replace a pyramid that stands beside the file.
-    const std::filesystem::path pyramid = SideFile(*file, "rrd");
-    const std::filesystem::path index = SideFile(*file, "aux");
-    std::error_code ignored;
-    if (!std::filesystem::exists(pyramid, ignored))
-        return;
-    Close();
-    std::filesystem::remove(pyramid, ignored);
-    std::filesystem::remove(index, ignored);
+    return zelto::BuildPyramid(*dataset, order) ? GIS_SUCCESS : GIS_FAILED;
 }
 
 bool CRasterSource::IsOverviewsValid() {

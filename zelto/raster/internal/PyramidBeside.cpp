@@ -1,0 +1,168 @@
+#include "zelto/raster/internal/PyramidBeside.h"
+
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/FilesAside.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/raster/internal/PyramidFiles.h"
+#include "zelto/raster/internal/PyramidRun.h"
+
+#include <gdal_proxy.h>
+
+#include <algorithm>
+#include <memory>
+#include <system_error>
+
+namespace zelto {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Reaches the part of a data set that keeps the pyramid beside its file. GDAL has no call that
+/// lets an open data set look for it again.
+struct PyramidKeeper : GDALDataset {
+    static GDALDefaultOverviews& Of(GDALDataset& dataset) {
+        return dataset.*(&PyramidKeeper::oOvManager);
+    }
+};
+
+/// The pixels of an image's band; the pyramid is not the image's.
+class BorrowedBand final : public GDALProxyRasterBand {
+  public:
+    BorrowedBand(GDALDataset* owner, int number, GDALRasterBand& band) : m_band(band) {
+        poDS = owner;
+        nBand = number;
+        nRasterXSize = band.GetXSize();
+        nRasterYSize = band.GetYSize();
+        eDataType = band.GetRasterDataType();
+        band.GetBlockSize(&nBlockXSize, &nBlockYSize);
+    }
+    int GetOverviewCount() override { return GDALRasterBand::GetOverviewCount(); }
+    GDALRasterBand* GetOverview(int index) override { return GDALRasterBand::GetOverview(index); }
+
+  protected:
+    GDALRasterBand* RefUnderlyingRasterBand() const override { return &m_band; }
+    void UnrefUnderlyingRasterBand(GDALRasterBand* /*band*/) const override {}
+
+  private:
+    GDALRasterBand& m_band;
+};
+
+/// An open image under another path, so that its pyramid is built there.
+class ImageElsewhere final : public GDALProxyDataset {
+  public:
+    ImageElsewhere(GDALDataset& image, const fs::path& path) : m_image(image) {
+        nRasterXSize = image.GetRasterXSize();
+        nRasterYSize = image.GetRasterYSize();
+        SetDescription(path.c_str());
+        for (int number = 1; number <= image.GetRasterCount(); ++number)
+            SetBand(number, new BorrowedBand(this, number, *image.GetRasterBand(number)));
+        RescanPyramidBeside(*this);
+    }
+
+  protected:
+    GDALDataset* RefUnderlyingDataset() const override { return &m_image; }
+    void UnrefUnderlyingDataset(GDALDataset* /*dataset*/) const override {}
+    CPLErr IBuildOverviews(const char* resampling, int levelCount, const int* levels, int bandCount,
+                           const int* bands, GDALProgressFunc progress, void* progressData,
+                           CSLConstList options) override {
+        return GDALDataset::IBuildOverviews(resampling, levelCount, levels, bandCount, bands,
+                                            progress, progressData, options);
+    }
+
+  private:
+    GDALDataset& m_image;
+};
+
+/// Builds the pyramid of the image in a folder, closes and checks it.
+bool BuildIn(const fs::path& folder, GDALDataset& image, const PyramidOrder& order) {
+    const fs::path path = folder / fs::path(image.GetDescription()).filename();
+    const std::string name = image.GetDescription();
+    GdalWatch watch;
+    auto elsewhere = std::make_unique<ImageElsewhere>(image, path);
+    if (!RunPyramidBuild(*elsewhere, order, name))
+        return false;
+    elsewhere.reset();
+    if (!watch.Succeeded(true, name))
+        return false;
+    ImageElsewhere finished(image, path);
+    return IsPyramidWhole(finished, order, name);
+}
+
+/// The files of a folder, the index of a pyramid last: it makes the others count.
+std::vector<fs::path> FilesIn(const fs::path& folder, std::error_code& error) {
+    std::vector<fs::path> files;
+    for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+         entry.increment(error))
+        files.push_back(entry->path());
+    std::stable_partition(files.begin(), files.end(),
+                          [](const fs::path& file) { return file.extension() != ".aux"; });
+    return files;
+}
+
+/// Moves the new pyramid beside the image, in place of the old one.
+bool Publish(const fs::path& folder, GDALDataset& image) {
+    const fs::path path = image.GetDescription();
+    std::error_code error;
+    const std::vector<fs::path> made = FilesIn(folder, error);
+    std::vector<fs::path> replaced = PyramidFilesBeside(path);
+    for (const fs::path& file : made)
+        replaced.push_back(path.parent_path() / file.filename());
+    FilesSetAside old(replaced);
+    bool done = !error && old.Succeeded();
+    std::vector<fs::path> placed;
+    for (const fs::path& file : made) {
+        if (!done)
+            break;
+        placed.push_back(path.parent_path() / file.filename());
+        fs::rename(file, placed.back(), error);
+        done = !error;
+    }
+    if (done) {
+        old.Drop();
+    } else {
+        for (const fs::path& file : placed)
+            fs::remove(file, error);
+        SetLastError(path.string() + ": its pyramid cannot be put beside it");
+    }
+    return done;
+}
+
+} // namespace
+
+void RescanPyramidBeside(GDALDataset& image) {
+    PyramidKeeper::Of(image).Initialize(&image, image.GetDescription());
+}
+
+int CountLevelsBeside(GDALDataset& image) {
+    return PyramidKeeper::Of(image).GetOverviewCount(1);
+}
+
+bool CanHavePyramidBeside(GDALDataset& image) {
+    const fs::path path = image.GetDescription();
+    std::error_code ignored;
+    // A file of masks has a pyramid of its own, which GDAL builds along with the image's.
+    return PyramidKeeper::Of(image).IsInitialized() && fs::is_regular_file(path, ignored) &&
+           !fs::exists(path.string() + ".msk", ignored);
+}
+
+bool BuildPyramidBeside(GDALDataset& image, const PyramidOrder& order) {
+    const std::string path = image.GetDescription();
+    const HiddenFolder folder(fs::path(path).parent_path());
+    if (!folder.IsMade()) {
+        SetLastError(path + ": its folder cannot be written");
+        return false;
+    }
+    {
+        // Names without a doubt where another image's files have the usual ones.
+        const CPLConfigOptionSetter beside(
+            "USE_RRD", IsStemTaken(path) ? "NO" : CPLGetConfigOption("USE_RRD", "NO"), false);
+        if (!BuildIn(folder.Path(), image, order))
+            return false;
+    }
+    const bool published = Publish(folder.Path(), image);
+    RescanPyramidBeside(image);
+    return published;
+}
+
+} // namespace zelto

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "zelto/raster/internal/PyramidBuild.h"
+
+namespace zelto {
+
+/// Builds a pyramid in files beside the image: in a hidden folder, from where it takes the place
+/// of the old one when it is complete.
+bool BuildPyramidBeside(GDALDataset& image, const PyramidOrder& order);
+
+/// Lets an open image look anew for the pyramid beside it.
+void RescanPyramidBeside(GDALDataset& image);
+
+/// Number of levels that GDAL knows beside the image; the first band tells.
+int CountLevelsBeside(GDALDataset& image);
+
+/// Whether the image's format leaves the pyramid beside the file to GDAL.
+bool CanHavePyramidBeside(GDALDataset& image);
+
+} // namespace zelto

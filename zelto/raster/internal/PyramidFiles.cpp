@@ -1,0 +1,148 @@
+#include "zelto/raster/internal/PyramidFiles.h"
+
+#include <cpl_vsi.h>
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <system_error>
+
+namespace zelto {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path WithExtension(fs::path image, const char* extension) {
+    return image.replace_extension(extension);
+}
+
+fs::path WithSuffix(const fs::path& image, const char* suffix) {
+    return image.string() + suffix;
+}
+
+bool Exists(const fs::path& path) {
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
+bool IsSameFile(const fs::path& a, const fs::path& b) {
+    std::error_code ignored;
+    return fs::equivalent(a, b, ignored);
+}
+
+GDALDatasetUniquePtr OpenImagine(const fs::path& path) {
+    if (!Exists(path))
+        return nullptr;
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const char* const drivers[] = {"HFA", nullptr};
+    return GDALDatasetUniquePtr(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER, drivers));
+}
+
+enum class IndexOwner { NONE, IMAGE, ANOTHER };
+
+/// Whose pyramid the index "stem.aux" is. One that names a file which is gone, or of another
+/// stem, came to its place by renaming the image.
+IndexOwner OwnerOfIndex(const fs::path& image) {
+    const GDALDatasetUniquePtr index = OpenImagine(WithExtension(image, ".aux"));
+    const char* name = index ? index->GetMetadataItem("HFA_DEPENDENT_FILE", "HFA") : nullptr;
+    if (name == nullptr)
+        return IndexOwner::NONE;
+    const fs::path owner = image.parent_path() / fs::path(name).filename();
+    const bool isAnother = owner.filename() != image.filename() && owner.stem() == image.stem() &&
+                           Exists(owner) && !IsSameFile(owner, image);
+    return isAnother ? IndexOwner::ANOTHER : IndexOwner::IMAGE;
+}
+
+/// The ERDAS Imagine file of the same stem, which would use "stem.rrd" without an index; empty
+/// when there is none, or when it is the image.
+fs::path ImagineFileOfStem(const fs::path& image) {
+    for (const char* extension : {".img", ".IMG"}) {
+        const fs::path file = WithExtension(image, extension);
+        if (Exists(file) && !IsSameFile(file, image))
+            return file;
+    }
+    return {};
+}
+
+bool UsesFile(GDALDataset& dataset, const fs::path& file) {
+    const CPLStringList files(dataset.GetFileList());
+    return std::any_of(files.List(), files.List() + files.size(),
+                       [&](const char* used) { return IsSameFile(used, file); });
+}
+
+/// Whether the levels that the image's own index means have been replaced by those of an ERDAS
+/// Imagine file, or the other way round.
+bool ClaimedByImagineFile(const fs::path& image) {
+    const fs::path levels = WithExtension(image, ".rrd");
+    const fs::path other = ImagineFileOfStem(image);
+    if (other.empty() || !Exists(levels))
+        return false;
+    const GDALDatasetUniquePtr dataset = OpenImagine(other);
+    return dataset && UsesFile(*dataset, levels);
+}
+
+bool IsImagine(const fs::path& image) {
+    const char* const drivers[] = {"HFA", nullptr};
+    return GDALIdentifyDriverEx(image.c_str(), GDAL_OF_RASTER, drivers, nullptr) != nullptr;
+}
+
+} // namespace
+
+bool HasForeignIndex(const fs::path& image) {
+    switch (OwnerOfIndex(image)) {
+    case IndexOwner::NONE:
+        return false;
+    case IndexOwner::ANOTHER:
+        return true;
+    case IndexOwner::IMAGE:
+        return !IsImagine(image) && ClaimedByImagineFile(image);
+    }
+    return false;
+}
+
+bool IsStemTaken(const fs::path& image) {
+    const bool ownIndex = OwnerOfIndex(image) == IndexOwner::IMAGE;
+    if (!ownIndex && (Exists(WithExtension(image, ".aux")) || Exists(WithExtension(image, ".rrd"))))
+        return true;
+    return !ImagineFileOfStem(image).empty();
+}
+
+bool SharesLevels(const fs::path& image) {
+    return Exists(WithExtension(image, ".rrd")) && OwnerOfIndex(image) == IndexOwner::ANOTHER &&
+           IsImagine(image);
+}
+
+std::vector<fs::path> PyramidFilesBeside(const fs::path& image) {
+    std::vector<fs::path> files = {WithSuffix(image, ".ovr"), WithSuffix(image, ".aux"),
+                                   WithSuffix(image, ".rrd"), WithSuffix(image, ".rde")};
+    // An index without levels holds other things that are worth keeping.
+    if (OwnerOfIndex(image) == IndexOwner::IMAGE && !HasForeignIndex(image) &&
+        Exists(WithExtension(image, ".rrd")) && !IsImagine(image))
+        for (const char* extension : {".aux", ".rrd", ".rde"})
+            files.push_back(WithExtension(image, extension));
+    files.erase(std::remove_if(files.begin(), files.end(),
+                               [](const fs::path& file) { return !Exists(file); }),
+                files.end());
+    return files;
+}
+
+std::vector<fs::path> ForeignPyramidFiles(const fs::path& image) {
+    std::vector<fs::path> files;
+    if (HasForeignIndex(image))
+        for (const char* extension : {".aux", ".rrd", ".rde"})
+            files.push_back(WithExtension(image, extension));
+    return files;
+}
+
+CPLStringList SiblingsForOpening(const std::string& path) {
+    const fs::path index = WithExtension(path, ".aux");
+    if (!Exists(index) || !HasForeignIndex(path))
+        return {};
+    CPLStringList siblings(VSIReadDir(index.has_parent_path() ? index.parent_path().c_str() : "."));
+    const int number = siblings.FindString(index.filename().c_str());
+    if (number >= 0)
+        siblings.Assign(CSLRemoveStrings(siblings.StealList(), number, 1, nullptr));
+    return siblings;
+}
+
+} // namespace zelto
