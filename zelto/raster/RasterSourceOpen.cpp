@@ -6,7 +6,7 @@
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
-#include "zelto/raster/internal/PyramidFiles.h"
+#include "zelto/raster/internal/PyramidBeside.h"
 #include "zelto/raster/internal/RasterLog.h"
 
 #include <gdal_priv.h>
@@ -47,9 +47,11 @@ class OpeningPath {
 thread_local std::vector<std::wstring> OpeningPath::s_paths;
 
 GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag) {
-    const CPLStringList siblings = zelto::SiblingsForOpening(path);
-    return GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | accessFlag,
-                             nullptr, nullptr, siblings.List());
+    GDALDataset* dataset =
+        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | accessFlag);
+    if (dataset != nullptr)
+        zelto::HideForeignPyramid(*dataset);
+    return dataset;
 }
 
 /// Number of entries in the list of sub-data-sets: a name and a description for each.

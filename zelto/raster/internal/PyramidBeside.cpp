@@ -131,7 +131,28 @@ bool Publish(const fs::path& folder, GDALDataset& image) {
 } // namespace
 
 void RescanPyramidBeside(GDALDataset& image) {
-    PyramidKeeper::Of(image).Initialize(&image, image.GetDescription());
+    const fs::path path = image.GetDescription();
+    GDALDefaultOverviews& keeper = PyramidKeeper::Of(image);
+    // GDAL tells whose an index is only where the current folder is the image's.
+    CPLStringList names;
+    if (HasForeignIndex(path))
+        names = FolderWithoutIndex(path);
+    keeper.Initialize(&image, image.GetDescription(), names.List());
+    // Some formats replace the names later, so they are looked through now.
+    keeper.GetOverviewCount(1);
+}
+
+void HideForeignPyramid(GDALDataset& image) {
+    GDALRasterBand* band = image.GetRasterBand(1);
+    if (band == nullptr || !HasForeignIndex(image.GetDescription()))
+        return;
+    // The GeoTIFF driver sets up what it knows of other files when it is first asked about the
+    // place, and again when it is asked for a pyramid.
+    double geoTransform[6] = {};
+    image.GetGeoTransform(geoTransform);
+    band->GetOverviewCount();
+    if (CanHavePyramidBeside(image))
+        RescanPyramidBeside(image);
 }
 
 int CountLevelsBeside(GDALDataset& image) {

@@ -8,8 +8,12 @@ namespace zelto {
 /// of the old one when it is complete.
 bool BuildPyramidBeside(GDALDataset& image, const PyramidOrder& order);
 
-/// Lets an open image look anew for the pyramid beside it.
+/// Lets an open image look anew for the pyramid beside it; one of another image is not seen.
 void RescanPyramidBeside(GDALDataset& image);
+
+/// Takes the pyramid of another image away from one that has just been opened: "scene.aux" of
+/// scene.tif must not show in scene.bmp.
+void HideForeignPyramid(GDALDataset& image);
 
 /// Number of levels that GDAL knows beside the image; the first band tells.
 int CountLevelsBeside(GDALDataset& image);

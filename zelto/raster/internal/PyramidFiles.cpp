@@ -113,8 +113,11 @@ bool SharesLevels(const fs::path& image) {
 }
 
 std::vector<fs::path> PyramidFilesBeside(const fs::path& image) {
-    std::vector<fs::path> files = {WithSuffix(image, ".ovr"), WithSuffix(image, ".aux"),
-                                   WithSuffix(image, ".rrd"), WithSuffix(image, ".rde")};
+    std::vector<fs::path> files = {WithSuffix(image, ".ovr")};
+    // Without an extension these are the names that the stem gives.
+    if (image.has_extension())
+        for (const char* suffix : {".aux", ".rrd", ".rde"})
+            files.push_back(WithSuffix(image, suffix));
     // An index without levels holds other things that are worth keeping.
     if (OwnerOfIndex(image) == IndexOwner::IMAGE && !HasForeignIndex(image) &&
         Exists(WithExtension(image, ".rrd")) && !IsImagine(image))
@@ -134,15 +137,13 @@ std::vector<fs::path> ForeignPyramidFiles(const fs::path& image) {
     return files;
 }
 
-CPLStringList SiblingsForOpening(const std::string& path) {
-    const fs::path index = WithExtension(path, ".aux");
-    if (!Exists(index) || !HasForeignIndex(path))
-        return {};
-    CPLStringList siblings(VSIReadDir(index.has_parent_path() ? index.parent_path().c_str() : "."));
-    const int number = siblings.FindString(index.filename().c_str());
+CPLStringList FolderWithoutIndex(const fs::path& image) {
+    const fs::path index = WithExtension(image, ".aux");
+    CPLStringList names(VSIReadDir(index.has_parent_path() ? index.parent_path().c_str() : "."));
+    const int number = names.FindString(index.filename().c_str());
     if (number >= 0)
-        siblings.Assign(CSLRemoveStrings(siblings.StealList(), number, 1, nullptr));
-    return siblings;
+        names.Assign(CSLRemoveStrings(names.StealList(), number, 1, nullptr));
+    return names;
 }
 
 } // namespace zelto

@@ -31,8 +31,7 @@ std::vector<std::filesystem::path> PyramidFilesBeside(const std::filesystem::pat
 /// belong to another one.
 std::vector<std::filesystem::path> ForeignPyramidFiles(const std::filesystem::path& image);
 
-/// What to tell GDAL that the image's folder holds, so that it leaves the pyramid of another
-/// image alone; empty where GDAL may look for itself.
-CPLStringList SiblingsForOpening(const std::string& path);
+/// The names in the image's folder, but for the index of its stem.
+CPLStringList FolderWithoutIndex(const std::filesystem::path& image);
 
 } // namespace zelto
