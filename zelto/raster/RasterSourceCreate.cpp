@@ -1,5 +1,8 @@
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/HiddenFolder.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/PyramidFiles.h"
 #include "zelto/raster/internal/RasterLayout.h"
 #include "zelto/raster/internal/RasterLog.h"
 
@@ -25,22 +28,37 @@ bool IsGTiffFamily(RasterDataFormat format) {
     return format == RDF_GTiff || format == RDF_GTiffVariant39 || format == RDF_GTiffVariant40;
 }
 
-/// Deletes what stands at the path; a failure is logged under the function's name.
+/// Deletes what stands at the path; a failure is logged under the function's name. Nothing stays
+/// that would count as part of the new image: once the old one is gone, the driver does not know
+/// its world file any more, nor does a pyramid tell that its image has been replaced.
 bool DeleteExisting(const std::wstring& path, int line, const wchar_t* function) {
-    if (GDALDriver::QuietDelete(CommonFun::U2M(path).c_str()) == CE_None)
-        return true;
-    zelto::LogRaster(zelto::LOG_CREATION, line, function,
-                     L"删除已存在的文件失败: " + path +
-                         L"，可能文件已经打开，或者无权限删除文件！");
-    return false;
+    const std::string name = CommonFun::U2M(path);
+    const zelto::FilesSetAside others(name, zelto::ForeignPyramidFiles(name));
+    zelto::GdalWatch watch;
+    if (!watch.Succeeded(GDALDriver::QuietDelete(name.c_str()), name)) {
+        zelto::LogRaster(zelto::LOG_CREATION, line, function,
+                         L"删除已存在的文件失败: " + path +
+                             L"，可能文件已经打开，或者无权限删除文件！");
+        return false;
+    }
+    std::error_code ignored;
+    for (const std::filesystem::path& file : zelto::PyramidFilesBeside(name))
+        std::filesystem::remove(file, ignored);
+    return true;
 }
 
-/// Deletes the world file of an earlier image of this name. Once that image is gone the driver
-/// does not count the world file as its own, and it would georeference the new one.
+/// Deletes the world file of an earlier image of this name.
 void DeleteStaleWorldFile(const std::wstring& path) {
     std::error_code ignored;
     std::filesystem::remove(CommonFun::U2M(CommonFun::GetFilePahWithoutExtension(path) + L".tfw"),
                             ignored);
+}
+
+/// Notes what a format does not hold; the image is created all the same.
+void NoteUnwritten(const std::wstring& path, const char* what, bool written) {
+    if (!written)
+        zelto::LogRaster(zelto::LOG_NOTICE, __LINE__, L"CRasterSource::CreateRaster",
+                         path + L": its " + CommonFun::M2U(what) + L" is not written");
 }
 
 /// Size of the pixels in megabytes.
@@ -125,18 +143,29 @@ GISError CRasterSource::CreateAtStoredPath(GDALDriver& driver, const zelto::Rast
                                            double* geoTransform, const char* wkt, char** options) {
     if (layout.type <= PDT_Unknown || layout.type >= static_cast<int>(GDT_TypeCount))
         return GIS_FAILED;
-    m_dataset = driver.Create(CommonFun::U2M(m_filePath).c_str(), layout.width, layout.height,
-                              layout.bands, static_cast<GDALDataType>(layout.type), options);
-    if (m_dataset == nullptr)
+    const std::string path = CommonFun::U2M(m_filePath);
+    // A new ERDAS Imagine file takes the levels of its stem away.
+    const zelto::FilesSetAside others(path, zelto::ForeignPyramidFiles(path));
+    zelto::GdalWatch creating;
+    m_dataset = driver.Create(path.c_str(), layout.width, layout.height, layout.bands,
+                              static_cast<GDALDataType>(layout.type), options);
+    if (!creating.Succeeded(m_dataset != nullptr, path)) {
+        Close();
         return GIS_FAILED;
+    }
     m_access = GIS_UPDATE;
     m_description = CommonFun::M2U(m_dataset->GetDescription());
     // A format that cannot hold the georeferencing is created all the same.
     if (geoTransform != nullptr)
-        m_dataset->SetGeoTransform(geoTransform);
+        NoteUnwritten(m_filePath, "geotransform",
+                      zelto::GdalWatch().Succeeded(m_dataset->SetGeoTransform(geoTransform), path));
     if (wkt != nullptr)
-        m_dataset->SetProjection(wkt);
+        NoteUnwritten(m_filePath, "reference",
+                      zelto::GdalWatch().Succeeded(m_dataset->SetProjection(wkt), path));
+    zelto::GdalWatch flushing;
     m_dataset->FlushCache();
+    if (!flushing.Succeeded(true, path))
+        return GIS_FAILED;
     return GetRasterInfo(false, false);
 }
 

@@ -1,6 +1,10 @@
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/RasterLog.h"
 
 #include <gdal_priv.h>
 
@@ -37,9 +41,10 @@ GISError CRasterSource::SetBaseGeoTransform(double* geoTransform) {
 }
 
 GISError CRasterSource::WriteGeoTransform(GDALDataset& dataset, double* geoTransform) {
+    zelto::GdalWatch watch;
     const CPLErr result = dataset.SetGeoTransform(geoTransform);
     dataset.FlushCache();
-    return result == CE_None ? GIS_SUCCESS : GIS_FAILED;
+    return watch.Succeeded(result, dataset.GetDescription()) ? GIS_SUCCESS : GIS_FAILED;
 }
 
 int CRasterSource::GetGCPCount(bool fromBase) const {
@@ -51,16 +56,21 @@ GISError CRasterSource::ClearGCP(bool onBase) {
     GDALDataset* dataset = onBase && m_baseDataset != nullptr ? m_baseDataset : m_dataset;
     if (dataset == nullptr)
         return GIS_FAILED;
+    zelto::GdalWatch watch;
     const CPLErr result = dataset->SetGCPs(0, nullptr, "");
     dataset->FlushCache();
-    return result == CE_None ? GIS_SUCCESS : GIS_FAILED;
+    return watch.Succeeded(result, dataset->GetDescription()) ? GIS_SUCCESS : GIS_FAILED;
 }
 
 GISError CRasterSource::SetProjection(const char* wkt) {
     const std::string text = wkt != nullptr ? wkt : "";
     // A file that cannot hold it does not keep the source from having it.
-    if (m_dataset != nullptr)
-        m_dataset->SetProjection(text.c_str());
+    if (m_dataset != nullptr) {
+        zelto::GdalWatch watch;
+        if (!watch.Succeeded(m_dataset->SetProjection(text.c_str()), m_dataset->GetDescription()))
+            zelto::LogRaster(zelto::LOG_NOTICE, __LINE__, L"CRasterSource::SetProjection",
+                             CommonFun::M2U(zelto::LastError()));
+    }
     m_wkt = text;
     if (m_spatialReference != nullptr)
         zelto::LoadSpatialReference(*m_spatialReference, m_wkt.c_str());
