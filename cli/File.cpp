@@ -52,12 +52,9 @@ GDALDriver& DriverOf(const std::string& path) {
 void Remove(const Options& options) {
     const GdalUse use;
     for (const std::string& path : options.paths) {
-        GDALDriver& driver = DriverOf(path);
+        DriverOf(path); // tells why, where there is none
         if (CRasterSource::DeleteFileW(Wide(path).c_str()) != GIS_SUCCESS)
             throw Failure(path, LastGdalMessage("cannot be removed"));
-        std::error_code ignored;
-        if (IsGTiff(driver))
-            fs::remove(WorldFile(path), ignored);
     }
 }
 

@@ -10,7 +10,6 @@
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <cpl_error.h>
 
 #include <iostream>
 #include <memory>
@@ -65,6 +64,13 @@ void Print(const std::vector<Pyramid>& pyramids, bool asJson) {
     table.Print();
 }
 
+/// Why the engine could not build; it names the file itself.
+std::string ReasonOfEngine(const std::string& path) {
+    const std::string reason = CGISDataSource::GetLastErrorText();
+    const std::string name = path + ": ";
+    return reason.rfind(name, 0) == 0 ? reason.substr(name.size()) : reason;
+}
+
 void BuildOne(const std::string& path, const Options& options) {
     CRasterSource source;
     OpenOrFail(source, path, GIS_UPDATE);
@@ -75,11 +81,9 @@ void BuildOne(const std::string& path, const Options& options) {
         ++band; // the engine numbers them from 1 here
     TerminalProgress progress;
     progress.BeginProgress(Wide(path).c_str(), 100);
-    CPLErrorReset();
     if (source.BuildOverviews(options.resampling.c_str(), static_cast<int>(bands.size()),
                               bands.data(), &progress) != GIS_SUCCESS)
-        throw Failure(path, Interrupted() ? "interrupted"
-                                          : LastGdalMessage("its pyramid cannot be built"));
+        throw Failure(path, Interrupted() ? "interrupted" : ReasonOfEngine(path));
 }
 
 void Build(const Options& options) {

@@ -10,6 +10,7 @@
 #include <cpl_vsi.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <unistd.h>
 
@@ -40,6 +41,17 @@ std::string ReasonForFailure(const std::string& path, GISError error) {
     return LastGdalMessage("not recognised as a supported file");
 }
 
+namespace {
+
+/// Passes on the engine's word that an image may look wrong when it is reduced.
+void TellOfDoubtfulPyramid() {
+    const std::string message = CPLGetLastErrorMsg();
+    if (CPLGetLastErrorType() == CE_Warning && message.find("its pyramid is") != std::string::npos)
+        std::fprintf(stderr, "zelto: warning: %s\n", message.c_str());
+}
+
+} // namespace
+
 void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess access, bool warp) {
     CPLErrorReset();
     const GISError error = [&] {
@@ -48,6 +60,7 @@ void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess a
     }();
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));
+    TellOfDoubtfulPyramid();
 }
 
 } // namespace zelto::cli

@@ -68,11 +68,84 @@ TEST(PyramidsCommand, FailuresNameTheFile) {
     const std::string path = WriteImage(folder, "a.tif", 300);
     auto run = RunZelto({"pyramids", "build", path, "--resampling", "no such method"});
     EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_EQ(run.errors.find("zelto: " + path + ": "), 0U) << run.errors;
+    EXPECT_EQ(run.errors,
+              "zelto: " + path + ": no resampling for pyramids is called \"no such method\"\n");
     run = RunZelto({"pyramids", "build", folder.File("missing.tif")});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.errors, "zelto: " + folder.File("missing.tif") + ": No such file or directory\n");
     EXPECT_EQ(RunZelto({"pyramids", "build", path, "--bands", "2"}).exitStatus, 2);
     EXPECT_EQ(RunZelto({"pyramids"}).exitStatus, 2);
     EXPECT_EQ(RunZelto({"pyramids", "build"}).exitStatus, 2);
+}
+
+TEST(PyramidsCommand, WrongArgumentsLeaveThePyramid) {
+    const TemporaryFolder folder;
+    for (const char* name : {"a.tif", "a.pix", "a.img"}) {
+        SCOPED_TRACE(name);
+        const bool isPcidsk = name == std::string("a.pix");
+        const std::string path = folder.File(name);
+        ASSERT_EQ(RunZelto({"create", path, "--size", "600,600"}).exitStatus, 0);
+        ASSERT_EQ(RunZelto({"pyramids", "build", path}).exitStatus, 0);
+        const auto before = RunZelto({"pyramids", "check", "--json", path});
+        EXPECT_EQ(json::parse(before.output)[0]["levels"].size(), isPcidsk ? 2U : 4U);
+        EXPECT_EQ(RunZelto({"pyramids", "build", path, "--resampling", "FOO"}).exitStatus, 1);
+        EXPECT_EQ(RunZelto({"pyramids", "build", path, "--bands", "9"}).exitStatus, 2);
+        EXPECT_EQ(RunZelto({"pyramids", "check", "--json", path}).output, before.output);
+    }
+}
+
+TEST(PyramidsCommand, ImagesOfOneStemKeepTheirPyramids) {
+    const TemporaryFolder folder;
+    std::vector<std::string> paths;
+    const std::pair<const char*, const char*> images[] = {
+        {"s.img", "50"}, {"s.tif", "120"}, {"s.pix", "200"}};
+    for (const auto& [name, value] : images) {
+        paths.push_back(folder.File(name));
+        ASSERT_EQ(
+            RunZelto({"create", paths.back(), "--size", "600,600", "--fill", value}).exitStatus, 0);
+    }
+    for (const int turn : {0, 1, 2, 1, 0}) {
+        const auto run = RunZelto({"pyramids", "build", paths[turn]});
+        EXPECT_EQ(run.exitStatus, 0) << run.errors;
+        EXPECT_EQ(run.errors, "");
+    }
+    GDALAllRegister();
+    for (int i = 0; i < 3; ++i) {
+        const GDALDatasetUniquePtr image(GDALDataset::Open(paths[i].c_str(), GDAL_OF_RASTER));
+        double value = 0.0;
+        ASSERT_EQ(image->GetRasterBand(1)->RasterIO(GF_Read, 0, 0, 600, 600, &value, 1, 1,
+                                                    GDT_Float64, 0, 0, nullptr),
+                  CE_None);
+        EXPECT_EQ(value, std::stod(images[i].second)) << paths[i];
+        EXPECT_GT(image->GetRasterBand(1)->GetOverviewCount(), 0) << paths[i];
+    }
+}
+
+TEST(PyramidsCommand, AnImagineFileWhosePyramidAnotherImageTookIsToldOf) {
+    const TemporaryFolder folder;
+    const std::string imagine = folder.File("s.img");
+    const std::string geotiff = folder.File("s.tif");
+    for (const std::string& path : {imagine, geotiff})
+        ASSERT_EQ(RunZelto({"create", path, "--size", "300,300"}).exitStatus, 0);
+    {
+        // As GDAL itself does with these settings.
+        GDALAllRegister();
+        const CPLConfigOptionSetter reduced("USE_RRD", "YES", false);
+        const CPLConfigOptionSetter reducedImagine("HFA_USE_RRD", "YES", false);
+        int level = 2;
+        for (const std::string& path : {imagine, geotiff}) {
+            const GDALDatasetUniquePtr image(
+                GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));
+            ASSERT_EQ(image->BuildOverviews("NEAREST", 1, &level, 0, nullptr, nullptr, nullptr),
+                      CE_None);
+        }
+    }
+    auto run = RunZelto({"render", imagine, folder.File("out.png")});
+    EXPECT_EQ(run.errors, "zelto: warning: " + imagine +
+                              ": its pyramid is in a file that another image claims; build it "
+                              "anew\n");
+    EXPECT_EQ(RunZelto({"pyramids", "build", imagine}).exitStatus, 0);
+    EXPECT_EQ(RunZelto({"pyramids", "build", geotiff}).exitStatus, 0);
+    for (const std::string& path : {imagine, geotiff})
+        EXPECT_EQ(RunZelto({"pyramids", "check", path}).errors, "") << path;
 }

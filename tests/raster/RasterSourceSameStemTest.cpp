@@ -110,6 +110,24 @@ TEST_F(SameStem, AnImageWithoutAPyramidDoesNotShowTheOthers) {
     }
 }
 
+TEST_F(SameStem, AnImagineFileThatIsPutBesideTakesNothingAway) {
+    Write(GTIFF);
+    Build(GTIFF);
+    std::filesystem::create_directory(m_folder.Path() / "elsewhere");
+    const Image elsewhere = {"elsewhere/s.img", "HFA", IMAGINE.value};
+    Write(elsewhere);
+    std::filesystem::rename(m_folder.File(elsewhere.name), m_folder.File(IMAGINE.name));
+    EXPECT_EQ(LevelsOf(GTIFF), 3);
+    EXPECT_EQ(LevelsOf(IMAGINE), 0);
+    Build(IMAGINE);
+    EXPECT_EQ(LevelsOf(GTIFF), 3);
+    EXPECT_EQ(LevelsOf(IMAGINE), 3);
+    Build(IMAGINE);
+    Build(GTIFF);
+    EXPECT_EQ(LevelsOf(GTIFF), 3);
+    EXPECT_EQ(LevelsOf(IMAGINE), 3);
+}
+
 TEST_F(SameStem, APyramidGoesOnServingARenamedImage) {
     Write(GTIFF);
     Build(GTIFF);

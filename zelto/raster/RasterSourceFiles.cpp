@@ -85,8 +85,9 @@ bool Replace(GDALDriver& driver, const std::string& from, const std::string& to,
         return Fail(to, "origin and destination are the same file");
     if (WouldMeetItself(from, to))
         return Fail(to, "origin and destination share files");
+    const zelto::FilesSetAside others(from, zelto::ForeignPyramidFiles(from));
     zelto::FilesSetAside replaced(to, FilesReplaced(driver, to));
-    if (!replaced.Succeeded())
+    if (!others.Succeeded() || !replaced.Succeeded())
         return Fail(to, "it cannot be replaced");
     zelto::GdalWatch watch;
     if (!watch.Succeeded(operation(driver, to, from, zelto::OwnWorldFile(driver, from)), from))

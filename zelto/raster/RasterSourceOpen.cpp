@@ -7,6 +7,7 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/PyramidBeside.h"
+#include "zelto/raster/internal/PyramidFiles.h"
 #include "zelto/raster/internal/RasterLog.h"
 
 #include <gdal_priv.h>
@@ -49,8 +50,14 @@ thread_local std::vector<std::wstring> OpeningPath::s_paths;
 GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag) {
     GDALDataset* dataset =
         GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | accessFlag);
-    if (dataset != nullptr)
-        zelto::HideForeignPyramid(*dataset);
+    if (dataset == nullptr)
+        return nullptr;
+    zelto::HideForeignPyramid(*dataset);
+    // The driver cannot be kept from the levels that the file itself names.
+    if (zelto::SharesLevels(path))
+        CPLError(CE_Warning, CPLE_AppDefined,
+                 "%s: its pyramid is in a file that another image claims; build it anew",
+                 path.c_str());
     return dataset;
 }
 

@@ -4,6 +4,7 @@
 #include "zelto/baselib/internal/FilesAside.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/PyramidFiles.h"
+#include "zelto/raster/internal/PyramidKeeper.h"
 #include "zelto/raster/internal/PyramidRun.h"
 
 #include <gdal_proxy.h>
@@ -17,14 +18,6 @@ namespace zelto {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Reaches the part of a data set that keeps the pyramid beside its file. GDAL has no call that
-/// lets an open data set look for it again.
-struct PyramidKeeper : GDALDataset {
-    static GDALDefaultOverviews& Of(GDALDataset& dataset) {
-        return dataset.*(&PyramidKeeper::oOvManager);
-    }
-};
 
 /// The pixels of an image's band; the pyramid is not the image's.
 class BorrowedBand final : public GDALProxyRasterBand {
@@ -132,14 +125,11 @@ bool Publish(const fs::path& folder, GDALDataset& image) {
 
 void RescanPyramidBeside(GDALDataset& image) {
     const fs::path path = image.GetDescription();
-    GDALDefaultOverviews& keeper = PyramidKeeper::Of(image);
     // GDAL tells whose an index is only where the current folder is the image's.
     CPLStringList names;
     if (HasForeignIndex(path))
         names = FolderWithoutIndex(path);
-    keeper.Initialize(&image, image.GetDescription(), names.List());
-    // Some formats replace the names later, so they are looked through now.
-    keeper.GetOverviewCount(1);
+    PyramidKeeper::LookAnew(image, names.List());
 }
 
 void HideForeignPyramid(GDALDataset& image) {

@@ -1,7 +1,8 @@
 #include "zelto/raster/internal/PyramidFiles.h"
 
+#include "zelto/raster/internal/PyramidKeeper.h"
+
 #include <cpl_vsi.h>
-#include <gdal_priv.h>
 
 #include <algorithm>
 #include <system_error>
@@ -64,10 +65,14 @@ fs::path ImagineFileOfStem(const fs::path& image) {
     return {};
 }
 
-bool UsesFile(GDALDataset& dataset, const fs::path& file) {
+/// Whether an ERDAS Imagine file itself names a file as that of its levels.
+bool NamesLevels(GDALDataset& dataset, const fs::path& levels) {
+    CPLStringList nothingBeside;
+    nothingBeside.AddString(fs::path(dataset.GetDescription()).filename().c_str());
+    PyramidKeeper::LookAnew(dataset, nothingBeside.List());
     const CPLStringList files(dataset.GetFileList());
     return std::any_of(files.List(), files.List() + files.size(),
-                       [&](const char* used) { return IsSameFile(used, file); });
+                       [&](const char* used) { return IsSameFile(used, levels); });
 }
 
 /// Whether the levels that the image's own index means have been replaced by those of an ERDAS
@@ -78,7 +83,7 @@ bool ClaimedByImagineFile(const fs::path& image) {
     if (other.empty() || !Exists(levels))
         return false;
     const GDALDatasetUniquePtr dataset = OpenImagine(other);
-    return dataset && UsesFile(*dataset, levels);
+    return dataset && NamesLevels(*dataset, levels);
 }
 
 bool IsImagine(const fs::path& image) {
@@ -108,8 +113,11 @@ bool IsStemTaken(const fs::path& image) {
 }
 
 bool SharesLevels(const fs::path& image) {
-    return Exists(WithExtension(image, ".rrd")) && OwnerOfIndex(image) == IndexOwner::ANOTHER &&
-           IsImagine(image);
+    const fs::path levels = WithExtension(image, ".rrd");
+    if (!Exists(levels) || OwnerOfIndex(image) != IndexOwner::ANOTHER)
+        return false;
+    const GDALDatasetUniquePtr dataset = OpenImagine(image);
+    return dataset && NamesLevels(*dataset, levels);
 }
 
 std::vector<fs::path> PyramidFilesBeside(const fs::path& image) {
