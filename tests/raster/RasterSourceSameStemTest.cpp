@@ -157,3 +157,21 @@ TEST_F(SameStem, AFileThatIsNoPyramidStays) {
     EXPECT_EQ(zelto::test::ReadFile(m_folder.Path() / "s.aux"), "\\relax of a text\n");
     EXPECT_EQ(LevelsOf(GTIFF), 3);
 }
+
+TEST_F(SameStem, APyramidThatIsLeftOverDoesNotCountForANewImage) {
+    for (const bool replaces : {false, true}) {
+        SCOPED_TRACE(replaces ? "over the old image" : "after the old image was removed");
+        Write(GTIFF);
+        Build(GTIFF);
+        if (!replaces)
+            std::filesystem::remove(m_folder.File(GTIFF.name));
+        CRasterSource source;
+        ASSERT_EQ(source.CreateRaster(RDF_GTiff, m_folder.WideFile(GTIFF.name).c_str(), SIDE, SIDE,
+                                      1, PDT_Byte, nullptr, nullptr, nullptr),
+                  GIS_SUCCESS);
+        source.Close();
+        const Image created = {GTIFF.name, GTIFF.driver, 0.0};
+        EXPECT_EQ(LevelsOf(created), 0);
+        EXPECT_EQ(m_folder.Names(), Names{"s.tif"});
+    }
+}

@@ -30,8 +30,10 @@ class BorrowedBand final : public GDALProxyRasterBand {
         eDataType = band.GetRasterDataType();
         band.GetBlockSize(&nBlockXSize, &nBlockYSize);
     }
-    int GetOverviewCount() override { return GDALRasterBand::GetOverviewCount(); }
-    GDALRasterBand* GetOverview(int index) override { return GDALRasterBand::GetOverview(index); }
+    int GetOverviewCount() override { return PyramidKeeper::Of(*poDS).GetOverviewCount(nBand); }
+    GDALRasterBand* GetOverview(int index) override {
+        return PyramidKeeper::Of(*poDS).GetOverview(nBand, index);
+    }
 
   protected:
     GDALRasterBand* RefUnderlyingRasterBand() const override { return &m_band; }
@@ -59,8 +61,8 @@ class ImageElsewhere final : public GDALProxyDataset {
     CPLErr IBuildOverviews(const char* resampling, int levelCount, const int* levels, int bandCount,
                            const int* bands, GDALProgressFunc progress, void* progressData,
                            CSLConstList options) override {
-        return GDALDataset::IBuildOverviews(resampling, levelCount, levels, bandCount, bands,
-                                            progress, progressData, options);
+        return oOvManager.BuildOverviews(nullptr, resampling, levelCount, levels, bandCount, bands,
+                                         progress, progressData, options);
     }
 
   private:
@@ -146,7 +148,8 @@ void HideForeignPyramid(GDALDataset& image) {
 }
 
 int CountLevelsBeside(GDALDataset& image) {
-    return PyramidKeeper::Of(image).GetOverviewCount(1);
+    GDALDefaultOverviews& keeper = PyramidKeeper::Of(image);
+    return keeper.IsInitialized() ? keeper.GetOverviewCount(1) : 0;
 }
 
 bool CanHavePyramidBeside(GDALDataset& image) {

@@ -15,8 +15,9 @@ struct PyramidKeeper : GDALDataset {
     /// the folder as it is.
     static void LookAnew(GDALDataset& image, char** names) {
         Of(image).Initialize(&image, image.GetDescription(), names);
-        // Some formats replace the names later, so they are looked through now.
-        Of(image).GetOverviewCount(1);
+        // GDAL looks when it is asked this. It is asked now, because some formats replace the
+        // names later, and because the name of a new pyramid is chosen after the look.
+        Of(image).IsInitialized();
     }
 };
 
