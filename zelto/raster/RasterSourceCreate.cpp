@@ -1,6 +1,6 @@
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/FilesAside.h"
 #include "zelto/baselib/internal/GdalWatch.h"
-#include "zelto/baselib/internal/HiddenFolder.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/PyramidFiles.h"
 #include "zelto/raster/internal/RasterLayout.h"
@@ -33,7 +33,7 @@ bool IsGTiffFamily(RasterDataFormat format) {
 /// its world file any more, nor does a pyramid tell that its image has been replaced.
 bool DeleteExisting(const std::wstring& path, int line, const wchar_t* function) {
     const std::string name = CommonFun::U2M(path);
-    const zelto::FilesSetAside others(name, zelto::ForeignPyramidFiles(name));
+    const zelto::FilesSetAside others(zelto::ForeignPyramidFiles(name));
     zelto::GdalWatch watch;
     if (!watch.Succeeded(GDALDriver::QuietDelete(name.c_str()), name)) {
         zelto::LogRaster(zelto::LOG_CREATION, line, function,
@@ -145,7 +145,7 @@ GISError CRasterSource::CreateAtStoredPath(GDALDriver& driver, const zelto::Rast
         return GIS_FAILED;
     const std::string path = CommonFun::U2M(m_filePath);
     // A new ERDAS Imagine file takes the levels of its stem away.
-    const zelto::FilesSetAside others(path, zelto::ForeignPyramidFiles(path));
+    const zelto::FilesSetAside others(zelto::ForeignPyramidFiles(path));
     zelto::GdalWatch creating;
     m_dataset = driver.Create(path.c_str(), layout.width, layout.height, layout.bands,
                               static_cast<GDALDataType>(layout.type), options);

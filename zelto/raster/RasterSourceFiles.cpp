@@ -1,6 +1,6 @@
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/FilesAside.h"
 #include "zelto/baselib/internal/GdalWatch.h"
-#include "zelto/baselib/internal/HiddenFolder.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/PyramidFiles.h"
@@ -85,8 +85,8 @@ bool Replace(GDALDriver& driver, const std::string& from, const std::string& to,
         return Fail(to, "origin and destination are the same file");
     if (WouldMeetItself(from, to))
         return Fail(to, "origin and destination share files");
-    const zelto::FilesSetAside others(from, zelto::ForeignPyramidFiles(from));
-    zelto::FilesSetAside replaced(to, FilesReplaced(driver, to));
+    const zelto::FilesSetAside others(zelto::ForeignPyramidFiles(from));
+    zelto::FilesSetAside replaced(FilesReplaced(driver, to));
     if (!others.Succeeded() || !replaced.Succeeded())
         return Fail(to, "it cannot be replaced");
     zelto::GdalWatch watch;
@@ -150,7 +150,7 @@ GISError CRasterSource::DeleteFileW(const wchar_t* path) {
     if (driver == nullptr)
         return GIS_NOT_SUPPORTED;
     const std::optional<fs::path> worldFile = zelto::OwnWorldFile(*driver, name);
-    const zelto::FilesSetAside others(name, zelto::ForeignPyramidFiles(name));
+    const zelto::FilesSetAside others(zelto::ForeignPyramidFiles(name));
     if (!others.Succeeded()) {
         Fail(name, "it cannot be removed without the pyramid of another image");
         return GIS_FAILED;

@@ -1,5 +1,6 @@
 #include "zelto/baselib/internal/FilesAside.h"
 
+#include <algorithm>
 #include <system_error>
 
 namespace zelto {
@@ -8,11 +9,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Each file once, in the given order.
 std::vector<fs::path> Existing(const std::vector<fs::path>& files) {
     std::vector<fs::path> existing;
     std::error_code ignored;
     for (const fs::path& file : files)
-        if (fs::exists(file, ignored))
+        if (fs::exists(file, ignored) &&
+            std::find(existing.begin(), existing.end(), file) == existing.end())
             existing.push_back(file);
     return existing;
 }

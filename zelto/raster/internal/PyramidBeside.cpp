@@ -1,7 +1,7 @@
 #include "zelto/raster/internal/PyramidBeside.h"
 
-#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/FilesAside.h"
+#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/PyramidFiles.h"
 #include "zelto/raster/internal/PyramidKeeper.h"
