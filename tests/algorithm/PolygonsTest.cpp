@@ -3,6 +3,7 @@
 
 #include "tests/algorithm/RegionFixture.h"
 #include "tests/support/RecordingProgress.h"
+#include "tests/support/SmallDisk.h"
 #include "tests/support/Text.h"
 
 #include <ogrsf_frmts.h>
@@ -202,6 +203,47 @@ TEST_F(Polygons, ANetThatCannotBeCreatedAnswersFalse) {
     WriteFile(m_folder.File("plain"), "a file, not a folder");
     EXPECT_FALSE(
         CRasterAlgorithm::SavePolygonNet(m_folder.WideFile("plain/net.shp").c_str(), {}, {}));
+}
+
+TEST_F(Polygons, ANetThatTheDiskCannotHoldAnswersFalseAndTellsWhy) {
+    const SmallDisk disk(m_folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "no file system can be mounted here";
+    // One polygon of 30,000 points takes half of the disk.
+    OGRLinearRing ring;
+    for (int i = 0; i < 30000; ++i)
+        ring.addPoint(std::cos(i * 6.283185307179586 / 30000), i / 30000.0);
+    ring.closeRings();
+    OGRPolygon polygon;
+    polygon.addRing(&ring);
+    const std::vector<OGRGeometry*> polygons(4, &polygon);
+    CGISDataSource::ClearLastErrorText();
+    EXPECT_FALSE(
+        CRasterAlgorithm::SavePolygonNet(m_folder.WideFile("disk/net.shp").c_str(), polygons, {}));
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("net.shp: "), std::string::npos)
+        << CGISDataSource::GetLastErrorText();
+}
+
+TEST_F(Polygons, ANetLeavesOutWhatItsFileCannotHoldAndTellsSo) {
+    const auto polygon = Wkt("POLYGON ((0 0,0 1,1 1,0 0))");
+    const auto point = Wkt("POINT (5 5)");
+    CGISDataSource::ClearLastErrorText();
+    EXPECT_TRUE(CRasterAlgorithm::SavePolygonNet(m_folder.WideFile("net.shp").c_str(),
+                                                 {polygon.get(), point.get(), polygon.get()},
+                                                 {L"1", L"2", L"3"}));
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("net.shp: "), std::string::npos);
+    const auto features = ReadFeatures(m_folder.File("net.shp"));
+    ASSERT_EQ(features.size(), 2U);
+    EXPECT_EQ(features[1].image, "3");
+}
+
+TEST_F(Polygons, AnIntersectionGdalCannotMakeIsNullAndTold) {
+    CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    CGISDataSource::ClearLastErrorText();
+    // A bow tie has no inside to cut.
+    EXPECT_EQ(Intersection("POLYGON ((0 0,2 2,2 0,0 2,0 0))", "POLYGON ((0 0,0 1,9 1,9 0,0 0))"),
+              nullptr);
+    EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
 }
 
 TEST_F(Polygons, TextPolygonsAreANamePairsAndAnEnd) {

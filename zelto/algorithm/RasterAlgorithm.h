@@ -81,6 +81,10 @@ class ZELTO_API CRasterAlgorithm {
 
     // Statistics of regions.
     //
+    // An operation answers false, and CGISDataSource::GetLastErrorText() tells why, for a raster
+    // that is null or that counts bands it does not have, because it was closed or could not be
+    // opened again, and when memory runs out. No exception is let out.
+    //
     // Output arrays hold one double per band in band order, belong to the caller and may each be
     // null, which is then not written. `count` is the number of pixels accepted in the last
     // band, not a total. Reports for people are better served by CRegionStatistics: the
@@ -245,10 +249,10 @@ class ZELTO_API CRasterAlgorithm {
                                      std::wstring title);
     /// Writes polygons to a new shapefile, layer "polygon" without a reference system, with each
     /// one's name in the text fields "Image" and "IMAGE_NAME". What is at the path is deleted
-    /// first.
+    /// first. A geometry that a shapefile cannot hold beside those before it is left out.
     /// @param polygons not owned; null ones are skipped and their names with them
     /// @param names by the index of the polygon; missing ones are empty
-    /// @return false when the file or its layer cannot be made
+    /// @return false when the file or its layer cannot be made or a polygon cannot be written
     static bool SavePolygonNet(const wchar_t* path, std::vector<OGRGeometry*> polygons,
                                std::vector<std::wstring> names);
     /// Reads polygons from a text file and writes them by SavePolygonNet() beside it, with the

@@ -1,6 +1,8 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/algorithm/internal/Moments.h"
+#include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/algorithm/internal/SampleReader.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/baselib/internal/Truncate.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
@@ -25,15 +27,15 @@ class BoxSamples {
     static std::optional<BoxSamples> Of(CRasterSource& source, const CBoundingBox& box) {
         const auto window = zelto::WindowUnder(source, box);
         if (!window)
-            return std::nullopt;
+            return Nothing(source, zelto::NO_OVERLAP);
         BoxSamples result;
         result.m_window = *window;
         result.m_grid = zelto::HistogramGrid(window->width, window->height, source.GetBandCount());
         if (result.m_grid.samples < 2 || !result.m_grid.IsHeld())
-            return std::nullopt;
+            return Nothing(source, zelto::NO_PIXELS);
         result.m_samples = zelto::AllocateSamples<double>(result.m_grid.samples);
         if (!result.m_samples)
-            return std::nullopt;
+            return Nothing(source, zelto::NO_MEMORY);
         return result;
     }
 
@@ -49,6 +51,11 @@ class BoxSamples {
     }
 
   private:
+    static std::optional<BoxSamples> Nothing(const CRasterSource& source, const char* reason) {
+        zelto::Refuse(source, reason);
+        return std::nullopt;
+    }
+
     PixelWindow m_window;
     SampleGrid m_grid;
     std::unique_ptr<double[]> m_samples;
@@ -119,19 +126,23 @@ bool CRasterAlgorithm::ComputeBandHistogramFromBox(
     CRasterSource* source, int band, CBoundingBox* box, int* histogram, int binCount, double& min,
     double& max, double& mean, double& stretchLow, double& stretchHigh, double& lowClip,
     double& highClip, __int64& count, bool /*unused*/, CDataProgress* /*progress*/) {
-    if (source == nullptr || box == nullptr || histogram == nullptr)
-        return false;
-    auto samples = BoxSamples::Of(*source, *box);
-    if (!samples)
-        return false;
-    count = 0;
-    CRasterBand* const rasterBand = source->GetRasterBand(band);
-    if (rasterBand == nullptr)
+    return zelto::NoThrow(false, [&] {
+        if (!zelto::IsUsable(source))
+            return false;
+        if (box == nullptr || histogram == nullptr)
+            return zelto::RefuseMissing("box or histogram");
+        auto samples = BoxSamples::Of(*source, *box);
+        if (!samples)
+            return false;
+        count = 0;
+        CRasterBand* const rasterBand = source->GetRasterBand(band);
+        if (rasterBand == nullptr)
+            return true;
+        count = ComputeBandHistogram(*samples, *rasterBand, lowClip, highClip,
+                                     {histogram, static_cast<std::size_t>(std::max(binCount, 0))},
+                                     {&min, &max, &mean, &stretchLow, &stretchHigh});
         return true;
-    count = ComputeBandHistogram(*samples, *rasterBand, lowClip, highClip,
-                                 {histogram, static_cast<std::size_t>(std::max(binCount, 0))},
-                                 {&min, &max, &mean, &stretchLow, &stretchHigh});
-    return true;
+    });
 }
 
 bool CRasterAlgorithm::ComputeHistogramFromBox(CRasterSource* source, CBoundingBox* box,
@@ -140,21 +151,25 @@ bool CRasterAlgorithm::ComputeHistogramFromBox(CRasterSource* source, CBoundingB
                                                double* stretchHigh, double* lowClip,
                                                double* highClip, __int64& count, bool /*unused*/,
                                                CDataProgress* /*progress*/) {
-    if (source == nullptr || box == nullptr || histograms == nullptr)
-        return false;
-    auto samples = BoxSamples::Of(*source, *box);
-    if (!samples)
-        return false;
-    constexpr double INFINITE = std::numeric_limits<double>::infinity();
-    count = 0;
-    for (int b = 0; b < source->GetBandCount(); ++b) {
-        const std::span<int> histogram(
-            histograms[b], histograms[b] != nullptr ? std::size_t{BINS_OF_ALL_BANDS} : 0);
-        count = ComputeBandHistogram(*samples, *source->GetRasterBand(b),
-                                     lowClip != nullptr ? lowClip[b] : -INFINITE,
-                                     highClip != nullptr ? highClip[b] : INFINITE, histogram,
-                                     {ElementOf(min, b), ElementOf(max, b), ElementOf(mean, b),
-                                      ElementOf(stretchLow, b), ElementOf(stretchHigh, b)});
-    }
-    return true;
+    return zelto::NoThrow(false, [&] {
+        if (!zelto::IsUsable(source))
+            return false;
+        if (box == nullptr || histograms == nullptr)
+            return zelto::RefuseMissing("box or list of histograms");
+        auto samples = BoxSamples::Of(*source, *box);
+        if (!samples)
+            return false;
+        constexpr double INFINITE = std::numeric_limits<double>::infinity();
+        count = 0;
+        for (int b = 0; b < source->GetBandCount(); ++b) {
+            const std::span<int> histogram(
+                histograms[b], histograms[b] != nullptr ? std::size_t{BINS_OF_ALL_BANDS} : 0);
+            count = ComputeBandHistogram(*samples, *source->GetRasterBand(b),
+                                         lowClip != nullptr ? lowClip[b] : -INFINITE,
+                                         highClip != nullptr ? highClip[b] : INFINITE, histogram,
+                                         {ElementOf(min, b), ElementOf(max, b), ElementOf(mean, b),
+                                          ElementOf(stretchLow, b), ElementOf(stretchHigh, b)});
+        }
+        return true;
+    });
 }

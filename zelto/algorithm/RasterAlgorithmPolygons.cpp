@@ -1,5 +1,9 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/algorithm/internal/Refusal.h"
+#include "zelto/algorithm/internal/SampleReader.h"
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/vector/VectorLayer.h"
 
@@ -8,7 +12,7 @@
 
 #include <fstream>
 #include <memory>
-#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -34,24 +38,47 @@ GDALDatasetUniquePtr ReplaceShapefile(const std::string& path) {
     return GDALDatasetUniquePtr(driver->Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
 }
 
-void AddImageFields(OGRLayer& layer) {
+bool AddImageFields(OGRLayer& layer) {
     for (const char* name : IMAGE_FIELDS) {
         OGRFieldDefn field(name, OFTString);
+        // Widths beyond the format's limit are cut with a warning.
         field.SetWidth(IMAGE_FIELD_WIDTH);
-        // Widths beyond the format's limit are cut with a warning, which is all that can fail.
-        std::ignore = layer.CreateField(&field);
+        if (layer.CreateField(&field) != OGRERR_NONE)
+            return false;
     }
+    return true;
 }
 
-void AddImageFeature(OGRLayer& layer, const OGRGeometry& geometry, const std::string& name) {
+/// @return false when the feature cannot be written. One whose geometry the layer cannot hold is
+///         left out, which is told and no failure.
+bool AddImageFeature(OGRLayer& layer, const OGRGeometry& geometry, const std::string& name,
+                     const std::string& file) {
     const OGRFeatureUniquePtr feature(OGRFeature::CreateFeature(layer.GetLayerDefn()));
-    if (!feature)
-        return;
+    zelto::GdalWatch watch;
+    if (!feature || feature->SetGeometry(&geometry) != OGRERR_NONE)
+        return watch.Succeeded(false, file);
     for (const char* field : IMAGE_FIELDS)
         feature->SetField(field, name.c_str());
-    std::ignore = feature->SetGeometry(&geometry);
-    // A geometry the layer cannot hold is left out.
-    std::ignore = layer.CreateFeature(feature.get());
+    const OGRErr answer = layer.CreateFeature(feature.get());
+    return watch.Succeeded(answer == OGRERR_NONE, file) ||
+           answer == OGRERR_UNSUPPORTED_GEOMETRY_TYPE;
+}
+
+bool AddImageFeatures(OGRLayer& layer, const std::vector<OGRGeometry*>& polygons,
+                      const std::vector<std::wstring>& names, const std::string& file) {
+    for (std::size_t i = 0; i < polygons.size(); ++i) {
+        const std::string name = i < names.size() ? CommonFun::U2M(names[i]) : std::string();
+        if (polygons[i] != nullptr && !AddImageFeature(layer, *polygons[i], name, file))
+            return false;
+    }
+    return true;
+}
+
+/// Closes the file, which reports what could not be written by a message alone.
+bool Close(GDALDatasetUniquePtr dataset, const std::string& file) {
+    zelto::GdalWatch watch;
+    dataset.reset();
+    return watch.Succeeded(true, file);
 }
 
 /// A named polygon of a coordinate file.
@@ -106,62 +133,73 @@ OGRGeometryUniquePtr MergeMembers(const OGRMultiPolygon& collection) {
 GISError CRasterAlgorithm::RasterPolygonize(CRasterBand* source, CRasterBand* mask,
                                             CVectorLayer* layer, int fieldIndex, char** options,
                                             CDataProgress* progress, std::wstring title) {
-    if (progress != nullptr)
-        progress->BeginProgress(title.empty() ? POLYGONIZE_TITLE : title.c_str(), PROGRESS_TOTAL);
-    if (source == nullptr || layer == nullptr)
-        return GIS_FAILED;
-    const CPLErr result =
-        GDALPolygonize(GDALRasterBand::ToHandle(source->GetGDALBand()),
-                       GDALRasterBand::ToHandle(mask != nullptr ? mask->GetGDALBand() : nullptr),
-                       OGRLayer::ToHandle(layer->GetOGRLayer()), fieldIndex, options,
-                       GDALProgressFuncEx, progress);
-    return result == CE_None ? GIS_SUCCESS : GIS_FAILED;
+    return zelto::NoThrow(GIS_FAILED, [&] {
+        if (progress != nullptr)
+            progress->BeginProgress(title.empty() ? POLYGONIZE_TITLE : title.c_str(),
+                                    PROGRESS_TOTAL);
+        GDALRasterBand* const pixels = source != nullptr ? source->GetGDALBand() : nullptr;
+        GDALRasterBand* const shown = mask != nullptr ? mask->GetGDALBand() : nullptr;
+        OGRLayer* const target = layer != nullptr ? layer->GetOGRLayer() : nullptr;
+        // A mask that is gone is not the same as none.
+        if (pixels == nullptr || target == nullptr || (mask != nullptr && shown == nullptr)) {
+            zelto::RefuseMissing("open band, mask or layer");
+            return GIS_FAILED;
+        }
+        zelto::GdalWatch watch;
+        const CPLErr answer = GDALPolygonize(
+            GDALRasterBand::ToHandle(pixels), GDALRasterBand::ToHandle(shown),
+            OGRLayer::ToHandle(target), fieldIndex, options, GDALProgressFuncEx, progress);
+        return watch.Succeeded(answer, zelto::FileOf(*pixels)) ? GIS_SUCCESS : GIS_FAILED;
+    });
 }
 
 bool CRasterAlgorithm::SavePolygonNet(const wchar_t* path, std::vector<OGRGeometry*> polygons,
                                       std::vector<std::wstring> names) {
-    if (path == nullptr)
-        return false;
-    const GDALDatasetUniquePtr dataset = ReplaceShapefile(CommonFun::U2M(path));
-    if (!dataset)
-        return false;
-    OGRLayer* const layer = dataset->CreateLayer("polygon", nullptr, wkbUnknown, nullptr);
-    if (layer == nullptr)
-        return false;
-    AddImageFields(*layer);
-    for (std::size_t i = 0; i < polygons.size(); ++i)
-        if (polygons[i] != nullptr)
-            AddImageFeature(*layer, *polygons[i],
-                            i < names.size() ? CommonFun::U2M(names[i]) : std::string());
-    return true;
+    return zelto::NoThrow(false, [&] {
+        if (path == nullptr)
+            return zelto::RefuseMissing("path");
+        const std::string file = CommonFun::U2M(path);
+        zelto::GdalWatch creation;
+        GDALDatasetUniquePtr dataset = ReplaceShapefile(file);
+        OGRLayer* const layer =
+            dataset ? dataset->CreateLayer("polygon", nullptr, wkbUnknown, nullptr) : nullptr;
+        if (!creation.Succeeded(layer != nullptr && AddImageFields(*layer), file))
+            return false;
+        return AddImageFeatures(*layer, polygons, names, file) && Close(std::move(dataset), file);
+    });
 }
 
 bool CRasterAlgorithm::SaveGemetryFromTxt(std::string path) {
-    std::ifstream stream(path);
-    if (!stream)
-        return false;
-    const std::vector<NamedPolygon> polygons = ReadPolygons(stream);
-    std::vector<OGRGeometry*> geometries;
-    std::vector<std::wstring> names;
-    for (const NamedPolygon& polygon : polygons) {
-        geometries.push_back(polygon.geometry.get());
-        names.push_back(polygon.name);
-    }
-    const std::wstring stem = CommonFun::GetFilePahWithoutExtension(CommonFun::M2U(path));
-    return SavePolygonNet((stem + L".shp").c_str(), geometries, names);
+    return zelto::NoThrow(false, [&] {
+        std::ifstream stream(path);
+        if (!stream)
+            return zelto::RefuseMissing("text that can be opened");
+        const std::vector<NamedPolygon> polygons = ReadPolygons(stream);
+        std::vector<OGRGeometry*> geometries;
+        std::vector<std::wstring> names;
+        for (const NamedPolygon& polygon : polygons) {
+            geometries.push_back(polygon.geometry.get());
+            names.push_back(polygon.name);
+        }
+        const std::wstring stem = CommonFun::GetFilePahWithoutExtension(CommonFun::M2U(path));
+        return SavePolygonNet((stem + L".shp").c_str(), geometries, names);
+    });
 }
 
 OGRGeometry* CRasterAlgorithm::IntersectionPro(OGRGeometry* a, OGRGeometry* b) {
-    if (a == nullptr || b == nullptr)
-        return nullptr;
-    switch (wkbFlatten(a->getGeometryType())) {
-    case wkbPolygon:
-        return a->Intersection(b);
-    case wkbMultiPolygon: {
-        const OGRGeometryUniquePtr merged = MergeMembers(*a->toMultiPolygon());
-        return merged ? merged->Intersection(b) : nullptr;
-    }
-    default:
-        return nullptr;
-    }
+    using Geometry = OGRGeometry*;
+    return zelto::NoThrow(Geometry(nullptr), [&]() -> Geometry {
+        const auto type = a != nullptr ? wkbFlatten(a->getGeometryType()) : wkbUnknown;
+        if (b == nullptr || (type != wkbPolygon && type != wkbMultiPolygon)) {
+            zelto::RefuseMissing("polygon or geometry to cut it with");
+            return nullptr;
+        }
+        zelto::GdalWatch watch;
+        OGRGeometryUniquePtr merged;
+        if (type == wkbMultiPolygon)
+            merged = MergeMembers(*a->toMultiPolygon());
+        const OGRGeometry* const area = type == wkbPolygon ? a : merged.get();
+        OGRGeometryUniquePtr common(area != nullptr ? area->Intersection(b) : nullptr);
+        return watch.Succeeded(common != nullptr, "") ? common.release() : nullptr;
+    });
 }

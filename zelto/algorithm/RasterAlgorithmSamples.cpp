@@ -1,9 +1,11 @@
 #include "zelto/algorithm/ImgSamplePixels.h"
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/algorithm/internal/Moments.h"
+#include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/algorithm/internal/RegionRows.h"
 #include "zelto/algorithm/internal/SampleReader.h"
 #include "zelto/aoi/DrawShape.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
@@ -16,7 +18,7 @@ namespace {
 
 using BandSamples = std::vector<std::unique_ptr<double[]>>;
 
-/// All bands of the grid, whole; empty where there is no memory or a band cannot be read.
+/// All bands of the grid, whole; empty where a band cannot be read.
 std::optional<BandSamples> ReadBands(const std::vector<CRasterBand*>& bands,
                                      const zelto::PixelWindow& window,
                                      const zelto::SampleGrid& grid) {
@@ -24,7 +26,7 @@ std::optional<BandSamples> ReadBands(const std::vector<CRasterBand*>& bands,
     for (std::size_t b = 0; b < bands.size(); ++b) {
         samples.push_back(zelto::AllocateSamples<double>(grid.samples));
         if (!samples.back())
-            return std::nullopt;
+            throw std::bad_alloc();
     }
     for (std::size_t b = 0; b < bands.size(); ++b) {
         const bool read = zelto::ReadSamples(bands[b]->GetGDALBand(), window, grid.width,
@@ -94,34 +96,35 @@ class SampleCollector {
 
 bool CRasterAlgorithm::GetSamplePixelFromDrawShape(CRasterSource* source, CDrawShape* shape,
                                                    CImgSamplePixels* samples) {
-    if (source == nullptr || shape == nullptr || samples == nullptr)
-        return false;
-    const auto window = zelto::WindowInside(*source, shape->m_extent);
-    if (!window)
-        return false;
-    const zelto::SampleGrid grid = zelto::ShapeGrid(window->width, window->height);
-    if (grid.samples < 1)
-        return false;
-    const std::vector<CRasterBand*> bands = zelto::BandsOf(*source);
-    const auto values = ReadBands(bands, *window, grid);
-    if (!values)
-        return false;
-    zelto::RegionSpans inside;
-    inside.Find(*zelto::RowsOf(*shape, *source, *window, grid), 0, grid.height);
-    const auto width = static_cast<std::size_t>(grid.width);
-    std::vector<TypicalRange> ranges;
-    for (const auto& band : *values)
-        ranges.push_back(TypicalRangeOf(band.get(), width, inside));
-    // One no-data value, the last band's, counts for all bands.
-    const auto noData = bands.empty() ? zelto::NoDataRule() : zelto::NoDataRule::Of(*bands.back());
-    const SampleCollector collector(*values, noData, std::move(ranges));
-    try {
+    return zelto::NoThrow(false, [&] {
+        if (!zelto::IsUsable(source))
+            return false;
+        if (shape == nullptr || samples == nullptr)
+            return zelto::RefuseMissing("shape or container");
+        const auto window = zelto::WindowInside(*source, shape->m_extent);
+        if (!window)
+            return zelto::Refuse(*source, zelto::NO_OVERLAP);
+        const zelto::SampleGrid grid = zelto::ShapeGrid(window->width, window->height);
+        if (grid.samples < 1)
+            return zelto::Refuse(*source, zelto::NO_PIXELS);
+        const std::vector<CRasterBand*> bands = zelto::BandsOf(*source);
+        const auto values = ReadBands(bands, *window, grid);
+        if (!values)
+            return false;
+        zelto::RegionSpans inside;
+        inside.Find(*zelto::RowsOf(*shape, *source, *window, grid), 0, grid.height);
+        const auto width = static_cast<std::size_t>(grid.width);
+        std::vector<TypicalRange> ranges;
+        for (const auto& band : *values)
+            ranges.push_back(TypicalRangeOf(band.get(), width, inside));
+        // One no-data value, the last band's, counts for all bands.
+        const auto noData =
+            bands.empty() ? zelto::NoDataRule() : zelto::NoDataRule::Of(*bands.back());
+        const SampleCollector collector(*values, noData, std::move(ranges));
         inside.Visit(width, [&](std::size_t begin, std::size_t length) {
             for (std::size_t i = begin; i < begin + length; ++i)
                 collector.Collect(i, *samples);
         });
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
-    return true;
+        return true;
+    });
 }

@@ -1,7 +1,11 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/algorithm/internal/RegionMoments.h"
 #include "zelto/aoi/DrawShape.h"
 #include "zelto/aoi/RasterAOI.h"
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
@@ -31,10 +35,16 @@ bool ComputeWholeBand(CRasterBand& band, std::size_t index, const zelto::MomentA
 /// @return the success of the last band
 bool ComputeWholeRaster(CRasterSource& source, const zelto::MomentArrays& arrays, bool approx,
                         CDataProgress* progress) {
+    if (source.GetBandCount() < 1)
+        return zelto::Refuse(source, "the raster has no bands");
+    const std::string file = CommonFun::U2M(source.GetFilePath());
     bool done = false;
-    for (int b = 0; b < source.GetBandCount(); ++b)
-        done = ComputeWholeBand(*source.GetRasterBand(b), static_cast<std::size_t>(b), arrays,
-                                approx, progress);
+    for (int b = 0; b < source.GetBandCount(); ++b) {
+        zelto::GdalWatch watch;
+        const bool answer = ComputeWholeBand(*source.GetRasterBand(b), static_cast<std::size_t>(b),
+                                             arrays, approx, progress);
+        done = watch.Succeeded(answer, file);
+    }
     return done;
 }
 
@@ -44,58 +54,63 @@ bool CRasterAlgorithm::ComputeStaticsFromAOI(CRasterSource* source, CRasterAOI* 
                                              double* min, double* max, double* mean,
                                              double* covariance, bool approx,
                                              CDataProgress* progress) {
-    if (source == nullptr)
-        return false;
-    const auto finish = [&](bool result, bool approximateCovariance) {
-        if (covariance == nullptr)
-            return result;
-        return ComputeCovarianceFromAOI(source, aoi, mean, covariance, approximateCovariance,
-                                        progress);
-    };
-    if (aoi == nullptr) {
-        const bool done = ComputeWholeRaster(*source, {min, max, mean}, approx, progress);
-        count = __int64{source->GetWidth()} * source->GetHeight();
-        return finish(done, approx);
-    }
-    const zelto::PixelWindow window = zelto::WindowOf(aoi->GetRect());
-    const auto plan =
-        zelto::PlanAoiStatistics(window.width, window.height, source->GetBandCount(), approx);
-    if (plan.inBlocks)
-        return finish(ComputeStaticsFormAOIByBlock(source, aoi, count, min, max, mean, progress),
-                      false);
-    if (plan.grid.samples < 1 || !plan.grid.IsHeld())
-        return false;
-    const auto region = zelto::RowsOf(*aoi, window, plan.grid);
-    const auto moments =
-        zelto::AccumulateMoments(zelto::BandsOf(*source), window, plan.grid, *region);
-    if (!moments)
-        return false;
-    count = zelto::WriteMoments(*moments, {min, max, mean});
-    // Hosts take the outputs and not the answer, which says false even now.
-    return finish(false, approx);
+    return zelto::NoThrow(false, [&] {
+        if (!zelto::IsUsable(source))
+            return false;
+        const auto finish = [&](bool result, bool approximateCovariance) {
+            if (covariance == nullptr)
+                return result;
+            return ComputeCovarianceFromAOI(source, aoi, mean, covariance, approximateCovariance,
+                                            progress);
+        };
+        if (aoi == nullptr) {
+            const bool done = ComputeWholeRaster(*source, {min, max, mean}, approx, progress);
+            count = __int64{source->GetWidth()} * source->GetHeight();
+            return finish(done, approx);
+        }
+        const zelto::PixelWindow window = zelto::WindowOf(aoi->GetRect());
+        const auto plan =
+            zelto::PlanAoiStatistics(window.width, window.height, source->GetBandCount(), approx);
+        if (plan.inBlocks)
+            return finish(
+                ComputeStaticsFormAOIByBlock(source, aoi, count, min, max, mean, progress), false);
+        if (plan.grid.samples < 1 || !plan.grid.IsHeld())
+            return zelto::Refuse(*source, zelto::NO_PIXELS);
+        const auto region = zelto::RowsOf(*aoi, window, plan.grid);
+        const auto moments =
+            zelto::AccumulateMoments(zelto::BandsOf(*source), window, plan.grid, *region);
+        if (!moments)
+            return zelto::Refuse(*source, zelto::NO_MEMORY);
+        count = zelto::WriteMoments(*moments, {min, max, mean});
+        // Hosts take the outputs and not the answer, which says false even now.
+        return finish(false, approx);
+    });
 }
 
 bool CRasterAlgorithm::ComputeStaticsFromDrawshape(CRasterSource* source, CDrawShape* shape,
                                                    __int64& count, double* min, double* max,
                                                    double* mean, double* covariance,
                                                    CDataProgress* progress) {
-    if (source == nullptr)
-        return false;
     if (shape == nullptr)
         return ComputeStaticsFromAOI(source, nullptr, count, min, max, mean, covariance, true,
                                      progress);
-    const auto window = zelto::WindowInside(*source, shape->m_extent);
-    if (!window)
-        return false;
-    const zelto::SampleGrid grid = zelto::ShapeGrid(window->width, window->height);
-    if (grid.samples < 1)
-        return false;
-    const auto region = zelto::RowsOf(*shape, *source, *window, grid);
-    const auto moments = zelto::AccumulateMoments(zelto::BandsOf(*source), *window, grid, *region);
-    if (!moments)
-        return false;
-    count = zelto::WriteMoments(*moments, {min, max, mean});
-    if (covariance != nullptr)
-        return ComputeCovarianceFromDrawshape(source, shape, mean, covariance, progress);
-    return true;
+    return zelto::NoThrow(false, [&] {
+        if (!zelto::IsUsable(source))
+            return false;
+        const auto window = zelto::WindowInside(*source, shape->m_extent);
+        if (!window)
+            return zelto::Refuse(*source, zelto::NO_OVERLAP);
+        const zelto::SampleGrid grid = zelto::ShapeGrid(window->width, window->height);
+        if (grid.samples < 1)
+            return zelto::Refuse(*source, zelto::NO_PIXELS);
+        const auto region = zelto::RowsOf(*shape, *source, *window, grid);
+        const auto moments =
+            zelto::AccumulateMoments(zelto::BandsOf(*source), *window, grid, *region);
+        if (!moments)
+            return zelto::Refuse(*source, zelto::NO_MEMORY);
+        count = zelto::WriteMoments(*moments, {min, max, mean});
+        if (covariance != nullptr)
+            return ComputeCovarianceFromDrawshape(source, shape, mean, covariance, progress);
+        return true;
+    });
 }

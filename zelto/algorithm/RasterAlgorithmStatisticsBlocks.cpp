@@ -1,4 +1,5 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/algorithm/internal/RegionMoments.h"
 #include "zelto/aoi/RasterAOI.h"
 #include "zelto/raster/RasterBand.h"
@@ -77,14 +78,14 @@ bool CRasterAlgorithm::ComputeStaticsFormAOIByBlock(CRasterSource* source, CRast
     count = 0;
     // The rectangle of an area wholly off the raster has negative sides.
     if (window.width < 1 || window.height < 1)
-        return false;
+        return zelto::Refuse(*source, zelto::NO_PIXELS);
     // No block that wide can be read; its columns may be more than there is memory for.
     if (window.width > source->GetWidth())
-        return false;
+        return zelto::Refuse(*source, "the area is wider than the raster");
     const AoiBlocks blocks(*aoi, source->GetHeight());
     const auto samples = zelto::AllocateSamples<double>(blocks.Capacity());
     if (!samples)
-        return false;
+        return zelto::Refuse(*source, zelto::NO_MEMORY);
     std::vector<Moments> moments;
     for (CRasterBand* band : zelto::BandsOf(*source)) {
         moments.emplace_back();

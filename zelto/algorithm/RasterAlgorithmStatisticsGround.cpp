@@ -1,8 +1,10 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/algorithm/internal/Moments.h"
+#include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/algorithm/internal/RegionRows.h"
 #include "zelto/algorithm/internal/SampleReader.h"
 #include "zelto/aoi/AOISource.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
@@ -47,7 +49,7 @@ bool ComputeSeeded(CRasterSource& source, const PixelWindow& window, const Sampl
                    const StatisticsArrays& arrays, __int64& count, Accept accept) {
     const auto samples = zelto::AllocateSamples<float>(grid.samples);
     if (!samples)
-        return false;
+        return zelto::Refuse(source, zelto::NO_MEMORY);
     count = 0;
     for (int b = 0; b < source.GetBandCount(); ++b) {
         CRasterBand& band = *source.GetRasterBand(b);
@@ -107,25 +109,29 @@ bool CRasterAlgorithm::ComputeStaticsFromAOI2(CRasterSource* source, CAOISource*
                                               __int64& count, double* min, double* max,
                                               double* mean, double* stddev, bool skipZero,
                                               CDataProgress* /*progress*/) {
-    if (source == nullptr || aoi == nullptr)
-        return false;
-    const auto window = zelto::WindowUnder(*source, aoi->GetExtent());
-    if (!window)
-        return false;
-    const SampleGrid grid =
-        zelto::SharedBudgetGrid(window->width, window->height, source->GetBandCount());
-    if (grid.samples <= 1 || !grid.IsHeld())
-        return false;
-    const StatisticsArrays arrays = {min, max, mean, stddev};
-    // Skipping zeros takes the place of the region test.
-    if (skipZero)
-        return ComputeSeeded(*source, *window, grid, arrays, count,
-                             [](int, std::size_t, double sample) { return sample != 0.0; });
-    const auto mask = zelto::AllocateSamples<unsigned char>(grid.samples);
-    if (!mask)
-        return false;
-    FillMask(*zelto::RowsOf(*aoi, *source, *window, grid), grid, mask.get());
-    return ComputeSeeded(*source, *window, grid, arrays, count, RegionFilter(mask.get()));
+    return zelto::NoThrow(false, [&] {
+        if (!zelto::IsUsable(source))
+            return false;
+        if (aoi == nullptr)
+            return zelto::RefuseMissing("area");
+        const auto window = zelto::WindowUnder(*source, aoi->GetExtent());
+        if (!window)
+            return zelto::Refuse(*source, zelto::NO_OVERLAP);
+        const SampleGrid grid =
+            zelto::SharedBudgetGrid(window->width, window->height, source->GetBandCount());
+        if (grid.samples <= 1 || !grid.IsHeld())
+            return zelto::Refuse(*source, zelto::NO_PIXELS);
+        const StatisticsArrays arrays = {min, max, mean, stddev};
+        // Skipping zeros takes the place of the region test.
+        if (skipZero)
+            return ComputeSeeded(*source, *window, grid, arrays, count,
+                                 [](int, std::size_t, double sample) { return sample != 0.0; });
+        const auto mask = zelto::AllocateSamples<unsigned char>(grid.samples);
+        if (!mask)
+            return zelto::Refuse(*source, zelto::NO_MEMORY);
+        FillMask(*zelto::RowsOf(*aoi, *source, *window, grid), grid, mask.get());
+        return ComputeSeeded(*source, *window, grid, arrays, count, RegionFilter(mask.get()));
+    });
 }
 
 bool CRasterAlgorithm::ComputeStaticsFromBox2(CRasterSource* source, CBoundingBox* box,
@@ -133,53 +139,60 @@ bool CRasterAlgorithm::ComputeStaticsFromBox2(CRasterSource* source, CBoundingBo
                                               double* mean, double* stddev, double* lowClip,
                                               double* highClip, bool /*unused*/,
                                               CDataProgress* /*progress*/) {
-    if (source == nullptr || box == nullptr)
-        return false;
-    const auto window = zelto::WindowUnder(*source, *box);
-    if (!window)
-        return false;
-    const SampleGrid grid =
-        zelto::SharedBudgetGrid(window->width, window->height, source->GetBandCount());
-    if (grid.samples < 2 || !grid.IsHeld())
-        return false;
-    const auto isInRange = [&](int band, std::size_t, double sample) {
-        return sample != 0.0 && !(lowClip != nullptr && sample < lowClip[band]) &&
-               !(highClip != nullptr && sample > highClip[band]);
-    };
-    return ComputeSeeded(*source, *window, grid, {min, max, mean, stddev}, count, isInRange);
+    return zelto::NoThrow(false, [&] {
+        if (!zelto::IsUsable(source))
+            return false;
+        if (box == nullptr)
+            return zelto::RefuseMissing("box");
+        const auto window = zelto::WindowUnder(*source, *box);
+        if (!window)
+            return zelto::Refuse(*source, zelto::NO_OVERLAP);
+        const SampleGrid grid =
+            zelto::SharedBudgetGrid(window->width, window->height, source->GetBandCount());
+        if (grid.samples < 2 || !grid.IsHeld())
+            return zelto::Refuse(*source, zelto::NO_PIXELS);
+        const auto isInRange = [&](int band, std::size_t, double sample) {
+            return sample != 0.0 && !(lowClip != nullptr && sample < lowClip[band]) &&
+                   !(highClip != nullptr && sample > highClip[band]);
+        };
+        return ComputeSeeded(*source, *window, grid, {min, max, mean, stddev}, count, isInRange);
+    });
 }
 
 bool CRasterAlgorithm::ComputeBandApproxStatics(GDALRasterBand* band, __int64& count, double& min,
                                                 double& max, double& mean, double& stddev,
                                                 double* lowClip, double* highClip, bool /*unused*/,
                                                 CDataProgress* /*progress*/) {
-    if (band == nullptr)
-        return false;
-    const PixelWindow window = {0, 0, band->GetXSize(), band->GetYSize()};
-    const SampleGrid grid = zelto::OverviewGrid(window.width, window.height);
-    const auto samples = zelto::AllocateSamples<float>(grid.samples < 2 ? 0 : grid.samples);
-    if (!samples || !grid.IsHeld())
-        return false;
-    SeededMoments moments;
-    count = 0;
-    min = moments.minimum;
-    max = moments.maximum;
-    // Compared with whether or not the band defines one.
-    const NoDataRule noData = {true, band->GetNoDataValue()};
-    const bool read = zelto::ReadSamples(band, window, grid.width, grid.height, samples.get());
-    band->FlushCache();
-    if (!read)
-        return false;
-    for (std::int64_t i = 0; i < grid.samples; ++i) {
-        const double sample = samples[i];
-        const bool isLeftOut = noData.Holds(sample) || sample == 0.0 ||
-                               (lowClip != nullptr && sample < *lowClip) ||
-                               (highClip != nullptr && sample > *highClip);
-        if (!isLeftOut)
-            moments.Add(sample);
-    }
-    count = moments.count;
-    const StatisticsArrays outputs = {&min, &max, &mean, &stddev};
-    outputs.Write(0, moments);
-    return count > 0;
+    return zelto::NoThrow(false, [&] {
+        if (band == nullptr)
+            return zelto::RefuseMissing("band");
+        const PixelWindow window = {0, 0, band->GetXSize(), band->GetYSize()};
+        const SampleGrid grid = zelto::OverviewGrid(window.width, window.height);
+        const auto samples = zelto::AllocateSamples<float>(grid.samples < 2 ? 0 : grid.samples);
+        if (!samples || !grid.IsHeld())
+            return zelto::RefuseMissing(grid.samples < 2 ? "band of two samples or more"
+                                                         : "memory");
+        SeededMoments moments;
+        count = 0;
+        min = moments.minimum;
+        max = moments.maximum;
+        // Compared with whether or not the band defines one.
+        const NoDataRule noData = {true, band->GetNoDataValue()};
+        const bool read = zelto::ReadSamples(band, window, grid.width, grid.height, samples.get());
+        band->FlushCache();
+        if (!read)
+            return false;
+        for (std::int64_t i = 0; i < grid.samples; ++i) {
+            const double sample = samples[i];
+            const bool isLeftOut = noData.Holds(sample) || sample == 0.0 ||
+                                   (lowClip != nullptr && sample < *lowClip) ||
+                                   (highClip != nullptr && sample > *highClip);
+            if (!isLeftOut)
+                moments.Add(sample);
+        }
+        count = moments.count;
+        const StatisticsArrays outputs = {&min, &max, &mean, &stddev};
+        outputs.Write(0, moments);
+        return count > 0;
+    });
 }

@@ -1,9 +1,11 @@
 #include "zelto/algorithm/RegionStatistics.h"
 
 #include "zelto/algorithm/internal/PreciseMoments.h"
+#include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/algorithm/internal/RegionScan.h"
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/DrawRectangle.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
@@ -41,8 +43,25 @@ void CRegionStatistics::SetBands(const std::vector<int>& bands) {
 void CRegionStatistics::SetAOI(CAOISource* aoi) {
     m_shapes.clear();
     m_wholeRaster = aoi == nullptr;
-    for (int i = 0; aoi != nullptr && i < aoi->GetDrawShapeCount(); ++i)
-        m_shapes.push_back(aoi->GetDrawShape(i));
+    // Without memory for all of its shapes an area holds nothing, rather than a part of itself.
+    zelto::NoThrow(false, [&] {
+        m_shapes.reserve(static_cast<std::size_t>(aoi != nullptr ? aoi->GetDrawShapeCount() : 0));
+        for (int i = 0; aoi != nullptr && i < aoi->GetDrawShapeCount(); ++i)
+            m_shapes.push_back(aoi->GetDrawShape(i));
+        return true;
+    });
+}
+
+/// Whether the raster still has all the bands that are asked for.
+bool CRegionStatistics::IsUsable() const {
+    const auto isGone = [this](const Band& band) {
+        return m_source->GetRasterBand(band.index) == nullptr;
+    };
+    if (!zelto::IsUsable(m_source))
+        return false;
+    if (std::any_of(m_bands.begin(), m_bands.end(), isGone))
+        return zelto::Refuse(*m_source, "the raster has fewer bands than before");
+    return true;
 }
 
 void CRegionStatistics::SetShape(CDrawShape* shape) {
@@ -73,40 +92,52 @@ zelto::RegionScan CRegionStatistics::MakeScan(const std::vector<int>& bands) con
 }
 
 GISError CRegionStatistics::Compute(CDataProgress* progress) {
-    if (m_source == nullptr)
-        return GIS_FAILED;
-    const zelto::RegionScan scan = MakeScan();
-    m_sampled = scan.IsSampled();
-    std::vector<zelto::PreciseMoments> moments(m_bands.size());
-    const auto add = [&](std::size_t b, std::span<const double> values) { moments[b].Add(values); };
-    if (!scan.VisitValues(TITLE, progress, add))
-        return GIS_FAILED;
-    for (std::size_t b = 0; b < m_bands.size(); ++b) {
-        const bool any = moments[b].Count() > 0;
-        m_bands[b].count = moments[b].Count();
-        m_bands[b].minimum = any ? moments[b].Minimum() : NOT_A_NUMBER;
-        m_bands[b].maximum = any ? moments[b].Maximum() : NOT_A_NUMBER;
-        m_bands[b].mean = moments[b].Mean();
-        m_bands[b].standardDeviation = moments[b].StandardDeviation();
-    }
-    return GIS_SUCCESS;
+    return zelto::NoThrow(GIS_FAILED, [&] {
+        if (!IsUsable())
+            return GIS_FAILED;
+        const zelto::RegionScan scan = MakeScan();
+        m_sampled = scan.IsSampled();
+        std::vector<zelto::PreciseMoments> moments(m_bands.size());
+        const auto add = [&](std::size_t b, std::span<const double> values) {
+            moments[b].Add(values);
+        };
+        if (!scan.VisitValues(TITLE, progress, add))
+            return GIS_FAILED;
+        for (std::size_t b = 0; b < m_bands.size(); ++b) {
+            const bool any = moments[b].Count() > 0;
+            m_bands[b].count = moments[b].Count();
+            m_bands[b].minimum = any ? moments[b].Minimum() : NOT_A_NUMBER;
+            m_bands[b].maximum = any ? moments[b].Maximum() : NOT_A_NUMBER;
+            m_bands[b].mean = moments[b].Mean();
+            m_bands[b].standardDeviation = moments[b].StandardDeviation();
+        }
+        return GIS_SUCCESS;
+    });
 }
 
 GISError CRegionStatistics::ComputeHistogram(int position, double low, double width,
                                              std::vector<__int64>& counts,
                                              CDataProgress* progress) {
-    const bool valid = position >= 0 && position < static_cast<int>(m_bands.size()) && width > 0;
-    if (m_source == nullptr || !valid)
-        return GIS_FAILED;
-    std::fill(counts.begin(), counts.end(), 0);
-    const auto count = static_cast<double>(counts.size());
-    const auto add = [&](std::size_t, std::span<const double> values) {
-        for (const double value : values) {
-            const double bucket = std::floor((value - low) / width);
-            if (bucket >= 0 && bucket < count)
-                ++counts[static_cast<std::size_t>(bucket)];
+    return zelto::NoThrow(GIS_FAILED, [&] {
+        if (!IsUsable())
+            return GIS_FAILED;
+        const bool valid =
+            position >= 0 && position < static_cast<int>(m_bands.size()) && width > 0;
+        if (!valid) {
+            zelto::RefuseMissing("band or width of buckets");
+            return GIS_FAILED;
         }
-    };
-    const int band = m_bands[static_cast<std::size_t>(position)].index;
-    return MakeScan({band}).VisitValues(HISTOGRAM_TITLE, progress, add) ? GIS_SUCCESS : GIS_FAILED;
+        std::fill(counts.begin(), counts.end(), 0);
+        const auto count = static_cast<double>(counts.size());
+        const auto add = [&](std::size_t, std::span<const double> values) {
+            for (const double value : values) {
+                const double bucket = std::floor((value - low) / width);
+                if (bucket >= 0 && bucket < count)
+                    ++counts[static_cast<std::size_t>(bucket)];
+            }
+        };
+        const int band = m_bands[static_cast<std::size_t>(position)].index;
+        return MakeScan({band}).VisitValues(HISTOGRAM_TITLE, progress, add) ? GIS_SUCCESS
+                                                                            : GIS_FAILED;
+    });
 }

@@ -95,6 +95,7 @@ class ZELTO_API CRegionStatistics {
     bool IsSampled() const { return m_sampled; }
 
   private:
+    bool IsUsable() const;
     zelto::RegionScan MakeScan() const;
     zelto::RegionScan MakeScan(const std::vector<int>& bands) const;
 

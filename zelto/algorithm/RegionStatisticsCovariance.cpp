@@ -3,6 +3,7 @@
 #include "zelto/algorithm/internal/PreciseMoments.h"
 #include "zelto/algorithm/internal/RegionScan.h"
 #include "zelto/aoi/DrawRectangle.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterSource.h"
 
 #include <optional>
@@ -67,26 +68,28 @@ std::optional<std::vector<double>> MeansOf(const zelto::RegionScan& scan, Comple
 } // namespace
 
 GISError CRegionStatistics::ComputeCovariance(CDataProgress* progress) {
-    if (m_source == nullptr)
-        return GIS_FAILED;
-    const zelto::RegionScan scan = MakeScan();
-    CompletePixels pixels(scan.Bands());
-    const auto means = MeansOf(scan, pixels, progress);
-    if (!means)
-        return GIS_FAILED;
-    m_covariance.assign(means->size() * means->size(), 0.0);
-    m_covarianceCount = 0;
-    zelto::CovarianceSums sums(scan.Bands(), means->data(), m_covariance.data());
-    std::vector<const double*> values(means->size());
-    const auto add = [&](std::span<const double*> samples, const zelto::RegionSpans& spans) {
-        pixels.Select(samples, scan.Width(), spans);
-        for (std::size_t b = 0; b < values.size(); ++b)
-            values[b] = pixels.Of(b).data();
-        sums.AddRun(values, 0, pixels.Count());
-        m_covarianceCount += static_cast<__int64>(pixels.Count());
-    };
-    if (!scan.Visit(TITLE, progress, add))
-        return GIS_FAILED;
-    sums.Finish(m_covarianceCount);
-    return GIS_SUCCESS;
+    return zelto::NoThrow(GIS_FAILED, [&] {
+        if (!IsUsable())
+            return GIS_FAILED;
+        const zelto::RegionScan scan = MakeScan();
+        CompletePixels pixels(scan.Bands());
+        const auto means = MeansOf(scan, pixels, progress);
+        if (!means)
+            return GIS_FAILED;
+        m_covariance.assign(means->size() * means->size(), 0.0);
+        m_covarianceCount = 0;
+        zelto::CovarianceSums sums(scan.Bands(), means->data(), m_covariance.data());
+        std::vector<const double*> values(means->size());
+        const auto add = [&](std::span<const double*> samples, const zelto::RegionSpans& spans) {
+            pixels.Select(samples, scan.Width(), spans);
+            for (std::size_t b = 0; b < values.size(); ++b)
+                values[b] = pixels.Of(b).data();
+            sums.AddRun(values, 0, pixels.Count());
+            m_covarianceCount += static_cast<__int64>(pixels.Count());
+        };
+        if (!scan.Visit(TITLE, progress, add))
+            return GIS_FAILED;
+        sums.Finish(m_covarianceCount);
+        return GIS_SUCCESS;
+    });
 }

@@ -2,6 +2,7 @@
 #include "zelto/algorithm/internal/RankSearch.h"
 #include "zelto/algorithm/internal/RegionScan.h"
 #include "zelto/aoi/DrawRectangle.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterSource.h"
 
 #include <algorithm>
@@ -75,27 +76,31 @@ class BandPercentiles {
 } // namespace
 
 GISError CRegionStatistics::ComputePercentiles(double low, double high, CDataProgress* progress) {
-    if (m_source == nullptr)
-        return GIS_FAILED;
-    const zelto::RegionScan scan = MakeScan();
-    std::vector<BandPercentiles> bands;
-    for (const Band& band : m_bands)
-        bands.emplace_back(band, low, high);
-    const auto add = [&](std::size_t b, std::span<const double> values) { bands[b].Add(values); };
-    const auto beginPass = [&] {
-        // All bands, not the first one that has something left.
-        return std::count_if(bands.begin(), bands.end(),
-                             [](BandPercentiles& band) { return band.BeginPass(); }) > 0;
-    };
-    while (beginPass()) {
-        if (!scan.VisitValues(TITLE, progress, add))
+    return zelto::NoThrow(GIS_FAILED, [&] {
+        if (!IsUsable())
             return GIS_FAILED;
-        for (BandPercentiles& band : bands)
-            band.EndPass();
-    }
-    for (std::size_t b = 0; b < bands.size(); ++b) {
-        m_bands[b].lowPercentile = bands[b].Low();
-        m_bands[b].highPercentile = bands[b].High();
-    }
-    return GIS_SUCCESS;
+        const zelto::RegionScan scan = MakeScan();
+        std::vector<BandPercentiles> bands;
+        for (const Band& band : m_bands)
+            bands.emplace_back(band, low, high);
+        const auto add = [&](std::size_t b, std::span<const double> values) {
+            bands[b].Add(values);
+        };
+        const auto beginPass = [&] {
+            // All bands, not the first one that has something left.
+            return std::count_if(bands.begin(), bands.end(),
+                                 [](BandPercentiles& band) { return band.BeginPass(); }) > 0;
+        };
+        while (beginPass()) {
+            if (!scan.VisitValues(TITLE, progress, add))
+                return GIS_FAILED;
+            for (BandPercentiles& band : bands)
+                band.EndPass();
+        }
+        for (std::size_t b = 0; b < bands.size(); ++b) {
+            m_bands[b].lowPercentile = bands[b].Low();
+            m_bands[b].highPercentile = bands[b].High();
+        }
+        return GIS_SUCCESS;
+    });
 }

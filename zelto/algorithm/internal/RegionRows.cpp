@@ -12,6 +12,7 @@
 #include <cstring>
 #include <optional>
 #include <span>
+#include <utility>
 
 namespace zelto {
 
@@ -47,48 +48,67 @@ class AllRegionRows : public RegionRows {
     int m_width;
 };
 
+/// Ground points of the samples of a grid.
+class GroundGrid {
+  public:
+    /// @param offset see RowsOf()
+    GroundGrid(const CRasterSource& source, const PixelWindow& window, const SampleGrid& grid,
+               double offset)
+        : m_step(grid.step), m_left(window.left + offset), m_top(window.top + offset) {
+        source.GetGeoTransform(m_geoTransform.data(), false);
+    }
+
+    bool ColumnsAreUpright() const { return m_geoTransform[2] == 0.0; }
+    bool RowsAreLevel() const { return m_geoTransform[4] == 0.0; }
+    double X(std::size_t column, int row) const {
+        return m_geoTransform[0] + Column(column) * m_geoTransform[1] +
+               Row(row) * m_geoTransform[2];
+    }
+    double Y(std::size_t column, int row) const {
+        return m_geoTransform[3] + Column(column) * m_geoTransform[4] +
+               Row(row) * m_geoTransform[5];
+    }
+
+  private:
+    double Column(std::size_t column) const {
+        return static_cast<double>(column) * m_step + m_left;
+    }
+    double Row(int row) const { return row * m_step + m_top; }
+
+    double m_step;
+    double m_left; ///< position of the first column
+    double m_top;  ///< position of the first row
+    std::array<double, 6> m_geoTransform{};
+};
+
 /// Shapes tested at the ground points of the samples.
 class GroundRegionRows : public RegionRows {
   public:
     /// @param limits points outside are not in the region whatever the shapes say
-    GroundRegionRows(std::span<CDrawShape* const> shapes, std::optional<CBoundingBox> limits,
-                     const CRasterSource& source, const PixelWindow& window, const SampleGrid& grid,
-                     double offset)
-        : m_shapes(shapes),
+    GroundRegionRows(RowMembership shapes, std::optional<CBoundingBox> limits,
+                     const GroundGrid& ground, int width)
+        : m_shapes(std::move(shapes)),
           m_limits(limits),
-          m_grid(grid),
-          m_left(window.left + offset),
-          m_top(window.top + offset),
-          m_xs(static_cast<std::size_t>(std::max(grid.width, 0))),
+          m_ground(ground),
+          m_xs(static_cast<std::size_t>(std::max(width, 0))),
           m_inside(m_xs.size()) {
-        source.GetGeoTransform(m_geoTransform.data(), false);
-        SetXs(m_top);
+        SetXs(0);
     }
 
     void AppendSpans(int row, std::vector<ColumnSpan>& spans) override {
-        const double py = row * m_grid.step + m_top;
-        const bool columnsAreTilted = m_geoTransform[2] != 0.0;
-        if (columnsAreTilted)
-            SetXs(py);
-        const bool rowsAreLevel = m_geoTransform[4] == 0.0;
-        if (rowsAreLevel)
-            MarkLevelRow(GroundY(m_left, py));
+        if (!m_ground.ColumnsAreUpright())
+            SetXs(row);
+        if (m_ground.RowsAreLevel())
+            MarkLevelRow(m_ground.Y(0, row));
         else
-            MarkPositions(py);
+            MarkPositions(row);
         AppendMaskedSpans(m_inside, spans);
     }
 
   private:
-    double ColumnPosition(std::size_t column) const {
-        return static_cast<double>(column) * m_grid.step + m_left;
-    }
-    double GroundY(double px, double py) const {
-        return m_geoTransform[3] + px * m_geoTransform[4] + py * m_geoTransform[5];
-    }
-    void SetXs(double py) {
+    void SetXs(int row) {
         for (std::size_t i = 0; i < m_xs.size(); ++i)
-            m_xs[i] =
-                m_geoTransform[0] + ColumnPosition(i) * m_geoTransform[1] + py * m_geoTransform[2];
+            m_xs[i] = m_ground.X(i, row);
     }
 
     void MarkLevelRow(double y) {
@@ -102,9 +122,9 @@ class GroundRegionRows : public RegionRows {
                                                       m_xs[i] <= limits.m_right);
     }
 
-    void MarkPositions(double py) {
+    void MarkPositions(int row) {
         for (std::size_t i = 0; i < m_xs.size(); ++i) {
-            const double y = GroundY(ColumnPosition(i), py);
+            const double y = m_ground.Y(i, row);
             const bool allowed = !m_limits || m_limits->IsContain(m_xs[i], y);
             m_inside[i] =
                 static_cast<unsigned char>(allowed && m_shapes.Holds(m_xs[i], y, m_scratch));
@@ -114,11 +134,28 @@ class GroundRegionRows : public RegionRows {
     RowMembership m_shapes;
     RowMembership::Scratch m_scratch;
     std::optional<CBoundingBox> m_limits;
-    SampleGrid m_grid;
-    double m_left; ///< position of the first column
-    double m_top;  ///< position of the first row
-    std::array<double, 6> m_geoTransform{};
+    GroundGrid m_ground;
     std::vector<double> m_xs;
+    Mask m_inside;
+};
+
+/// An area of interest asked for one ground point after the other.
+class AskedRegionRows : public RegionRows {
+  public:
+    AskedRegionRows(CAOISource& aoi, const GroundGrid& ground, int width)
+        : m_aoi(aoi), m_ground(ground), m_inside(static_cast<std::size_t>(std::max(width, 0))) {}
+
+    void AppendSpans(int row, std::vector<ColumnSpan>& spans) override {
+        for (std::size_t i = 0; i < m_inside.size(); ++i)
+            m_inside[i] = static_cast<unsigned char>(
+                m_aoi.TopoRelationWithPoint(m_ground.X(i, row), m_ground.Y(i, row)) ==
+                TOPO_CONTAIN);
+        AppendMaskedSpans(m_inside, spans);
+    }
+
+  private:
+    CAOISource& m_aoi;
+    GroundGrid m_ground;
     Mask m_inside;
 };
 
@@ -181,7 +218,8 @@ std::unique_ptr<RegionRows> RowsOf(CRasterAOI& aoi, const PixelWindow& window,
 std::unique_ptr<RegionRows> RowsOf(std::span<CDrawShape* const> shapes, const CRasterSource& source,
                                    const PixelWindow& window, const SampleGrid& grid,
                                    double offset) {
-    return std::make_unique<GroundRegionRows>(shapes, std::nullopt, source, window, grid, offset);
+    return std::make_unique<GroundRegionRows>(RowMembership(shapes), std::nullopt,
+                                              GroundGrid(source, window, grid, offset), grid.width);
 }
 
 std::unique_ptr<RegionRows> RowsOf(CDrawShape& shape, const CRasterSource& source,
@@ -192,8 +230,14 @@ std::unique_ptr<RegionRows> RowsOf(CDrawShape& shape, const CRasterSource& sourc
 
 std::unique_ptr<RegionRows> RowsOf(CAOISource& aoi, const CRasterSource& source,
                                    const PixelWindow& window, const SampleGrid& grid) {
-    return std::make_unique<GroundRegionRows>(ShapesOf(aoi), aoi.GetExtent(), source, window, grid,
-                                              0.0);
+    const GroundGrid ground(source, window, grid, 0.0);
+    RowMembership shapes(ShapesOf(aoi));
+    // A point belongs to what the first shape that answers at all says, and a host's own shape
+    // may say something other than inside.
+    if (!shapes.KnowsAllShapes())
+        return std::make_unique<AskedRegionRows>(aoi, ground, grid.width);
+    return std::make_unique<GroundRegionRows>(std::move(shapes), aoi.GetExtent(), ground,
+                                              grid.width);
 }
 
 } // namespace zelto

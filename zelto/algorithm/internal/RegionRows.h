@@ -75,7 +75,9 @@ std::unique_ptr<RegionRows> RowsOf(std::span<CDrawShape* const> shapes, const CR
 std::unique_ptr<RegionRows> RowsOf(CDrawShape& shape, const CRasterSource& source,
                                    const PixelWindow& window, const SampleGrid& grid);
 
-/// Ground points of sample positions (not truncated) in an area of interest.
+/// Ground points of sample positions (not truncated) in an area of interest: where
+/// CAOISource::TopoRelationWithPoint() answers TOPO_CONTAIN. An area that has a shape of a host's
+/// own class is asked point by point.
 std::unique_ptr<RegionRows> RowsOf(CAOISource& aoi, const CRasterSource& source,
                                    const PixelWindow& window, const SampleGrid& grid);
 

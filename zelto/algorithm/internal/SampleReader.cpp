@@ -1,5 +1,8 @@
 #include "zelto/algorithm/internal/SampleReader.h"
 
+#include "zelto/algorithm/internal/Refusal.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/VirtualBand.h"
@@ -18,10 +21,17 @@ constexpr int STRIP_SAMPLES = 65'536;
 
 bool ReadWindow(GDALRasterBand* band, const PixelWindow& window, int width, int height,
                 void* samples, GDALDataType type) {
-    if (band == nullptr || window.width < 1 || window.height < 1 || width < 1 || height < 1)
+    if (band == nullptr)
+        return RefuseMissing("band");
+    if (window.width < 1 || window.height < 1 || width < 1 || height < 1) {
+        SetLastError(NO_PIXELS);
         return false;
-    return band->RasterIO(GF_Read, window.left, window.top, window.width, window.height, samples,
-                          width, height, type, 0, 0, nullptr) == CE_None;
+    }
+    GdalWatch watch;
+    const CPLErr answer =
+        band->RasterIO(GF_Read, window.left, window.top, window.width, window.height, samples,
+                       width, height, type, 0, 0, nullptr);
+    return watch.Succeeded(answer, FileOf(*band));
 }
 
 /// Bytes of all the blocks that one row of the window touches.
@@ -36,6 +46,11 @@ std::int64_t BytesOfBlockRow(const std::vector<CRasterBand*>& bands, int width) 
 }
 
 } // namespace
+
+std::string FileOf(GDALRasterBand& band) {
+    const GDALDataset* const dataset = band.GetDataset();
+    return dataset != nullptr ? dataset->GetDescription() : "";
+}
 
 bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int height,
                  double* samples) {
@@ -87,16 +102,20 @@ bool WindowStrips::Read(CRasterBand& band, int firstRow, double* samples) const 
 
 bool VisitBandStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& window,
                      const SampleGrid& grid, int maximumRows, const StripVisitor& visit) {
-    if (grid.width < 1 || grid.height < 1)
+    if (grid.width < 1 || grid.height < 1) {
+        SetLastError(NO_PIXELS);
         return false;
+    }
     const WindowStrips strips(window, grid, bands, maximumRows);
     std::vector<std::unique_ptr<double[]>> buffers;
     std::vector<const double*> samples;
     for (std::size_t b = 0; b < bands.size(); ++b) {
         buffers.push_back(AllocateSamples<double>(strips.Capacity()));
         samples.push_back(buffers.back().get());
-        if (!buffers.back())
+        if (!buffers.back()) {
+            SetLastError(NO_MEMORY);
             return false;
+        }
     }
     bool going = true;
     for (int row = 0; going && row < grid.height; row = strips.NextRow(row)) {

@@ -55,6 +55,9 @@ class RowMembership {
     void Row(double y, const RowPositions& xs, std::span<unsigned char> inside,
              Scratch& scratch) const;
 
+    /// Whether no shape has to be asked one position after the other.
+    bool KnowsAllShapes() const { return m_others.empty(); }
+
     /// The answer for a single position, from the edges that cross its row.
     bool Holds(double x, double y, Scratch& scratch) const;
 
