@@ -188,15 +188,38 @@ TEST_F(AOIMask, AGridWithoutPixelsAnswersGroundPointsFromTheGeometry) {
     EXPECT_FALSE(apart.IsPoint2DIn(12, 12));
 }
 
-TEST_F(AOIMask, AnAreaThatCannotBeCutIsOutside) {
-    // A figure of eight is no valid polygon.
-    CPLPushErrorHandler(CPLQuietErrorHandler);
+TEST_F(AOIMask, APolygonThatCrossesItselfMarksWhatItHoldsBesideTheOthers) {
     CAOISource source;
     source.AddDrawShape(new CDrawPolygon(MakePolygon({{1, 1}, {7, 7}, {7, 1}, {1, 7}})));
+    source.AddDrawShape(new CDrawRectangle(Drag({10, 5}, {14, 3})));
+    const CAOIMask mask(&source, {0, 8, 16, 0}, 16, 8);
+    EXPECT_TRUE(mask.IsPointIn(1, 4)) << "left triangle";
+    EXPECT_TRUE(mask.IsPointIn(6, 4)) << "right triangle";
+    EXPECT_FALSE(mask.IsPointIn(4, 1)) << "above the crossing";
+    EXPECT_TRUE(mask.IsPointIn(12, 4)) << "the rectangle";
+}
+
+TEST_F(AOIMask, AShapeThatCannotBeRepairedIsToldAndTheOthersCount) {
+    CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const double nan = std::nan("");
+    CAOISource source;
+    source.AddDrawShape(new CDrawPolygon(MakePolygon({{1, 1}, {nan, 7}, {7, 1}})));
+    source.AddDrawShape(new CDrawRectangle(Drag({2, 6}, {5, 3})));
+    CGISDataSource::ClearLastErrorText();
     const CAOIMask mask(&source, EIGHT, 8, 8);
-    CPLPopErrorHandler();
-    EXPECT_FALSE(mask.IsPoint2DIn(2, 4));
-    EXPECT_FALSE(mask.IsPointIn(2, 4));
+    EXPECT_TRUE(mask.IsPointIn(3, 3));
+    EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
+}
+
+TEST_F(AOIMask, AnAreaThatCannotBeCutIsOutsideAndTold) {
+    CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    CAOISource source;
+    source.AddDrawShape(new CDrawRectangle(Drag({2, 6}, {5, 3})));
+    CGISDataSource::ClearLastErrorText();
+    const CAOIMask mask(&source, {std::nan(""), 8, 8, 0}, 8, 8);
+    EXPECT_FALSE(mask.IsPoint2DIn(3, 4));
+    EXPECT_FALSE(mask.IsPointIn(3, 3));
+    EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
 }
 
 TEST_F(AOIMask, UndefinedBoxesDoNoHarm) {
@@ -220,16 +243,20 @@ TEST_F(AOIMask, AgreesWithPixelCentresAndTheirNeighboursOnRandomPolygons) {
     std::mt19937 engine(41);
     std::uniform_real_distribution<double> c(-3, 43);
     for (int round = 0; round < 60; ++round) {
-        // A triangle is always valid.
-        CDrawPolygon triangle =
-            MakePolygon({{c(engine), c(engine)}, {c(engine), c(engine)}, {c(engine), c(engine)}});
+        // Two polygons of three to eight vertices, which as a rule cross themselves.
+        std::vector<CDrawPolygon> polygons(2);
         CAOISource source;
-        ASSERT_TRUE(source.AddDrawShape(new CDrawPolygon(triangle)));
+        for (CDrawPolygon& polygon : polygons) {
+            for (int i = 0; i < 3 + round % 6; ++i)
+                polygon.AddVertex({c(engine), c(engine)});
+            polygon.m_complete = true;
+            ASSERT_TRUE(source.AddDrawShape(new CDrawPolygon(polygon)));
+        }
         const CAOIMask mask(&source, {0, 40, 40, 0}, 40, 40);
         const auto burnt = [&](int column, int row) {
             CPoint2D centre(column + 0.5, 40 - (row + 0.5));
             return column >= 0 && row >= 0 && column < 40 && row < 40 &&
-                   triangle.IsPointIn(&centre);
+                   (polygons[0].IsPointIn(&centre) || polygons[1].IsPointIn(&centre));
         };
         for (int row = 0; row < 40; ++row)
             for (int column = 0; column < 40; ++column) {

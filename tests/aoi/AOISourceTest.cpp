@@ -207,4 +207,54 @@ TEST(AOISource, ATemporaryFileGoesWithItsSourceUnlessItIsSaved) {
     EXPECT_FALSE(std::filesystem::exists(folder.File("kept.aif"))) << "a shapefile does not count";
 }
 
+TEST(AOISource, AFileThatIsOpenedIsNoTemporaryOne) {
+    const zelto::test::TemporaryFolder folder;
+    const std::wstring users = folder.WideFile("users.aif");
+    const std::wstring temporary = folder.WideFile("temporary.aif");
+    CAOISource empty;
+    ASSERT_EQ(empty.SaveAs(users.c_str(), VDF_AOI), GIS_SUCCESS);
+    ASSERT_EQ(empty.SaveAs(temporary.c_str(), VDF_AOI), GIS_SUCCESS);
+    zelto::test::WriteFile(folder.File("broken.aif"), "x");
+    zelto::test::WriteFile(folder.File("broken.shp"), "x");
+    {
+        CAOISource source;
+        source.SetTempFilePath(temporary.c_str());
+        EXPECT_EQ(source.Open(users.c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder.File("users.aif")));
+    for (const char* name : {"broken.aif", "broken.shp"}) {
+        CAOISource source;
+        source.SetTempFilePath(temporary.c_str());
+        EXPECT_NE(source.Open(folder.WideFile(name).c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder.File("broken.aif")));
+    EXPECT_TRUE(std::filesystem::exists(folder.File("broken.shp")));
+    {
+        CAOISource source;
+        source.SetTempFilePath(temporary.c_str());
+        EXPECT_EQ(source.Open(temporary.c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.File("temporary.aif"))) << "it is the same file";
+}
+
+TEST(AOISource, WhatCannotBeOpenedOrSavedIsToldWithItsName) {
+    const zelto::test::TemporaryFolder folder;
+    const auto isTold = [](const std::string& name) {
+        const std::string text = CGISDataSource::GetLastErrorText();
+        CGISDataSource::ClearLastErrorText();
+        return text.find(name) != std::string::npos;
+    };
+    CAOISource source;
+    source.AddDrawShape(new CDrawRectangle(Drag({0, 1}, {1, 0})));
+    EXPECT_NE(source.SaveAs(folder.WideFile("no/a.aif").c_str(), VDF_AOI), GIS_SUCCESS);
+    EXPECT_TRUE(isTold("no/a.aif"));
+    EXPECT_NE(source.SaveAs(folder.WideFile("no/a.shp").c_str(), VDF_SHAPEFILE), GIS_SUCCESS);
+    EXPECT_TRUE(isTold("no/a.shp"));
+    EXPECT_NE(source.Open(folder.WideFile("none.aif").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    EXPECT_TRUE(isTold("none.aif"));
+    zelto::test::WriteFile(folder.File("broken.aif"), "x");
+    EXPECT_NE(source.Open(folder.WideFile("broken.aif").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    EXPECT_TRUE(isTold("broken.aif"));
+}
+
 } // namespace

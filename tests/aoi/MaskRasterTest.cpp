@@ -108,28 +108,4 @@ TEST(MaskRaster, StripsMeetWithoutASeam) {
     EXPECT_EQ(std::count(pixels.begin(), pixels.begin() + 1000 * 16000, 1), 0);
 }
 
-TEST(MaskRaster, MergingLeavesOtherGeometriesAlone) {
-    for (const std::string wkt : {"POINT (1 2)", "POLYGON ((0 0,0 1,1 1,0 0))",
-                                  "GEOMETRYCOLLECTION (POLYGON ((0 0,0 1,1 1,0 0)),POINT (5 5))",
-                                  "GEOMETRYCOLLECTION EMPTY"}) {
-        OGRGeometry* geometry = nullptr;
-        OGRGeometryFactory::createFromWkt(wkt.c_str(), nullptr, &geometry);
-        const std::unique_ptr<OGRGeometry> owner(geometry);
-        const std::unique_ptr<OGRGeometry> merged(zelto::MergeSurfaces(*geometry));
-        EXPECT_EQ(merged->exportToWkt(), wkt);
-    }
-}
-
-TEST(MaskRaster, MergingUnitesNestedCollections) {
-    OGRGeometry* geometry = nullptr;
-    OGRGeometryFactory::createFromWkt(
-        "GEOMETRYCOLLECTION (POLYGON ((0 0,0 2,2 2,2 0,0 0)),"
-        "GEOMETRYCOLLECTION (MULTIPOLYGON (((1 1,1 3,3 3,3 1,1 1)))))",
-        nullptr, &geometry);
-    const std::unique_ptr<OGRGeometry> owner(geometry);
-    const std::unique_ptr<OGRGeometry> merged(zelto::MergeSurfaces(*geometry));
-    ASSERT_EQ(wkbFlatten(merged->getGeometryType()), wkbPolygon);
-    EXPECT_NEAR(merged->toPolygon()->get_Area(), 4 + 4 - 1, 1e-12);
-}
-
 } // namespace

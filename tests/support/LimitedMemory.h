@@ -1,8 +1,10 @@
 #pragma once
 
+#include <omp.h>
+
 #include <fstream>
-#include <malloc.h>
 #include <functional>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,6 +28,8 @@ enum class Ending { ANSWERED_TRUE, ANSWERED_FALSE, DIED };
 inline Ending RunWithMemory(std::size_t bytes, const std::function<bool()>& body) {
     const pid_t child = fork();
     if (child == 0) {
+        // The threads of this process are not in its copy.
+        omp_set_num_threads(1);
         // What was freed before would be memory beyond the limit.
         malloc_trim(0);
         std::size_t pages = 0;

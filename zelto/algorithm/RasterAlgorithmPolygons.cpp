@@ -4,6 +4,7 @@
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/NoThrow.h"
+#include "zelto/geometry/internal/GeosMemory.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/vector/VectorLayer.h"
 
@@ -194,6 +195,8 @@ OGRGeometry* CRasterAlgorithm::IntersectionPro(OGRGeometry* a, OGRGeometry* b) {
             zelto::RefuseMissing("polygon or geometry to cut it with");
             return nullptr;
         }
+        zelto::RequireGeosMemory(*a);
+        zelto::RequireGeosMemory(*b);
         zelto::GdalWatch watch;
         OGRGeometryUniquePtr merged;
         if (type == wkbMultiPolygon)

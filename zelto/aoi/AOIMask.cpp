@@ -2,8 +2,13 @@
 
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/internal/MaskRaster.h"
+#include "zelto/aoi/internal/SurfaceUnion.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/baselib/internal/Truncate.h"
 #include "zelto/geometry/OgrAlgorithm.h"
+#include "zelto/geometry/internal/GeosMemory.h"
 
 #include <ogr_geometry.h>
 
@@ -11,8 +16,11 @@
 #include <cmath>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace {
+
+constexpr const char* CUTTING = "the area cannot be cut to the box";
 
 /// The box grown by one pixel on every side; a grid without pixels does not grow it.
 OGRPolygon MakeFrame(const CBoundingBox& box, double pixelWidth, double pixelHeight) {
@@ -35,19 +43,24 @@ CAOIMask* CAOIMask::Create(OGRGeometry* geometry, CBoundingBox box, int width, i
                            int /*unused*/) {
     if (geometry == nullptr)
         return nullptr;
-    std::unique_ptr<CAOIMask> mask(new CAOIMask);
-    mask->SetGrid(box, width, height);
-    return mask->Initialize(geometry) ? mask.release() : nullptr;
+    using Mask = CAOIMask*;
+    return zelto::NoThrow(Mask(nullptr), [&]() -> Mask {
+        std::unique_ptr<CAOIMask> mask(new CAOIMask);
+        mask->SetGrid(box, width, height);
+        return mask->Initialize(geometry) ? mask.release() : nullptr;
+    });
 }
 
 CAOIMask::CAOIMask(CAOISource* aoi, CBoundingBox box, int width, int height) {
     SetGrid(box, width, height);
     if (aoi == nullptr)
         return;
-    if (OGRGeometry* geometry = aoi->GetOGRGeometries())
-        Initialize(geometry);
-    else
-        SetNothingInside();
+    zelto::NoThrow(false, [&] {
+        SetClipped(std::make_unique<OGRPolygon>());
+        OGRGeometry* const geometry = aoi->GetOGRGeometries();
+        m_empty = aoi->GetDrawShapeCount() == 0 && geometry == nullptr;
+        return geometry != nullptr && Initialize(geometry);
+    });
 }
 
 CAOIMask::~CAOIMask() {
@@ -63,31 +76,48 @@ void CAOIMask::SetGrid(const CBoundingBox& box, int width, int height) {
     m_pixelHeight = std::fabs(box.m_top - box.m_bottom) / height;
 }
 
-void CAOIMask::SetNothingInside() {
-    m_empty = true;
-    m_clipped = new OGRPolygon;
+void CAOIMask::SetClipped(std::unique_ptr<OGRGeometry> clipped) {
+    delete m_clipped;
+    m_clipped = clipped.release();
 }
 
 bool CAOIMask::Initialize(OGRGeometry* geometry) {
-    const OGRGeometryUniquePtr area(zelto::MergeSurfaces(*geometry));
+    // Until more is known nothing is inside.
+    SetClipped(std::make_unique<OGRPolygon>());
+    const std::unique_ptr<OGRGeometry> area = zelto::UniteSurfaces(*geometry);
     const OGRPolygon frame = MakeFrame(m_box, m_pixelWidth, m_pixelHeight);
-    if (area->Contains(&frame))
+    zelto::RequireGeosMemory(*area);
+    zelto::GdalWatch watch;
+    const bool holdsFrame = area->Contains(&frame);
+    const bool meetsFrame = holdsFrame || frame.Intersects(area.get());
+    // Both answer no where GDAL cannot tell.
+    if (!watch.Succeeded(true, CUTTING))
+        return false;
+    if (holdsFrame) {
+        SetClipped(nullptr);
         return FillMask(1);
-    if (!frame.Intersects(area.get())) {
-        SetNothingInside();
-        return FillMask(0);
     }
-    m_clipped = frame.Intersection(area.get());
-    if (m_clipped == nullptr)
-        m_clipped = new OGRPolygon;
+    m_empty = !meetsFrame;
+    if (m_empty)
+        return FillMask(0);
+    zelto::RequireGeosMemory(*area);
+    std::unique_ptr<OGRGeometry> clipped(frame.Intersection(area.get()));
+    if (!watch.Succeeded(clipped != nullptr, CUTTING))
+        return false;
+    SetClipped(std::move(clipped));
     return !m_clipped->IsEmpty() && BurnMask();
 }
 
 /// @return false, without a mask, for a grid without pixels and when memory is short
 bool CAOIMask::AllocateMask() {
-    if (m_width > 0 && m_height > 0)
-        m_mask = new (std::nothrow) unsigned char[static_cast<std::size_t>(m_width) *
-                                                  static_cast<std::size_t>(m_height)];
+    if (m_width < 1 || m_height < 1) {
+        zelto::SetLastError("the grid of the mask has no pixels");
+        return false;
+    }
+    m_mask = new (std::nothrow) unsigned char[static_cast<std::size_t>(m_width) *
+                                              static_cast<std::size_t>(m_height)];
+    if (m_mask == nullptr)
+        zelto::TellReason("not enough memory for the mask");
     return m_mask != nullptr;
 }
 
@@ -104,6 +134,8 @@ bool CAOIMask::BurnMask() {
         return false;
     const zelto::MaskGrid grid{m_box, m_width, m_height, m_pixelWidth, m_pixelHeight};
     const std::unique_ptr<unsigned char[]> burnt(new (std::nothrow) unsigned char[grid.Size()]());
+    if (burnt == nullptr)
+        zelto::TellReason("not enough memory for the mask");
     if (burnt != nullptr && zelto::BurnGeometry(*m_clipped, grid, burnt.get())) {
         zelto::GrowByOnePixel(burnt.get(), m_mask, m_width, m_height);
         return true;

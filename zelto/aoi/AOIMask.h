@@ -4,6 +4,7 @@
 #include "zelto/geometry/BoundingBox.h"
 
 #include <cstdint>
+#include <memory>
 
 class CAOISource;
 class OGRGeometry;
@@ -12,9 +13,15 @@ class OGRGeometry;
 /// bounds test and one look-up. A pixel is inside when its centre is, or when it touches one
 /// that is; the outermost rows and columns are not grown.
 ///
+/// A polygon that crosses itself is inside where CDrawPolygon is: where a line outwards crosses
+/// its outline an odd number of times. Shapes that enclose no area mark nothing, and one that
+/// GDAL can neither repair nor merge with the others is left out, the reason being told by
+/// CGISDataSource::GetLastErrorText(); the other shapes stay.
+///
 /// Where no mask could be made (the area does not overlap the box in a surface, a grid without
-/// pixels) the questions are answered from the geometry. A mask does not change once made;
-/// questions may be asked from several threads while it has a mask array.
+/// pixels, too little memory) the questions are answered from the geometry, which is empty where
+/// the area could not be cut to the box. A mask does not change once made; questions may be asked
+/// from several threads while it has a mask array.
 class ZELTO_API CAOIMask {
   public:
     /// @param width, height grid over `box`, in pixels
@@ -51,7 +58,7 @@ class ZELTO_API CAOIMask {
   private:
     CAOIMask() = default;
     void SetGrid(const CBoundingBox& box, int width, int height);
-    void SetNothingInside();
+    void SetClipped(std::unique_ptr<OGRGeometry> clipped);
     bool Initialize(OGRGeometry* geometry);
     bool AllocateMask();
     bool FillMask(unsigned char value);

@@ -1,6 +1,7 @@
 #include "zelto/aoi/AOISource.h"
 
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 
 #include <ogr_geometry.h>
@@ -40,7 +41,11 @@ void CAOISource::CopyDisplaySetting(CGISDataSource* /*other*/) {}
 bool CAOISource::AddDrawShape(CDrawShape* shape) {
     if (shape == nullptr || !shape->m_complete || shape->m_shapeKind < SHAPE_RECTANGLE)
         return false;
-    m_drawShapes.push_back(shape);
+    if (!zelto::NoThrow(false, [&] {
+            m_drawShapes.push_back(shape);
+            return true;
+        }))
+        return false;
     if (m_drawShapes.size() == 1)
         m_extent = shape->m_extent;
     else

@@ -35,8 +35,10 @@ class ZELTO_API CAOISource : public CVectorSource {
     /// polygon rings each become a draw polygon, holes included. The source starts empty.
     /// @param access GIS_UPDATE opens vector files for writing
     /// @param allowWarp not used
-    /// @return GIS_FAILED when the file cannot be opened, GIS_NOT_SUPPORTED for an "aif" file
-    ///         without the tag. A file cut short gives the shapes it holds whole and succeeds.
+    /// @return GIS_FAILED when the file cannot be opened, when GDAL reports an error while it
+    ///         reads a vector file's features, and without memory; GIS_NOT_SUPPORTED for an "aif"
+    ///         file without the tag. The source is then empty. An "aif" file cut short gives the
+    ///         shapes it holds whole and succeeds.
     GISError Open(const wchar_t* path, GISDataAccess access, bool allowWarp) override;
     /// Deletes all shapes and closes the vector file. The extent stays.
     void Close() override;
@@ -44,7 +46,8 @@ class ZELTO_API CAOISource : public CVectorSource {
     void SetVisible(bool visible) override;
     void CopyDisplaySetting(CGISDataSource* other) override;
     /// Writes the shapes to a new file; an existing one is replaced when that is complete.
-    /// @return GIS_FAILED for an unknown format or a file that cannot be written
+    /// @return GIS_FAILED for an unknown format or a file that cannot be written, and without
+    ///         memory
     virtual GISError SaveAs(const wchar_t* path, VectorDataFormat format);
 
     /// A new source, owned by the caller, with one draw polygon per polygon ring of `geometry`;
@@ -59,7 +62,8 @@ class ZELTO_API CAOISource : public CVectorSource {
     GISError OpenAndWarped(const wchar_t* path, GISDataAccess access, const char* targetWkt);
 
     /// Appends a complete rectangle, ellipse or polygon and takes ownership.
-    /// @return false, ownership staying with the caller, for every other shape and null
+    /// @return false, ownership staying with the caller, for every other shape, null and without
+    ///         memory
     bool AddDrawShape(CDrawShape* shape);
     /// Deletes the shape.
     /// @return false when it is not in the list
@@ -90,17 +94,28 @@ class ZELTO_API CAOISource : public CVectorSource {
 
     /// Ground length of the steps by which an ellipse becomes a ring; a step longer than a
     /// fiftieth of the semi-axis is shortened to that.
+    ///
+    /// The rings of an area, those of one GetOGRGeometries() or SaveAs(), have a limit, because a
+    /// step for plans is far too fine for maps: at the default of 0.001 an ellipse of a kilometre
+    /// in metres would have two million points. A ring that would have more than 1,000,000 points
+    /// takes the coarser step with which it has as many; and where the ellipses together would
+    /// have more than 2,000,000, those with most points take as few as make them fit, the same
+    /// number of steps for all of these, but not less than 8 a quarter (which takes more than
+    /// 50,000 ellipses). All other rings keep their step. The geometry of an area then takes less
+    /// than 50 megabytes, and a mask of it less than 1 gigabyte beside its grid.
     void SetResolution(double resolution) { m_resolution = resolution; }
     /// Recomputes every shape's extent from its vertices, then the source's.
     void RecomputeExtent();
-    /// Makes this the source of a temporary file, deleted with the source unless it is saved.
+    /// Makes this the source of a temporary file, deleted with the source unless it is saved or
+    /// another file is opened.
     void SetTempFilePath(const wchar_t* path);
     /// Ignored for null.
     void SetSpatialReferenceWKT(const char* wkt);
     /// True after opening anything but an "aif" file.
     bool IsShapeFile() const { return m_isVectorFile; }
     /// The shapes as one polygon, or as a collection when there are several; null without
-    /// shapes. It is made once, belongs to the source and does not follow later edits.
+    /// shapes and without memory. It is made once, belongs to the source and does not follow later
+    /// edits.
     OGRGeometry* GetOGRGeometries();
 
   protected:
@@ -111,10 +126,12 @@ class ZELTO_API CAOISource : public CVectorSource {
     OGRGeometry* m_geometry = nullptr; ///< owned, made by GetOGRGeometries()
 
   private:
+    GISError OpenEmptied(const wchar_t* path, GISDataAccess access);
     GISError OpenAOIFile(const wchar_t* path);
     GISError OpenVectorFile(const wchar_t* path, GISDataAccess access);
     GISError SaveAsAOIFile(const wchar_t* path);
     GISError SaveAsShapeFile(const wchar_t* path);
+    GISError WarpShapes(const char* targetWkt);
     void AddPolygons(const OGRGeometry* geometry);
     void AddRing(const OGRLinearRing& ring);
     void AddOwnShape(std::unique_ptr<CDrawShape> shape);

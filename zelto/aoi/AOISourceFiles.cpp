@@ -3,11 +3,14 @@
 #include "zelto/aoi/internal/ShapeGeometry.h"
 #include "zelto/aoi/internal/ShapeRecord.h"
 #include "zelto/baselib/CommonFun.h"
-#include "zelto/baselib/internal/SpatialReference.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/vector/internal/NewShapefile.h"
 
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
 #include <fstream>
 #include <memory>
 #include <new>
@@ -21,18 +24,36 @@ std::int32_t LowHalf(std::int64_t count) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(count));
 }
 
-bool WriteShape(OGRLayer& layer, const CDrawShape& shape, double resolution) {
+bool WriteShape(OGRLayer& layer, std::unique_ptr<OGRPolygon> polygon) {
     OGRFeature feature(layer.GetLayerDefn());
-    return feature.SetGeometryDirectly(zelto::MakePolygon(shape, resolution)) == OGRERR_NONE &&
+    return feature.SetGeometryDirectly(polygon.release()) == OGRERR_NONE &&
            layer.CreateFeature(&feature) == OGRERR_NONE;
+}
+
+/// Remembers why nothing came of the file.
+void Tell(const std::wstring& path, const char* reason) {
+    zelto::SetLastError(CommonFun::U2M(path) + ": " + reason);
 }
 
 } // namespace
 
 GISError CAOISource::Open(const wchar_t* path, GISDataAccess access, bool /*allowWarp*/) {
-    if (path == nullptr)
+    if (path == nullptr) {
+        zelto::SetLastError("no path is given");
         return GIS_FAILED;
+    }
     Close();
+    const std::wstring before = m_filePath;
+    const GISError error = zelto::NoThrow(GIS_FAILED, [&] { return OpenEmptied(path, access); });
+    // A file that is opened is no temporary one, whatever was here before.
+    if (m_filePath != before)
+        m_temporary = false;
+    if (error != GIS_SUCCESS)
+        Close();
+    return error;
+}
+
+GISError CAOISource::OpenEmptied(const wchar_t* path, GISDataAccess access) {
     if (CommonFun::GetExtensionName(path) == AOI_EXTENSION) {
         m_isVectorFile = false;
         return OpenAOIFile(path);
@@ -44,20 +65,20 @@ GISError CAOISource::OpenAOIFile(const wchar_t* path) {
     m_filePath = path;
     m_fileName = L"AOI_" + CommonFun::GetFileName(m_filePath);
     std::ifstream stream(CommonFun::U2M(m_filePath), std::ios::binary);
-    if (!stream)
-        return GIS_FAILED;
-    zelto::BinaryReader reader(stream);
-    zelto::AoiHeader header;
-    if (!zelto::ReadAoiHeader(reader, header) || !header.hasTag)
-        return GIS_NOT_SUPPORTED;
-    SetSpatialReferenceWKT(header.wkt.c_str());
-    const std::int32_t count = LowHalf(header.shapeCount);
-    try {
-        for (std::int32_t i = 0; i < count && reader.IsGood(); ++i)
-            AddOwnShape(zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::AREA_OF_INTEREST));
-    } catch (const std::bad_alloc&) {
+    if (!stream) {
+        Tell(m_filePath, "cannot be opened");
         return GIS_FAILED;
     }
+    zelto::BinaryReader reader(stream);
+    zelto::AoiHeader header;
+    if (!zelto::ReadAoiHeader(reader, header) || !header.hasTag) {
+        Tell(m_filePath, "is no file of areas of interest");
+        return GIS_NOT_SUPPORTED;
+    }
+    SetSpatialReferenceWKT(header.wkt.c_str());
+    const std::int32_t count = LowHalf(header.shapeCount);
+    for (std::int32_t i = 0; i < count && reader.IsGood(); ++i)
+        AddOwnShape(zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::AREA_OF_INTEREST));
     return GIS_SUCCESS;
 }
 
@@ -65,10 +86,14 @@ GISError CAOISource::OpenVectorFile(const wchar_t* path, GISDataAccess access) {
     const GISError error = CVectorSource::Open(path, access, true);
     if (error != GIS_SUCCESS)
         return error;
+    // Features that cannot be read end a layer as its last one does.
+    zelto::GdalWatch watch;
     for (CVectorLayer* layer : m_layers) {
         const OGRGeometryUniquePtr geometries(layer->GetGeometries(nullptr));
         AddPolygons(geometries.get());
     }
+    if (!watch.Succeeded(true, CommonFun::U2M(m_filePath)))
+        return GIS_FAILED;
     m_isVectorFile = true;
     return GIS_SUCCESS;
 }
@@ -79,26 +104,28 @@ void CAOISource::AddOwnShape(std::unique_ptr<CDrawShape> shape) {
         return;
     shape->m_complete = true;
     shape->m_useMark = USE_MARK_AOI;
-    if (AddDrawShape(shape.get()))
-        static_cast<void>(shape.release());
+    if (!AddDrawShape(shape.get()))
+        throw std::bad_alloc();
+    static_cast<void>(shape.release());
 }
 
 GISError CAOISource::SaveAs(const wchar_t* path, VectorDataFormat format) {
-    if (path == nullptr)
+    return zelto::NoThrow(GIS_FAILED, [&] {
+        if (path != nullptr && format == VDF_SHAPEFILE)
+            return SaveAsShapeFile(path);
+        if (path != nullptr && format == VDF_AOI)
+            return SaveAsAOIFile(path);
+        zelto::SetLastError("no path or no format of areas of interest is given");
         return GIS_FAILED;
-    switch (format) {
-    case VDF_SHAPEFILE:
-        return SaveAsShapeFile(path);
-    case VDF_AOI:
-        return SaveAsAOIFile(path);
-    }
-    return GIS_FAILED;
+    });
 }
 
 GISError CAOISource::SaveAsAOIFile(const wchar_t* path) {
     zelto::ReplacementFile file(path);
-    if (!file.IsOpen())
+    if (!file.IsOpen()) {
+        Tell(path, "cannot be created");
         return GIS_FAILED;
+    }
     zelto::BinaryWriter writer(file.Stream());
     zelto::AoiHeader header;
     header.wkt = m_wkt;
@@ -107,21 +134,28 @@ GISError CAOISource::SaveAsAOIFile(const wchar_t* path) {
     zelto::WriteAoiHeader(writer, header);
     for (const CDrawShape* shape : m_drawShapes)
         zelto::WriteShapeRecord(writer, shape);
-    if (!file.Commit())
+    if (!file.Commit()) {
+        Tell(path, "cannot be written");
         return GIS_FAILED;
+    }
     m_temporary = false;
     return GIS_SUCCESS;
 }
 
 GISError CAOISource::SaveAsShapeFile(const wchar_t* path) {
-    if (zelto::ShapefileDriver() == nullptr)
+    if (zelto::ShapefileDriver() == nullptr) {
+        Tell(path, "GDAL has no driver for shapefiles");
         return GIS_NOT_SUPPORTED;
-    zelto::NewShapefile file(CommonFun::U2M(path));
+    }
+    const std::string name = CommonFun::U2M(path);
+    zelto::GdalWatch watch;
+    zelto::NewShapefile file(name);
     OGRLayer* layer = file.CreateLayer("MultiPolygon AOI", wkbMultiPolygon);
-    if (layer == nullptr)
-        return GIS_FAILED;
-    for (const CDrawShape* shape : m_drawShapes)
-        if (!WriteShape(*layer, *shape, m_resolution))
-            return GIS_FAILED;
-    return file.Commit() ? GIS_SUCCESS : GIS_FAILED;
+    const zelto::ShapePolygons polygons(m_drawShapes, m_resolution);
+    const bool written =
+        layer != nullptr &&
+        std::all_of(m_drawShapes.begin(), m_drawShapes.end(), [&](const CDrawShape* shape) {
+            return WriteShape(*layer, polygons.Make(*shape));
+        });
+    return watch.Succeeded(written && file.Commit(), name) ? GIS_SUCCESS : GIS_FAILED;
 }

@@ -2,12 +2,17 @@
 #include "zelto/aoi/DrawPolygon.h"
 #include "zelto/aoi/DrawRectangle.h"
 #include "zelto/aoi/internal/ShapeGeometry.h"
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 
 #include <ogr_geometry.h>
 #include <ogr_spatialref.h>
 
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace {
@@ -29,11 +34,18 @@ void TransformPoints(OGRCoordinateTransformation& transformation, std::vector<CP
 
 /// The points that make the shape when they are fed to AddVertex().
 std::vector<CPoint2D> DefiningPoints(const CDrawShape& shape) {
-    if (shape.m_shapeKind == SHAPE_POLYGON)
+    // A host may have given the kind of a rectangle to a class of its own.
+    const auto* const rectangle = dynamic_cast<const CDrawRectangle*>(&shape);
+    if (shape.m_shapeKind == SHAPE_POLYGON || rectangle == nullptr)
         return shape.m_vertices;
-    const auto& rectangle = static_cast<const CDrawRectangle&>(shape);
-    const auto [left, top] = rectangle.m_topLeft;
-    return {{left, top}, {left + rectangle.m_width, top - rectangle.m_height}};
+    const auto [left, top] = rectangle->m_topLeft;
+    return {{left, top}, {left + rectangle->m_width, top - rectangle->m_height}};
+}
+
+void AddTo(OGRGeometryCollection& collection, std::unique_ptr<OGRPolygon> polygon) {
+    if (collection.addGeometryDirectly(polygon.get()) != OGRERR_NONE)
+        throw std::bad_alloc();
+    static_cast<void>(polygon.release());
 }
 
 void TransformShape(OGRCoordinateTransformation& transformation, CDrawShape& shape) {
@@ -48,11 +60,18 @@ void TransformShape(OGRCoordinateTransformation& transformation, CDrawShape& sha
 } // namespace
 
 CAOISource* CAOISource::Create(OGRGeometry* geometry) {
-    auto source = std::make_unique<CAOISource>();
-    if (geometry == nullptr)
+    using Source = CAOISource*;
+    return zelto::NoThrow(Source(nullptr), [&]() -> Source {
+        auto source = std::make_unique<CAOISource>();
+        if (geometry != nullptr) {
+            source->AddPolygons(geometry);
+            if (source->m_drawShapes.empty()) {
+                zelto::SetLastError("the geometry has no polygon of three points or more");
+                return nullptr;
+            }
+        }
         return source.release();
-    source->AddPolygons(geometry);
-    return source->m_drawShapes.empty() ? nullptr : source.release();
+    });
 }
 
 void CAOISource::AddPolygons(const OGRGeometry* geometry) {
@@ -74,6 +93,7 @@ void CAOISource::AddPolygons(const OGRGeometry* geometry) {
 /// A hole becomes an area of its own, as every ring does, its closing point included.
 void CAOISource::AddRing(const OGRLinearRing& ring) {
     auto polygon = std::make_unique<CDrawPolygon>();
+    polygon->m_vertices.reserve(static_cast<std::size_t>(ring.getNumPoints()));
     for (int i = 0; i < ring.getNumPoints(); ++i)
         polygon->AddVertex(CPoint2D(ring.getX(i), ring.getY(i)));
     if (polygon->m_vertices.size() >= 3)
@@ -83,12 +103,16 @@ void CAOISource::AddRing(const OGRLinearRing& ring) {
 OGRGeometry* CAOISource::GetOGRGeometries() {
     if (m_geometry != nullptr || m_drawShapes.empty())
         return m_geometry;
-    if (m_drawShapes.size() == 1)
-        return m_geometry = zelto::MakePolygon(*m_drawShapes.front(), m_resolution);
-    auto* collection = new OGRGeometryCollection;
-    for (const CDrawShape* shape : m_drawShapes)
-        collection->addGeometryDirectly(zelto::MakePolygon(*shape, m_resolution));
-    return m_geometry = collection;
+    using Geometry = OGRGeometry*;
+    return zelto::NoThrow(Geometry(nullptr), [&]() -> Geometry {
+        const zelto::ShapePolygons polygons(m_drawShapes, m_resolution);
+        if (m_drawShapes.size() == 1)
+            return m_geometry = polygons.Make(*m_drawShapes.front()).release();
+        auto collection = std::make_unique<OGRGeometryCollection>();
+        for (const CDrawShape* shape : m_drawShapes)
+            AddTo(*collection, polygons.Make(*shape));
+        return m_geometry = collection.release();
+    });
 }
 
 GISError CAOISource::OpenAndWarped(const wchar_t* path, GISDataAccess access,
@@ -96,18 +120,31 @@ GISError CAOISource::OpenAndWarped(const wchar_t* path, GISDataAccess access,
     const GISError error = Open(path, access, true);
     if (error != GIS_SUCCESS || targetWkt == nullptr)
         return error;
+    const GISError warped = zelto::NoThrow(GIS_FAILED, [&] { return WarpShapes(targetWkt); });
+    // Shapes of which memory has left some in one system and some in the other are of no use.
+    if (warped == GIS_FAILED)
+        Close();
+    return warped;
+}
+
+GISError CAOISource::WarpShapes(const char* targetWkt) {
     OGRSpatialReference source;
     OGRSpatialReference target;
     zelto::LoadSpatialReference(source, m_wkt.c_str());
     zelto::LoadSpatialReference(target, targetWkt);
     if (zelto::IsSameReference(source, target))
-        return error;
+        return GIS_SUCCESS;
+    const std::string file = CommonFun::U2M(m_filePath);
+    zelto::GdalWatch creation;
     const Transformation transformation(OGRCreateCoordinateTransformation(&source, &target));
-    if (transformation == nullptr)
+    if (!creation.Succeeded(transformation != nullptr, file))
         return GIS_OPEN_FAILED;
+    zelto::GdalWatch watch;
     for (CDrawShape* shape : m_drawShapes)
         TransformShape(*transformation, *shape);
+    // Points without a place in the target are no failure: the rest of the area has one.
+    watch.Succeeded(true, file);
     RecomputeExtent();
     SetSpatialReferenceWKT(zelto::ExportToWkt(target).c_str());
-    return error;
+    return GIS_SUCCESS;
 }

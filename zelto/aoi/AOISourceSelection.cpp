@@ -1,5 +1,6 @@
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/internal/HitPredicates.h"
+#include "zelto/baselib/internal/NoThrow.h"
 
 #include <algorithm>
 #include <iterator>
@@ -47,8 +48,11 @@ CDrawShape* ToggleSelection(const std::vector<CDrawShape*>& shapes, IsHit isHit)
 void CAOISource::GetAllSelectedDrawShapes(std::vector<CDrawShape*>* selected) {
     if (selected == nullptr)
         return;
-    std::copy_if(m_drawShapes.begin(), m_drawShapes.end(), std::back_inserter(*selected),
-                 [](const CDrawShape* shape) { return shape->m_selected; });
+    zelto::NoThrow(false, [&] {
+        std::copy_if(m_drawShapes.begin(), m_drawShapes.end(), std::back_inserter(*selected),
+                     [](const CDrawShape* shape) { return shape->m_selected; });
+        return true;
+    });
 }
 
 CDrawShape* CAOISource::GetSelectedDrawShape(CPoint2D p, double tolerance, int mode) {

@@ -1,6 +1,9 @@
 #include "zelto/aoi/ControlPoints.h"
 
+#include "zelto/baselib/internal/NoThrow.h"
+
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -18,9 +21,18 @@ CControlPoints& CControlPoints::operator=(const CControlPoints& other) {
         return *this;
     RemoveAllPoints();
     m_index.clear();
-    for (const CDrawPoint* point : other.m_points) {
-        m_points.push_back(new CDrawPoint(*point));
-        m_index[point->m_identifier] = m_points.back();
+    const bool copied = zelto::NoThrow(false, [&] {
+        m_points.reserve(other.m_points.size());
+        for (const CDrawPoint* point : other.m_points) {
+            m_points.push_back(new CDrawPoint(*point));
+            m_index[point->m_identifier] = m_points.back();
+        }
+        return true;
+    });
+    if (!copied) {
+        RemoveAllPoints();
+        m_index.clear();
+        return *this;
     }
     m_currentSelection = other.m_currentSelection;
     m_lastIdentifier = other.m_lastIdentifier;
@@ -34,19 +46,28 @@ CControlPoints::~CControlPoints() {
 int CControlPoints::AddPoint(CDrawPoint* point) {
     if (point == nullptr || point->m_useMark != USE_MARK_CONTROL_POINT)
         return m_lastIdentifier;
-    point->m_identifier = ++m_lastIdentifier;
-    m_points.push_back(point);
-    m_index[m_lastIdentifier] = point;
-    return m_lastIdentifier;
+    return zelto::NoThrow(static_cast<int>(m_lastIdentifier), [&] {
+        // Both take it or none.
+        m_points.reserve(m_points.size() + 1);
+        m_index[m_lastIdentifier + 1] = point;
+        point->m_identifier = ++m_lastIdentifier;
+        m_points.push_back(point);
+        return static_cast<int>(m_lastIdentifier);
+    });
 }
 
 int CControlPoints::AddPoint(CPoint2D p, unsigned long color) {
-    auto* point = new CDrawPoint(GetCount() + 1);
-    point->m_useMark = USE_MARK_CONTROL_POINT;
-    point->AddVertex(p);
-    point->SetColor(color, color);
-    point->m_complete = true;
-    return AddPoint(point);
+    return zelto::NoThrow(static_cast<int>(m_lastIdentifier), [&] {
+        auto point = std::make_unique<CDrawPoint>(GetCount() + 1);
+        point->m_useMark = USE_MARK_CONTROL_POINT;
+        point->AddVertex(p);
+        point->SetColor(color, color);
+        point->m_complete = true;
+        const int identifier = AddPoint(point.get());
+        if (!m_points.empty() && m_points.back() == point.get())
+            static_cast<void>(point.release());
+        return identifier;
+    });
 }
 
 bool CControlPoints::RemovePoint(CDrawPoint* point) {

@@ -12,7 +12,7 @@
 class ZELTO_API CControlPoints {
   public:
     CControlPoints() = default;
-    /// Copies the points; the index of the copy names the copies.
+    /// Copies the points; the index of the copy names the copies. Empty without memory.
     CControlPoints(const CControlPoints& other);
     CControlPoints& operator=(const CControlPoints& other);
     ~CControlPoints();

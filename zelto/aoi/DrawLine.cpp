@@ -29,7 +29,10 @@ CDrawLine::CDrawLine() {
 CDrawLine::~CDrawLine() = default;
 
 int CDrawLine::AddVertex(CPoint2D p) {
+    const std::size_t before = m_vertices.size();
     const int count = zelto::AppendVertex(*this, p);
+    if (m_vertices.size() == before)
+        return count;
     (count == 1 ? m_startPoint : m_endPoint) = p;
     m_complete = count > 1;
     return count;

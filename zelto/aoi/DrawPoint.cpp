@@ -2,6 +2,7 @@
 
 #include "zelto/aoi/internal/HitPredicates.h"
 #include "zelto/aoi/internal/SelectedPoint.h"
+#include "zelto/aoi/internal/VertexList.h"
 
 CDrawPoint::CDrawPoint(int identifier) {
     m_identifier = identifier;
@@ -11,7 +12,8 @@ CDrawPoint::CDrawPoint(int identifier) {
 CDrawPoint::~CDrawPoint() = default;
 
 int CDrawPoint::AddVertex(CPoint2D p) {
-    m_vertices.push_back(p);
+    if (!zelto::PushVertex(*this, p))
+        return static_cast<int>(m_vertices.size());
     m_point = p;
     m_extent.SetBoundingBox(p, p);
     m_complete = true;

@@ -2,6 +2,7 @@
 
 #include "zelto/aoi/internal/HitPredicates.h"
 #include "zelto/aoi/internal/SelectedPoint.h"
+#include "zelto/aoi/internal/VertexList.h"
 
 #include <algorithm>
 #include <array>
@@ -35,7 +36,8 @@ CDrawRectangle::CDrawRectangle() {
 CDrawRectangle::~CDrawRectangle() = default;
 
 int CDrawRectangle::AddVertex(CPoint2D p) {
-    m_vertices.push_back(p);
+    if (!zelto::PushVertex(*this, p))
+        return static_cast<int>(m_vertices.size());
     m_complete = m_vertices.size() > 1;
     if (!m_complete) {
         m_topLeft = p;

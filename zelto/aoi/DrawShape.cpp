@@ -6,14 +6,49 @@
 #include "zelto/aoi/DrawPoint.h"
 #include "zelto/aoi/DrawPolygon.h"
 #include "zelto/aoi/DrawRectangle.h"
+#include "zelto/baselib/internal/NoThrow.h"
 
 #include <algorithm>
+#include <memory>
+#include <type_traits>
 
 namespace {
 
 CRgbaColor OpaqueColor(unsigned long bgr) {
     return {static_cast<unsigned char>(bgr & 0xFF), static_cast<unsigned char>(bgr >> 8 & 0xFF),
             static_cast<unsigned char>(bgr >> 16 & 0xFF), 255};
+}
+
+/// The shape as one of class `Copied`, from what it has in common with `Part`; null where it is
+/// not of that class: a host may give any kind to a class of its own.
+template <typename Copied, typename Part = Copied>
+CDrawShape* CopyAs(const CDrawShape& shape) {
+    const auto* const part = dynamic_cast<const Part*>(&shape);
+    if (part == nullptr)
+        return nullptr;
+    if constexpr (std::is_same_v<Copied, Part>)
+        return new Copied(*part);
+    auto copy = std::make_unique<Copied>();
+    static_cast<Part&>(*copy) = *part;
+    return copy.release();
+}
+
+CDrawShape* Copy(const CDrawShape& shape) {
+    switch (shape.m_shapeKind) {
+    case SHAPE_POINT:
+        return CopyAs<CDrawPoint>(shape);
+    case SHAPE_LINE:
+        return CopyAs<CDrawLine>(shape);
+    case SHAPE_MULTILINE:
+        return CopyAs<CDrawMultiLine>(shape);
+    case SHAPE_RECTANGLE:
+        return CopyAs<CDrawRectangle>(shape);
+    case SHAPE_ELLIPSE:
+        return CopyAs<CDrawEllipse, CDrawRectangle>(shape);
+    case SHAPE_POLYGON:
+        return CopyAs<CDrawPolygon>(shape);
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -72,21 +107,7 @@ void CDrawShape::SetColor(unsigned long first, unsigned long second) {
 }
 
 CDrawShape* CDrawShape::CreateCopy(CDrawShape* shape) {
-    if (shape == nullptr)
-        return nullptr;
-    switch (shape->m_shapeKind) {
-    case SHAPE_POINT:
-        return new CDrawPoint(static_cast<const CDrawPoint&>(*shape));
-    case SHAPE_LINE:
-        return new CDrawLine(static_cast<const CDrawLine&>(*shape));
-    case SHAPE_MULTILINE:
-        return new CDrawMultiLine(static_cast<const CDrawMultiLine&>(*shape));
-    case SHAPE_RECTANGLE:
-        return new CDrawRectangle(static_cast<const CDrawRectangle&>(*shape));
-    case SHAPE_ELLIPSE:
-        return new CDrawEllipse(static_cast<const CDrawEllipse&>(*shape));
-    case SHAPE_POLYGON:
-        return new CDrawPolygon(static_cast<const CDrawPolygon&>(*shape));
-    }
-    return nullptr;
+    using Shape = CDrawShape*;
+    return shape == nullptr ? nullptr
+                            : zelto::NoThrow(Shape(nullptr), [&] { return Copy(*shape); });
 }

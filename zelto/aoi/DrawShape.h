@@ -127,7 +127,8 @@ class ZELTO_API CDrawShape {
     DrawModelType GetDrawModelType() const { return m_drawModelType; }
     DrawModelState GetDrawModelState() const { return m_drawModelState; }
 
-    /// A new shape of the same kind with all fields copied, owned by the caller; null for null
-    /// and for a kind outside 1 … 6.
+    /// A new shape of the same kind with all fields copied, owned by the caller; null for null,
+    /// for a kind outside 1 … 6, for a shape that is not of the class that its kind promises, and
+    /// without memory.
     static CDrawShape* CreateCopy(CDrawShape* shape);
 };

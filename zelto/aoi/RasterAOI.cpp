@@ -5,28 +5,35 @@
 #include "zelto/aoi/DrawPolygon.h"
 #include "zelto/aoi/internal/HitPredicates.h"
 #include "zelto/aoi/internal/RowMembership.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/baselib/internal/Truncate.h"
 #include "zelto/raster/RasterSource.h"
 
 #include <algorithm>
+#include <new>
+#include <utility>
 
 namespace {
 
 /// Feeds a rectangle or ellipse the corners of a pixel rectangle.
 template <typename Shape>
 CDrawShape* MakeFromRect(const CRect& rect) {
-    auto* shape = new Shape;
+    auto shape = std::make_unique<Shape>();
     shape->AddVertex(CPoint2D(rect.left, -static_cast<double>(rect.top)));
     shape->AddVertex(CPoint2D(rect.right, -static_cast<double>(rect.bottom)));
-    return shape;
+    return shape.release();
 }
 
 std::vector<std::unique_ptr<CDrawShape>>
 CopyShapes(const std::vector<std::unique_ptr<CDrawShape>>& shapes) {
     std::vector<std::unique_ptr<CDrawShape>> copies;
     copies.reserve(shapes.size());
-    for (const auto& shape : shapes)
+    for (const auto& shape : shapes) {
         copies.emplace_back(CDrawShape::CreateCopy(shape.get()));
+        if (copies.back() == nullptr)
+            throw std::bad_alloc();
+    }
     return copies;
 }
 
@@ -38,27 +45,30 @@ CRasterAOI::CRasterAOI(CRasterSource* raster, CAOISource* aoi) : m_raster(raster
     SetPixelBox();
 }
 
-CRasterAOI::CRasterAOI(const CRasterAOI& other)
-    : m_raster(other.m_raster),
-      m_aoi(other.m_aoi),
-      m_rasterShapes(CopyShapes(other.m_rasterShapes)),
-      m_initialized(other.m_initialized),
-      m_pixelRect(other.m_pixelRect),
-      m_pixelBox(other.m_pixelBox),
-      m_rows(other.m_rows) {}
+CRasterAOI::CRasterAOI(const CRasterAOI& other) {
+    CopyFrom(other);
+}
 
 CRasterAOI& CRasterAOI::operator=(const CRasterAOI& other) {
     if (this == &other)
         return *this;
     DeleteTemporaryRaster();
+    CopyFrom(other);
+    return *this;
+}
+
+void CRasterAOI::CopyFrom(const CRasterAOI& other) {
     m_raster = other.m_raster;
     m_aoi = other.m_aoi;
-    m_rasterShapes = CopyShapes(other.m_rasterShapes);
-    m_initialized = other.m_initialized;
     m_pixelRect = other.m_pixelRect;
     m_pixelBox = other.m_pixelBox;
     m_rows = other.m_rows;
-    return *this;
+    m_rasterShapes.clear();
+    // A copy without its shapes converts them again when it is used.
+    m_initialized = zelto::NoThrow(false, [&] {
+        m_rasterShapes = CopyShapes(other.m_rasterShapes);
+        return other.m_initialized;
+    });
 }
 
 CRasterAOI::~CRasterAOI() {
@@ -79,20 +89,29 @@ void CRasterAOI::ResetRows() {
 }
 
 bool CRasterAOI::Initialize() {
-    m_initialized = false;
-    if (m_raster == nullptr || m_aoi == nullptr)
+    m_initialized = zelto::NoThrow(false, [&] { return ConvertShapes(); });
+    // A part of the shapes would be taken for all of them.
+    if (!m_initialized)
+        m_rasterShapes.clear();
+    return m_initialized;
+}
+
+bool CRasterAOI::ConvertShapes() {
+    if (m_raster == nullptr || m_aoi == nullptr) {
+        zelto::SetLastError("no raster or area is given");
         return false;
+    }
     const CBoundingBox rasterExtent = m_raster->GetExtent();
     for (int i = 0; i < m_aoi->GetDrawShapeCount(); ++i) {
         CDrawShape* shape = m_aoi->GetDrawShape(i);
         if (zelto::AreDisjoint(rasterExtent, shape->m_extent))
             continue;
-        if (CDrawShape* converted = ConvertToRasterDrawShape(shape))
-            m_rasterShapes.emplace_back(converted);
+        std::unique_ptr<CDrawShape> converted(ConvertToRasterDrawShape(shape));
+        if (converted != nullptr)
+            m_rasterShapes.push_back(std::move(converted));
     }
     ResetRows();
     SetPixelBox();
-    m_initialized = true;
     return true;
 }
 
@@ -120,7 +139,7 @@ CDrawShape* CRasterAOI::ConvertToRasterDrawShape(CDrawShape* shape) {
 
 CDrawShape* CRasterAOI::ConvertPolygon(const std::vector<CPoint2D>& vertices) {
     const double* g = m_raster->GetInverseGeoTransform();
-    auto* polygon = new CDrawPolygon;
+    auto polygon = std::make_unique<CDrawPolygon>();
     polygon->m_vertices.reserve(vertices.size());
     for (const auto& [x, y] : vertices) {
         const std::int32_t column = zelto::TruncateToInt32(g[0] + x * g[1] + y * g[2]);
@@ -131,7 +150,7 @@ CDrawShape* CRasterAOI::ConvertPolygon(const std::vector<CPoint2D>& vertices) {
         m_pixelRect.bottom = std::max(m_pixelRect.bottom, row);
         polygon->AddVertex(CPoint2D(column, -static_cast<double>(row)));
     }
-    return polygon;
+    return polygon.release();
 }
 
 CRect CRasterAOI::GetRect() {

@@ -34,7 +34,7 @@ class ZELTO_API CRasterAOI {
     ~CRasterAOI();
 
     /// Converts the shapes. Call it once: every call converts them again.
-    /// @return false without a raster or an area
+    /// @return false without a raster, an area or memory; there are then no shapes
     bool Initialize();
     bool IsInitialized() const { return m_initialized; }
     /// Initialises if that was not done yet.
@@ -62,6 +62,8 @@ class ZELTO_API CRasterAOI {
     friend class CRasterAlgorithm;
     friend class zelto::RasterAoiRows;
 
+    void CopyFrom(const CRasterAOI& other);
+    bool ConvertShapes();
     CDrawShape* ConvertToRasterDrawShape(CDrawShape* shape);
     CDrawShape* ConvertPolygon(const std::vector<CPoint2D>& vertices);
     bool IsInDrawShapes(int column, int row) const;
@@ -74,6 +76,7 @@ class ZELTO_API CRasterAOI {
     /// The same into a new Byte GeoTIFF of one band over GetExtent(), which is deleted with this
     /// object.
     bool RasterizeAoiToFile(const wchar_t* path, int width, int height, CDataProgress* progress);
+    bool WriteFile(const wchar_t* path, int width, int height, CDataProgress* progress);
     void SetPixelBox();
     bool IsOverPixelRect(double column, double row) const;
     SpatialTopoRelation FirstRelation(CBoundingBox& box) const;

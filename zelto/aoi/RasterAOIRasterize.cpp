@@ -1,6 +1,9 @@
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/RasterAOI.h"
 #include "zelto/aoi/internal/RowMembership.h"
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterSource.h"
 
 #include <gdal_priv.h>
@@ -42,13 +45,11 @@ class PixelProgress {
     std::int64_t m_done = 0;
 };
 
-/// The columns from `left` on as positions; empty when memory is short.
-std::vector<double> ColumnPositions(int left, int count) try {
+/// The columns from `left` on as positions.
+std::vector<double> ColumnPositions(int left, int count) {
     std::vector<double> columns(static_cast<std::size_t>(std::max(count, 0)));
     std::iota(columns.begin(), columns.end(), static_cast<double>(left));
     return columns;
-} catch (const std::bad_alloc&) {
-    return {};
 }
 
 /// Walks a grid of pixels that starts at the rectangle's top-left corner, row by row.
@@ -63,8 +64,6 @@ bool RasterizeRows(const zelto::RowMembership* rows, const CRect& rect, int widt
     const std::vector<double> columns = ColumnPositions(rect.left, width);
     const zelto::RowPositions positions(columns);
     zelto::RowMembership::Scratch scratch;
-    if (width > 0 && columns.empty())
-        return false;
     for (int row = 0; row < height && width > 0; ++row) {
         const auto fill = [&](std::span<unsigned char> inside) {
             if (rows != nullptr)
@@ -84,16 +83,22 @@ bool CRasterAOI::RasterizeAoiToBuffer(unsigned char* buffer, int width, int heig
                                       CDataProgress* progress) const {
     if (buffer == nullptr)
         return false;
-    return RasterizeRows(m_rows.get(), m_pixelRect, width, height, progress,
-                         [&](int row, const auto& fill) {
-                             const auto size = static_cast<std::size_t>(width);
-                             fill({buffer + static_cast<std::size_t>(row) * size, size});
-                             return true;
-                         });
+    return zelto::NoThrow(false, [&] {
+        return RasterizeRows(m_rows.get(), m_pixelRect, width, height, progress,
+                             [&](int row, const auto& fill) {
+                                 const auto size = static_cast<std::size_t>(width);
+                                 fill({buffer + static_cast<std::size_t>(row) * size, size});
+                                 return true;
+                             });
+    });
 }
 
 bool CRasterAOI::RasterizeAoiToFile(const wchar_t* path, int width, int height,
                                     CDataProgress* progress) {
+    return zelto::NoThrow(false, [&] { return WriteFile(path, width, height, progress); });
+}
+
+bool CRasterAOI::WriteFile(const wchar_t* path, int width, int height, CDataProgress* progress) {
     const CBoundingBox extent = GetExtent();
     if (path == nullptr || m_raster == nullptr || width <= 0 || height <= 0)
         return false;
@@ -115,12 +120,15 @@ bool CRasterAOI::RasterizeAoiToFile(const wchar_t* path, int width, int height,
     const std::unique_ptr<unsigned char[]> inside(new (std::nothrow) unsigned char[size]);
     if (inside == nullptr)
         return false;
-    return RasterizeRows(m_rows.get(), m_pixelRect, width, height, progress,
-                         [&](int row, const auto& fill) {
-                             fill({inside.get(), size});
-                             return band->RasterIO(GF_Write, 0, row, width, 1, inside.get(), width,
-                                                   1, GDT_Byte, 0, 0, nullptr) == CE_None;
-                         });
+    zelto::GdalWatch watch;
+    const bool written = RasterizeRows(
+        m_rows.get(), m_pixelRect, width, height, progress, [&](int row, const auto& fill) {
+            fill({inside.get(), size});
+            return band->RasterIO(GF_Write, 0, row, width, 1, inside.get(), width, 1, GDT_Byte, 0,
+                                  0, nullptr) == CE_None;
+        });
+    // What the blocks of the file could not take is found when they leave the cache.
+    return watch.Succeeded(written && band->FlushCache(false) == CE_None, CommonFun::U2M(path));
 }
 
 void CRasterAOI::DeleteTemporaryRaster() {

@@ -1,30 +1,37 @@
 #include "zelto/aoi/internal/MaskRaster.h"
 
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
+
 #include <gdal_alg.h>
 #include <gdal_priv.h>
 #include <ogr_geometry.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace zelto {
 
 namespace {
 
 constexpr int STRIP_BYTES = 16777216;
+constexpr const char* BURNING = "the area cannot be burnt";
 
 /// A one-band in-memory data set over the caller's bytes; null when GDAL has no such driver.
 GDALDatasetUniquePtr OpenOver(unsigned char* pixels, int width, int height) {
+    GdalWatch watch;
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("MEM");
-    if (driver == nullptr)
+    if (driver == nullptr) {
+        SetLastError("GDAL has no driver for rasters in memory");
         return nullptr;
+    }
     GDALDatasetUniquePtr dataset(driver->Create("", width, height, 0, GDT_Byte, nullptr));
     char pointer[64] = {};
     CPLPrintPointer(pointer, pixels, sizeof(pointer) - 1);
     CPLStringList options;
     options.SetNameValue("DATAPOINTER", pointer);
-    if (dataset != nullptr && dataset->AddBand(GDT_Byte, options.List()) != CE_None)
-        dataset.reset();
-    return dataset;
+    const bool added = dataset != nullptr && dataset->AddBand(GDT_Byte, options.List()) == CE_None;
+    return watch.Succeeded(added, BURNING) ? std::move(dataset) : nullptr;
 }
 
 bool BurnStrip(OGRGeometry& geometry, const MaskGrid& grid, int firstRow, int rows,
@@ -35,7 +42,9 @@ bool BurnStrip(OGRGeometry& geometry, const MaskGrid& grid, int firstRow, int ro
     double geoTransform[6] = {
         grid.box.m_left,  grid.pixelWidth, 0.0, grid.box.m_top - firstRow * grid.pixelHeight, 0.0,
         -grid.pixelHeight};
-    dataset->SetGeoTransform(geoTransform);
+    GdalWatch watch;
+    if (!watch.Succeeded(dataset->SetGeoTransform(geoTransform), BURNING))
+        return false;
     int band = 1;
     OGRGeometryH handle = OGRGeometry::ToHandle(&geometry);
     double burn = 1.0;
@@ -43,21 +52,7 @@ bool BurnStrip(OGRGeometry& geometry, const MaskGrid& grid, int firstRow, int ro
         GDALRasterizeGeometries(GDALDataset::ToHandle(dataset.get()), 1, &band, 1, &handle, nullptr,
                                 nullptr, &burn, nullptr, nullptr, nullptr);
     dataset->FlushCache();
-    return result == CE_None;
-}
-
-/// Adds copies of the polygons in `geometry` to `polygons`.
-/// @return false when there is anything else
-bool CollectPolygons(const OGRGeometry& geometry, OGRMultiPolygon& polygons) {
-    const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
-    if (type == wkbPolygon)
-        return polygons.addGeometry(&geometry) == OGRERR_NONE;
-    if (type != wkbMultiPolygon && type != wkbGeometryCollection)
-        return false;
-    const OGRGeometryCollection& members = *geometry.toGeometryCollection();
-    return std::all_of(members.begin(), members.end(), [&](const OGRGeometry* member) {
-        return CollectPolygons(*member, polygons);
-    });
+    return watch.Succeeded(result, BURNING);
 }
 
 } // namespace
@@ -92,16 +87,6 @@ void GrowByOnePixel(const unsigned char* burnt, unsigned char* grown, int width,
             out[c] = above[c - 1] | above[c] | above[c + 1] | middle[c - 1] | middle[c] |
                      middle[c + 1] | below[c - 1] | below[c] | below[c + 1];
     }
-}
-
-OGRGeometry* MergeSurfaces(const OGRGeometry& geometry) {
-    const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
-    OGRMultiPolygon polygons;
-    if ((type == wkbMultiPolygon || type == wkbGeometryCollection) &&
-        CollectPolygons(geometry, polygons) && !polygons.IsEmpty())
-        if (OGRGeometry* merged = polygons.UnionCascaded())
-            return merged;
-    return geometry.clone();
 }
 
 } // namespace zelto

@@ -29,16 +29,11 @@ int MaskStripRows(int width, int height);
 
 /// Sets to 1 every pixel whose centre `geometry` covers; the others stay as they are.
 /// @param pixels width × height bytes
-/// @return false when GDAL refuses
+/// @return false when GDAL refuses; the reason is in LastError()
 bool BurnGeometry(OGRGeometry& geometry, const MaskGrid& grid, unsigned char* pixels);
 
 /// Writes to `grown` a copy of `burnt` in which every pixel that touches a set one, also by a
 /// corner, is set. The outermost rows and columns are copied as they are.
 void GrowByOnePixel(const unsigned char* burnt, unsigned char* grown, int width, int height);
-
-/// A copy of `geometry` with overlapping and adjacent polygons of a collection merged, because
-/// a collection whose members overlap cannot be cut. A geometry that is no collection of
-/// surfaces, or that cannot be merged, is copied as it is. Owned by the caller.
-OGRGeometry* MergeSurfaces(const OGRGeometry& geometry);
 
 } // namespace zelto

@@ -1,11 +1,21 @@
 #include "zelto/aoi/internal/VertexList.h"
 
+#include "zelto/baselib/internal/NoThrow.h"
+
 #include <algorithm>
 
 namespace zelto {
 
+bool PushVertex(CDrawShape& shape, CPoint2D p) {
+    return NoThrow(false, [&] {
+        shape.m_vertices.push_back(p);
+        return true;
+    });
+}
+
 int AppendVertex(CDrawShape& shape, CPoint2D p) {
-    shape.m_vertices.push_back(p);
+    if (!PushVertex(shape, p))
+        return static_cast<int>(shape.m_vertices.size());
     if (shape.m_vertices.size() == 1)
         shape.m_extent.SetBoundingBox(p, p);
     else
@@ -15,7 +25,10 @@ int AppendVertex(CDrawShape& shape, CPoint2D p) {
 
 int InsertVertexAt(CDrawShape& shape, CPoint2D p, int index) {
     const int count = static_cast<int>(shape.m_vertices.size());
-    shape.m_vertices.insert(shape.m_vertices.begin() + std::clamp(index, 0, count), p);
+    if (!PushVertex(shape, p))
+        return count;
+    std::rotate(shape.m_vertices.begin() + std::clamp(index, 0, count), shape.m_vertices.end() - 1,
+                shape.m_vertices.end());
     return count + 1;
 }
 

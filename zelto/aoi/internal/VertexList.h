@@ -7,6 +7,9 @@
 
 namespace zelto {
 
+/// Adds a vertex to the list alone.
+/// @return false without memory; the list is then as before and the reason in LastError()
+bool PushVertex(CDrawShape& shape, CPoint2D p);
 /// Appends a vertex: the first one becomes the extent, further ones widen it.
 int AppendVertex(CDrawShape& shape, CPoint2D p);
 int InsertVertexAt(CDrawShape& shape, CPoint2D p, int index);
