@@ -48,7 +48,10 @@ class ZELTO_API CCoordinateAlgorithm {
     static std::string CopyGeogCSFrom(const char* srs);
 
     /// WKT of a Gauss-Kruger system on the geographic system of `srs`: transverse Mercator with
-    /// scale 1, false easting 500000 m without a zone prefix, false northing 0, metres.
+    /// scale 1, false easting 500000 m without a zone prefix, false northing 0, metres. The
+    /// geographic system of a projected, compound or three-dimensional text is kept whole, with
+    /// the parameters of its datum shift. Where there is none (geocentric, vertical and local
+    /// systems) the result is empty and CGISDataSource::GetLastErrorText() says why.
     ///
     /// Its name starts with the geographic system's name as it stands in a WKT text, what
     /// precedes and includes "GCS_" left out, and goes on, with the central meridian in degrees

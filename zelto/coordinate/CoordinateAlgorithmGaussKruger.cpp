@@ -1,7 +1,11 @@
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 
+#include <array>
 #include <cstdint>
+#include <utility>
 
 namespace {
 
@@ -42,20 +46,65 @@ Zone FindZone(int zone, int zoneWidth) {
     return {};
 }
 
+/// A system alone, without heights: the horizontal part of a compound one, two dimensions of
+/// three. Nothing for kinds that have no geographic system: geocentric, vertical and local ones.
+std::optional<OGRSpatialReference> HorizontalPart(OGRSpatialReference reference) {
+    if (!reference.IsGeographic() && !reference.IsProjected())
+        return std::nullopt;
+    if (reference.StripVertical() != OGRERR_NONE || reference.DemoteTo2D(nullptr) != OGRERR_NONE)
+        return std::nullopt;
+    return reference;
+}
+
+/// A zone's system, still on the geographic system that GDAL gives to a new one.
+bool SetZone(OGRSpatialReference& system, const std::string& name, double centralMeridian) {
+    constexpr std::pair<const char*, double> NATIONAL[] = {
+        {"scale_factor", 1.0}, {"false_easting", 500000.0}, {"false_northing", 0.0}};
+    bool done = system.SetProjCS(name.c_str()) == OGRERR_NONE &&
+                system.SetProjection("Gauss_Kruger") == OGRERR_NONE &&
+                system.SetLinearUnits("Meter", 1.0) == OGRERR_NONE &&
+                system.SetProjParm("latitude_of_origin", 0.0) == OGRERR_NONE &&
+                system.SetProjParm("central_meridian", centralMeridian) == OGRERR_NONE;
+    for (const auto& [parameter, value] : NATIONAL)
+        done = done && system.SetProjParm(parameter, value) == OGRERR_NONE;
+    return done;
+}
+
+/// Datum, ellipsoid, prime meridian and unit as well as the parameters of the datum shift.
+bool HasGeographicSystemOf(const OGRSpatialReference& system, const OGRSpatialReference& base) {
+    std::array<double, 7> shift{};
+    std::array<double, 7> expected{};
+    const OGRErr found = system.GetTOWGS84(shift.data(), static_cast<int>(shift.size()));
+    return found == base.GetTOWGS84(expected.data(), static_cast<int>(expected.size())) &&
+           shift == expected && system.IsSameGeogCS(&base) != 0;
+}
+
+std::string Refuse(const char* text, const char* reason) {
+    zelto::SetLastError(std::string(text == nullptr ? "" : text) + ": " + reason);
+    return "";
+}
+
 } // namespace
 
 std::string CCoordinateAlgorithm::NewChinaProjCS(const char* srs, int zone, int zoneWidth) {
-    auto reference = zelto::ParseSpatialReference(srs);
+    const auto reference = zelto::ParseSpatialReference(srs);
     if (!reference)
-        return "";
+        return Refuse(srs, "cannot be read as a spatial reference");
+    const auto base = HorizontalPart(*reference);
+    if (!base)
+        return Refuse(srs, "has no geographic system to build on");
     const Zone place = FindZone(zone, zoneWidth);
-    reference->SetProjCS((GeographicName(*reference, srs) + place.suffix).c_str());
-    reference->SetProjection("Gauss_Kruger");
-    reference->SetLinearUnits("Meter", 1.0);
-    reference->SetProjParm("latitude_of_origin", 0.0);
-    reference->SetProjParm("central_meridian", place.centralMeridian);
-    reference->SetProjParm("scale_factor", 1.0);
-    reference->SetProjParm("false_easting", 500000.0);
-    reference->SetProjParm("false_northing", 0.0);
-    return zelto::ReplaceNodeValue(zelto::ExportToWkt(*reference), "PROJECTION", "Gauss_Kruger");
+    const std::string name = GeographicName(*reference, srs) + place.suffix;
+    const zelto::GdalWatch watch;
+    OGRSpatialReference system;
+    // The geographic system comes last: setting the projection of one that carries shift
+    // parameters would put WGS 84 in its place, with a success. What came of it decides; grids of
+    // a datum that are not installed are an error message, but none of the system.
+    const bool done = SetZone(system, name, place.centralMeridian) &&
+                      system.CopyGeogCSFrom(&*base) == OGRERR_NONE &&
+                      HasGeographicSystemOf(system, *base);
+    if (!done)
+        return Refuse(srs, watch.HasError() ? watch.Error().c_str()
+                                            : "its geographic system cannot be copied");
+    return zelto::ReplaceNodeValue(zelto::ExportToWkt(system), "PROJECTION", "Gauss_Kruger");
 }
