@@ -100,6 +100,24 @@ TEST_F(Polygons, PolygonizeMakesAPolygonPerArea) {
     EXPECT_FALSE(progress.m_steps.empty());
 }
 
+TEST_F(Polygons, PolygonizeNeverTellsMoreThanTheWhole) {
+    auto source = Open(UnitSpec(3, 3), {THREE_AREAS});
+    MemoryLayer memory;
+    CVectorLayer layer(memory.layer);
+    RecordingProgress progress;
+    EXPECT_EQ(CRasterAlgorithm::RasterPolygonize(source->GetRasterBand(0), nullptr, &layer, 0,
+                                                 nullptr, &progress, L""),
+              GIS_SUCCESS);
+    ASSERT_FALSE(progress.m_steps.empty());
+    int former = 0;
+    for (const auto& [percent, message] : progress.m_steps) {
+        EXPECT_GE(percent, former);
+        EXPECT_LE(percent, 100);
+        former = percent;
+    }
+    EXPECT_EQ(former, 100);
+}
+
 TEST_F(Polygons, PolygonizeTakesTheCallersTitleAndRunsWithoutProgress) {
     auto source = Open(UnitSpec(3, 3), {THREE_AREAS});
     MemoryLayer memory;

@@ -11,6 +11,7 @@
 #include <gdal_alg.h>
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
 #include <fstream>
 #include <memory>
 #include <utility>
@@ -22,6 +23,12 @@ constexpr int PROGRESS_TOTAL = 100;
 
 constexpr const char* IMAGE_FIELDS[] = {"Image", "IMAGE_NAME"};
 constexpr int IMAGE_FIELD_WIDTH = 320;
+
+/// Hands progress on to the host. GDAL counts half a row too many at the end of a polygonization;
+/// hosts are not told of more than the whole.
+int CPL_STDCALL TellPolygonizing(double complete, const char* message, void* progress) {
+    return GDALProgressFuncEx(std::min(complete, 1.0), message, progress);
+}
 
 /// Makes an empty shapefile in place of whatever data source is at `path`.
 GDALDatasetUniquePtr ReplaceShapefile(const std::string& path) {
@@ -149,7 +156,7 @@ GISError CRasterAlgorithm::RasterPolygonize(CRasterBand* source, CRasterBand* ma
         zelto::GdalWatch watch;
         const CPLErr answer = GDALPolygonize(
             GDALRasterBand::ToHandle(pixels), GDALRasterBand::ToHandle(shown),
-            OGRLayer::ToHandle(target), fieldIndex, options, GDALProgressFuncEx, progress);
+            OGRLayer::ToHandle(target), fieldIndex, options, TellPolygonizing, progress);
         return watch.Succeeded(answer, zelto::FileOf(*pixels)) ? GIS_SUCCESS : GIS_FAILED;
     });
 }
