@@ -13,11 +13,24 @@ using zelto::test::TemporaryFolder;
 
 namespace {
 
-/// The folder that the options name when the module is loaded from `folder` under `name`.
-std::string FolderNamedByOptions(const TemporaryFolder& folder, const std::string& name) {
-    std::filesystem::copy_file(ZELTO_TEST_HOST_MODULE, folder.Path() / name);
-    void* module = dlopen(folder.File(name).c_str(), RTLD_NOW | RTLD_LOCAL);
+/// The working directory as it was before.
+class FormerDirectory {
+  public:
+    FormerDirectory() : m_path(std::filesystem::current_path()) {}
+    ~FormerDirectory() { std::filesystem::current_path(m_path); }
+    FormerDirectory(const FormerDirectory&) = delete;
+    FormerDirectory& operator=(const FormerDirectory&) = delete;
+
+  private:
+    std::filesystem::path m_path;
+};
+
+/// The folder that the options name while the module is loaded under `path`, which may be
+/// relative.
+std::string FolderNamedByOptions(const std::string& path, const std::string& directoryLater) {
+    void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     EXPECT_NE(module, nullptr) << dlerror();
+    std::filesystem::current_path(directoryLater);
     std::string data;
     {
         const PlainDataSource source;
@@ -27,6 +40,12 @@ std::string FolderNamedByOptions(const TemporaryFolder& folder, const std::strin
     if (module != nullptr)
         dlclose(module);
     return std::filesystem::path(data).parent_path().string();
+}
+
+/// The same for a module put into `folder` under `name`.
+std::string FolderNamedByOptions(const TemporaryFolder& folder, const std::string& name) {
+    std::filesystem::copy_file(ZELTO_TEST_HOST_MODULE, folder.Path() / name);
+    return FolderNamedByOptions(folder.File(name), std::filesystem::current_path());
 }
 
 } // namespace
@@ -43,4 +62,25 @@ TEST(HostModule, AModuleWithAnotherNameIsNotTheHost) {
     const TemporaryFolder folder;
     EXPECT_NE(FolderNamedByOptions(folder, "libHalvorn2.so"), folder.Path().string());
     EXPECT_FALSE(std::filesystem::exists(folder.Path() / "logs"));
+}
+
+TEST(HostModule, AModuleLoadedByARelativePathIsWhereItWasLoadedFrom) {
+    const FormerDirectory former;
+    // Folders whose names the list of mappings spells in its own way.
+    for (const char* name : {"plain", "two words", "line\nbreak", "back\\slash"}) {
+        const TemporaryFolder folder;
+        const TemporaryFolder elsewhere;
+        const auto installation = std::filesystem::canonical(folder.Path()) / name;
+        std::filesystem::create_directory(installation);
+        std::filesystem::copy_file(ZELTO_TEST_HOST_MODULE, installation / "libHalvorn.so");
+        std::filesystem::current_path(installation);
+        EXPECT_EQ(FolderNamedByOptions("./libHalvorn.so", elsewhere.Path().string()),
+                  installation.string());
+        EXPECT_TRUE(std::filesystem::is_directory(installation / "logs"));
+        EXPECT_TRUE(std::filesystem::is_empty(elsewhere.Path()));
+        std::filesystem::current_path(folder.Path());
+        EXPECT_EQ(
+            FolderNamedByOptions(std::string(name) + "/libHalvorn.so", elsewhere.Path().string()),
+            installation.string());
+    }
 }
