@@ -1,6 +1,8 @@
 #include "zelto/classify/ClassifiedAssistantFile.h"
+#include "zelto/datasource/GISDataSource.h"
 
 #include "tests/classify/AssistantBytes.h"
+#include "tests/support/NamedPipe.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -167,6 +169,42 @@ TEST_F(AssistantFileRead, EnormousCountsGiveWhatTheFileHolds) {
     Bytes noColumns = AssistantHeader(0);
     ASSERT_TRUE(Read(noColumns.Int(most).Int(0)));
     EXPECT_TRUE(m_file.GetChangedMatrix().empty());
+}
+
+TEST_F(AssistantFileRead, RowsWithoutColumnsComeBack) {
+    for (const int rows : {1, 3, 1 << 20}) {
+        Bytes bytes = AssistantHeader(0);
+        ASSERT_TRUE(Read(bytes.Int(rows).Int(0)));
+        EXPECT_EQ(m_file.GetChangedMatrix(),
+                  CClassifiedAssistantFile::TextMatrix(static_cast<std::size_t>(rows)));
+    }
+    CClassifiedAssistantFile written;
+    CClassifiedAssistantFile::TextMatrix matrix(2);
+    written.SetChangedMatrix(matrix);
+    ASSERT_TRUE(written.WriteClssifiedAssistantFile(m_folder.WideFile("rows.acf")));
+    ASSERT_TRUE(m_file.ReadClassifiedAssistantFile(m_folder.WideFile("rows.acf")));
+    EXPECT_EQ(m_file.GetChangedMatrix(), matrix);
+}
+
+TEST_F(AssistantFileRead, NumbersOfRowsAndColumnsBelowZeroAreNoMatrix) {
+    const int least = std::numeric_limits<int>::min();
+    for (const auto& [rows, columns] :
+         {std::pair(-1, 0), std::pair(least, 3), std::pair(3, -1), std::pair(-1, -1)}) {
+        Bytes bytes = AssistantHeader(0);
+        ASSERT_TRUE(Read(bytes.Int(rows).Int(columns).Text("x", 256)));
+        EXPECT_TRUE(m_file.GetChangedMatrix().empty()) << rows << " " << columns;
+    }
+}
+
+TEST_F(AssistantFileRead, APipeIsNotOpenedAndTheReasonIsTold) {
+    const zelto::test::EndsSoon endsSoon;
+    zelto::test::MakePipe(m_folder.File("pipe.acf"));
+    EXPECT_FALSE(m_file.ReadClassifiedAssistantFile(m_folder.WideFile("pipe.acf")));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_folder.File("pipe.acf") + ": not a regular file");
+    EXPECT_FALSE(m_file.ReadClassifiedAssistantFile(m_folder.WideFile("none.acf")));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_folder.File("none.acf") + ": No such file or directory");
 }
 
 TEST_F(AssistantFileRead, ReadsAPathWithChineseLetters) {

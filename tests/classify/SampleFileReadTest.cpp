@@ -1,8 +1,10 @@
 #include "zelto/aoi/DrawEllipse.h"
 #include "zelto/aoi/DrawPolygon.h"
 #include "zelto/classify/ClassifySampleFile.h"
+#include "zelto/datasource/GISDataSource.h"
 
 #include "tests/classify/SampleBytes.h"
+#include "tests/support/NamedPipe.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -103,6 +105,28 @@ TEST_F(SampleFileRead, FailsForPathsWithoutAFile) {
     EXPECT_EQ(m_file.ReadClassifySampleFile(L""), 0);
     EXPECT_EQ(m_file.ReadClassifySampleFile(m_folder.WideFile("none")), 0);
     EXPECT_EQ(m_file.ReadClassifySampleFile(m_folder.WideFile("")), 0);
+    EXPECT_EQ(m_file.GetFileName(), L"");
+}
+
+TEST_F(SampleFileRead, ThePathIsRememberedBeforeTheContentIsLookedAt) {
+    ASSERT_EQ(Read(WholeSampleFile()), 1);
+    for (const std::string& bytes :
+         {Bytes().Text("ZELTO_sampleFileTag", 40).Fill(272).Str(), std::string("short")}) {
+        zelto::test::WriteFile(m_folder.File("other"), bytes);
+        EXPECT_EQ(m_file.ReadClassifySampleFile(m_folder.WideFile("other")), 0);
+        EXPECT_EQ(m_file.GetFileName(), m_folder.WideFile("other"));
+        EXPECT_EQ(m_file.GetClassCount(), 2);
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+                  m_folder.File("other") + ": is no sample file");
+    }
+    EXPECT_EQ(m_file.ReadClassifySampleFile(m_folder.WideFile("none")), 0);
+    EXPECT_EQ(m_file.GetFileName(), m_folder.WideFile("other"));
+}
+
+TEST_F(SampleFileRead, APipeIsNotOpened) {
+    const zelto::test::EndsSoon endsSoon;
+    zelto::test::MakePipe(m_folder.File("pipe"));
+    EXPECT_EQ(m_file.ReadClassifySampleFile(m_folder.WideFile("pipe")), 0);
     EXPECT_EQ(m_file.GetFileName(), L"");
 }
 

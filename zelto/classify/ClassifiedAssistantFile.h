@@ -63,7 +63,7 @@ class ZELTO_API CClassifiedAssistantFile {
     /// Replaces the content with the file's. A file that ends early, or whose counts promise
     /// more than it holds, gives the whole records before its end and succeeds; the header's
     /// counts are then lowered to what was read. The matrix is looked for from version 101 on
-    /// where at least 8 more bytes follow; rows without columns are not kept.
+    /// where at least 8 more bytes follow; of rows without columns up to 1,048,576 are kept.
     /// @return false, with the content as it was, when the file cannot be opened, is shorter
     ///         than its header or has another tag
     bool ReadClassifiedAssistantFile(std::wstring path);

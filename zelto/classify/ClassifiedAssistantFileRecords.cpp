@@ -1,4 +1,6 @@
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/RegularFile.h"
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/classify/internal/HeaderBlock.h"
 
@@ -19,6 +21,9 @@ constexpr std::uint64_t ENTRY_SIZE = 24;
 constexpr std::uint64_t MATRIX_HEADER_SIZE = 8;
 /// Files of this and later versions may end with a matrix.
 constexpr std::int32_t MATRIX_VERSION = 101;
+/// Rows without columns take no bytes, so that the file does not bound their number. More than
+/// this are not kept.
+constexpr std::int32_t MOST_EMPTY_ROWS = 1 << 20;
 
 bool ReadRecord(BinaryReader& reader, File::ClassRecord& record) {
     return reader.Read(record.m_nameField) && reader.Read(record.m_value) &&
@@ -65,9 +70,10 @@ File::TextMatrix ReadMatrix(BinaryReader& reader) {
     std::int32_t rows = 0;
     std::int32_t columns = 0;
     File::TextMatrix matrix;
-    // Rows without columns take no bytes, so that nothing would bound their number.
-    if (!reader.Read(rows) || !reader.Read(columns) || columns <= 0)
+    if (!reader.Read(rows) || !reader.Read(columns) || rows < 0 || columns < 0)
         return matrix;
+    if (columns == 0)
+        return File::TextMatrix(static_cast<std::size_t>(rows <= MOST_EMPTY_ROWS ? rows : 0));
     zelto::ClassifyTextField field;
     for (std::int32_t row = 0; row < rows; ++row)
         for (std::int32_t column = 0; column < columns; ++column) {
@@ -104,13 +110,18 @@ void CClassifiedAssistantFile::ReadLists(BinaryReader& reader) {
 }
 
 bool CClassifiedAssistantFile::ReadClassifiedAssistantFile(std::wstring path) {
+    const std::string name = CommonFun::U2M(path);
     try {
-        std::ifstream stream(CommonFun::U2M(path), std::ios::binary);
+        std::ifstream stream;
+        if (!zelto::OpenRegularFile(stream, name))
+            return false;
         BinaryReader reader(stream);
         CClassifiedAssistantFile file;
         const std::wstring tag = file.GetTag();
-        if (!reader.Read(file.m_header) || file.GetTag() != tag)
+        if (!reader.Read(file.m_header) || file.GetTag() != tag) {
+            zelto::SetLastError(name + ": is no classified assistant file");
             return false;
+        }
         file.ReadLists(reader);
         file.LowerCounts();
         m_header = file.m_header;
@@ -119,6 +130,7 @@ bool CClassifiedAssistantFile::ReadClassifiedAssistantFile(std::wstring path) {
         m_changedMatrix = std::move(file.m_changedMatrix);
         return true;
     } catch (const std::bad_alloc&) {
+        zelto::SetLastError(name + ": too large for the memory");
         return false;
     }
 }
@@ -135,8 +147,10 @@ void CClassifiedAssistantFile::WriteContent(BinaryWriter& writer) const {
 }
 
 bool CClassifiedAssistantFile::WriteClssifiedAssistantFile(std::wstring path) {
-    if (path.empty() || GetTag() != CClassifiedAssistantFile().GetTag())
+    if (path.empty() || GetTag() != CClassifiedAssistantFile().GetTag()) {
+        zelto::SetLastError(CommonFun::U2M(path) + ": not written without a path and the tag");
         return false;
+    }
     zelto::ReplacementFile file(path);
     BinaryWriter writer(file.Stream());
     WriteContent(writer);

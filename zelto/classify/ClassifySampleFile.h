@@ -77,7 +77,7 @@ class ZELTO_API CClassifySampleFile {
     /// shapes in the class cut, is then lowered to what was read. Shapes read are complete and
     /// have their extents; kinds other than rectangle, ellipse and polygon give none.
     /// @return 1; 0, with the content as it was, when the file cannot be opened, is shorter than
-    ///         its header or has another tag
+    ///         its header or has another tag; CGISDataSource::GetLastErrorText() tells which
     int ReadClassifySampleFile(std::wstring path);
 
     /// Writes the content to a file; an old file is replaced when the new one is complete.
@@ -105,7 +105,7 @@ class ZELTO_API CClassifySampleFile {
     /// Appends a copy.
     void AddClass(const ClassRecord& record);
     void RemoveAllClasses();
-    /// Path of the last file read.
+    /// Path of the last file that could be opened for reading, whatever it held.
     const std::wstring& GetFileName() const { return m_fileName; }
 
   protected:

@@ -1,6 +1,8 @@
 #include "zelto/aoi/DrawShape.h"
 #include "zelto/aoi/internal/ShapeRecord.h"
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/RegularFile.h"
 #include "zelto/classify/ClassifySampleFile.h"
 #include "zelto/classify/internal/HeaderBlock.h"
 
@@ -116,15 +118,24 @@ bool HasItsSizes(const ClassRecord& record) {
            record.m_matrix.size() == static_cast<std::uint64_t>(MatrixSize(record));
 }
 
+int Fail(const std::string& file, const char* reason) {
+    zelto::SetLastError(file + ": " + reason);
+    return 0;
+}
+
 } // namespace
 
 int CClassifySampleFile::ReadClassifySampleFile(std::wstring path) {
+    const std::string name = CommonFun::U2M(path);
     try {
-        std::ifstream stream(CommonFun::U2M(path), std::ios::binary);
+        std::ifstream stream;
+        if (!zelto::OpenRegularFile(stream, name))
+            return 0;
+        m_fileName = std::move(path);
         BinaryReader reader(stream);
         CClassifySampleFile file;
         if (!reader.Read(file.m_header) || file.GetTag() != FILE_TAG)
-            return 0;
+            return Fail(name, "is no sample file");
         const std::int32_t count = file.GetClassCount();
         while (reader.IsGood() &&
                file.m_classes.size() < static_cast<std::size_t>(std::max(count, 0)))
@@ -134,18 +145,19 @@ int CClassifySampleFile::ReadClassifySampleFile(std::wstring path) {
             file.UpdateClassCount();
         m_header = file.m_header;
         m_classes.swap(file.m_classes);
-        m_fileName = std::move(path);
         return 1;
     } catch (const std::bad_alloc&) {
-        return 0;
+        return Fail(name, "too large for the memory");
     }
 }
 
 int CClassifySampleFile::WriteClassifySampleFile(std::wstring path) {
     const bool sound = std::all_of(m_classes.begin(), m_classes.end(),
                                    [](const auto& record) { return HasItsSizes(*record); });
-    if (path.empty() || GetTag() != FILE_TAG || !sound)
-        return 0;
+    if (path.empty() || GetTag() != FILE_TAG)
+        return Fail(CommonFun::U2M(path), "not written without a path and the tag");
+    if (!sound)
+        return Fail(CommonFun::U2M(path), "a class has other sizes than its band count says");
     zelto::ReplacementFile file(path);
     BinaryWriter writer(file.Stream());
     writer.Write(m_header);
