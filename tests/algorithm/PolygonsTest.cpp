@@ -2,6 +2,7 @@
 #include "zelto/vector/VectorLayer.h"
 
 #include "tests/algorithm/RegionFixture.h"
+#include "tests/support/NamedPipe.h"
 #include "tests/support/RecordingProgress.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/Text.h"
@@ -282,6 +283,18 @@ TEST_F(Polygons, TextPolygonsIgnoreAnXWithoutItsYAndWhatIsNotEnded) {
 TEST_F(Polygons, TextThatIsMissingAnswersFalse) {
     EXPECT_FALSE(CRasterAlgorithm::SaveGemetryFromTxt(m_folder.File("none.txt")));
     EXPECT_FALSE(std::filesystem::exists(m_folder.File("none.shp")));
+}
+
+TEST_F(Polygons, TextThatIsAFolderOrAPipeAnswersFalseAndMakesNothing) {
+    const EndsSoon endsSoon;
+    std::filesystem::create_directory(m_folder.File("folder.txt"));
+    MakePipe(m_folder.File("pipe.txt"));
+    for (const std::string name : {"folder", "pipe"}) {
+        EXPECT_FALSE(CRasterAlgorithm::SaveGemetryFromTxt(m_folder.File(name + ".txt"))) << name;
+        EXPECT_FALSE(std::filesystem::exists(m_folder.File(name + ".shp"))) << name;
+        EXPECT_EQ(CGISDataSource::GetLastErrorText().rfind(m_folder.File(name + ".txt: "), 0), 0U)
+            << CGISDataSource::GetLastErrorText();
+    }
 }
 
 TEST_F(Polygons, IntersectionOfAPolygonIsGdals) {

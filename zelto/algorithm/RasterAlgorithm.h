@@ -260,7 +260,8 @@ class ZELTO_API CRasterAlgorithm {
     /// each vertex in turn (point decimals, whatever the locale), and the word "end". A polygon
     /// without its "end" and an x without its y are dropped.
     /// @param path UTF-8
-    /// @return false when the text cannot be opened or the shapefile not made
+    /// @return false when the text is no regular file or cannot be read, or the shapefile not
+    ///         made; CGISDataSource::GetLastErrorText() tells which of the text
     static bool SaveGemetryFromTxt(std::string path);
     /// Intersection of a polygon, or of the merged members of a multi-polygon, with `b`.
     /// @return a new geometry owned by the caller; null for null arguments, any other type of

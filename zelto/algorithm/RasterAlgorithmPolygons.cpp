@@ -3,7 +3,9 @@
 #include "zelto/algorithm/internal/SampleReader.h"
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/baselib/internal/NoThrow.h"
+#include "zelto/baselib/internal/RegularFile.h"
 #include "zelto/geometry/internal/GeosMemory.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/vector/VectorLayer.h"
@@ -179,10 +181,14 @@ bool CRasterAlgorithm::SavePolygonNet(const wchar_t* path, std::vector<OGRGeomet
 
 bool CRasterAlgorithm::SaveGemetryFromTxt(std::string path) {
     return zelto::NoThrow(false, [&] {
-        std::ifstream stream(path);
-        if (!stream)
-            return zelto::RefuseMissing("text that can be opened");
+        std::ifstream stream;
+        if (!zelto::OpenRegularFile(stream, path))
+            return false;
         const std::vector<NamedPolygon> polygons = ReadPolygons(stream);
+        if (stream.bad()) {
+            zelto::SetLastError(path + ": cannot be read to its end");
+            return false;
+        }
         std::vector<OGRGeometry*> geometries;
         std::vector<std::wstring> names;
         for (const NamedPolygon& polygon : polygons) {
