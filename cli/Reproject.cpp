@@ -1,4 +1,3 @@
-#include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
@@ -6,6 +5,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/Json.h"
 #include "cli/support/Open.h"
+#include "cli/support/Reference.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
@@ -37,8 +37,7 @@ void OpenOnOwnGrid(CRasterSource& raster, const std::string& path) {
 
 std::unique_ptr<CReproject> BindOrFail(CGISDataSource& source, const std::string& sourceName,
                                        const std::string& targetSrs) {
-    if (!CCoordinateAlgorithm::IsValidCoordinate(targetSrs.c_str()))
-        throw Failure(targetSrs, "cannot be read as a spatial reference");
+    RequireReference(targetSrs);
     if (source.GetSpatialReferenceWKT().empty())
         throw Failure(sourceName, "has no spatial reference");
     std::unique_ptr<CReproject> reproject(
@@ -80,8 +79,7 @@ std::string BoxText(const CBoundingBox& box) {
 }
 
 void Box(const Options& options) {
-    if (!CCoordinateAlgorithm::IsValidCoordinate(options.from.c_str()))
-        throw Failure(options.from, "cannot be read as a spatial reference");
+    RequireReference(options.from);
     SystemSource source(options.from);
     const auto reproject = BindOrFail(source, options.from, options.to);
     CBoundingBox from = ParseBox("--box", options.box);
@@ -102,16 +100,15 @@ void Window(const Options& options) {
     CRasterSource raster;
     OpenOnOwnGrid(raster, options.image);
     const auto reproject = BindOrFail(raster, options.image, options.to);
-    CBoundingBox box = ParseBox("--box", options.box);
+    const CBoundingBox box = ParseBox("--box", options.box);
     const EdgeSteps steps = ParseSteps(options.step, box);
-    long column = 0;
-    long row = 0;
-    long width = 0;
-    long height = 0;
-    if (!reproject->GetInImgEnveFromGeoOut(box.GetLeft(), box.GetTop(), box.GetRight(),
-                                           box.GetBottom(), column, row, width, height, steps.x,
-                                           steps.y))
+    CRect window;
+    if (!reproject->FindSourceWindow(box, window, steps.x, steps.y))
         throw Failure(options.image, "the box lies beside it or has no place in its system");
+    const int column = window.left;
+    const int row = window.top;
+    const int width = window.right - window.left;
+    const int height = window.bottom - window.top;
     if (options.json) {
         PrintJson({{"column", column}, {"row", row}, {"width", width}, {"height", height}});
         return;

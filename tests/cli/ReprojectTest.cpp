@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -186,6 +187,41 @@ TEST(ReprojectWindow, IsThePixelsWidenedByFive) {
     EXPECT_EQ(window["row"], 25);
     EXPECT_EQ(window["width"], 30);
     EXPECT_EQ(window["height"], 30);
+}
+
+TEST(ReprojectWindow, NamesThePixelsOfSouthUpAndRotatedImages) {
+    struct Lay {
+        std::array<double, 6> geoTransform;
+        int column;
+        int row;
+        int width;
+        int height;
+    };
+    const Lay lays[] = {
+        // Rows count from the south: the box is in columns 20 to 40, rows 29 to 49.
+        {{500000, 10, 0, 4399200, 0, 10}, 15, 24, 30, 30},
+        // Columns run to the south and rows to the east: columns 30 to 50, rows 20 to 40.
+        {{500000, 0, 10, 4400000, -10, 0}, 25, 15, 30, 30},
+        // Columns run to the north-east and rows to the south-east, each 10 m east and as much
+        // north or south of the origin: column = (east + north) / 20, row = (east - north) / 20.
+        // The box is 207 to 402 m east and 299 to 491 m north of it: columns 25.3 to 44.65, rows
+        // -14.2 to 5.15.
+        {{500000, 10, 10, 4399200, 10, -10}, 20, 0, 29, 10},
+    };
+    for (const Lay& lay : lays) {
+        const zelto::test::TemporaryFolder folder;
+        zelto::test::RasterSpec spec = {.width = 100, .height = 80, .srs = "EPSG:32650"};
+        spec.geoTransform = lay.geoTransform;
+        const std::string raster = zelto::test::WriteRaster(folder.File("lies.tif"), spec,
+                                                            {zelto::test::Pixels(8000, 1.0)});
+        const auto run = RunZelto({"reproject", "window", raster, "--srs", "EPSG:32650", "--box",
+                                   "500207,4399691,500402,4399499", "--json"});
+        ASSERT_EQ(run.exitStatus, 0) << run.errors;
+        EXPECT_EQ(json::parse(run.output), json({{"column", lay.column},
+                                                 {"row", lay.row},
+                                                 {"width", lay.width},
+                                                 {"height", lay.height}}));
+    }
 }
 
 TEST(ReprojectWindow, BesideTheImageOrWithoutASystemFails) {

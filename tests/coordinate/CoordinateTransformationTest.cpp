@@ -1,5 +1,7 @@
 #include "zelto/coordinate/CoordinateTransformation.h"
 
+#include "zelto/datasource/GISDataSource.h"
+
 #include "tests/coordinate/ReferenceDialects.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +10,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 using zelto::test::InDialect;
@@ -110,6 +113,21 @@ TEST(CoordinateTransformation, OfUnreadableOrUnrelatedSystemsIsNull) {
     const char* local = "LOCAL_CS[\"here\",UNIT[\"metre\",1]]";
     EXPECT_EQ(Connect(local, "EPSG:4326"), nullptr);
     EXPECT_EQ(ConnectBy("EPSG:5773", "EPSG:4326", nullptr, nullptr), nullptr);
+}
+
+TEST(CoordinateTransformation, BetweenPlacesAndHeightsAloneIsNull) {
+    for (const auto& [from, to] :
+         {std::pair("EPSG:4326", "EPSG:5773"), std::pair("EPSG:5773", "EPSG:32650")}) {
+        CGISDataSource::ClearLastErrorText();
+        EXPECT_EQ(CCoordinateTransformation::CreateCoordinateTransformation(from, to, nullptr),
+                  nullptr);
+        EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
+    }
+    CCoordinateTransformation* const compound =
+        CCoordinateTransformation::CreateCoordinateTransformation("EPSG:4326", "EPSG:32650+5773",
+                                                                  nullptr);
+    EXPECT_NE(compound, nullptr);
+    CCoordinateTransformation::DestroyCoordinateTransformation(compound);
 }
 
 TEST(CoordinateTransformation, StoresSevenParametersWithRotationsInRadians) {

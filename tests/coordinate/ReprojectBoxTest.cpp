@@ -6,9 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <random>
+#include <string>
 
 using zelto::test::NorthUp;
 using zelto::test::PlacedRaster;
@@ -295,6 +298,44 @@ TEST(SourceWindow, NeedsAnAffineRasterABoxAndARectangle) {
     EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(inverted, &rect, 0, 0));
     raster->SetGeoreferencingKind(2);
     EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(box, &rect, 0, 0));
+}
+
+TEST(SourceWindow, OfANorthUpImageIsTheSameByItsEdges) {
+    auto raster = SmallRaster();
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> x(499800, 501200);
+    std::uniform_real_distribution<double> y(4399000, 4400200);
+    const auto reproject = Bind(raster, UTM50);
+    for (int i = 0; i < 1000; ++i) {
+        const auto [left, right] = std::minmax({x(random), x(random)});
+        const auto [bottom, top] = std::minmax({y(random), y(random)});
+        CBoundingBox box(left, top, right, bottom);
+        CRect expected = {7, 7, 7, 7};
+        CRect window = {7, 7, 7, 7};
+        ASSERT_EQ(reproject->FindSourceWindow(box, window, 0, 0),
+                  reproject->GetInImgEnveFromGeoOut(box, &expected, 0, 0));
+        ASSERT_EQ(window.left, expected.left);
+        ASSERT_EQ(window.top, expected.top);
+        ASSERT_EQ(window.right, expected.right);
+        ASSERT_EQ(window.bottom, expected.bottom);
+    }
+}
+
+TEST(SourceWindow, ByItsEdgesNeedsAnAffineRasterABoxAndPositions) {
+    auto raster = SmallRaster();
+    const auto reproject = Bind(raster, UTM50);
+    const CBoundingBox box(500207, 4399691, 500402, 4399499);
+    CRect window = {7, 7, 7, 7};
+    EXPECT_FALSE(reproject->FindSourceWindow({500402, 4399691, 500207, 4399499}, window, 0, 0));
+    EXPECT_FALSE(reproject->FindSourceWindow(box, window, 500, 500));
+    EXPECT_FALSE(reproject->FindSourceWindow(box, window, 1e-9, 1e-9));
+    const auto geographic = Bind(raster, "EPSG:4326");
+    EXPECT_FALSE(geographic->FindSourceWindow({116.9, 91, 117.1, 39}, window, 0.1, 1));
+    raster->SetGeoreferencingKind(2);
+    EXPECT_FALSE(reproject->FindSourceWindow(box, window, 0, 0));
+    EXPECT_EQ(window.left, 7);
 }
 
 TEST(SourceWindow, OfABoxWithoutAnAnswerIsNone) {

@@ -1,11 +1,14 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/RegularFile.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 
 #include <cstring>
-#include <filesystem>
 #include <fstream>
+#include <new>
 
 namespace {
 
@@ -97,19 +100,30 @@ std::string CCoordinateAlgorithm::GetUnit(const char* wkt) {
 std::string CCoordinateAlgorithm::CopyGeogCSFrom(const char* srs) {
     const auto reference = zelto::ParseSpatialReference(srs);
     OGRSpatialReference geographic;
-    if (!reference || geographic.CopyGeogCSFrom(&*reference) != OGRERR_NONE)
+    zelto::GdalWatch watch;
+    if (!reference || geographic.CopyGeogCSFrom(&*reference) != OGRERR_NONE) {
+        watch.Succeeded(false, srs == nullptr ? "" : srs);
         return "";
+    }
     return zelto::ExportToWkt(geographic);
 }
 
 std::string CCoordinateAlgorithm::GetWKTFromPrjFile(const wchar_t* path) {
     if (path == nullptr)
         return "";
-    std::ifstream file(std::filesystem::path(CommonFun::U2M(path)), std::ios::binary);
-    std::string line;
-    std::getline(file, line);
-    // The line end of the desktop platform, where text files are written.
-    if (!line.empty() && line.back() == '\r')
-        line.pop_back();
-    return line;
+    const std::string name = CommonFun::U2M(path);
+    std::ifstream file;
+    if (!zelto::OpenRegularFile(file, name))
+        return "";
+    try {
+        std::string line;
+        std::getline(file, line);
+        // The line end of the desktop platform, where text files are written.
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        return line;
+    } catch (const std::bad_alloc&) {
+        zelto::SetLastError(name + ": its first line is too long for the memory");
+        return "";
+    }
 }

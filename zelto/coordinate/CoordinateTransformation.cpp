@@ -1,5 +1,7 @@
 #include "zelto/coordinate/CoordinateTransformation.h"
 
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 
 #include <cpl_conv.h>
@@ -22,13 +24,25 @@ bool SetShiftToWgs84(OGRSpatialReference& reference, const double* parameters) {
     return reference.SetTOWGS84(p[0], p[1], p[2], p[3], p[4], p[5], p[6]) == OGRERR_NONE;
 }
 
+bool HasHeightsOnly(const OGRSpatialReference& reference) {
+    return reference.IsVertical() && !reference.IsCompound();
+}
+
+std::optional<OGRSpatialReference> Parse(const char* text) {
+    auto reference = zelto::ParseSpatialReference(text);
+    if (!reference)
+        zelto::SetLastError(std::string(text == nullptr ? "" : text) +
+                            ": cannot be read as a spatial reference");
+    return reference;
+}
+
 } // namespace
 
 CCoordinateTransformation*
 CCoordinateTransformation::CreateCoordinateTransformation(const char* src, const char* dst,
                                                           double* sevenParams) {
-    const auto source = zelto::ParseSpatialReference(src);
-    const auto target = zelto::ParseSpatialReference(dst);
+    const auto source = Parse(src);
+    const auto target = Parse(dst);
     if (!source || !target)
         return nullptr;
     CCoordinateTransformation* result = Connect(*source, *target);
@@ -43,8 +57,8 @@ CCoordinateTransformation::CreateCoordinateTransformation(const char* src, const
 CCoordinateTransformation*
 CCoordinateTransformation::CreateCoordinateTransformation(const char* src, const char* dst,
                                                           double* srcToWgs84, double* dstToWgs84) {
-    auto source = zelto::ParseSpatialReference(src);
-    auto target = zelto::ParseSpatialReference(dst);
+    auto source = Parse(src);
+    auto target = Parse(dst);
     if (!source || !target || !SetShiftToWgs84(*source, srcToWgs84) ||
         !SetShiftToWgs84(*target, dstToWgs84))
         return nullptr;
@@ -55,10 +69,18 @@ CCoordinateTransformation::CreateCoordinateTransformation(const char* src, const
 
 CCoordinateTransformation* CCoordinateTransformation::Connect(const OGRSpatialReference& source,
                                                               const OGRSpatialReference& target) {
+    // Between places and heights alone GDAL finds a way that leaves the places as they are.
+    if (HasHeightsOnly(source) != HasHeightsOnly(target)) {
+        zelto::SetLastError("places cannot be transformed to heights or back");
+        return nullptr;
+    }
+    zelto::GdalWatch watch;
     OGRCoordinateTransformation* transformation =
         OGRCreateCoordinateTransformation(&source, &target);
-    if (transformation == nullptr)
+    if (transformation == nullptr) {
+        watch.Succeeded(false, "");
         return nullptr;
+    }
     auto* result = new (std::nothrow) CCoordinateTransformation(transformation);
     if (result == nullptr)
         OGRCoordinateTransformation::DestroyCT(transformation);

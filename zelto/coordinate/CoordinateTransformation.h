@@ -21,8 +21,9 @@ class ZELTO_API CCoordinateTransformation {
     /// projection library knows for their datums.
     /// @param sevenParams seven values that are stored, rotations in radians, and not applied;
     ///        null: zeros
-    /// @return null when a text cannot be read or no transformation is known; else an object
-    ///         to be freed with DestroyCoordinateTransformation()
+    /// @return null when a text cannot be read, no transformation is known or only one of the
+    ///         systems counts heights alone; CGISDataSource::GetLastErrorText() then tells why.
+    ///         Else an object to be freed with DestroyCoordinateTransformation()
     static CCoordinateTransformation*
     CreateCoordinateTransformation(const char* src, const char* dst, double* sevenParams);
 

@@ -57,14 +57,21 @@ class ZELTO_API CReproject {
     /// BoxTansform() from the source's system to the target.
     bool Src2DestBox(CBoundingBox& sourceBox, CBoundingBox& targetBox, double stepX, double stepY);
 
-    /// The window of the source image that a target box needs: the box's source position, its
-    /// corners truncated to pixels, widened by 5 pixels on every side and clipped to the image.
+    /// The window of a north-up source image that a target box needs: the box's source position,
+    /// its corners truncated to pixels, widened by 5 pixels on every side and clipped to the image.
     /// @param stepX,stepY see BoxTansform()
     /// @return false when the source is not an affine raster with a band, the box cannot be
     ///         mapped or it lies beside the image
     bool GetInImgEnveFromGeoOut(double left, double top, double right, double bottom, long& x,
                                 long& y, long& width, long& height, double stepX, double stepY);
     bool GetInImgEnveFromGeoOut(CBoundingBox& targetBox, CRect* rect, double stepX, double stepY);
+
+    /// The same for images that lie in any way on the ground, rotated and south-up ones
+    /// included: the window around the image positions of points along the box's edges, widened
+    /// by 5 pixels and clipped. For north-up images it is that of GetInImgEnveFromGeoOut(),
+    /// whose two corners do not name the pixels of others.
+    /// @return false as there, and when any of the points has no position
+    bool FindSourceWindow(const CBoundingBox& targetBox, CRect& window, double stepX, double stepY);
 
     /// Fits a grid that maps target ground points in `box` to source positions; it replaces any
     /// former one. The points are nx × ny (GetGirdNum()), from the box's top-left corner on, but

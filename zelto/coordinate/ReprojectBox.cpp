@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -27,8 +28,8 @@ struct Points {
     }
 };
 
-/// Points along the edges of a box: nx on the top, nx on the bottom, ny on the left, ny on the
-/// right; the last of each is the corner.
+/// nx points on the top, nx on the bottom, ny on the left, ny on the right; the last of each is
+/// the corner.
 Points SampleEdges(const CBoundingBox& box, std::size_t nx, std::size_t ny, double sx, double sy) {
     Points points;
     points.x.resize(2 * (nx + ny));
@@ -48,6 +49,34 @@ Points SampleEdges(const CBoundingBox& box, std::size_t nx, std::size_t ny, doub
     points.Set(2 * nx + ny - 1, box.m_left, box.m_bottom);
     points.Set(2 * nx + 2 * ny - 1, box.m_right, box.m_bottom);
     return points;
+}
+
+/// Points along the edges of a box, `stepX` and `stepY` apart; nothing for a box that is empty or
+/// inverted, steps as large as its sides and too many points.
+std::optional<Points> SampleEdges(const CBoundingBox& box, double stepX, double stepY) {
+    double sx = std::abs(stepX);
+    double sy = std::abs(stepY);
+    const double w = box.m_right - box.m_left;
+    const double h = box.m_top - box.m_bottom;
+    // Written so that sides that are no numbers are refused as well.
+    if (!(sx + NO_STEP <= w && sy + NO_STEP <= h))
+        return std::nullopt;
+    double nx = 2;
+    double ny = 2;
+    if (sx < NO_STEP || sy < NO_STEP) {
+        sx = w / 2;
+        sy = h / 2;
+    } else {
+        nx = std::ceil(w / sx);
+        ny = std::ceil(h / sy);
+    }
+    if (2 * (nx + ny) > CReproject::MAX_EDGE_POINTS)
+        return std::nullopt;
+    return SampleEdges(box, static_cast<std::size_t>(nx), static_cast<std::size_t>(ny), sx, sy);
+}
+
+bool AllFinite(const std::vector<double>& values) {
+    return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
 }
 
 /// The window between two pixel positions, widened and clipped to w × h pixels.
@@ -78,28 +107,11 @@ bool CReproject::BoxTansform(double left, double top, double right, double botto
                              double stepY, CCoordinateTransformation* ct) {
     if (ct == nullptr)
         return false;
-    double sx = std::abs(stepX);
-    double sy = std::abs(stepY);
-    const double w = right - left;
-    const double h = top - bottom;
-    // Written so that sides that are no numbers are refused as well.
-    if (!(sx + NO_STEP <= w && sy + NO_STEP <= h))
-        return false;
-    double nx = 2;
-    double ny = 2;
-    if (sx < NO_STEP || sy < NO_STEP) {
-        sx = w / 2;
-        sy = h / 2;
-    } else {
-        nx = std::ceil(w / sx);
-        ny = std::ceil(h / sy);
-    }
-    if (2 * (nx + ny) > MAX_EDGE_POINTS)
-        return false;
     try {
-        Points points =
-            SampleEdges(CBoundingBox(left, top, right, bottom), static_cast<std::size_t>(nx),
-                        static_cast<std::size_t>(ny), sx, sy);
+        auto sampled = SampleEdges(CBoundingBox(left, top, right, bottom), stepX, stepY);
+        if (!sampled)
+            return false;
+        Points& points = *sampled;
         const bool done = TransformEdges(points.x.data(), points.y.data(), points.Count(), ct);
         outLeft = *std::min_element(points.x.begin(), points.x.end());
         outRight = *std::max_element(points.x.begin(), points.x.end());
@@ -164,4 +176,30 @@ bool CReproject::GetInImgEnveFromGeoOut(double left, double top, double right, d
     width = window.right - window.left;
     height = window.bottom - window.top;
     return true;
+}
+
+bool CReproject::FindSourceWindow(const CBoundingBox& targetBox, CRect& window, double stepX,
+                                  double stepY) {
+    const CRasterSource* raster = GetAffineRaster();
+    const CRasterBand* band = raster != nullptr ? raster->GetRasterBand(0) : nullptr;
+    if (band == nullptr)
+        return false;
+    try {
+        auto points = SampleEdges(targetBox, stepX, stepY);
+        if (!points)
+            return false;
+        std::vector<double> columns(points->x.size());
+        std::vector<double> rows(points->x.size());
+        if (!GetSrcPos(points->x.data(), points->y.data(), columns.data(), rows.data(),
+                       points->Count()) ||
+            !AllFinite(columns) || !AllFinite(rows))
+            return false;
+        const auto [left, right] = std::minmax_element(columns.begin(), columns.end());
+        const auto [top, bottom] = std::minmax_element(rows.begin(), rows.end());
+        return ClipWindow(zelto::TruncateToInt64(*left), zelto::TruncateToInt64(*top),
+                          zelto::TruncateToInt64(*right), zelto::TruncateToInt64(*bottom),
+                          band->GetWidth(), band->GetHeight(), window);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
