@@ -1,5 +1,6 @@
 #include "zelto/vector/VectorSource.h"
 
+#include "tests/support/NamedPipe.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestData.h"
 #include "tests/support/Text.h"
@@ -91,6 +92,26 @@ TEST_F(VectorSourceTest, WhatOgrCannotOpenFails) {
     EXPECT_FALSE(source.IsOpened());
     EXPECT_EQ(source.Open(nullptr, GIS_READONLY, false), GIS_FAILED);
     EXPECT_EQ(source.Open(SampleScene().empty() ? L"" : L"x.tif", GIS_READONLY, false), GIS_FAILED);
+}
+
+TEST_F(VectorSourceTest, TheReasonOfAFailureNamesTheFile) {
+    const auto reason = [] { return CGISDataSource::GetLastErrorText(); };
+    const EndsSoon endsSoon;
+    CVectorSource source;
+    MakePipe(m_folder.File("pipe.shp"));
+    EXPECT_EQ(Open(source, "pipe.shp"), GIS_FAILED);
+    EXPECT_EQ(reason(), m_folder.File("pipe.shp") + ": not a regular file");
+    WriteVector(m_folder.File("a.shp"), {.type = wkbPolygon}, {SQUARE});
+    std::filesystem::remove(m_folder.File("a.dbf"));
+    MakePipe(m_folder.File("a.dbf"));
+    EXPECT_EQ(Open(source, "a.shp"), GIS_FAILED);
+    EXPECT_EQ(reason(), m_folder.File("a.dbf") + ": not a regular file");
+    EXPECT_EQ(Open(source, "missing.shp"), GIS_FAILED);
+    EXPECT_EQ(reason(), m_folder.File("missing.shp") + ": No such file or directory");
+    // The driver answers that it has made the data source; its layer finds that there is none.
+    EXPECT_EQ(Create(source, VDF_SHAPEFILE, "no/such/new.shp"), GIS_SUCCESS);
+    EXPECT_EQ(source.CreateLayer(L"new", nullptr, VGT_Polygon), nullptr);
+    EXPECT_EQ(reason().rfind(m_folder.File("no/such/new.shp") + ": ", 0), 0U) << reason();
 }
 
 TEST_F(VectorSourceTest, OpensForUpdateExactlyWhenAsked) {

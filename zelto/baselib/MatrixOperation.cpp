@@ -3,6 +3,7 @@
 #include <Eigen/Dense>
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
@@ -46,11 +47,19 @@ bool CMatrixOperation::Multiply(const double* a, const double* b, double* result
 bool CMatrixOperation::Inverse(const double* matrix, double* result, int n) {
     if (matrix == nullptr || result == nullptr || n < 1)
         return false;
-    return SolveColumns(matrix, Matrix::Identity(n, n), result, n);
+    try {
+        return SolveColumns(matrix, Matrix::Identity(n, n), result, n);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 bool CMatrixOperation::Solve(const double* matrix, const double* right, double* solution, int n) {
     if (matrix == nullptr || right == nullptr || solution == nullptr || n < 1)
         return false;
-    return SolveColumns(matrix, ConstMatrixMap(right, n, 1), solution, n);
+    try {
+        return SolveColumns(matrix, ConstMatrixMap(right, n, 1), solution, n);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }

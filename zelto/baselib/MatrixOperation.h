@@ -19,10 +19,11 @@ class ZELTO_API CMatrixOperation {
                          int columns);
 
     /// `result` = inverse of the n × n `matrix`, by elimination with full pivoting.
-    /// @return false, with `result` unchanged, for a singular matrix or values not finite
+    /// @return false, with `result` unchanged, for a singular matrix, values not finite and a
+    ///         matrix that there is no memory for
     static bool Inverse(const double* matrix, double* result, int n);
 
     /// Solves `matrix` (n × n) · `solution` = `right`, by elimination with full pivoting.
-    /// @return false, with `solution` unchanged, for a singular matrix or values not finite
+    /// @return false, with `solution` unchanged, in the same cases
     static bool Solve(const double* matrix, const double* right, double* solution, int n);
 };

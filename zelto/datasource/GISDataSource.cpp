@@ -1,6 +1,7 @@
 #include "zelto/datasource/GISDataSource.h"
 
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
 
 #include <gdal.h>
@@ -84,7 +85,8 @@ GISDataSourceType CGISDataSource::GetDataSourceType(const wchar_t* path) {
 bool CGISDataSource::WriteGeotransformToWorldFile(const char* basePath, double* geoTransform) {
     if (basePath == nullptr || geoTransform == nullptr)
         return false;
-    return GDALWriteWorldFile(basePath, "tfw", geoTransform) != 0;
+    zelto::GdalWatch watch;
+    return watch.Succeeded(GDALWriteWorldFile(basePath, "tfw", geoTransform) != 0, basePath);
 }
 
 void CGISDataSource::WriteWkt(const char* path, const char* wkt) {
@@ -92,4 +94,7 @@ void CGISDataSource::WriteWkt(const char* path, const char* wkt) {
         return;
     std::ofstream file(path);
     file << wkt;
+    file.close();
+    if (!file)
+        zelto::SetLastError(std::string(path) + ": cannot be written");
 }

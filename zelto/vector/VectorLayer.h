@@ -39,7 +39,7 @@ class ZELTO_API CVectorLayer {
     /// Copies of the layer's geometries; the members of multi geometries and collections one by
     /// one.
     /// @param box keep only geometries whose envelope meets the box, edges included; null: all
-    /// @return a geometry collection owned by the caller
+    /// @return a geometry collection owned by the caller; null when there is no memory for it
     OGRGeometry* GetGeometries(CBoundingBox* box);
 
     /// Adds a field to the layer; the format may shorten its name.

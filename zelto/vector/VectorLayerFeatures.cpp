@@ -1,9 +1,14 @@
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/vector/VectorLayer.h"
 #include "zelto/vector/internal/NewShapefile.h"
 
 #include <cpl_error.h>
 #include <ogrsf_frmts.h>
+
+#include <memory>
+#include <new>
 
 namespace {
 
@@ -60,21 +65,31 @@ bool CopyFeature(OGRLayer& from, GIntBig identifier, OGRLayer& to,
 } // namespace
 
 OGRGeometry* CVectorLayer::GetGeometries(CBoundingBox* box) {
-    auto* collection = new OGRGeometryCollection;
-    if (m_layer == nullptr)
-        return collection;
-    m_layer->ResetReading();
-    for (const OGRFeatureUniquePtr& feature : *m_layer)
-        if (const OGRGeometry* geometry = feature->GetGeometryRef())
-            AddMeeting(*geometry, box, *collection);
-    return collection;
+    try {
+        auto collection = std::make_unique<OGRGeometryCollection>();
+        if (m_layer == nullptr)
+            return collection.release();
+        zelto::GdalWatch watch;
+        m_layer->ResetReading();
+        for (const OGRFeatureUniquePtr& feature : *m_layer)
+            if (const OGRGeometry* geometry = feature->GetGeometryRef())
+                AddMeeting(*geometry, box, *collection);
+        // A layer that is damaged simply ends; what was read up to there is given.
+        watch.Succeeded(true, CommonFun::U2M(m_layerName));
+        return collection.release();
+    } catch (const std::bad_alloc&) {
+        zelto::SetLastError(CommonFun::U2M(m_layerName) + ": too large for the memory");
+        return nullptr;
+    }
 }
 
 bool CVectorLayer::CreateField(const wchar_t* name, VectorFieldType type) {
     if (m_layer == nullptr || name == nullptr)
         return false;
     OGRFieldDefn field(CommonFun::U2M(name).c_str(), static_cast<OGRFieldType>(type));
-    return m_layer->CreateField(&field, TRUE) == OGRERR_NONE;
+    zelto::GdalWatch watch;
+    return watch.Succeeded(m_layer->CreateField(&field, TRUE) == OGRERR_NONE,
+                           CommonFun::U2M(m_layerName));
 }
 
 bool CVectorLayer::GetLayerFieldName(std::vector<std::string>& names) {
