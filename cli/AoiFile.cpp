@@ -43,6 +43,7 @@ std::string SrsAsWkt(const std::string& srs, const char* format) {
 
 void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs) {
     CPLErrorReset();
+    CGISDataSource::ClearLastErrorText();
     const char* target = srs.empty() ? nullptr : srs.c_str();
     const GISError error = aoi.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, target);
     if (error == GIS_NOT_SUPPORTED)
@@ -53,6 +54,10 @@ void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& 
                                 : "cannot be transformed to " + srs);
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));
+    // A file that ends early opens with what it holds, which is not what the user asked for.
+    const std::string missing = EngineReason(path, "");
+    if (!missing.empty())
+        throw Failure(path, missing);
 }
 
 void UseModerateRings(CAOISource& aoi) {

@@ -6,6 +6,8 @@
 #include "cli/support/Open.h"
 #include "cli/support/Text.h"
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace zelto::cli {
@@ -22,7 +24,8 @@ void Add(CAOISource& aoi, std::unique_ptr<CDrawShape> shape) {
 template <typename Shape>
 void AddBox(CAOISource& aoi, const std::string& option, const std::string& text) {
     const CBoundingBox box = ParseBox(option, text);
-    if (!(box.m_left < box.m_right && box.m_bottom < box.m_top))
+    const bool hasSize = box.m_left < box.m_right && box.m_bottom < box.m_top;
+    if (!hasSize || !std::isfinite(box.GetWidth()) || !std::isfinite(box.GetHeight()))
         throw UsageError(option + ": '" + text + "' has no positive width and height");
     auto shape = std::make_unique<Shape>();
     shape->AddVertex(box.TopLeft());
@@ -41,14 +44,22 @@ void AddPolygon(CAOISource& aoi, const std::string& text) {
     Add(aoi, std::move(polygon));
 }
 
+bool HasFiniteVertices(const CDrawShape& shape) {
+    return std::all_of(shape.m_vertices.begin(), shape.m_vertices.end(),
+                       [](const CPoint2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); });
+}
+
 /// Takes copies of the polygons of a GeoJSON file or text.
 void AddGeoJson(CAOISource& aoi, const std::string& fileOrText) {
     CAOISource source;
     OpenOrFail(source, fileOrText);
     if (aoi.GetSpatialReferenceWKT().empty())
         aoi.SetSpatialReferenceWKT(source.GetSpatialReferenceWKT().c_str());
-    for (int i = 0; i < source.GetDrawShapeCount(); ++i)
+    for (int i = 0; i < source.GetDrawShapeCount(); ++i) {
+        if (!HasFiniteVertices(*source.GetDrawShape(i)))
+            throw Failure(fileOrText, "has a vertex that is not a finite number");
         Add(aoi, std::unique_ptr<CDrawShape>(CDrawShape::CreateCopy(source.GetDrawShape(i))));
+    }
 }
 
 } // namespace

@@ -38,8 +38,7 @@ std::vector<ClassFacts> Facts(const CClassifiedAssistantFile& file) {
 CClassifiedAssistantFile Read(const std::string& path) {
     CClassifiedAssistantFile file;
     if (!file.ReadClassifiedAssistantFile(Wide(path)))
-        throw Failure(path, std::filesystem::exists(path) ? "is no classified assistant file"
-                                                          : "No such file or directory");
+        throw Failure(path, EngineReason(path, "cannot be read"));
     return file;
 }
 

@@ -41,6 +41,7 @@ bool IsGTiff(GDALDriver& driver) {
 /// The driver of a raster that exists. The engine's own renaming asks the destination, which
 /// a new name cannot answer.
 GDALDriver& DriverOf(const std::string& path) {
+    RequireNoPipe(path);
     CPLErrorReset();
     GDALDriver* driver = GDALDriver::FromHandle(
         GDALIdentifyDriverEx(path.c_str(), GDAL_OF_RASTER, nullptr, nullptr));
@@ -91,6 +92,7 @@ class SetAside {
             return;
         if (!overwrite)
             throw Failure(path, "it exists; --overwrite replaces it");
+        RequireNoPipe(path);
         m_driver = GDALDriver::FromHandle(
             GDALIdentifyDriverEx(path.c_str(), GDAL_OF_RASTER, nullptr, nullptr));
         m_folder = MakeFolderBeside(path);

@@ -5,7 +5,9 @@
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
+#include "cli/support/Open.h"
 #include "cli/support/Progress.h"
+#include "cli/support/Reference.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -42,10 +44,8 @@ struct DestroyTransformation {
 using Transformation = std::unique_ptr<CCoordinateTransformation, DestroyTransformation>;
 
 Transformation Connect(const Options& options) {
-    for (const std::string& srs : {options.from, options.to}) {
-        if (!CCoordinateAlgorithm::IsValidCoordinate(srs.c_str()))
-            throw Failure(srs, "cannot be read as a spatial reference");
-    }
+    RequireReference(options.from);
+    RequireReference(options.to);
     constexpr std::size_t PARAMETERS = 7;
     std::vector<double> fromShift;
     std::vector<double> toShift;
@@ -95,6 +95,7 @@ class PointReader {
             m_name = "standard input";
             return;
         }
+        RequireNoPipe(file);
         m_file.open(file);
         if (!m_file)
             throw Failure(file, std::strerror(errno));

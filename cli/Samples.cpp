@@ -121,11 +121,8 @@ void Collect(const Options& options) {
 }
 
 void ReadSampleFile(CClassifySampleFile& file, const std::string& path) {
-    if (file.ReadClassifySampleFile(Wide(path)) == 1)
-        return;
-    const std::string reason = ReasonForFailure(path, GIS_SUCCESS);
-    throw Failure(path, reason.find("not recognised") != std::string::npos ? "is no sample file"
-                                                                           : reason);
+    if (file.ReadClassifySampleFile(Wide(path)) != 1)
+        throw Failure(path, EngineReason(path, "cannot be read"));
 }
 
 void Export(const Options& options) {

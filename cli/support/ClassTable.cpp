@@ -1,6 +1,7 @@
 #include "cli/support/ClassTable.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/Open.h"
 #include "cli/support/Text.h"
 
 #include <charconv>
@@ -92,6 +93,7 @@ bool IsHeading(const std::string& line) {
 } // namespace
 
 std::vector<ClassRecord> ReadClassTable(const std::string& path) {
+    RequireNoPipe(path);
     std::ifstream stream(path);
     if (!stream)
         throw Failure(path, std::strerror(errno));

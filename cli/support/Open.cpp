@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <unistd.h>
 
 namespace zelto::cli {
@@ -25,11 +26,30 @@ std::string LastGdalMessage(const std::string& otherwise) {
     return message.empty() ? otherwise : message;
 }
 
+bool IsPipeOrDevice(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::is_other(path, ignored);
+}
+
+void RequireNoPipe(const std::string& path) {
+    if (IsPipeOrDevice(path))
+        throw Failure(path, "not a regular file");
+}
+
+std::string EngineReason(const std::string& path, const std::string& otherwise) {
+    const std::string text = CGISDataSource::GetLastErrorText();
+    if (text.empty())
+        return otherwise;
+    return text.rfind(path + ": ", 0) == 0 ? text.substr(path.size() + 2) : text;
+}
+
 std::string ReasonForFailure(const std::string& path, GISError error) {
     VSIStatBufL status;
     const bool onDisk = path.rfind("/vsi", 0) != 0 && path.find(':') == std::string::npos;
     if (onDisk && VSIStatL(path.c_str(), &status) != 0)
         return std::strerror(errno);
+    if (IsPipeOrDevice(path))
+        return "not a regular file";
     if (onDisk && VSI_ISREG(status.st_mode) && access(path.c_str(), R_OK) != 0)
         return std::strerror(errno);
     if (onDisk && VSI_ISREG(status.st_mode) && status.st_size == 0)
@@ -38,7 +58,7 @@ std::string ReasonForFailure(const std::string& path, GISError error) {
         return LastGdalMessage("it holds nothing usable");
     if (onDisk && VSI_ISDIR(status.st_mode))
         return "is a directory";
-    return LastGdalMessage("not recognised as a supported file");
+    return LastGdalMessage(EngineReason(path, "not recognised as a supported file"));
 }
 
 namespace {
@@ -54,6 +74,7 @@ void TellOfDoubtfulPyramid() {
 
 void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess access, bool warp) {
     CPLErrorReset();
+    CGISDataSource::ClearLastErrorText();
     const GISError error = [&] {
         const QuietStandardError quiet;
         return source.Open(Wide(path).c_str(), access, warp);

@@ -14,8 +14,19 @@ namespace zelto::cli {
 void OpenOrFail(CGISDataSource& source, const std::string& path,
                 GISDataAccess access = GIS_READONLY, bool warp = false);
 
+/// Whether the path leads to a pipe, a socket or a device. Reading one waits for a writer that may
+/// never come, or never ends, so that no command opens one.
+bool IsPipeOrDevice(const std::string& path);
+
+/// Throws Failure for a pipe, a socket and a device.
+void RequireNoPipe(const std::string& path);
+
 /// Why `path` could not be opened, after an attempt that failed with `error`.
 std::string ReasonForFailure(const std::string& path, GISError error);
+
+/// What the engine said last of a failure, without the file's name in front; `otherwise` when it
+/// said nothing.
+std::string EngineReason(const std::string& path, const std::string& otherwise);
 
 /// GDAL's last message, or `otherwise` when there is none.
 std::string LastGdalMessage(const std::string& otherwise);

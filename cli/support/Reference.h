@@ -12,4 +12,7 @@ namespace zelto::cli {
 /// @return nothing for an empty text and for one that is no reference
 std::optional<OGRSpatialReference> ParseReference(const std::string& text);
 
+/// Throws Failure for a text that the engine cannot read as a reference system.
+void RequireReference(const std::string& text);
+
 } // namespace zelto::cli

@@ -110,8 +110,7 @@ const SrsFact* SrsFacts::Find(const std::string& label) const {
 }
 
 SrsFacts DescribeSrs(const std::string& srs) {
-    if (!CCoordinateAlgorithm::IsValidCoordinate(srs.c_str()))
-        throw Failure(srs, "cannot be read as a spatial reference");
+    RequireReference(srs);
     SrsFacts result;
     AddSummary(result.facts, srs);
     const auto reference = ParseReference(srs).value_or(OGRSpatialReference());

@@ -55,10 +55,10 @@ double ParseNumber(const std::string& option, const std::string& text) {
     if (first != std::string::npos) {
         const char* end = text.data() + last + 1;
         const auto parsed = std::from_chars(text.data() + first, end, value);
-        if (parsed.ec == std::errc() && parsed.ptr == end)
+        if (parsed.ec == std::errc() && parsed.ptr == end && std::isfinite(value))
             return value;
     }
-    throw UsageError(option + ": '" + text + "' is not a number");
+    throw UsageError(option + ": '" + text + "' is not a finite number");
 }
 
 } // namespace

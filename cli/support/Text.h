@@ -13,8 +13,8 @@ std::string Narrow(const std::wstring& wide);
 /// Shortest text that reads back to the same number; "NaN", "Infinity", "-Infinity".
 std::string FormatNumber(double value);
 
-/// Numbers of a comma-separated list. Throws UsageError naming `option` when one is no number
-/// or, with `count` > 0, when there are more or fewer.
+/// Finite numbers of a comma-separated list. Throws UsageError naming `option` when one is no
+/// number or, with `count` > 0, when there are more or fewer.
 std::vector<double> ParseNumbers(const std::string& option, const std::string& text,
                                  std::size_t count = 0);
 

@@ -38,7 +38,8 @@ class ZELTO_API CAOISource : public CVectorSource {
     /// @return GIS_FAILED when the file cannot be opened, when GDAL reports an error while it
     ///         reads a vector file's features, and without memory; GIS_NOT_SUPPORTED for an "aif"
     ///         file without the tag. The source is then empty. An "aif" file cut short gives the
-    ///         shapes it holds whole and succeeds.
+    ///         shapes it holds whole and succeeds; GetLastErrorText() then tells how many are
+    ///         missing.
     GISError Open(const wchar_t* path, GISDataAccess access, bool allowWarp) override;
     /// Deletes all shapes and closes the vector file. The extent stays.
     void Close() override;

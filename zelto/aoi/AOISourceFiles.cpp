@@ -6,6 +6,8 @@
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/baselib/internal/NoThrow.h"
+#include "zelto/baselib/internal/RegularFile.h"
+#include "zelto/baselib/internal/SpatialReference.h"
 #include "zelto/vector/internal/NewShapefile.h"
 
 #include <ogrsf_frmts.h>
@@ -64,11 +66,9 @@ GISError CAOISource::OpenEmptied(const wchar_t* path, GISDataAccess access) {
 GISError CAOISource::OpenAOIFile(const wchar_t* path) {
     m_filePath = path;
     m_fileName = L"AOI_" + CommonFun::GetFileName(m_filePath);
-    std::ifstream stream(CommonFun::U2M(m_filePath), std::ios::binary);
-    if (!stream) {
-        Tell(m_filePath, "cannot be opened");
+    std::ifstream stream;
+    if (!zelto::OpenRegularFile(stream, CommonFun::U2M(m_filePath)))
         return GIS_FAILED;
-    }
     zelto::BinaryReader reader(stream);
     zelto::AoiHeader header;
     if (!zelto::ReadAoiHeader(reader, header) || !header.hasTag) {
@@ -79,6 +79,10 @@ GISError CAOISource::OpenAOIFile(const wchar_t* path) {
     const std::int32_t count = LowHalf(header.shapeCount);
     for (std::int32_t i = 0; i < count && reader.IsGood(); ++i)
         AddOwnShape(zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::AREA_OF_INTEREST));
+    // The shapes before the end are there; that some are missing is the host's to tell.
+    if (!reader.IsGood())
+        Tell(m_filePath, "ends after " + std::to_string(m_drawShapes.size()) + " of " +
+                             std::to_string(count) + " shapes");
     return GIS_SUCCESS;
 }
 
@@ -90,6 +94,8 @@ GISError CAOISource::OpenVectorFile(const wchar_t* path, GISDataAccess access) {
     zelto::GdalWatch watch;
     for (CVectorLayer* layer : m_layers) {
         const OGRGeometryUniquePtr geometries(layer->GetGeometries(nullptr));
+        if (geometries == nullptr)
+            return GIS_FAILED;
         AddPolygons(geometries.get());
     }
     if (!watch.Succeeded(true, CommonFun::U2M(m_filePath)))

@@ -2,6 +2,7 @@
 #include "zelto/baselib/internal/FilesAside.h"
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/RegularFile.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/PyramidFiles.h"
 #include "zelto/raster/internal/WorldFile.h"
@@ -20,6 +21,8 @@ namespace fs = std::filesystem;
 /// The raster driver that recognises a path; vector drivers must not answer, or they would
 /// delete a table that happens to have the name.
 GDALDriver* IdentifyDriver(const std::string& path) {
+    if (!zelto::MayBeOpened(path))
+        return nullptr;
     return GDALDriver::FromHandle(
         GDALIdentifyDriverEx(path.c_str(), GDAL_OF_RASTER, nullptr, nullptr));
 }

@@ -2,6 +2,7 @@
 #include "zelto/baselib/ColorRamp.h"
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/baselib/NewFileSet.h"
+#include "zelto/baselib/internal/RegularFile.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/raster/RasterBand.h"
@@ -84,7 +85,7 @@ GDALDataset* CRasterSource::GDALOpenEx(const wchar_t* path, GISDataAccess access
         Close();
     if (m_format == RDF_ENVI)
         m_filePath = CommonFun::getEnviDataFilePath(m_filePath);
-    if (!OpenStoredPath(access))
+    if (!zelto::MayBeOpened(CommonFun::U2M(m_filePath)) || !OpenStoredPath(access))
         return nullptr;
     m_description = CommonFun::M2U(m_dataset->GetDescription());
     if (m_forDisplay)

@@ -1,5 +1,7 @@
 #include "zelto/baselib/internal/SpatialReference.h"
 
+#include "zelto/baselib/internal/RegularFile.h"
+
 #include <cpl_conv.h>
 #include <cpl_error.h>
 
@@ -85,7 +87,8 @@ bool LoadSpatialReference(OGRSpatialReference& reference, const char* text) {
     // A rejected text would leave the former content in place.
     reference.Clear();
     reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    if (text == nullptr)
+    // A text may name a file to read, and GDAL would wait for a pipe's writer.
+    if (text == nullptr || IsPipeOrDevice(text))
         return false;
     // Texts come from files as well; none of them may make the program fetch something.
     const char* const options[] = {"ALLOW_NETWORK_ACCESS=NO", nullptr};

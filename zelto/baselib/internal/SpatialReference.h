@@ -15,7 +15,7 @@ namespace zelto {
 /// Replaces the content of `reference` with what `text` describes: WKT of any dialect, an
 /// authority code such as "EPSG:4326", a PROJ string, a name such as "WGS84" or a file that
 /// holds one of these. The axis order becomes the traditional one. Definitions elsewhere on the
-/// network are not fetched.
+/// network are not fetched, and pipes and devices are not read.
 ///
 /// Vertical systems in the dialect of the .prj files ("VERTCS[…]") count as valid, although
 /// GDAL takes them as WKT only and not as user input.
