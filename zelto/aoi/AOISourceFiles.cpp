@@ -33,7 +33,7 @@ bool WriteShape(OGRLayer& layer, std::unique_ptr<OGRPolygon> polygon) {
 }
 
 /// Remembers why nothing came of the file.
-void Tell(const std::wstring& path, const char* reason) {
+void Tell(const std::wstring& path, const std::string& reason) {
     zelto::SetLastError(CommonFun::U2M(path) + ": " + reason);
 }
 
