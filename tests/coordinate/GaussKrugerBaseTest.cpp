@@ -259,6 +259,14 @@ TEST(GaussKrugerBase, SystemsWithoutAGeographicOneAreRefused) {
     }
 }
 
+TEST(GaussKrugerBase, ARotatedPoleCannotBeWritten) {
+    CGISDataSource::ClearLastErrorText();
+    EXPECT_EQ(
+        Build("+proj=ob_tran +o_proj=longlat +o_lon_p=0 +o_lat_p=39 +lon_0=18 +ellps=krass", 20, 6),
+        "");
+    EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
+}
+
 TEST(GaussKrugerBase, UnreadableTextTellsItsReason) {
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     for (const char* text : {"", "no system", "EPSG:1"}) {

@@ -106,5 +106,7 @@ std::string CCoordinateAlgorithm::NewChinaProjCS(const char* srs, int zone, int 
     if (!done)
         return Refuse(srs, watch.HasError() ? watch.Error().c_str()
                                             : "its geographic system cannot be copied");
-    return zelto::ReplaceNodeValue(zelto::ExportToWkt(system), "PROJECTION", "Gauss_Kruger");
+    std::string wkt =
+        zelto::ReplaceNodeValue(zelto::ExportToWkt(system), "PROJECTION", "Gauss_Kruger");
+    return wkt.empty() ? Refuse(srs, "cannot be written as WKT") : wkt;
 }
