@@ -63,6 +63,15 @@ std::int64_t WriteOrFail(const CAOIMask& mask, CRasterSource& out, const std::st
     return inside;
 }
 
+/// Tells of shapes that could not be burnt beside the others.
+void TellWhatIsMissing(const CAOIMask& mask, const CAOISource& aoi, const std::string& path) {
+    const std::string reason = CGISDataSource::GetLastErrorText();
+    if (!mask.HasMask() && aoi.GetDrawShapeCount() > 0)
+        throw Failure(path, reason);
+    if (!reason.empty())
+        std::cerr << "zelto: " << path << ": " << reason << '\n';
+}
+
 } // namespace
 
 void WriteAoiMask(const AoiMaskOptions& options) {
@@ -74,7 +83,9 @@ void WriteAoiMask(const AoiMaskOptions& options) {
     if (!aoi.GetSpatialReferenceWKT().empty() && !image.GetProjectionWKT().empty())
         OpenAoiOrFail(aoi, options.aoi, image.GetProjectionWKT());
     UseModerateRings(aoi);
+    CGISDataSource::ClearLastErrorText();
     const CAOIMask mask(&aoi, image.GetExtent(), image.GetWidth(), image.GetHeight());
+    TellWhatIsMissing(mask, aoi, options.aoi);
     CRasterSource out;
     CreateOrFail(out, options.out, image);
     const std::int64_t inside = WriteOrFail(mask, out, options.out);

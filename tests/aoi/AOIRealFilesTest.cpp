@@ -1,3 +1,4 @@
+#include "zelto/aoi/AOIMask.h"
 #include "zelto/aoi/AOISource.h"
 
 #include "tests/support/TemporaryFolder.h"
@@ -129,6 +130,37 @@ TEST_F(AOIRealFiles, EveryVectorFileBecomesItsRingsAndComesBack) {
     }
     EXPECT_GT(files, 60);
     EXPECT_EQ(largest, 5001U) << "5,000 vertices and the closing one";
+}
+
+TEST_F(AOIRealFiles, MasksOfInvalidShapesHoldWhatTheHitTestsHoldAndOnePixelAround) {
+    ZELTO_REQUIRE_TEST_DATA();
+    constexpr int SIZE = 300;
+    CAOISource source;
+    ASSERT_EQ(source.Open(Wide(TestDataFile("vector/invalid_self_intersecting.shp")).c_str(),
+                          GIS_READONLY, false),
+              GIS_SUCCESS);
+    CBoundingBox box = source.GetExtent();
+    // Pixel centres beside the round numbers of the outlines.
+    box.SetBoundingBox(box.m_left - 101.3, box.m_top + 103.7, box.m_right + 107.9,
+                       box.m_bottom - 109.1);
+    const CAOIMask mask(&source, box, SIZE, SIZE);
+    std::vector<unsigned char> held(std::size_t(SIZE) * SIZE);
+    for (int row = 0; row < SIZE; ++row)
+        for (int column = 0; column < SIZE; ++column)
+            held[std::size_t(row) * SIZE + std::size_t(column)] =
+                source.TopoRelationWithPoint(
+                    box.m_left + (column + 0.5) * (box.m_right - box.m_left) / SIZE,
+                    box.m_top - (row + 0.5) * (box.m_top - box.m_bottom) / SIZE) == TOPO_CONTAIN;
+    EXPECT_GT(std::count(held.begin(), held.end(), 1), 5000);
+    for (int row = 1; row < SIZE - 1; ++row)
+        for (int column = 1; column < SIZE - 1; ++column) {
+            bool expected = false;
+            for (int k = 0; k < 9; ++k)
+                expected |=
+                    held[std::size_t(row + k / 3 - 1) * SIZE + std::size_t(column + k % 3 - 1)] !=
+                    0;
+            ASSERT_EQ(mask.IsPointIn(column, row), expected) << column << ", " << row;
+        }
 }
 
 TEST_F(AOIRealFiles, KnownFilesHaveTheirRings) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <numeric>
 
@@ -225,6 +226,43 @@ TEST_F(AoiCommand, MaskBurnsTheAreaOntoTheImagesGrid) {
     EXPECT_EQ(mask, MakePixels(20, 10, [](int column, int row) {
                   return column >= 4 && column <= 10 && row >= 1 && row <= 5 ? 1 : 0;
               }));
+}
+
+TEST_F(AoiCommand, MaskMarksWhatStatisticsCountInShapesThatCrossThemselves) {
+    WriteRaster(File("i.tif"), {.width = 60, .height = 40, .geoTransform = NorthUp(0, 40, 1)},
+                {MakePixels(60, 40, [](int, int) { return 7; })});
+    // A bow tie and a rectangle apart from it.
+    ASSERT_EQ(RunZelto({"aoi", "new", File("a.shp"), "--polygon",
+                        "5.2,5.1,35.3,35.4,35.3,5.1,5.2,35.4", "--rect", "45,30,55,10"})
+                  .exitStatus,
+              0);
+    const auto run = RunZelto({"aoi", "mask", File("a.shp"), File("i.tif"), File("m.tif")});
+    ASSERT_EQ(run.exitStatus, 0) << run.errors;
+    EXPECT_EQ(run.errors, "");
+    const Pixels mask = ReadBand(File("m.tif"), 1);
+    // Pixel centres between the two lines that cross, and one pixel more around.
+    const auto isHeld = [](int column, int row) {
+        const double x = column + 0.5;
+        const double y = 40 - (row + 0.5);
+        const double slope = (35.4 - 5.1) / (35.3 - 5.2);
+        const double rising = 5.1 + slope * (x - 5.2);
+        const double falling = 35.4 - slope * (x - 5.2);
+        const bool inTie =
+            x > 5.2 && x < 35.3 && y > std::min(rising, falling) && y < std::max(rising, falling);
+        return inTie || (x > 45 && x < 55 && y > 10 && y < 30);
+    };
+    int counted = 0;
+    for (int row = 1; row < 39; ++row)
+        for (int column = 1; column < 59; ++column) {
+            counted += isHeld(column, row);
+            bool expected = false;
+            for (int k = 0; k < 9; ++k)
+                expected |= isHeld(column + k % 3 - 1, row + k / 3 - 1);
+            ASSERT_EQ(mask[std::size_t(row) * 60 + std::size_t(column)] != 0, expected)
+                << column << ", " << row;
+        }
+    const auto statistics = RunZelto({"stats", File("i.tif"), "--aoi", File("a.shp"), "--json"});
+    EXPECT_EQ(json::parse(statistics.output)["count"], counted);
 }
 
 TEST_F(AoiCommand, MaskTransformsAnAreaInAnotherSystem) {

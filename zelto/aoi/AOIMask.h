@@ -42,6 +42,9 @@ class ZELTO_API CAOIMask {
     bool IsPointIn(int column, int row) const;
     /// The same for a ground point.
     bool IsPoint2DIn(double x, double y) const;
+    /// Whether there is a mask array. Without one, and with a grid that has pixels, the mask could
+    /// not be made.
+    bool HasMask() const { return m_mask != nullptr; }
     /// True when the area does not touch the box at all.
     bool IsEmpty() const { return m_empty; }
 
