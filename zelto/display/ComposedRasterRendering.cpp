@@ -2,6 +2,7 @@
 #include "zelto/display/ComposedRaster.h"
 #include "zelto/display/internal/BandDisplay.h"
 #include "zelto/display/internal/Compose.h"
+#include "zelto/display/internal/ShownSamples.h"
 #include "zelto/display/internal/SourceView.h"
 #include "zelto/display/internal/ViewRows.h"
 #include "zelto/raster/RasterBand.h"
@@ -72,12 +73,16 @@ class ColorLayer {
     bool IsRead() const { return m_samples.has_value(); }
 
     /// Draws what `show`, ShowBytes or ShowPlaneBytes, shows of the samples; see DrawRows().
-    template <typename Show, typename Draw>
-    void DrawBytes(const ComposedView& view, CRasterAOI* aoi, const Show& show,
-                   const RowBuffers& written, const Draw& draw) const {
+    /// @param isOpen see ShowsSample()
+    template <typename Entry, typename IsOpen, typename Draw>
+    void DrawBytes(const ComposedView& view, CRasterAOI* aoi,
+                   SampleLookup<Entry> (*show)(const WindowSamples&, CRasterBand&),
+                   const IsOpen& isOpen, const RowBuffers& written, const Draw& draw) const {
         const ViewMask mask(m_output, view.h, aoi);
-        const auto lookup = show(*m_samples, m_band);
         const SamplePositions positions(m_output, m_window, m_band.GetWidth(), m_band.GetHeight());
+        const bool shows =
+            NeedsDisplayState(*m_samples, m_band, view.w, view.h, positions, mask, isOpen);
+        const auto lookup = shows ? show(*m_samples, m_band) : ShowNothing(*m_samples, Entry{0});
         DrawRows(BandView{view.w, view.h, positions, lookup, mask}, written, draw);
     }
 
@@ -111,7 +116,10 @@ bool CComposedRaster::GetShowData(CBoundingBox* box, int w, int h, unsigned char
             const ChannelRule rule{ShownChannel(k), k == 0, true,
                                    AlphaOfTransparency(m_transparency)};
             unsigned char* const buffer = out;
-            layer.DrawBytes(view, nullptr, ShowBytes,
+            const auto isOpen = [k, out](std::size_t pixel) {
+                return k == 0 || out[pixel * 4 + 3] != 0;
+            };
+            layer.DrawBytes(view, nullptr, ShowBytes, isOpen,
                             {{&buffer, 1}, PixelIndex(1, w) * 4, sameRows.data()},
                             [&](std::size_t pixel, int count, const ShownByte* bytes) {
                                 ComposeChannel(bytes, count, rule, out + pixel * 4, nullptr);
@@ -141,7 +149,8 @@ bool CComposedRaster::GetShowData(CBoundingBox* box, int w, int h, int bands,
             if (k >= bands)
                 continue;
             unsigned char* const plane = planes[k];
-            layer.DrawBytes(view, aoi, ShowPlaneBytes, {{&plane, 1}, PixelIndex(1, w)},
+            const auto isOpen = [](std::size_t) { return true; };
+            layer.DrawBytes(view, aoi, ShowPlaneBytes, isOpen, {{&plane, 1}, PixelIndex(1, w)},
                             [&](std::size_t pixel, int count, const unsigned char* bytes) {
                                 std::memcpy(plane + pixel, bytes, static_cast<std::size_t>(count));
                             });

@@ -6,8 +6,9 @@
 #include <memory>
 
 namespace zelto {
+class DisplayMapping;
 class HistogramLookup;
-}
+} // namespace zelto
 
 /// Histogram of a band over a value range, with a map from bucket to value that serves either
 /// histogram equalisation or auto levels. Both maps share one array: building one replaces or
@@ -57,6 +58,7 @@ class ZELTO_API CRasterHistogram {
 
   private:
     friend class zelto::HistogramLookup;
+    friend class zelto::DisplayMapping;
 
     bool IsAutoLevelsMapBuiltFor(double threshold);
     bool ReplaceMap();

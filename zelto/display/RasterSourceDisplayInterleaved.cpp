@@ -1,6 +1,7 @@
 #include "zelto/baselib/internal/Truncate.h"
 #include "zelto/display/internal/BandDisplay.h"
 #include "zelto/display/internal/Compose.h"
+#include "zelto/display/internal/ShownSamples.h"
 #include "zelto/display/internal/SourceView.h"
 #include "zelto/display/internal/ViewRows.h"
 #include "zelto/raster/RasterBand.h"
@@ -43,8 +44,12 @@ class InterleavedView {
 
     void DrawColors(const WindowSamples& samples, CRasterBand& band) {
         const int transparency = TruncateToByte(m_source.m_transparency * 255.0);
-        const auto lookup = ShowColors(samples, m_source, band, transparency, transparentWhite);
         const SamplePositions positions = PositionsOf(band);
+        const bool shows = NeedsDisplayState(samples, band, m_w, m_h, positions, m_noMask,
+                                             [](std::size_t) { return true; });
+        const auto lookup =
+            shows ? ShowColors(samples, m_source, band, transparency, transparentWhite)
+                  : ShowNothing(samples, transparentWhite);
         DrawRows(BandView{m_w, m_h, positions, lookup, m_noMask}, Repeatable(),
                  [out = m_out](std::size_t pixel, int count, const PackedColor* colors) {
                      ComposePixels(colors, count, out + pixel * 4);
@@ -55,8 +60,11 @@ class InterleavedView {
     /// @param sums counts what is drawn, may be null
     void DrawChannel(const WindowSamples& samples, CRasterBand& band, int k, ShowSums* sums) {
         const ChannelRule rule{ShownChannel(k), k == 0};
-        const auto lookup = ShowBytes(samples, band);
         const SamplePositions positions = PositionsOf(band);
+        const bool shows = NeedsDisplayState(
+            samples, band, m_w, m_h, positions, m_noMask,
+            [k, out = m_out](std::size_t pixel) { return k == 0 || out[pixel * 4 + 3] != 0; });
+        const auto lookup = shows ? ShowBytes(samples, band) : ShowNothing(samples, ShownByte{0});
         // A repeated row would not be counted.
         DrawRows(BandView{m_w, m_h, positions, lookup, m_noMask},
                  sums == nullptr ? Repeatable() : RowBuffers{},

@@ -1,6 +1,7 @@
 #include "zelto/aoi/RasterAOI.h"
 #include "zelto/display/internal/BandDisplay.h"
 #include "zelto/display/internal/Compose.h"
+#include "zelto/display/internal/ShownSamples.h"
 #include "zelto/display/internal/SourceView.h"
 #include "zelto/display/internal/ViewRows.h"
 #include "zelto/raster/RasterBand.h"
@@ -57,8 +58,10 @@ class PlaneView {
     /// Writes the band's display bytes into each of the planes.
     void DrawBytes(const WindowSamples& samples, CRasterBand& band,
                    std::span<unsigned char* const> planes) const {
-        const auto lookup = ShowPlaneBytes(samples, band);
         const SamplePositions positions = PositionsOf(band);
+        const auto lookup = IsShown(samples, band, positions)
+                                ? ShowPlaneBytes(samples, band)
+                                : ShowNothing<unsigned char>(samples, 0);
         DrawRows(BandView{m_image.w, m_image.h, positions, lookup, m_mask},
                  {planes, PixelIndex(1, m_image.w)},
                  [planes](std::size_t pixel, int count, const unsigned char* bytes) {
@@ -75,8 +78,10 @@ class PlaneView {
                      : std::array{Channel::Blue, Channel::Green, Channel::Red};
         const auto planes = m_image.planes.first(std::min(order.size(), m_image.planes.size()));
         const bool dropsTransparent = KindOf(m_source, band) == SingleBandKind::Classes;
-        const auto lookup = ShowColors(samples, m_source, band, 0, PackedColor{0});
         const SamplePositions positions = PositionsOf(band);
+        const auto lookup = IsShown(samples, band, positions)
+                                ? ShowColors(samples, m_source, band, 0, PackedColor{0})
+                                : ShowNothing(samples, PackedColor{0});
         DrawRows(BandView{m_image.w, m_image.h, positions, lookup, m_mask},
                  {planes, PixelIndex(1, m_image.w)},
                  [&](std::size_t pixel, int count, PackedColor* colors) {
@@ -101,6 +106,11 @@ class PlaneView {
         std::replace_if(
             colors, colors + count, [](PackedColor color) { return AlphaOf(color) == 0; },
             PackedColor{0});
+    }
+    bool IsShown(const WindowSamples& samples, CRasterBand& band,
+                 const SamplePositions& positions) const {
+        return NeedsDisplayState(samples, band, m_image.w, m_image.h, positions, m_mask,
+                                 [](std::size_t) { return true; });
     }
     SamplePositions PositionsOf(const CRasterBand& band) const {
         return {m_output, m_window.read, band.GetWidth(), band.GetHeight()};

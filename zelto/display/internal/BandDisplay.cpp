@@ -24,15 +24,15 @@ void DropNoData(const CRasterBand& band, const double* samples, int count, Entry
             entries[i] = missing;
 }
 
-/// A conversion of each sample on its own by `colorOf`.
-template <typename ColorOf>
-SampleLookup<PackedColor> ShowEach(const WindowSamples& samples, const CRasterBand& band,
-                                   PackedColor missing, ColorOf colorOf) {
+/// A conversion of each sample on its own by `entryOf`.
+template <typename Entry, typename EntryOf>
+SampleLookup<Entry> ShowEach(const WindowSamples& samples, const CRasterBand& band, Entry missing,
+                             EntryOf entryOf) {
     return {samples,
-            [&band, missing, colorOf](const double* values, int count, PackedColor* colors) {
+            [&band, missing, entryOf](const double* values, int count, Entry* entries) {
                 for (int i = 0; i < count; ++i)
-                    colors[i] = colorOf(values[i]);
-                DropNoData(band, values, count, colors, missing);
+                    entries[i] = entryOf(values[i]);
+                DropNoData(band, values, count, entries, missing);
             },
             missing};
 }
@@ -94,6 +94,11 @@ SampleLookup<Entry> ShowMarked(const WindowSamples& samples, CRasterBand& band, 
 }
 
 } // namespace
+
+SampleLookup<unsigned char> MarkValues(const WindowSamples& samples, const CRasterBand& band) {
+    return ShowEach(samples, band, static_cast<unsigned char>(0),
+                    [](double) { return static_cast<unsigned char>(1); });
+}
 
 SampleLookup<ShownByte> ShowBytes(const WindowSamples& samples, CRasterBand& band) {
     return ShowMarked(samples, band, isShown);

@@ -2,6 +2,7 @@
 
 #include "zelto/display/internal/SampleLookup.h"
 
+#include <algorithm>
 #include <cstdint>
 
 class CRasterBand;
@@ -32,6 +33,19 @@ inline constexpr unsigned char RedOf(PackedColor color) {
 }
 inline constexpr unsigned char AlphaOf(PackedColor color) {
     return static_cast<unsigned char>(color >> 24);
+}
+
+/// 1 for samples that have a value, 0 for no-data.
+SampleLookup<unsigned char> MarkValues(const WindowSamples& samples, const CRasterBand& band);
+
+/// Shows `missing` whatever the samples are.
+template <typename Entry>
+SampleLookup<Entry> ShowNothing(const WindowSamples& samples, Entry missing) {
+    return {samples,
+            [missing](const double*, int count, Entry* entries) {
+                std::fill_n(entries, count, missing);
+            },
+            missing};
 }
 
 /// The display bytes of a band's samples under its present stretch.

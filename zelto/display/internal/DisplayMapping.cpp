@@ -27,13 +27,17 @@ auto ThroughObject(const CImgStretch& object, Prepare prepare, Use use) {
 
 } // namespace
 
+/// A single pixel has no range of its own: it is shown as it is.
+bool DisplayMapping::IsSinglePixel(const CRasterBand& band) {
+    return band.m_width == 1 && band.m_height == 1;
+}
+
 /// The stretches that need no stretch-function object; calls `use` with the one chosen.
 template <typename Use>
 auto DisplayMapping::Choose(CRasterBand& band, Use use) {
     const DisplayRange range{band.m_minimum, band.m_maximum};
     const bool isByte = band.m_dataType == PDT_Byte;
-    // A single pixel has no range of its own: it is shown as it is.
-    if (band.m_stretchType == StretchNone || (band.m_width == 1 && band.m_height == 1))
+    if (band.m_stretchType == StretchNone || IsSinglePixel(band))
         return isByte ? use(PassThrough{}) : use(InnerMinMax{range});
 
     switch (band.m_stretchType) {
@@ -84,6 +88,12 @@ auto DisplayMapping::ChooseFunction(CRasterBand& band, Use use) {
 
 DisplayMapping::DisplayMapping(CRasterBand& band)
     : m_stretch(Choose(band, [](const auto& stretch) { return Stretch(stretch); })) {}
+
+bool DisplayMapping::AwaitsAutoLevels(CRasterBand& band) {
+    return band.m_stretchType == StretchAutoLevels && !IsSinglePixel(band) &&
+           band.m_histogram != nullptr &&
+           !band.m_histogram->IsAutoLevelsMapBuiltFor(band.m_autoLevelThreshold);
+}
 
 unsigned char DisplayMapping::Convert(CRasterBand& band, double sample) {
     return Choose(band, [sample](const auto& stretch) { return stretch(sample); });

@@ -38,6 +38,10 @@ class DisplayMapping {
         return Visit([sample](const auto& stretch) { return stretch(sample); });
     }
 
+    /// Whether taking the state would build an auto-levels map. The map takes the place of an
+    /// equalisation map, so the state is taken when there is a sample to convert, not before.
+    static bool AwaitsAutoLevels(CRasterBand& band);
+
     /// The display byte of one sample under the band's present state, without keeping it.
     static unsigned char Convert(CRasterBand& band, double sample);
 
@@ -51,6 +55,7 @@ class DisplayMapping {
         Through<WrappedNormalised, ZoomLinear002Function>,
         Through<WrappedNormalised, WallisFunction>>;
 
+    static bool IsSinglePixel(const CRasterBand& band);
     template <typename Use>
     static auto Choose(CRasterBand& band, Use use);
     template <typename Use>

@@ -68,23 +68,26 @@ bool ShowsSameAsRowAbove(const BandView<Entry>& view, int row) {
            view.lookup.AreSame(above, line, view.positions.LineLength());
 }
 
+/// Calls `use(pixel, count, entries)` for the runs of output pixels that make up a row.
+template <typename Entry, typename Use>
+void VisitRow(const BandView<Entry>& view, int row, const Use& use) {
+    SamplePositions::Scratch scratch;
+    std::array<Entry, SamplePositions::chunk> entries;
+    for (int column = 0; column < view.w; column += SamplePositions::chunk) {
+        const int count = std::min(SamplePositions::chunk, view.w - column);
+        view.lookup.Get(view.positions.RunOf(row, column, count, scratch), entries.data());
+        view.mask.Apply(row, column, count, entries.data(), view.lookup.Missing());
+        use(static_cast<std::size_t>(row) * static_cast<std::size_t>(view.w) +
+                static_cast<std::size_t>(column),
+            count, entries.data());
+    }
+}
+
 /// Calls `draw(pixel, count, entries)` for runs of output pixels that together make up the whole
 /// image: `pixel` is the index of the run's first one. Rows are divided evenly among the
 /// threads; each row is one thread's own.
 template <typename Entry, typename Draw>
 void DrawRows(const BandView<Entry>& view, const RowBuffers& written, const Draw& draw) {
-    const auto drawRow = [&](int row) {
-        SamplePositions::Scratch scratch;
-        std::array<Entry, SamplePositions::chunk> entries;
-        for (int column = 0; column < view.w; column += SamplePositions::chunk) {
-            const int count = std::min(SamplePositions::chunk, view.w - column);
-            view.lookup.Get(view.positions.RunOf(row, column, count, scratch), entries.data());
-            view.mask.Apply(row, column, count, entries.data(), view.lookup.Missing());
-            draw(static_cast<std::size_t>(row) * static_cast<std::size_t>(view.w) +
-                     static_cast<std::size_t>(column),
-                 count, entries.data());
-        }
-    };
     // Starting threads costs more than a thumbnail.
     const bool isLarge = static_cast<std::int64_t>(view.w) * view.h >= 128 * 128;
 #pragma omp parallel if (isLarge)
@@ -97,7 +100,7 @@ void DrawRows(const BandView<Entry>& view, const RowBuffers& written, const Draw
             if (written.MayRepeat(row, isBelow && ShowsSameAsRowAbove(view, row)))
                 written.RepeatRow(row);
             else
-                drawRow(row);
+                VisitRow(view, row, draw);
             rowBefore = row;
         }
     }

@@ -1,0 +1,154 @@
+#include "zelto/aoi/AOISource.h"
+#include "zelto/aoi/RasterAOI.h"
+#include "zelto/display/ComposedRaster.h"
+#include "zelto/display/RasterHistogram.h"
+
+#include "tests/display/PlainDisplay.h"
+#include "tests/display/ShownRaster.h"
+
+#include <numeric>
+
+using namespace zelto::test;
+
+namespace {
+
+constexpr int WIDTH = 60;
+
+const RasterSpec GROUND = {.width = WIDTH, .height = 1, .geoTransform = NorthUp(0, 1, 1)};
+
+/// Values 1 … 179 with many small ones, so that equalisation and auto levels differ.
+Pixels Skewed() {
+    Pixels pixels;
+    for (int i = 0; i < WIDTH; ++i)
+        pixels.push_back(i < 40 ? 1 + i / 8 : 9 * (i - 40) + 8);
+    return pixels;
+}
+
+/// The plain statement of a band, with a histogram as EnableHistogramEqualize() leaves it.
+PlainDisplay PlainOf(CRasterBand& band) {
+    PlainDisplay plain;
+    plain.isByte = true;
+    plain.min = band.GetMinimum();
+    plain.max = band.GetMaximum();
+    PlainHistogram histogram;
+    int buckets = 0;
+    const int* counts = band.GetHistogramObject()->GetHistogram(histogram.min, histogram.max,
+                                                                buckets, nullptr, nullptr);
+    histogram.counts.assign(counts, counts + buckets);
+    histogram.SetEqualizationMap();
+    plain.histogram = histogram;
+    return plain;
+}
+
+Bytes Shown(PlainDisplay& plain, int type, const Pixels& pixels) {
+    plain.type = type;
+    Bytes bytes;
+    for (const double value : pixels)
+        bytes.push_back(plain.ShowValue(value));
+    return bytes;
+}
+
+/// One band, equalised, its stretch set to auto levels.
+struct EqualisedScene {
+    ShownRaster source{GROUND, {Skewed()}};
+    PlainDisplay plain;
+
+    EqualisedScene() {
+        EXPECT_TRUE(source.EnableHistogramEqualize());
+        plain = PlainOf(*source.GetRasterBand(0));
+        source.SetStretchType(StretchAutoLevels);
+    }
+    /// What is drawn as equalised now.
+    Bytes Equalised() {
+        source.SetStretchType(StretchHistEqualize);
+        return source.Planes(1)[0];
+    }
+    void DrawWithoutShapes() {
+        CAOISource shapes;
+        CRasterAOI area(&source, &shapes);
+        EXPECT_EQ(source.Planes(1, &area)[0], Bytes(WIDTH, 0));
+    }
+};
+
+} // namespace
+
+TEST(AutoLevelsMap, AnAreaWithoutShapesLeavesTheEqualisationMap) {
+    EqualisedScene scene;
+    scene.DrawWithoutShapes();
+    EXPECT_EQ(scene.Equalised(), Shown(scene.plain, StretchHistEqualize, Skewed()));
+}
+
+TEST(AutoLevelsMap, TheFirstSampleShownReplacesTheEqualisationMap) {
+    EqualisedScene scene;
+    const Bytes equalised = Shown(scene.plain, StretchHistEqualize, Skewed());
+    EXPECT_EQ(scene.source.Planes(1)[0], Shown(scene.plain, StretchAutoLevels, Skewed()));
+    EXPECT_EQ(scene.Equalised(), Shown(scene.plain, StretchHistEqualize, Skewed()));
+    EXPECT_NE(scene.Equalised(), equalised) << "both maps share one place";
+}
+
+TEST(AutoLevelsMap, APointQueryThatFailsLeavesTheEqualisationMap) {
+    EqualisedScene scene;
+    unsigned char byte = 0;
+    EXPECT_FALSE(scene.source.GetRasterBand(0)->GetShowValueAt(-5.0, 0.0, &byte));
+    EXPECT_EQ(scene.Equalised(), Shown(scene.plain, StretchHistEqualize, Skewed()));
+}
+
+TEST(AutoLevelsMap, AnotherThresholdRewritesItWithTheFirstSampleShown) {
+    EqualisedScene scene;
+    Shown(scene.plain, StretchAutoLevels, Skewed());
+    scene.source.Planes(1);
+    EXPECT_TRUE(scene.source.EnableHistogramEqualize());
+    scene.plain.histogram->SetEqualizationMap();
+    scene.source.SetAutoLevelThresold(0.2);
+    scene.plain.threshold = 0.2;
+    scene.DrawWithoutShapes();
+    EXPECT_EQ(scene.Equalised(), Shown(scene.plain, StretchHistEqualize, Skewed()));
+    scene.source.SetStretchType(StretchAutoLevels);
+    EXPECT_EQ(scene.source.Planes(1)[0], Shown(scene.plain, StretchAutoLevels, Skewed()));
+}
+
+TEST(AutoLevelsMap, NoDataIsNoSample) {
+    EqualisedScene scene;
+    scene.source.SetAllBandNoDataValue(8.0, false);
+    // One column of the value 8.
+    CBoundingBox box(40.0, 1.0, 41.0, 0.0);
+    Bytes image(4);
+    EXPECT_TRUE(scene.source.GetShowData(&box, 1, 1, image.data(), false));
+    EXPECT_EQ(image, (Bytes{255, 255, 255, 0}));
+    scene.source.ClearAllBandNoDataValue(false);
+    EXPECT_EQ(scene.Equalised(), Shown(scene.plain, StretchHistEqualize, Skewed()));
+}
+
+TEST(AutoLevelsMap, PixelsThatAnEarlierBandMadeTransparentShowNoSample) {
+    const Pixels nothing(WIDTH, 7.0);
+    ShownRaster source(GROUND, {nothing, Skewed(), Skewed()});
+    source.Show({0, 1, 2});
+    CRasterBand& green = *source.GetRasterBand(1);
+    ASSERT_TRUE(green.EnableHistogramEqualize());
+    PlainDisplay plain = PlainOf(green);
+    green.SetStretchType(StretchAutoLevels);
+    source.GetRasterBand(0)->SetNoDataValue(7.0, false);
+    source.Interleaved();
+    source.Show({1});
+    green.SetStretchType(StretchHistEqualize);
+    EXPECT_EQ(source.Planes(1)[0], Shown(plain, StretchHistEqualize, Skewed()));
+}
+
+TEST(AutoLevelsMap, AComposedRasterBuildsItTheSameWay) {
+    EqualisedScene scene;
+    CRasterSource& source = scene.source;
+    CRasterBand* band = source.GetRasterBand(0);
+    CComposedRaster composed;
+    ASSERT_EQ(composed.CreateRaster(&source, band, &source, band, &source, band), GIS_SUCCESS);
+    CAOISource shapes;
+    CRasterAOI area(&composed, &shapes);
+    CBoundingBox box = composed.GetExtent();
+    Bytes plane(WIDTH);
+    unsigned char* planes[] = {plane.data()};
+    EXPECT_TRUE(composed.GetShowData(&box, WIDTH, 1, 1, planes, &area, false));
+    EXPECT_EQ(scene.Equalised(), Shown(scene.plain, StretchHistEqualize, Skewed()));
+
+    source.SetStretchType(StretchAutoLevels);
+    EXPECT_TRUE(composed.GetShowData(&box, WIDTH, 1, 1, planes, nullptr, false));
+    EXPECT_EQ(plane, Shown(scene.plain, StretchAutoLevels, Skewed()));
+}
