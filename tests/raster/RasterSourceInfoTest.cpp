@@ -211,6 +211,29 @@ TEST(RasterInfo, AFailedViewIsNotedAndTheFileItselfUsed) {
     EXPECT_EQ(OpenDatasetCount(), 0);
 }
 
+TEST(RasterInfo, AViewWithoutColumnsOrRowsIsAFailedOne) {
+    const TemporaryFolder folder;
+    // Mirrored pixels as long as this leave no room for one in a view of square pixels.
+    for (const auto& [width, height] : {std::pair{-1000.0, -0.001}, std::pair{-0.001, -1e9}}) {
+        const GeoTransform geoTransform = {0.0, width, 0.0, 0.0, 0.0, height};
+        WriteRaster(folder.File("a.tif"), {.width = 10, .height = 10, .geoTransform = geoTransform},
+                    {Pixels(100, 7.0)});
+        const RecordingLog log;
+        ExposedRasterSource source;
+        ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+        EXPECT_FALSE(source.HasBase());
+        EXPECT_EQ(source.GetWidth(), 10);
+        EXPECT_EQ(source.GetHeight(), 10);
+        EXPECT_EQ(source.GeoTransform(), geoTransform);
+        ASSERT_EQ(log.m_records.size(), 1U);
+        EXPECT_EQ(log.m_records[0].level, 3);
+        EXPECT_EQ(log.m_records[0].message,
+                  folder.WideFile("a.tif") + L" Warped VRT Creation failed.");
+        source.Close();
+        EXPECT_EQ(OpenDatasetCount(), 0);
+    }
+}
+
 TEST(RasterInfo, TheRastersTypeIsTheFirstBands) {
     const TemporaryFolder folder;
     for (int type = GDT_Byte; type <= GDT_Float64; ++type) {

@@ -100,6 +100,23 @@ TEST(OpenAndWarped, AnImpossibleViewIsLoggedAndFails) {
     EXPECT_EQ(log.m_records[0].message, path + L" Warped VRT Creation failed.");
 }
 
+TEST(OpenAndWarped, AViewWithoutRowsFails) {
+    const TemporaryFolder folder;
+    // A line of pixels along the equator, which another zone shows as straight.
+    const std::array<double, 6> flat = {500000.0, -10000.0, 0.0, 0.0, 0.0, -1e-9};
+    WriteRaster(folder.File("a.tif"),
+                {.width = 10, .height = 10, .geoTransform = flat, .srs = "EPSG:32650"},
+                {Pixels(100, 7.0)});
+    const RecordingLog log;
+    ExposedRasterSource source;
+    EXPECT_EQ(source.OpenAndWarped(folder.WideFile("a.tif").c_str(), GIS_READONLY, "EPSG:32651"),
+              GIS_OPEN_FAILED);
+    EXPECT_FALSE(source.IsOpened());
+    EXPECT_EQ(OpenDatasetCount(), 0);
+    ASSERT_EQ(log.m_records.size(), 1U);
+    EXPECT_EQ(log.m_records[0].level, 4);
+}
+
 TEST(OpenAndWarped, AnImageWithoutGeoreferencingCannotBeWarped) {
     const TemporaryFolder folder;
     WriteRaster(folder.File("a.tif"), {.width = 10, .height = 10}, {Pixels(100, 7.0)});

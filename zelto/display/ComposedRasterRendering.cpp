@@ -68,6 +68,10 @@ class ColorLayer {
         band.ReleaseCache();
         if (IsReadable(m_window))
             m_samples = WindowSamples::Read(band.GetGDALBand(), m_window);
+        else
+            SetLastError("no pixels of it can be read for the box");
+        if (!m_samples)
+            NameFileOfLastError(NameOf(source));
     }
 
     bool IsRead() const { return m_samples.has_value(); }
@@ -100,16 +104,16 @@ using namespace zelto;
 
 bool CComposedRaster::GetShowData(CBoundingBox* box, int w, int h, unsigned char* out,
                                   bool /*adjust*/) {
-    if (m_components.empty() || box == nullptr || out == nullptr || w < 1 || h < 1)
-        return false;
-    return FalseWithoutMemory([=, this] {
+    return DrawOrTell(*this, [=, this] {
+        if (m_components.empty() || box == nullptr || out == nullptr || w < 1 || h < 1)
+            return Refuse(noPlaceToDraw);
         const ComposedView view{*box, w, h};
         std::memset(out, 255, PixelIndex(h, w) * 4);
         std::vector<unsigned char> sameRows(static_cast<std::size_t>(h), 1);
         for (int k = 0; k < m_showBandCount; ++k) {
             CRasterSource* source = GetShownSource(k);
             if (source == nullptr)
-                return false;
+                return Refuse(noShownBand);
             const ColorLayer layer(*source, *GetShownBand(k), view);
             if (!layer.IsRead())
                 return false;
@@ -132,17 +136,17 @@ bool CComposedRaster::GetShowData(CBoundingBox* box, int w, int h, unsigned char
 
 bool CComposedRaster::GetShowData(CBoundingBox* box, int w, int h, int bands,
                                   unsigned char** planes, CRasterAOI* aoi, bool /*flag*/) {
-    if (m_components.empty() || box == nullptr || planes == nullptr || w < 1 || h < 1 ||
-        bands < 1 || std::find(planes, planes + bands, nullptr) != planes + bands)
-        return false;
-    return FalseWithoutMemory([=, this] {
+    return DrawOrTell(*this, [=, this] {
+        if (m_components.empty() || box == nullptr || planes == nullptr || w < 1 || h < 1 ||
+            bands < 1 || std::find(planes, planes + bands, nullptr) != planes + bands)
+            return Refuse(noPlaceToDraw);
         const ComposedView view{*box, w, h};
         for (int plane = 0; plane < bands; ++plane)
             std::memset(planes[plane], 0, PixelIndex(h, w));
         for (int k = 0; k < m_showBandCount; ++k) {
             CRasterSource* source = GetShownSource(k);
             if (source == nullptr)
-                return false;
+                return Refuse(noShownBand);
             const ColorLayer layer(*source, *GetShownBand(k), view);
             if (!layer.IsRead())
                 return false;

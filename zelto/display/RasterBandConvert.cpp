@@ -1,6 +1,13 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/display/internal/DisplayMapping.h"
 #include "zelto/display/internal/PaletteEntry.h"
 #include "zelto/raster/RasterBand.h"
+
+namespace {
+
+constexpr const char* noValue = "the band's cache holds no value at this place, or no colour";
+
+} // namespace
 
 unsigned char CRasterBand::Convert2Byte(double value) const {
     if (m_dataType == PDT_Byte)
@@ -13,18 +20,20 @@ unsigned char CRasterBand::Convert2ShowValue(double value) {
 }
 
 bool CRasterBand::GetShowValueAt(double x, double y, unsigned char* out) {
+    const zelto::OperationScope scope;
     double sample = 0.0;
     if (out == nullptr || !GetNearestValueAt(x, y, &sample))
-        return false;
+        return zelto::FailWith(false, L"", noValue);
     *out = Convert2ShowValue(sample);
     return true;
 }
 
 bool CRasterBand::GetRGBDataFromColorTable(double x, double y, unsigned char& r, unsigned char& g,
                                            unsigned char& b, unsigned char& a) const {
+    const zelto::OperationScope scope;
     double sample = 0.0;
     if (m_colorTable == nullptr || !GetNearestValueAt(x, y, &sample))
-        return false;
+        return zelto::FailWith(false, L"", noValue);
     const GDALColorEntry entry = zelto::PaletteEntry(*m_colorTable, sample);
     r = static_cast<unsigned char>(entry.c1);
     g = static_cast<unsigned char>(entry.c2);

@@ -1,3 +1,4 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/baselib/internal/Truncate.h"
 #include "zelto/display/ImgEnhance.h"
 #include "zelto/display/RasterHistogram.h"
@@ -33,6 +34,7 @@ void CRasterBand::SetStretchData(StretchType type, double a1, double a2, double 
 }
 
 bool CRasterBand::EnableHistogramEqualize() {
+    const zelto::OperationScope scope;
     constexpr int MAX_BUCKETS = 256;
     const double range = m_maximum - m_minimum;
     const int buckets = range > MAX_BUCKETS ? MAX_BUCKETS : zelto::TruncateToInt32(range);
@@ -46,23 +48,26 @@ bool CRasterBand::EnableHistogramEqualize() {
 }
 
 bool CRasterBand::SetCustomHistogram(double min, double max, int buckets, int* counts) {
+    const zelto::OperationScope scope;
     if (buckets < 0 || (buckets > 0 && counts == nullptr))
-        return false;
+        return zelto::FailWith(false, L"", "the histogram has no counts");
     delete m_customHistogram;
     m_customHistogram = new (std::nothrow) CRasterHistogram(min, max, buckets, counts, false, true);
     if (m_customHistogram == nullptr)
-        return false;
+        return zelto::FailWith(false, L"", "not enough memory for the histogram");
     m_customHistogram->SetHistogramMap(static_cast<__int64>(m_width) * m_height);
     return true;
 }
 
 bool CRasterBand::SetEnhancedData(const unsigned char* table, HistogramLineType lineType,
                                   CPoint2D* points, int pointCount) {
-    if (m_enhancer == nullptr)
-        m_enhancer = new (std::nothrow) CImgEnhance;
-    if (m_enhancer == nullptr || !m_enhancer->SetEnhancedTable(table))
-        return false;
-    m_enhancer->SetLineType(lineType);
-    m_enhancer->SetCurvePoints(points, pointCount);
-    return true;
+    return zelto::Operation(false, [&] {
+        if (m_enhancer == nullptr)
+            m_enhancer = new (std::nothrow) CImgEnhance;
+        if (m_enhancer == nullptr || !m_enhancer->SetEnhancedTable(table))
+            return zelto::FailWith(false, L"", "there is no table, or no memory for it");
+        m_enhancer->SetLineType(lineType);
+        m_enhancer->SetCurvePoints(points, pointCount);
+        return true;
+    });
 }

@@ -12,6 +12,8 @@ namespace {
 
 constexpr int failureLevel = 4;
 
+constexpr const char* noValueInCache = "its show-data cache holds no value at this place";
+
 /// Writes a message of the show-data cache, when there is a logger.
 template <typename... Arguments>
 void LogFailure(int line, const wchar_t* format, Arguments... arguments) {
@@ -44,24 +46,28 @@ void LogMissedWindow(ViewStatus status) {
 } // namespace
 
 bool CRasterSource::GetShowData2Cache(CBoundingBox* box, int w, int h) {
-    if (box == nullptr)
-        return false;
-    const ViewWindow view = SelectViewWindow(GridOf(*this), *box, w, h, ViewRule::Cache);
-    if (view.status != ViewStatus::Selected) {
-        LogMissedWindow(view.status);
-        return false;
-    }
-    const ReadWindow& read = view.read;
-    for (int k = 0; k < m_showBandCount; ++k) {
-        CRasterBand* band = GetShownBand(k);
-        if (band == nullptr || !band->GetData(read.xOff, read.yOff, read.xSize, read.ySize,
-                                              read.bufWidth, read.bufHeight)) {
+    return DrawOrTell(*this, [=, this] {
+        if (box == nullptr)
+            return Refuse(noPlaceToDraw);
+        const ViewWindow view = SelectViewWindow(GridOf(*this), *box, w, h, ViewRule::Cache);
+        if (view.status != ViewStatus::Selected) {
+            LogMissedWindow(view.status);
+            return Refuse(ReasonOf(view.status));
+        }
+        const ReadWindow& read = view.read;
+        for (int k = 0; k < m_showBandCount; ++k) {
+            CRasterBand* band = GetShownBand(k);
+            if (band == nullptr)
+                SetLastError(noShownBand);
+            else if (band->GetData(read.xOff, read.yOff, read.xSize, read.ySize, read.bufWidth,
+                                   read.bufHeight))
+                continue;
             const int index = static_cast<std::size_t>(k) < m_showBands.size() ? m_showBands[k] : k;
             LogFailure(__LINE__, L"读取第%d波段数据出错", NumberOf(index));
             return false;
         }
-    }
-    return true;
+        return true;
+    });
 }
 
 void CRasterSource::ReleaseShowDataCache() {
@@ -76,14 +82,18 @@ bool CRasterSource::GetShowValueFormCache(double x, double y, unsigned char& r, 
     double row = 0.0;
     GroundToImage(x, y, column, row);
     a = 255;
-    if (m_showBandCount == 1)
-        return GetSingleBandColor(column, row, r, g, b, a);
+    const OperationScope scope;
+    if (m_showBandCount == 1) {
+        if (GetSingleBandColor(column, row, r, g, b, a))
+            return true;
+        return FailWith(false, NameOf(*this), noValueInCache);
+    }
     unsigned char* channels[] = {&r, &g, &b};
     for (int k = 0; k < std::min(m_showBandCount, 3) && a != 0; ++k) {
         CRasterBand* band = GetShownBand(k);
         a = band != nullptr && band->GetShowValueAt(column, row, channels[k]) ? 255 : 0;
     }
-    return a != 0;
+    return a != 0 || FailWith(false, NameOf(*this), noValueInCache);
 }
 
 bool CRasterSource::GetSingleBandColor(double column, double row, unsigned char& r,

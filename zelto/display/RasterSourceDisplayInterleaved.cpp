@@ -30,11 +30,11 @@ class InterleavedView {
           m_output(OutputOf(source, box, m_window, w, 0.0)),
           m_sameRows(static_cast<std::size_t>(std::max(h, 0)), 1) {}
 
-    bool HasWindow() const { return m_window.status == ViewStatus::Selected; }
+    ViewStatus Status() const { return m_window.status; }
 
     std::optional<WindowSamples> Read(CRasterBand* band, bool keepsCache) const {
         if (band == nullptr)
-            return std::nullopt;
+            return FailWith(std::nullopt, L"", noShownBand);
         if (!keepsCache)
             band->ReleaseCache();
         return WindowSamples::Read(band->GetGDALBand(), m_window.read);
@@ -95,21 +95,21 @@ class InterleavedView {
 using namespace zelto;
 
 bool CRasterSource::GetShowData(CBoundingBox* box, int w, int h, unsigned char* out, bool adjust) {
-    return FalseWithoutMemory([=, this] { return DrawInterleaved(box, w, h, out, adjust, false); });
+    return DrawOrTell(*this, [=, this] { return DrawInterleaved(box, w, h, out, adjust, false); });
 }
 
 bool CRasterSource::GetShowDataWithoutCache(CBoundingBox* box, int w, int h, unsigned char* out,
                                             bool adjust) {
-    return FalseWithoutMemory([=, this] { return DrawInterleaved(box, w, h, out, adjust, true); });
+    return DrawOrTell(*this, [=, this] { return DrawInterleaved(box, w, h, out, adjust, true); });
 }
 
 bool CRasterSource::DrawInterleaved(const CBoundingBox* box, int w, int h, unsigned char* out,
                                     bool adjust, bool keepsCaches) {
     if (box == nullptr || out == nullptr)
-        return false;
+        return Refuse(noPlaceToDraw);
     InterleavedView view(*this, *box, w, h, out);
-    if (!view.HasWindow())
-        return false;
+    if (view.Status() != ViewStatus::Selected)
+        return Refuse(ReasonOf(view.Status()));
     for (int k = 0; k < m_showBandCount; ++k) {
         CRasterBand* band = GetShownBand(k);
         const auto samples = view.Read(band, keepsCaches);

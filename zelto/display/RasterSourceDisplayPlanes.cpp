@@ -18,12 +18,19 @@ namespace {
 
 /// The caller's planes of w × h bytes.
 struct PlaneImage {
-    std::span<unsigned char* const> planes;
+    std::span<unsigned char* const> planes; ///< none where the caller gives none
     int w;
     int h;
 
+    PlaneImage(unsigned char* const* pointers, int count, int width, int height)
+        : w(width), h(height) {
+        if (pointers != nullptr && count > 0)
+            planes = {pointers, static_cast<std::size_t>(count)};
+    }
+
     bool IsComplete() const {
-        return std::none_of(planes.begin(), planes.end(), [](auto* p) { return p == nullptr; });
+        return !planes.empty() &&
+               std::none_of(planes.begin(), planes.end(), [](auto* p) { return p == nullptr; });
     }
     void Clear() const {
         for (unsigned char* plane : planes)
@@ -41,14 +48,11 @@ class PlaneView {
           m_masked(aoi != nullptr),
           m_window(SelectViewWindow(GridOf(source), box, image.w, image.h, ViewRule::Planes)),
           m_output(OutputOf(source, box, m_window, image.w, 0.5)) {
-        if (IsDrawable())
+        if (Status() == ViewStatus::Selected)
             m_mask = ViewMask(m_output, image.h, aoi);
     }
 
-    /// Whether the box meets the raster and there are planes to draw into.
-    bool IsDrawable() const {
-        return m_window.status == ViewStatus::Selected && m_image.IsComplete();
-    }
+    ViewStatus Status() const { return m_window.status; }
 
     std::optional<WindowSamples> Read(CRasterBand& band) const {
         band.ReleaseCache();
@@ -130,7 +134,7 @@ bool DrawShownBands(const CRasterSource& source, const PlaneView& view, const Pl
     for (int k = 0; k < count; ++k) {
         CRasterBand* band = source.GetShownBand(k);
         if (band == nullptr)
-            return false;
+            return Refuse(noShownBand);
         const auto samples = view.Read(*band);
         if (!samples)
             return false;
@@ -149,13 +153,13 @@ using namespace zelto;
 
 bool CRasterSource::GetShowData(CBoundingBox* box, int w, int h, int bands, unsigned char** planes,
                                 CRasterAOI* aoi, bool /*flag*/) {
-    if (box == nullptr || planes == nullptr || bands < 1)
-        return false;
-    return FalseWithoutMemory([=, this] {
-        const PlaneImage image{{planes, static_cast<std::size_t>(bands)}, w, h};
+    return DrawOrTell(*this, [=, this] {
+        const PlaneImage image(planes, bands, w, h);
+        if (box == nullptr || !image.IsComplete())
+            return Refuse(noPlaceToDraw);
         const PlaneView view(*this, *box, image, aoi);
-        if (!view.IsDrawable())
-            return false;
+        if (view.Status() != ViewStatus::Selected)
+            return Refuse(ReasonOf(view.Status()));
         image.Clear();
         const bool drawn = DrawShownBands(*this, view, image);
         if (drawn)
@@ -166,14 +170,16 @@ bool CRasterSource::GetShowData(CBoundingBox* box, int w, int h, int bands, unsi
 
 bool CRasterSource::GetShowDataGray(CBoundingBox* box, int w, int h, int bands,
                                     unsigned char** planes, CRasterAOI* aoi, bool /*flag*/) {
-    CRasterBand* band = GetShownBand(0);
-    if (box == nullptr || planes == nullptr || bands < 1 || band == nullptr)
-        return false;
-    return FalseWithoutMemory([=, this] {
-        const PlaneImage image{{planes, static_cast<std::size_t>(bands)}, w, h};
+    return DrawOrTell(*this, [=, this] {
+        const PlaneImage image(planes, bands, w, h);
+        CRasterBand* band = GetShownBand(0);
+        if (box == nullptr || !image.IsComplete())
+            return Refuse(noPlaceToDraw);
+        if (band == nullptr)
+            return Refuse(noShownBand);
         const PlaneView view(*this, *box, image, aoi);
-        if (!view.IsDrawable())
-            return false;
+        if (view.Status() != ViewStatus::Selected)
+            return Refuse(ReasonOf(view.Status()));
         image.Clear();
         const auto samples = view.Read(*band);
         if (samples)

@@ -1,5 +1,6 @@
 #include "zelto/baselib/ClassifyDisplayTable.h"
 #include "zelto/baselib/ColorRamp.h"
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
@@ -8,11 +9,15 @@
 namespace {
 
 /// Replaces an owned object by a copy of `*source`, which may be the present one; null removes.
+/// The present one stays where there is no memory for the copy.
 template <typename T>
 void ReplaceByCopy(T*& owned, const T* source) {
-    auto copy = source != nullptr ? std::make_unique<T>(*source) : nullptr;
-    delete owned;
-    owned = copy.release();
+    zelto::Operation(false, [&] {
+        auto copy = source != nullptr ? std::make_unique<T>(*source) : nullptr;
+        delete owned;
+        owned = copy.release();
+        return true;
+    });
 }
 
 } // namespace
@@ -35,15 +40,19 @@ bool CRasterSource::SetShowStretchNum(int number) {
 }
 
 bool CRasterSource::EnableHistogramEqualize() {
+    const zelto::OperationScope scope;
     for (int k = 0; k < m_showBandCount; ++k)
         if (CRasterBand* band = GetShownBand(k))
             band->EnableHistogramEqualize();
+    zelto::NameFileOfLastError(m_filePath);
     return true;
 }
 
 bool CRasterSource::AllBandHistogramEqualize() {
+    const zelto::OperationScope scope;
     for (CRasterBand* band : m_bands)
         band->EnableHistogramEqualize();
+    zelto::NameFileOfLastError(m_filePath);
     return true;
 }
 

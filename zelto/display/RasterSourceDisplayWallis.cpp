@@ -1,3 +1,4 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
@@ -29,8 +30,9 @@ const WallisColorModel& ColorModel(int model) {
 } // namespace
 
 bool CRasterSource::ReadWallisColorModel(int model) {
+    const zelto::OperationScope scope;
     if (m_stretchType != StretchWallis)
-        return false;
+        return zelto::FailWith(false, m_filePath, "its stretch is not the Wallis one");
     const WallisColorModel& targets = ColorModel(model);
     const int channels = std::min(m_showBandCount, static_cast<int>(targets.size()));
     for (int k = 0; k < channels; ++k) {

@@ -6,6 +6,7 @@
 #include "zelto/display/StretchType.h"
 #include "zelto/geometry/PlatformTypes.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -277,7 +278,12 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     std::wstring CloseForFirstSubDataset();
     /// Shows the open file in `targetSrs` where its own reference differs.
     bool ShowInReference(const char* targetSrs);
-    void AddSubRaster(CRasterSource* sub);
+    /// Runs the body of an opening. Nothing is thrown; GIS_OPEN_FAILED leaves the source closed.
+    template <typename Body>
+    GISError Opening(const Body& body);
+    /// Opens the sub-files beside the open main file.
+    GISError OpenSubFiles(const CDatasetOpenInfo& info);
+    void AddSubRaster(std::unique_ptr<CRasterSource> sub);
     void MergeSubRasters();
     void DeleteOwnBands();
     /// Takes size and geotransform from the data set; answers whether it has a geotransform.
@@ -290,7 +296,7 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     void InvertGeoTransform();
     void ReadReference();
     void ReadBands(bool lightBands);
-    /// Whether a pixel lies in the raster.
+    /// Whether a pixel lies in the raster; the reason is left where it does not.
     bool IsInside(int col, int row) const;
     /// Creates the raster at the stored path, keeps it open and reads its information.
     /// @param geoTransform,wkt null: not written

@@ -1,3 +1,6 @@
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
@@ -69,7 +72,10 @@ GISError CRasterSource::GetRasterInfo(bool allowWarp, bool lightBands) {
     m_extent = GetExtentInit();
     ReadReference();
     ReadBands(lightBands);
-    return m_bandCount > 0 ? GIS_SUCCESS : GIS_NOT_SUPPORTED;
+    if (m_bandCount > 0)
+        return GIS_SUCCESS;
+    zelto::SetLastError(m_filePath, "it holds no raster bands");
+    return GIS_NOT_SUPPORTED;
 }
 
 bool CRasterSource::ReadGrid() {
@@ -85,12 +91,23 @@ bool CRasterSource::CanBeShownAsIs(bool hasGeoTransform) const {
 
 bool CRasterSource::UseWarpedView(const std::string& sourceWkt, const std::string& targetWkt) {
     // One view per file: a view of a view would lose the file behind it.
-    if (m_baseDataset != nullptr)
+    if (m_baseDataset != nullptr) {
+        zelto::SetLastError(m_filePath, "a second north-up view over its warped view is needed");
         return false;
+    }
+    zelto::GdalWatch watch;
     GDALDatasetH view = GDALAutoCreateWarpedVRT(m_dataset, sourceWkt.c_str(), targetWkt.c_str(),
                                                 GRA_NearestNeighbour, WARP_TOLERANCE, nullptr);
+    // Single positions beyond the target's reach are errors to GDAL but fail no view.
     if (view == nullptr)
+        return watch.Succeeded(false, CommonFun::U2M(m_filePath));
+    // Pixels that are far from square may leave no room for one of the view's, or overflow its
+    // size.
+    if (GDALGetRasterXSize(view) < 1 || GDALGetRasterYSize(view) < 1) {
+        zelto::SetLastError(m_filePath, "its warped view would have no columns or no rows");
+        GDALClose(view);
         return false;
+    }
     // The count that opening gave the file is this source's reference to it; the view has
     // taken its own.
     m_baseDataset = m_dataset;
@@ -123,11 +140,14 @@ void CRasterSource::ReadBands(bool lightBands) {
         if (number == 1)
             m_dataType = static_cast<PixelDataType>(band->GetRasterDataType());
         std::unique_ptr<CRasterBand> made = MakeBand(band, lightBands, m_forDisplay);
-        if (!made)
+        if (!made) {
+            zelto::SetLastError(m_filePath, "not enough memory for band " + std::to_string(number));
             continue;
+        }
         made->SetStretchType(m_stretchType);
         m_noDataValues.push_back(made->GetNoDataValue());
-        m_bands.push_back(made.release());
+        m_bands.push_back(made.get());
+        made.release();
     }
     m_bandCount = static_cast<int>(m_bands.size());
 }

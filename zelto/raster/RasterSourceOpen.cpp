@@ -2,6 +2,9 @@
 #include "zelto/baselib/ColorRamp.h"
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/baselib/NewFileSet.h"
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/baselib/internal/RegularFile.h"
 #include "zelto/baselib/internal/SpatialReference.h"
 #include "zelto/classify/ClassifiedAssistantFile.h"
@@ -39,7 +42,12 @@ class OpeningPath {
     OpeningPath(const OpeningPath&) = delete;
     OpeningPath& operator=(const OpeningPath&) = delete;
 
-    bool IsLoop() const { return !m_entered; }
+    /// Whether the path is open already; the reason is then left.
+    bool IsLoop() const {
+        if (!m_entered)
+            zelto::SetLastError("a list of sub-data-sets leads back to itself or too deep");
+        return !m_entered;
+    }
 
   private:
     static thread_local std::vector<std::wstring> s_paths;
@@ -48,11 +56,15 @@ class OpeningPath {
 
 thread_local std::vector<std::wstring> OpeningPath::s_paths;
 
-GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag) {
+/// @param reason GDAL's where nothing opens
+GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag, std::string& reason) {
+    const zelto::GdalWatch watch;
     GDALDataset* dataset =
         GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | accessFlag);
-    if (dataset == nullptr)
+    if (dataset == nullptr) {
+        reason = watch.HasError() ? watch.Error() : "it cannot be opened as a raster";
         return nullptr;
+    }
     zelto::HideForeignPyramid(*dataset);
     // The driver cannot be kept from the levels that the file itself names.
     if (zelto::SharesLevels(path))
@@ -96,23 +108,29 @@ GDALDataset* CRasterSource::GDALOpenEx(const wchar_t* path, GISDataAccess access
 bool CRasterSource::OpenStoredPath(GISDataAccess access) {
     CNewFileSet::Restore(m_filePath);
     const std::string path = CommonFun::U2M(m_filePath);
+    std::string reason;
     GISDataAccess obtained = GIS_READONLY;
     if (access == GIS_UPDATE)
-        m_dataset = OpenRaster(path, GDAL_OF_UPDATE);
+        m_dataset = OpenRaster(path, GDAL_OF_UPDATE, reason);
     if (m_dataset != nullptr)
         obtained = GIS_UPDATE;
     else
-        m_dataset = OpenRaster(path, GDAL_OF_READONLY);
-    if (m_dataset != nullptr)
-        m_access = obtained;
-    return m_dataset != nullptr;
+        m_dataset = OpenRaster(path, GDAL_OF_READONLY, reason);
+    if (m_dataset == nullptr) {
+        zelto::SetLastError(reason);
+        zelto::NameFileOfLastError(m_filePath);
+        return false;
+    }
+    m_access = obtained;
+    return true;
 }
 
 void CRasterSource::ReadAssistantFile() {
     const std::wstring path = CommonFun::GetFileDirectory(m_filePath, true) +
                               CommonFun::GetFileName(m_filePath) + L".acf";
     CClassifiedAssistantFile file;
-    if (!file.ReadClassifiedAssistantFile(path))
+    // Most images have none, which is no reason to tell.
+    if (!CommonFun::IsFileExist(path) || !file.ReadClassifiedAssistantFile(path))
         return;
     delete m_classifyTable;
     m_classifyTable = file.CreateClassifyDisplayTable();
@@ -134,44 +152,59 @@ std::wstring CRasterSource::CloseForFirstSubDataset() {
     return name;
 }
 
+template <typename Body>
+GISError CRasterSource::Opening(const Body& body) {
+    const GISError result = zelto::Operation(GIS_OPEN_FAILED, body);
+    // Short of memory half-way.
+    if (result == GIS_OPEN_FAILED && m_dataset != nullptr)
+        Close();
+    return result;
+}
+
 GISError CRasterSource::Open(const wchar_t* path, GISDataAccess access, bool allowWarp) {
-    const OpeningPath opening(path);
-    m_allowWarp = allowWarp;
-    if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
-        return GIS_OPEN_FAILED;
-    const std::wstring subDataset = CloseForFirstSubDataset();
-    if (!IsOpened())
-        return Open(subDataset.c_str(), access, true);
-    return SetUpOpened(allowWarp, false);
+    return Opening([&] {
+        const OpeningPath opening(path);
+        m_allowWarp = allowWarp;
+        if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
+            return GIS_OPEN_FAILED;
+        const std::wstring subDataset = CloseForFirstSubDataset();
+        if (!IsOpened())
+            return Open(subDataset.c_str(), access, true);
+        return SetUpOpened(allowWarp, false);
+    });
 }
 
 GISError CRasterSource::OpenSimple(const wchar_t* path, GISDataAccess access, bool allowWarp) {
-    const OpeningPath opening(path);
-    m_allowWarp = allowWarp;
-    if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
-        return GIS_OPEN_FAILED;
-    const std::wstring subDataset = CloseForFirstSubDataset();
-    if (!IsOpened())
-        return OpenSimple(subDataset.c_str(), access, true);
-    return SetUpOpened(allowWarp, true);
+    return Opening([&] {
+        const OpeningPath opening(path);
+        m_allowWarp = allowWarp;
+        if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
+            return GIS_OPEN_FAILED;
+        const std::wstring subDataset = CloseForFirstSubDataset();
+        if (!IsOpened())
+            return OpenSimple(subDataset.c_str(), access, true);
+        return SetUpOpened(allowWarp, true);
+    });
 }
 
 GISError CRasterSource::OpenAndWarped(const wchar_t* path, GISDataAccess access,
                                       const char* targetSrs) {
-    const OpeningPath opening(path);
-    m_allowWarp = true;
-    if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
-        return GIS_OPEN_FAILED;
-    const std::wstring subDataset = CloseForFirstSubDataset();
-    if (!IsOpened())
-        return OpenAndWarped(subDataset.c_str(), access, targetSrs);
-    if (!ShowInReference(targetSrs)) {
-        zelto::LogRaster(zelto::LOG_FAILURE, __LINE__, L"CRasterSource::OpenAndWarped",
-                         m_filePath + L" Warped VRT Creation failed.");
-        Close();
-        return GIS_OPEN_FAILED;
-    }
-    return SetUpOpened(true, false);
+    return Opening([&] {
+        const OpeningPath opening(path);
+        m_allowWarp = true;
+        if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
+            return GIS_OPEN_FAILED;
+        const std::wstring subDataset = CloseForFirstSubDataset();
+        if (!IsOpened())
+            return OpenAndWarped(subDataset.c_str(), access, targetSrs);
+        if (!ShowInReference(targetSrs)) {
+            zelto::LogRaster(zelto::LOG_FAILURE, __LINE__, L"CRasterSource::OpenAndWarped",
+                             m_filePath + L" Warped VRT Creation failed.");
+            Close();
+            return GIS_OPEN_FAILED;
+        }
+        return SetUpOpened(true, false);
+    });
 }
 
 bool CRasterSource::ShowInReference(const char* targetSrs) {
@@ -179,8 +212,12 @@ bool CRasterSource::ShowInReference(const char* targetSrs) {
     if (targetSrs == nullptr || *targetSrs == '\0')
         return true;
     const auto target = zelto::ParseSpatialReference(targetSrs);
-    if (!target)
+    if (!target) {
+        zelto::SetLastError(m_filePath, std::string("'") + targetSrs +
+                                            "', which it is to be shown in, is no reference "
+                                            "system");
         return false;
+    }
     OGRSpatialReference source;
     zelto::LoadSpatialReference(source, m_dataset->GetProjectionRef());
     if (zelto::IsSameReference(source, *target))
@@ -189,38 +226,47 @@ bool CRasterSource::ShowInReference(const char* targetSrs) {
 }
 
 GISError CRasterSource::OpenAsDataset(const wchar_t* path, GISDataAccess access) {
-    const OpeningPath opening(path);
-    if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
-        return GIS_OPEN_FAILED;
-    // There are two entries for each sub-data-set, so the second half of the numbers finds none.
-    const int entries = SubDatasetEntryCount(*m_dataset);
-    for (int number = 1; number <= entries; ++number) {
-        const std::wstring name = SubDatasetName(*m_dataset, number);
-        if (name.empty())
-            continue;
-        auto sub = std::make_unique<CRasterSource>();
-        sub->SetForDisplay(m_forDisplay);
-        if (sub->OpenAsDataset(name.c_str(), access) == GIS_SUCCESS)
-            AddSubRaster(sub.release());
-    }
-    // A container need not have bands of its own.
-    SetUpOpened(true, false);
-    return GIS_SUCCESS;
+    return Opening([&] {
+        const OpeningPath opening(path);
+        if (opening.IsLoop() || GDALOpenEx(path, access) == nullptr)
+            return GIS_OPEN_FAILED;
+        // There are two entries for each sub-data-set, so the second half of the numbers finds
+        // none.
+        const int entries = SubDatasetEntryCount(*m_dataset);
+        for (int number = 1; number <= entries; ++number) {
+            const std::wstring name = SubDatasetName(*m_dataset, number);
+            if (name.empty())
+                continue;
+            auto sub = std::make_unique<CRasterSource>();
+            sub->SetForDisplay(m_forDisplay);
+            if (sub->OpenAsDataset(name.c_str(), access) == GIS_SUCCESS)
+                AddSubRaster(std::move(sub));
+        }
+        // A container need not have bands of its own.
+        SetUpOpened(true, false);
+        return GIS_SUCCESS;
+    });
 }
 
 GISError CRasterSource::Open(CDatasetOpenInfo info) {
-    if (info.GetSubFileCount() == 0)
-        return Open(info.m_fileName.c_str(), info.m_access, true);
-    if (GDALOpenEx(info.m_fileName.c_str(), info.m_access) == nullptr)
-        return GIS_OPEN_FAILED;
-    GetRasterInfo(true, false);
+    return Opening([&] {
+        if (info.GetSubFileCount() == 0)
+            return Open(info.m_fileName.c_str(), info.m_access, true);
+        if (GDALOpenEx(info.m_fileName.c_str(), info.m_access) == nullptr)
+            return GIS_OPEN_FAILED;
+        GetRasterInfo(true, false);
+        return OpenSubFiles(info);
+    });
+}
+
+GISError CRasterSource::OpenSubFiles(const CDatasetOpenInfo& info) {
     GISError result = GIS_FAILED;
     for (const std::wstring& name : info.m_subFileNames) {
         auto sub = std::make_unique<CRasterSource>();
         sub->SetForDisplay(m_forDisplay);
         if (sub->Open(name.c_str(), info.m_access, true) != GIS_SUCCESS)
             continue;
-        AddSubRaster(sub.release());
+        AddSubRaster(std::move(sub));
         result = GIS_SUCCESS;
     }
     if (info.m_mergeBands && !m_subRasters.empty())
@@ -230,9 +276,10 @@ GISError CRasterSource::Open(CDatasetOpenInfo info) {
     return result;
 }
 
-void CRasterSource::AddSubRaster(CRasterSource* sub) {
+void CRasterSource::AddSubRaster(std::unique_ptr<CRasterSource> sub) {
+    m_subRasters.push_back(sub.get());
     m_hasSubRasters = true;
-    m_subRasters.push_back(sub);
+    sub.release();
 }
 
 void CRasterSource::MergeSubRasters() {
@@ -253,15 +300,15 @@ void CRasterSource::MergeSubRasters() {
 }
 
 GISError CRasterSource::Reopen(GISDataAccess access, bool lightBands) {
-    if (IsOpened())
-        Close();
-    // The access of the first opening stays on record.
-    const GISDataAccess recorded = m_access;
-    const bool opened = OpenStoredPath(access);
-    m_access = recorded;
-    if (!opened)
-        return GIS_OPEN_FAILED;
-    return GetRasterInfo(m_allowWarp, lightBands);
+    return Opening([&] {
+        if (IsOpened())
+            Close();
+        // The access of the first opening stays on record.
+        const GISDataAccess recorded = m_access;
+        const bool opened = OpenStoredPath(access);
+        m_access = recorded;
+        return opened ? GetRasterInfo(m_allowWarp, lightBands) : GIS_OPEN_FAILED;
+    });
 }
 
 void CRasterSource::Close() {

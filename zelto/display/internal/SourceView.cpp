@@ -18,6 +18,11 @@ RasterGrid GridOf(const CRasterSource& source) {
     return grid;
 }
 
+std::wstring NameOf(const CRasterSource& source) {
+    const std::wstring path = source.GetFilePath();
+    return path.empty() ? source.GetFileName() : path;
+}
+
 OutputGrid OutputOf(const CRasterSource& source, const CBoundingBox& box, const ViewWindow& view,
                     int w, double anchor) {
     OutputGrid output;

@@ -71,6 +71,19 @@ CBoundingBox Widened(const CBoundingBox& box, double dx, double dy) {
 
 } // namespace
 
+const char* ReasonOf(ViewStatus status) {
+    switch (status) {
+    case ViewStatus::NoGroundWidth:
+        return "the box has no width on the image";
+    case ViewStatus::NoGroundHeight:
+        return "the box has no height on the image";
+    case ViewStatus::NothingToRead:
+        return "the box is too small or too large to read a pixel for it";
+    default:
+        return "the box misses the image, or the picture has no pixels";
+    }
+}
+
 ViewWindow SelectViewWindow(const RasterGrid& grid, const CBoundingBox& box, int w, int h,
                             ViewRule rule) {
     ViewWindow view;

@@ -40,6 +40,9 @@ enum class ViewRule {
 
 enum class ViewStatus { Selected, MissesRaster, NoGroundWidth, NoGroundHeight, NothingToRead };
 
+/// Why there is nothing to draw, in a few words; see SelectViewWindow().
+const char* ReasonOf(ViewStatus status);
+
 struct ViewWindow {
     ViewStatus status = ViewStatus::MissesRaster;
     double pixelWidth = 0.0;  ///< ground width of one output pixel

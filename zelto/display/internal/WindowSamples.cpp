@@ -1,5 +1,7 @@
 #include "zelto/display/internal/WindowSamples.h"
 
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/VirtualBand.h"
 
@@ -20,6 +22,15 @@ GDALDataType ReadType(GDALRasterBand* band) {
     return type;
 }
 
+/// Whether a window is read so much larger than it is that its samples fill the memory. Zooming
+/// into a pixel does that; other views read no more samples than they have output pixels.
+bool IsEnlargedTooFar(const ReadWindow& window, GDALDataType type) {
+    constexpr double LIMIT = 4294967296.0; // bytes
+    const double bytes =
+        static_cast<double>(window.bufWidth) * window.bufHeight * GDALGetDataTypeSizeBytes(type);
+    return (window.bufWidth > window.xSize || window.bufHeight > window.ySize) && bytes > LIMIT;
+}
+
 template <typename T>
 std::optional<WindowSamples::Samples<T>> ReadAs(GDALDataType type, GDALRasterBand* band,
                                                 const ReadWindow& window) {
@@ -27,18 +38,26 @@ std::optional<WindowSamples::Samples<T>> ReadAs(GDALDataType type, GDALRasterBan
                                       static_cast<std::size_t>(window.bufHeight));
     if (samples.empty())
         return samples;
+    GdalWatch watch;
     if (band->RasterIO(GF_Read, window.xOff, window.yOff, window.xSize, window.ySize,
                        samples.data(), window.bufWidth, window.bufHeight, type, 0, 0,
-                       nullptr) != CE_None)
-        return std::nullopt;
-    return samples;
+                       nullptr) == CE_None)
+        // An error beside the answer may be about positions outside a view's reach, or an
+        // overview that was passed over: the samples are there.
+        return samples;
+    watch.Succeeded(false, "");
+    return std::nullopt;
 }
 
 } // namespace
 
 std::optional<WindowSamples> WindowSamples::Read(GDALRasterBand* band, const ReadWindow& window) {
-    if (band == nullptr || !CanHoldBlocks(*band))
-        return std::nullopt;
+    if (band == nullptr)
+        return FailWith(std::nullopt, L"", "a band that is to be read is not open");
+    if (!CanHoldBlocks(*band))
+        return FailWith(std::nullopt, L"", "its blocks are beyond any healthy size");
+    if (IsEnlargedTooFar(window, ReadType(band)))
+        return FailWith(std::nullopt, L"", "the view enlarges its pixels too far");
     const auto as = [&](auto sample) -> std::optional<WindowSamples> {
         auto samples = ReadAs<decltype(sample)>(ReadType(band), band, window);
         if (!samples)
@@ -63,9 +82,9 @@ std::optional<WindowSamples> WindowSamples::Read(GDALRasterBand* band, const Rea
             return as(double{});
         }
     } catch (const std::bad_alloc&) {
-        return std::nullopt;
+        return FailWith(std::nullopt, L"", "not enough memory for the pixels");
     } catch (const std::length_error&) {
-        return std::nullopt;
+        return FailWith(std::nullopt, L"", "not enough memory for the pixels");
     }
 }
 

@@ -31,7 +31,8 @@ class WindowSamples {
 
     /// One GDAL raster I/O of the window; a window read at no size has no samples.
     /// @return nothing without a band, when the memory cannot be had, for a file whose blocks are
-    ///         beyond any healthy size, or on a GDAL error
+    ///         beyond any healthy size, for a view that enlarges single pixels to gigabytes, or
+    ///         on a GDAL error; the reason is left then, without the file
     static std::optional<WindowSamples> Read(GDALRasterBand* band, const ReadWindow& window);
 
     /// Calls f with the vector of samples.
