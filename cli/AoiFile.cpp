@@ -42,8 +42,7 @@ std::string SrsAsWkt(const std::string& srs, const char* format) {
 }
 
 void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs) {
-    CPLErrorReset();
-    CGISDataSource::ClearLastErrorText();
+    ForgetReasons();
     const char* target = srs.empty() ? nullptr : srs.c_str();
     const GISError error = aoi.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, target);
     if (error == GIS_NOT_SUPPORTED)
@@ -55,7 +54,7 @@ void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& 
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));
     // A file that ends early opens with what it holds, which is not what the user asked for.
-    const std::string missing = EngineReason(path, "");
+    const std::string missing = LastReason("");
     if (!missing.empty())
         throw Failure(path, missing);
 }
@@ -76,14 +75,14 @@ void RequireAoiFormat(const std::string& path) {
 
 void SaveAoiOrFail(CAOISource& aoi, const std::string& path) {
     UseModerateRings(aoi);
-    CPLErrorReset();
+    ForgetReasons();
     const VectorDataFormat format = FormatOf(path);
     CNewFileSet files(Wide(path));
     if (!files.IsOpen())
         throw Failure(CGISDataSource::GetLastErrorText());
     const std::wstring made = files.GetTemporaryPath();
     if (aoi.SaveAs(made.c_str(), format) != GIS_SUCCESS)
-        throw Failure(path, LastGdalMessage("cannot be written"));
+        throw Failure(path, LastReason("cannot be written"));
     const std::string prj = SrsAsWkt(aoi.GetSpatialReferenceWKT(), "FORMAT=WKT1_ESRI");
     if (format == VDF_SHAPEFILE && !prj.empty()) {
         const std::wstring stem = CommonFun::GetFilePahWithoutExtension(made);

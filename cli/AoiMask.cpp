@@ -21,7 +21,7 @@ namespace {
 /// Opens the image for its grid alone. The mask is burnt on a north-up grid, through a view of
 /// the image where it is not one.
 void OpenGridOrFail(CRasterSource& image, const std::string& path) {
-    CPLErrorReset();
+    ForgetReasons();
     const GISError error = image.OpenSimple(Wide(path).c_str(), GIS_READONLY, true);
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));
@@ -33,11 +33,11 @@ void CreateOrFail(CRasterSource& out, const std::string& path, const CRasterSour
     CPLStringList creation;
     creation.SetNameValue("TFW", "NO");
     creation.SetNameValue("COMPRESS", "DEFLATE");
-    CPLErrorReset();
+    ForgetReasons();
     if (out.CreateRaster(RDF_GTiff, Wide(path).c_str(), image.GetWidth(), image.GetHeight(), 1,
                          PDT_Byte, geoTransform, image.GetProjectionWKT().c_str(),
                          creation.List()) != GIS_SUCCESS)
-        throw Failure(path, LastGdalMessage("cannot be created"));
+        throw Failure(path, LastReason("cannot be created"));
 }
 
 /// Writes the mask row by row.
@@ -56,7 +56,7 @@ std::int64_t WriteOrFail(const CAOIMask& mask, CRasterSource& out, const std::st
         }
         if (band->RasterIO(GF_Write, 0, row, out.GetWidth(), 1, line.data(), out.GetWidth(), 1,
                            GDT_Byte, 0, 0, nullptr) != CE_None)
-            throw Failure(path, LastGdalMessage("cannot be written"));
+            throw Failure(path, LastReason("cannot be written"));
         if (!progress.StepProgress(row + 1, nullptr))
             throw Failure(path, "interrupted");
     }

@@ -38,7 +38,7 @@ std::vector<ClassFacts> Facts(const CClassifiedAssistantFile& file) {
 CClassifiedAssistantFile Read(const std::string& path) {
     CClassifiedAssistantFile file;
     if (!file.ReadClassifiedAssistantFile(Wide(path)))
-        throw Failure(path, EngineReason(path, "cannot be read"));
+        throw Failure(path, LastReason("cannot be read"));
     return file;
 }
 

@@ -148,12 +148,12 @@ void CopyPixels(CRasterSource& source, const Selection& selection, CRasterSource
                                   static_cast<std::size_t>(count) * sampleSize;
         samples.resize(plane * selection.bands.size());
         for (std::size_t i = 0; i < selection.bands.size(); ++i) {
-            CPLErrorReset();
+            ForgetReasons();
             CRasterBand& band = *source.GetRasterBand(selection.bands[i]);
             if (band.ReadBlock(selection.window.left, first, selection.Width(), count,
                                samples.data() + i * plane, selection.Width(), count, selection.type,
                                0, 0) != GIS_SUCCESS)
-                throw Failure(options.from, LastGdalMessage("cannot be read"));
+                throw Failure(options.from, LastReason("cannot be read"));
         }
         WriteRows(made, first - selection.window.top, count, samples.data(), selection.type,
                   options.to);

@@ -42,7 +42,7 @@ bool IsGTiff(GDALDriver& driver) {
 /// a new name cannot answer.
 GDALDriver& DriverOf(const std::string& path) {
     RequireNoPipe(path);
-    CPLErrorReset();
+    ForgetReasons();
     GDALDriver* driver = GDALDriver::FromHandle(
         GDALIdentifyDriverEx(path.c_str(), GDAL_OF_RASTER, nullptr, nullptr));
     if (driver == nullptr)
@@ -55,7 +55,7 @@ void Remove(const Options& options) {
     for (const std::string& path : options.paths) {
         DriverOf(path); // tells why, where there is none
         if (CRasterSource::DeleteFileW(Wide(path).c_str()) != GIS_SUCCESS)
-            throw Failure(path, LastGdalMessage("cannot be removed"));
+            throw Failure(path, LastReason("cannot be removed"));
     }
 }
 
@@ -97,10 +97,10 @@ class SetAside {
             GDALIdentifyDriverEx(path.c_str(), GDAL_OF_RASTER, nullptr, nullptr));
         m_folder = MakeFolderBeside(path);
         m_kept = (m_folder / fs::path(path).filename()).string();
-        CPLErrorReset();
+        ForgetReasons();
         if (!MoveFile(m_driver, path, m_kept)) {
             fs::remove(m_folder, ignored);
-            throw Failure(path, LastGdalMessage("cannot be replaced"));
+            throw Failure(path, LastReason("cannot be replaced"));
         }
     }
     ~SetAside() {
@@ -135,9 +135,9 @@ void Transfer(const Options& options, Work work) {
     if (fs::equivalent(options.from, to, ignored))
         throw Failure(to, "origin and destination are the same file");
     SetAside old(to, options.overwrite);
-    CPLErrorReset();
+    ForgetReasons();
     if (!work(driver, options.from, to))
-        throw Failure(options.from, LastGdalMessage("cannot be moved or copied"));
+        throw Failure(options.from, LastReason("cannot be moved or copied"));
     old.Forget();
 }
 

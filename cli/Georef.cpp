@@ -73,18 +73,18 @@ std::string ReferenceOf(const CRasterSource& raster) {
 
 /// Writes the system; the engine keeps a system that the file cannot hold, a user wants to know.
 void SetReference(CRasterSource& raster, const std::string& srs, const std::string& path) {
-    CPLErrorReset();
+    ForgetReasons();
     raster.SetProjection(srs.c_str());
     if (CPLGetLastErrorType() == CE_Failure)
-        throw Failure(path, LastGdalMessage("the format cannot store a reference system"));
+        throw Failure(path, LastReason("the format cannot store a reference system"));
 }
 
 void ClearPoints(CRasterSource& raster, const Options& options) {
     // Some formats keep one system for both, which goes with the points.
     const std::string srs = ReferenceOf(raster);
-    CPLErrorReset();
+    ForgetReasons();
     if (raster.ClearGCP(true) != GIS_SUCCESS)
-        throw Failure(options.path, LastGdalMessage("its control points cannot be removed"));
+        throw Failure(options.path, LastReason("its control points cannot be removed"));
     if (options.srs.empty() && !srs.empty())
         SetReference(raster, srs, options.path);
 }
@@ -95,15 +95,15 @@ void UpdateWorldFile(CRasterSource& raster, const std::string& path, GeoTransfor
     if (EQUAL(raster.GetGDALDataset()->GetDriverName(), "GTiff") &&
         std::filesystem::exists(std::filesystem::path(path).replace_extension("tfw"), ignored) &&
         !CGISDataSource::WriteGeotransformToWorldFile(path.c_str(), geoTransform.data()))
-        throw Failure(path, LastGdalMessage("its world file cannot be written"));
+        throw Failure(path, LastReason("its world file cannot be written"));
 }
 
 void Place(CRasterSource& raster, GeoTransform& geoTransform, const Options& options) {
     if (raster.GetGCPCount(true) > 0)
         throw Failure(options.path, "control points place it; --clear-points removes them");
-    CPLErrorReset();
+    ForgetReasons();
     if (raster.SetGeoTransform(geoTransform.data(), true) != GIS_SUCCESS)
-        throw Failure(options.path, LastGdalMessage("the format cannot store a place"));
+        throw Failure(options.path, LastReason("the format cannot store a place"));
     UpdateWorldFile(raster, options.path, geoTransform);
 }
 
@@ -122,10 +122,10 @@ void Georef(const Options& options) {
         Place(raster, *place, options);
     if (!options.srs.empty())
         SetReference(raster, options.srs, options.path);
-    CPLErrorReset();
+    ForgetReasons();
     raster.Close();
     if (CPLGetLastErrorType() == CE_Failure)
-        throw Failure(options.path, LastGdalMessage("cannot be written"));
+        throw Failure(options.path, LastReason("cannot be written"));
 }
 
 } // namespace

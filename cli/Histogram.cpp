@@ -72,8 +72,7 @@ std::vector<Counted> Count(CRasterSource& source, const Options& options, int bu
     region.SetBands(bands);
     region.SetAOI(area.get());
     if (area != nullptr && region.Compute(&progress) != GIS_SUCCESS)
-        throw Failure(options.path,
-                      Interrupted() ? "interrupted" : LastGdalMessage("cannot be read"));
+        throw Failure(options.path, Interrupted() ? "interrupted" : LastReason("cannot be read"));
     std::vector<Counted> counted;
     for (std::size_t i = 0; i < bands.size(); ++i) {
         CRasterBand& band = *source.GetRasterBand(bands[i]);

@@ -48,7 +48,7 @@ OGRLayer& MakeLayer(NewVector& file, const CRasterSource& raster, PixelDataType 
     OGRLayer& layer = file.MakeLayer(raster.GetProjectionWKT(), wkbPolygon);
     OGRFieldDefn definition(field.c_str(), type == PDT_UInt32 ? OFTInteger64 : OFTInteger);
     if (layer.CreateField(&definition) != OGRERR_NONE)
-        throw Failure(file.Path(), LastGdalMessage("cannot have a field '" + field + "'"));
+        throw Failure(file.Path(), LastReason("cannot have a field '" + field + "'"));
     return layer;
 }
 
@@ -85,13 +85,13 @@ void Run(const Options& options) {
     TerminalProgress progress;
     // Databases would otherwise secure every polygon on the disk by itself.
     const bool inTransaction = ogrLayer.StartTransaction() == OGRERR_NONE;
-    CPLErrorReset();
+    ForgetReasons();
     if (CRasterAlgorithm::RasterPolygonize(&band, mask, &layer, 0, gdalOptions, &progress, L"") !=
         GIS_SUCCESS)
         throw Failure(options.image,
-                      Interrupted() ? "interrupted" : LastGdalMessage("cannot be polygonized"));
+                      Interrupted() ? "interrupted" : LastReason("cannot be polygonized"));
     if (inTransaction && ogrLayer.CommitTransaction() != OGRERR_NONE)
-        throw Failure(options.out, LastGdalMessage("cannot be written"));
+        throw Failure(options.out, LastReason("cannot be written"));
     file.Finish();
     const GIntBig count = CountFeatures(options.out);
     std::cout << options.out << ": " << count << (count == 1 ? " polygon\n" : " polygons\n");

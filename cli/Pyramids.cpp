@@ -64,13 +64,6 @@ void Print(const std::vector<Pyramid>& pyramids, bool asJson) {
     table.Print();
 }
 
-/// Why the engine could not build; it names the file itself.
-std::string ReasonOfEngine(const std::string& path) {
-    const std::string reason = CGISDataSource::GetLastErrorText();
-    const std::string name = path + ": ";
-    return reason.rfind(name, 0) == 0 ? reason.substr(name.size()) : reason;
-}
-
 void BuildOne(const std::string& path, const Options& options) {
     CRasterSource source;
     OpenOrFail(source, path, GIS_UPDATE);
@@ -81,9 +74,11 @@ void BuildOne(const std::string& path, const Options& options) {
         ++band; // the engine numbers them from 1 here
     TerminalProgress progress;
     progress.BeginProgress(Wide(path).c_str(), 100);
+    ForgetReasons();
     if (source.BuildOverviews(options.resampling.c_str(), static_cast<int>(bands.size()),
                               bands.data(), &progress) != GIS_SUCCESS)
-        throw Failure(path, Interrupted() ? "interrupted" : ReasonOfEngine(path));
+        throw Failure(path,
+                      Interrupted() ? "interrupted" : LastReason("its pyramid cannot be built"));
 }
 
 void Build(const Options& options) {

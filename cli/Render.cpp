@@ -15,7 +15,6 @@
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <cpl_error.h>
 
 #include <algorithm>
 #include <cmath>
@@ -54,6 +53,7 @@ void OpenForDisplay(CRasterSource& source, const std::string& path, const std::s
         OpenOrFail(source, path, GIS_READONLY, true);
         return;
     }
+    ForgetReasons();
     const GISError error = source.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, srs.c_str());
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));
@@ -95,7 +95,7 @@ void ApplySettings(CRasterSource& source, const Options& options) {
 
 void FailWithoutPixels(bool drawn, const std::string& path) {
     if (!drawn)
-        throw Failure(path, "the box misses the image, or its pixels cannot be read");
+        throw Failure(path, LastReason("its pixels cannot be read"));
 }
 
 Picture Draw(CRasterSource& source, const View& view, const std::string& path) {
@@ -113,7 +113,7 @@ Picture Draw(CRasterSource& source, const View& view, const std::string& path) {
 /// inside it are black before the adjustments.
 Picture DrawMasked(CRasterSource& source, const View& view, const Options& options) {
     CAOISource aoi;
-    CPLErrorReset();
+    ForgetReasons();
     const GISError error = aoi.OpenAndWarped(
         Wide(options.aoi).c_str(), GIS_READONLY,
         source.GetProjectionWKT().empty() ? nullptr : source.GetProjectionWKT().c_str());
@@ -158,7 +158,8 @@ Picture DrawMasked(CRasterSource& source, const View& view, const Options& optio
     return picture;
 }
 
-/// Each stretch gets a source of its own: some build on what an earlier drawing left.
+/// Each stretch that suits the shown bands gets a source of its own: some build on what an earlier
+/// drawing left.
 Picture DrawSheet(const View& view, const Options& options) {
     std::vector<SheetCell> cells;
     for (const std::string& name : StretchNames()) {
@@ -167,6 +168,8 @@ Picture DrawSheet(const View& view, const Options& options) {
         ApplySettings(source, options);
         StretchOptions stretch = options.stretchData;
         stretch.type = ParseStretch(name);
+        if (!SuitsShownBands(source, stretch.type))
+            continue;
         ApplyStretch(source, stretch, options.file);
         cells.push_back({name, Draw(source, view, options.file)});
     }
@@ -243,7 +246,8 @@ void AddStretchOptions(CLI::App& render, Options& options) {
     render.add_option("--gamma", options.stretchData.gamma, "curve of the enhancement table")
         ->capture_default_str();
     render.add_flag("--contact-sheet", options.contactSheet,
-                    "one labelled sheet of all stretches; --size is that of one picture");
+                    "one labelled sheet of all stretches that suit the bands; --size is that of "
+                    "one picture");
 }
 
 void AddColorOptions(CLI::App& render, Options& options) {
@@ -277,7 +281,8 @@ void AddRender(CLI::App& program) {
         "stddev: two standard deviations around the mean; equalize: equal shares of the\n"
         "histogram of the whole range; custom-equalize: of that from --low (0) to --high (the\n"
         "maximum, 255 for 8-bit bands); autolevels: cuts --threshold off both ends; zoom002,\n"
-        "zoom: by the bounds; wallis: to a model's mean and deviation per colour.\n"
+        "zoom: by the bounds; wallis: to a model's mean and deviation per colour, for three\n"
+        "bands.\n"
         "Example: zelto render --bands 4,3,2 --size 800x scene.tif picture.png");
     render->callback([options, render] {
         options->stretchData.type = ParseStretch(options->stretch);

@@ -5,6 +5,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/Open.h"
 
 #include <algorithm>
 #include <array>
@@ -66,7 +67,7 @@ void ApplyCustomEqualization(CRasterSource& source, const StretchOptions& option
         std::array<int, TABLE_SIZE> counts{};
         if (!band.GetHistogram(low, high, TABLE_SIZE, counts.data(), false, true, nullptr) ||
             !band.SetCustomHistogram(low, high, TABLE_SIZE, counts.data()))
-            throw Failure(path, "the histogram between the bounds cannot be computed");
+            throw Failure(path, LastReason("the histogram between the bounds cannot be computed"));
     });
 }
 
@@ -81,7 +82,7 @@ void ApplyWallis(CRasterSource& source, int model, const std::string& path) {
     std::vector<unsigned char> image(static_cast<std::size_t>(w) * static_cast<std::size_t>(h) * 4);
     CBoundingBox box = source.GetExtent();
     if (!source.GetShowData(&box, w, h, image.data(), false) || !source.ReadWallisColorModel(model))
-        throw Failure(path, "its pixels cannot be read");
+        throw Failure(path, LastReason("its pixels cannot be read"));
 }
 
 } // namespace
@@ -104,8 +105,14 @@ StretchType ParseStretch(const std::string& name) {
     throw UsageError("--stretch: '" + name + "' is none of " + known);
 }
 
+bool SuitsShownBands(const CRasterSource& source, StretchType type) {
+    return type != StretchWallis || source.GetShowBandCount() == 3;
+}
+
 void ApplyStretch(CRasterSource& source, const StretchOptions& options, const std::string& path) {
     RequireRange(options);
+    if (!SuitsShownBands(source, options.type))
+        throw UsageError("--stretch wallis: it takes three bands, and one is shown");
     source.SetStretchType(options.type);
     switch (options.type) {
     case StretchEnhanceTable:

@@ -26,8 +26,13 @@ const std::vector<std::string>& StretchNames();
 /// Throws UsageError for a name that is none.
 StretchType ParseStretch(const std::string& name);
 
+/// Whether a stretch can be drawn with the bands that the source shows. The Wallis models start
+/// from statistics of the three colours of a picture, which one of a single band does not have.
+bool SuitsShownBands(const CRasterSource& source, StretchType type);
+
 /// Sets the stretch on all bands of the source, computing what it needs: histograms, display
-/// statistics, tables. Throws Failure naming `path`.
+/// statistics, tables. Throws Failure naming `path`, and UsageError where the stretch does not
+/// suit the shown bands.
 void ApplyStretch(CRasterSource& source, const StretchOptions& options, const std::string& path);
 
 } // namespace zelto::cli

@@ -10,7 +10,6 @@
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <cpl_error.h>
 
 #include <cmath>
 #include <iostream>
@@ -29,7 +28,7 @@ EdgeSteps ParseSteps(const std::string& text, const CBoundingBox& box) {
 void OpenOnOwnGrid(CRasterSource& raster, const std::string& path) {
     // A source for display keeps rotated grids as they are.
     raster.SetForDisplay(true);
-    CPLErrorReset();
+    ForgetReasons();
     const GISError error = raster.OpenSimple(Wide(path).c_str(), GIS_READONLY, true);
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));

@@ -122,7 +122,7 @@ void Collect(const Options& options) {
 
 void ReadSampleFile(CClassifySampleFile& file, const std::string& path) {
     if (file.ReadClassifySampleFile(Wide(path)) != 1)
-        throw Failure(path, EngineReason(path, "cannot be read"));
+        throw Failure(path, LastReason("cannot be read"));
 }
 
 void Export(const Options& options) {

@@ -43,8 +43,7 @@ PercentileRange ParsePercentiles(const std::string& text) {
 
 void Require(GISError error, const Options& options) {
     if (error != GIS_SUCCESS)
-        throw Failure(options.file,
-                      Interrupted() ? "interrupted" : LastGdalMessage("cannot be read"));
+        throw Failure(options.file, Interrupted() ? "interrupted" : LastReason("cannot be read"));
 }
 
 RegionReport Measure(CRegionStatistics& statistics, const Options& options,

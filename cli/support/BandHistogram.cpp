@@ -7,8 +7,6 @@
 #include "cli/support/Open.h"
 #include "cli/support/Progress.h"
 
-#include <cpl_error.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -25,10 +23,9 @@ std::pair<double, double> OccurringRange(CRasterBand& band, const std::string& p
     std::pair<double, double> range;
     double mean = 0.0;
     double deviation = 0.0;
-    CPLErrorReset();
+    ForgetReasons();
     if (!band.ComputeStatics(&range.first, &range.second, &mean, &deviation, false, &progress))
-        throw Failure(path,
-                      Interrupted() ? "interrupted" : LastGdalMessage("no valid pixel to count"));
+        throw Failure(path, Interrupted() ? "interrupted" : LastReason("no valid pixel to count"));
     return range;
 }
 
@@ -70,12 +67,12 @@ BandHistogram CountValues(CRasterBand& band, int buckets,
     if (!std::isfinite(least) || !std::isfinite(greatest))
         throw Failure(path, "its values have no finite range; choose one with --range");
     BandHistogram histogram = MakeBuckets(band.GetDataType(), least, greatest, buckets);
-    CPLErrorReset();
+    ForgetReasons();
     // The band counts from a half where it is asked to count from exactly zero.
     const double low = histogram.low == 0.0 ? -histogram.width * 1e-9 : histogram.low;
     if (!band.GetHistogram(low, histogram.High(), static_cast<int>(histogram.counts.size()),
                            histogram.counts.data(), false, false, &progress))
-        throw Failure(path, Interrupted() ? "interrupted" : LastGdalMessage("cannot be read"));
+        throw Failure(path, Interrupted() ? "interrupted" : LastReason("cannot be read"));
     return histogram;
 }
 
@@ -88,10 +85,10 @@ BandHistogram CountValues(CRegionStatistics& region, int position, PixelDataType
     const auto [least, greatest] = range.value_or(std::pair(band.minimum, band.maximum));
     BandHistogram histogram = MakeBuckets(type, least, greatest, buckets);
     std::vector<__int64> counts(histogram.counts.size());
-    CPLErrorReset();
+    ForgetReasons();
     if (region.ComputeHistogram(position, histogram.low, histogram.width, counts, &progress) !=
         GIS_SUCCESS)
-        throw Failure(path, Interrupted() ? "interrupted" : LastGdalMessage("cannot be read"));
+        throw Failure(path, Interrupted() ? "interrupted" : LastReason("cannot be read"));
     std::transform(counts.begin(), counts.end(), histogram.counts.begin(), [](__int64 count) {
         return static_cast<int>(std::min<__int64>(count, std::numeric_limits<int>::max()));
     });

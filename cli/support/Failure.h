@@ -5,11 +5,18 @@
 
 namespace zelto::cli {
 
-/// The work failed: which file, and why. The program prints it as one line and exits with 1.
+/// A reason without the name of the file that the engine puts in front of it.
+inline std::string WithoutName(const std::string& file, const std::string& reason) {
+    const std::string name = file + ": ";
+    return reason.compare(0, name.size(), name) == 0 ? reason.substr(name.size()) : reason;
+}
+
+/// The work failed: which file, and why; the reason may begin with the file as well. The program
+/// prints it as one line and exits with 1.
 class Failure : public std::runtime_error {
   public:
     Failure(const std::string& file, const std::string& reason)
-        : std::runtime_error(file + ": " + reason) {}
+        : std::runtime_error(file + ": " + WithoutName(file, reason)) {}
     /// @param line names the file already, as CGISDataSource::GetLastErrorText() does
     explicit Failure(const std::string& line) : std::runtime_error(line) {}
 };

@@ -48,7 +48,7 @@ void NewRaster::CheckReadable(const fs::path& made) const {
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     const GDALDatasetUniquePtr dataset(GDALDataset::Open(made.c_str(), GDAL_OF_RASTER));
     if (!dataset)
-        throw Failure(m_path, LastGdalMessage("was written, but cannot be read"));
+        throw Failure(m_path, LastReason("was written, but cannot be read"));
 }
 
 } // namespace zelto::cli

@@ -64,7 +64,7 @@ OGRLayer& NewVector::MakeLayer(const std::string& srs, OGRwkbGeometryType type) 
             ? m_dataset->CreateLayer(name.c_str(), reference ? &*reference : nullptr, type, nullptr)
             : nullptr;
     if (layer == nullptr)
-        throw Failure(m_path, LastGdalMessage("cannot be written"));
+        throw Failure(m_path, LastReason("cannot be written"));
     return *layer;
 }
 
@@ -74,7 +74,7 @@ void NewVector::Finish() {
     if (m_watch.HasError())
         throw Failure(m_path, m_watch.Error());
     if (!GDALDatasetUniquePtr(GDALDataset::Open(TemporaryPath().c_str(), GDAL_OF_VECTOR)))
-        throw Failure(m_path, LastGdalMessage("was written, but cannot be read"));
+        throw Failure(m_path, LastReason("was written, but cannot be read"));
     if (!m_files->Commit(SideFilesOf(m_path)))
         throw Failure(CGISDataSource::GetLastErrorText());
 }

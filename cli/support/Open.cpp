@@ -17,8 +17,15 @@
 
 namespace zelto::cli {
 
-std::string LastGdalMessage(const std::string& otherwise) {
-    std::string message = CPLGetLastErrorMsg();
+void ForgetReasons() {
+    CPLErrorReset();
+    CGISDataSource::ClearLastErrorText();
+}
+
+std::string LastReason(const std::string& otherwise) {
+    std::string message = CGISDataSource::GetLastErrorText();
+    if (message.empty())
+        message = CPLGetLastErrorMsg();
     for (char& c : message) {
         if (c == '\n' || c == '\r')
             c = ' ';
@@ -36,13 +43,6 @@ void RequireNoPipe(const std::string& path) {
         throw Failure(path, "not a regular file");
 }
 
-std::string EngineReason(const std::string& path, const std::string& otherwise) {
-    const std::string text = CGISDataSource::GetLastErrorText();
-    if (text.empty())
-        return otherwise;
-    return text.rfind(path + ": ", 0) == 0 ? text.substr(path.size() + 2) : text;
-}
-
 std::string ReasonForFailure(const std::string& path, GISError error) {
     VSIStatBufL status;
     const bool onDisk = path.rfind("/vsi", 0) != 0 && path.find(':') == std::string::npos;
@@ -55,10 +55,10 @@ std::string ReasonForFailure(const std::string& path, GISError error) {
     if (onDisk && VSI_ISREG(status.st_mode) && status.st_size == 0)
         return "the file is empty";
     if (error == GIS_NOT_SUPPORTED)
-        return LastGdalMessage("it holds nothing usable");
+        return LastReason("it holds nothing usable");
     if (onDisk && VSI_ISDIR(status.st_mode))
         return "is a directory";
-    return LastGdalMessage(EngineReason(path, "not recognised as a supported file"));
+    return LastReason("not recognised as a supported file");
 }
 
 namespace {
@@ -73,8 +73,7 @@ void TellOfDoubtfulPyramid() {
 } // namespace
 
 void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess access, bool warp) {
-    CPLErrorReset();
-    CGISDataSource::ClearLastErrorText();
+    ForgetReasons();
     const GISError error = [&] {
         const QuietStandardError quiet;
         return source.Open(Wide(path).c_str(), access, warp);

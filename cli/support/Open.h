@@ -24,11 +24,11 @@ void RequireNoPipe(const std::string& path);
 /// Why `path` could not be opened, after an attempt that failed with `error`.
 std::string ReasonForFailure(const std::string& path, GISError error);
 
-/// What the engine said last of a failure, without the file's name in front; `otherwise` when it
-/// said nothing.
-std::string EngineReason(const std::string& path, const std::string& otherwise);
+/// Forgets the reasons of earlier failures, the engine's and GDAL's; at the head of an attempt
+/// after which LastReason() may be asked.
+void ForgetReasons();
 
-/// GDAL's last message, or `otherwise` when there is none.
-std::string LastGdalMessage(const std::string& otherwise);
+/// The engine's reason of a failure, else GDAL's last message, else `otherwise`; in one line.
+std::string LastReason(const std::string& otherwise);
 
 } // namespace zelto::cli

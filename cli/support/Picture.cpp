@@ -101,7 +101,7 @@ void WritePicture(const Picture& picture, const std::string& path,
         MakeDataset(picture, format.hasAlpha && !IsOpaque(picture));
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(format.driver);
     if (!dataset || driver == nullptr)
-        throw Failure(path, LastGdalMessage("the picture cannot be made"));
+        throw Failure(path, LastReason("the picture cannot be made"));
     if (place && driver == GetGDALDriverManager()->GetDriverByName("GTiff"))
         SetPlace(*dataset, picture, *place);
 
@@ -109,7 +109,7 @@ void WritePicture(const Picture& picture, const std::string& path,
     for (const char* option : format.options)
         options.AddString(option);
     const std::string unfinished = path + ".part";
-    CPLErrorReset();
+    ForgetReasons();
     GDALDatasetUniquePtr written(driver->CreateCopy(unfinished.c_str(), dataset.get(), FALSE,
                                                     options.List(), nullptr, nullptr));
     bool complete = written != nullptr;
@@ -120,7 +120,7 @@ void WritePicture(const Picture& picture, const std::string& path,
         std::filesystem::rename(unfinished, path, error);
     if (complete && !error)
         return;
-    const std::string reason = error ? error.message() : LastGdalMessage("cannot be written");
+    const std::string reason = error ? error.message() : LastReason("cannot be written");
     std::filesystem::remove(unfinished, error);
     throw Failure(path, reason);
 }

@@ -50,7 +50,7 @@ GISError OpenWithSubdatasets(std::unique_ptr<CRasterSource>& source, const std::
 }
 
 std::unique_ptr<CRasterSource> OpenAsItIs(const std::string& path) {
-    CPLErrorReset();
+    ForgetReasons();
     std::unique_ptr<CRasterSource> source;
     GISError error = OpenWithSubdatasets(source, Wide(path));
     if (error == GIS_SUCCESS && source->GetBandCount() == 0 && source->GetSubRasterCount() == 0)
@@ -102,13 +102,13 @@ std::optional<BandStatistics> SampledStatistics(CRasterBand& band) {
 std::optional<BandStatistics> ExactStatistics(CRasterBand& band, const std::string& path,
                                               int number, CDataProgress& progress) {
     BandStatistics found;
-    CPLErrorReset();
+    ForgetReasons();
     if (band.ComputeStatics(&found.minimum, &found.maximum, &found.mean, &found.standardDeviation,
                             false, &progress))
         return found;
     if (Interrupted())
         throw Failure(path, "interrupted");
-    const std::string reason = LastGdalMessage("its pixels cannot be read");
+    const std::string reason = WithoutName(path, LastReason("its pixels cannot be read"));
     if (reason.find("no valid pixels") != std::string::npos)
         return std::nullopt;
     throw Failure(path, "band " + std::to_string(number) + ": " + reason);
@@ -142,11 +142,11 @@ void RequireSources(const RasterFacts& facts, CRasterSource& source) {
                     [](const BandFacts& band) { return band.statistics.has_value(); });
     if (facts.format != "VRT" || facts.bands.empty() || readable)
         return;
-    CPLErrorReset();
+    ForgetReasons();
     double sample = 0.0;
     CRasterBand& first = *source.GetRasterBand(0);
     if (!first.GetDataToBuffer(0, 0, first.GetWidth(), first.GetHeight(), 1, 1, &sample))
-        throw Failure(facts.path, LastGdalMessage("its sources cannot be read"));
+        throw Failure(facts.path, LastReason("its sources cannot be read"));
 }
 
 void DescribeReference(RasterFacts& facts, CRasterSource& source) {

@@ -9,7 +9,6 @@
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
-#include <cpl_error.h>
 
 #include <algorithm>
 
@@ -72,7 +71,7 @@ void OpenForRegion(CRasterSource& raster, const std::string& path, const RegionO
     const bool placed = !options.IsWholeImage();
     // A source for display keeps the rotation of its grid.
     raster.SetForDisplay(placed);
-    CPLErrorReset();
+    ForgetReasons();
     const GISError error = raster.OpenSimple(Wide(path).c_str(), GIS_READONLY, placed);
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));

@@ -159,7 +159,7 @@ void CollectPixels(SampleClasses& classes, CRasterSource& raster, const std::str
                 continue;
             // The engine's false also stands for pixels that could not be read.
             if (shape->m_extent.IsIntersect(&extent) && CPLGetLastErrorType() == CE_Failure)
-                throw Failure(path, LastGdalMessage("cannot be read"));
+                throw Failure(path, LastReason("cannot be read"));
             ++sampleClass.shapesOffImage;
         }
     }

@@ -47,12 +47,12 @@ void ForEachStrip(const RowRange& rows, const wchar_t* title, const std::string&
 
 void WriteRows(CRasterSource& raster, int first, int count, void* samples, PixelDataType type,
                const std::string& path) {
-    CPLErrorReset();
+    ForgetReasons();
     if (raster.GetGDALDataset()->RasterIO(GF_Write, 0, first, raster.GetWidth(), count, samples,
                                           raster.GetWidth(), count, static_cast<GDALDataType>(type),
                                           raster.GetBandCount(), nullptr, 0, 0, 0,
                                           nullptr) != CE_None)
-        throw Failure(path, LastGdalMessage("cannot be written"));
+        throw Failure(path, LastReason("cannot be written"));
 }
 
 void FillRaster(CRasterSource& raster, double value, const std::string& path) {

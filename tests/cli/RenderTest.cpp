@@ -109,6 +109,36 @@ TEST(RenderCommand, TheContactSheetHoldsTenPicturesInThreeRows) {
     EXPECT_EQ(ReadBand(out, 1).size(), std::size_t{4 * 62 + 12} * (3 * 78 + 12));
 }
 
+TEST(RenderCommand, WallisIsRefusedForASingleBandAndLeftOutOfItsContactSheet) {
+    const TemporaryFolder folder;
+    const std::string out = folder.File("out.png");
+    const auto run =
+        RunZelto({"render", SampleScene(), out, "--bands", "1", "--stretch", "wallis"});
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_EQ(run.errors, "zelto: --stretch wallis: it takes three bands, and one is shown\n");
+    EXPECT_TRUE(folder.Names().empty());
+
+    const auto sheet = RunZelto(
+        {"render", SampleScene(), out, "--bands", "1", "--contact-sheet", "--size", "50x40"});
+    EXPECT_EQ(sheet.exitStatus, 0) << sheet.errors;
+    // Nine pictures: the last row holds one, and the end of its label; the rest stays white.
+    const Pixels pixels = ReadBand(out, 1);
+    const std::size_t width = 4 * 62 + 12;
+    ASSERT_EQ(pixels.size(), width * (3 * 78 + 12));
+    for (std::size_t row = 2 * 78 + 12; row < 3 * 78 + 12; ++row)
+        for (std::size_t column = 2 * 62 + 12; column < width; ++column)
+            ASSERT_EQ(pixels[row * width + column], 255.0) << column << ", " << row;
+}
+
+TEST(RenderCommand, AReferenceThatIsNoneIsTheReason) {
+    const TemporaryFolder folder;
+    const auto run =
+        RunZelto({"render", SampleScene(), folder.File("out.png"), "--srs", "nowhere"});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors, "zelto: " + SampleScene() +
+                              ": 'nowhere', which it is to be shown in, is no reference system\n");
+}
+
 TEST(RenderCommand, AContactSheetTooLargeToDrawIsRefused) {
     const TemporaryFolder folder;
     const std::string out = folder.File("sheet.png");
@@ -193,7 +223,7 @@ TEST(RenderCommand, WrongUsageIsToldApartFromFailedWork) {
     const auto missed = RunZelto({"render", image, out, "--box", "900,200,920,190"});
     EXPECT_EQ(missed.exitStatus, 1);
     EXPECT_EQ(missed.errors,
-              "zelto: " + image + ": the box misses the image, or its pixels cannot be read\n");
+              "zelto: " + image + ": the box misses the image, or the picture has no pixels\n");
     EXPECT_EQ(RunZelto({"render", folder.File("none.tif"), out}).exitStatus, 1);
     EXPECT_EQ(RunZelto({"render", image, "/nowhere/out.png"}).exitStatus, 1);
     EXPECT_EQ(folder.Names(), (std::vector<std::string>{"colors.tif"})) << "nothing is left behind";

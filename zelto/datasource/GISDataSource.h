@@ -94,11 +94,14 @@ class ZELTO_API CGISDataSource {
     /// reason, GDAL's or the system's where they gave one, in one line of UTF-8. An addition to
     /// the fixed interface, for hosts that want to tell more than an error code says.
     ///
-    /// Read it right after a call of any class of the engine that answered failure (an error code,
-    /// false or a null pointer): operations that succeed need not touch it. Empty when there is
-    /// nothing to tell.
+    /// Read it right after a call of any class of the engine. An operation that can fail forgets
+    /// the reason of an earlier one when it begins; what it calls, host code included, does not,
+    /// so that the reason found deepest inside reaches the host. After a failure (an error code,
+    /// false or a null pointer) the text says why. After a success it is empty, or says what was
+    /// done without: a sub-file that did not open, a view that could not be made, a pixel that
+    /// the file did not take. Closing and destroying a source never forgets a reason.
     static std::string GetLastErrorText();
-    /// Forgets the reason, so that one read later is not an older one.
+    /// Forgets the reason; for calls that cannot fail, and between operations on one's own.
     static void ClearLastErrorText();
 
     /// Counts one more user of GDAL; the first one configures and registers it.

@@ -319,12 +319,17 @@ void CRasterSource::Close() {
 
     // A warped view holds the file as well: the file's count must sink before the view, which
     // then closes it.
+    const zelto::GdalWatch watch;
     if (m_baseDataset != nullptr)
         GDALReleaseDataset(m_baseDataset);
     m_baseDataset = nullptr;
     if (m_dataset != nullptr)
         GDALClose(m_dataset);
     m_dataset = nullptr;
+    // What is written only now may fail now. The reason of an earlier failure is left alone
+    // otherwise: a source may be closed because of it.
+    if (watch.HasError())
+        zelto::SetLastError(m_filePath, watch.Error());
 
     delete m_colorRamp;
     m_colorRamp = nullptr;
