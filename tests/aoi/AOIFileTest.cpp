@@ -60,6 +60,16 @@ TEST_F(AOIFile, ARectangleComesBackFrom1617Bytes) {
     EXPECT_EQ(extent.m_bottom, 16);
 }
 
+TEST_F(AOIFile, ARectangleKeepsTheSizeThatTheFileSays) {
+    // Taken from the corners it would be off: 1000000.1 − 1000000 is not 0.1.
+    Write("a.aif", AoiHeaderBytes(1) + RectangleBytes('\4', 1e6, 1e6, 0.1, 0.3));
+    CAOISource source;
+    ASSERT_EQ(Open(source, "a.aif"), GIS_SUCCESS);
+    const auto& rectangle = dynamic_cast<CDrawRectangle&>(*source.GetDrawShape(0));
+    EXPECT_EQ(rectangle.m_width, 0.1);
+    EXPECT_EQ(rectangle.m_height, 0.3);
+}
+
 TEST_F(AOIFile, EveryByteOfASavedFileHasItsPlace) {
     CAOISource source;
     source.AddDrawShape(new CDrawEllipse(Drag<CDrawEllipse>({0, 4}, {6, 0})));

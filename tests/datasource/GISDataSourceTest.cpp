@@ -157,6 +157,16 @@ TEST(DataSource, WorldFileStandsBesideTheImageWithTheExtensionTfw) {
         CGISDataSource::WriteGeotransformToWorldFile(folder.File("b.tif").c_str(), nullptr));
 }
 
+TEST(DataSource, FilesAreWrittenThroughAnObjectToo) {
+    const TemporaryFolder folder;
+    std::array<double, 6> geoTransform = {0.0, 1.0, 0.0, 0.0, 0.0, -1.0};
+    PlainDataSource source;
+    source.WriteWkt(folder.File("a.prj").c_str(), "x");
+    EXPECT_TRUE(
+        source.WriteGeotransformToWorldFile(folder.File("a.tif").c_str(), geoTransform.data()));
+    EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.prj", "a.tfw"}));
+}
+
 TEST(DataSource, VirtualOperationsStandInTheirSlots) {
     using OpenInfo = GISError (CGISDataSource::*)(CDatasetOpenInfo);
     using OpenPath = GISError (CGISDataSource::*)(const wchar_t*, GISDataAccess, bool);

@@ -45,6 +45,28 @@ TEST(BandHistogram, AMinimumOfZeroLeavesZerosOut) {
     EXPECT_EQ(buckets, 2);
 }
 
+TEST(BandHistogram, AFilteredBandCountsTheFilteredPixels) {
+    const zelto::test::TemporaryFolder folder;
+    // One bright pixel in the middle: the mean of 3 × 3 spreads a ninth of it over nine.
+    Pixels pixels(81, 9.0);
+    pixels[40] = 99.0;
+    zelto::test::WriteRaster(folder.File("a.tif"), {.width = 9, .height = 9}, {pixels});
+    zelto::test::WriteFile(
+        folder.Path() / "a.vrt",
+        "<VRTDataset rasterXSize='9' rasterYSize='9'><VRTRasterBand dataType='Byte' band='1'>"
+        "<KernelFilteredSource><SourceFilename relativeToVRT='1'>a.tif</SourceFilename>"
+        "<SourceBand>1</SourceBand><Kernel normalized='1'><Size>3</Size>"
+        "<Coefs>1 1 1 1 1 1 1 1 1</Coefs></Kernel></KernelFilteredSource>"
+        "</VRTRasterBand></VRTDataset>");
+    const GDALDatasetUniquePtr view(GDALDataset::Open(folder.File("a.vrt").c_str()));
+    ASSERT_NE(view, nullptr);
+    CRasterBand band(view->GetRasterBand(1), true, false);
+    // Buckets around 9, 19 and 99.
+    EXPECT_EQ(Histogram(band, 4.0, 14.0, 1), Counts{72});
+    EXPECT_EQ(Histogram(band, 14.0, 24.0, 1), Counts{9});
+    EXPECT_EQ(Histogram(band, 94.0, 104.0, 1), Counts{0});
+}
+
 TEST(BandHistogram, RepeatedRequestsAreAnsweredFromTheLast) {
     TestBand band({.width = 10, .height = 1}, TEN);
     RecordingProgress first;
