@@ -5,6 +5,7 @@
 #include "zelto/display/ImgStretch.h"
 #include "zelto/display/RasterHistogram.h"
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/StatisticsBand.h"
 
 #include <gdal_priv.h>
 
@@ -44,7 +45,7 @@ CRasterBand::CRasterBand(bool /*flag*/, GDALRasterBand* band) : m_band(band) {
     ReadBasics();
     double range[2] = {0.0, 0.0};
     if (zelto::CanHoldBlocks(*m_band))
-        m_band->ComputeRasterMinMax(TRUE, range);
+        zelto::StatisticsBand(*m_band)->ComputeRasterMinMax(TRUE, range);
     StoreMinMax(range[0], range[1]);
     BuildOverviewBands();
 }

@@ -81,9 +81,11 @@ bool AddSamples(GDALRasterBand& band, SampleGrid grid, zelto::SampleStatistics& 
 
 bool CRasterBand::ComputeMinMax(double* min, double* max, bool useStored) {
     if (!m_storedMinMaxFixed && !useStored) {
+        if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band))
+            return false;
         double range[2] = {0.0, 0.0};
-        if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band) ||
-            m_band->ComputeRasterMinMax(FALSE, range) != CE_None)
+        const zelto::StatisticsBand source(*m_band);
+        if (source->ComputeRasterMinMax(FALSE, range) != CE_None)
             return false;
         StoreMinMax(range[0], range[1]);
     }

@@ -1,5 +1,7 @@
 #include "zelto/raster/internal/StatisticsBand.h"
 
+#include "zelto/raster/internal/VirtualBand.h"
+
 #include <vrtdataset.h>
 
 #include <cstring>
@@ -34,6 +36,7 @@ class StandInBand final : public GDALRasterBand {
     int HasArbitraryOverviews() override { return m_band.HasArbitraryOverviews(); }
     int GetOverviewCount() override { return m_band.GetOverviewCount(); }
     GDALRasterBand* GetOverview(int index) override;
+    CPLErr ComputeRasterMinMax(int approximate, double* range) override;
     /// Statistics are this band's own; how samples are to be understood is the file's.
     const char* GetMetadataItem(const char* name, const char* domain) override {
         if (domain != nullptr && EQUAL(domain, "IMAGE_STRUCTURE"))
@@ -51,6 +54,8 @@ class StandInBand final : public GDALRasterBand {
     }
 
   private:
+    bool KnowsMinMax();
+
     GDALRasterBand& m_band;
     std::vector<std::unique_ptr<StandInBand>> m_overviews;
 };
@@ -66,6 +71,26 @@ GDALRasterBand* StandInBand::GetOverview(int index) {
     if (!m_overviews[slot])
         m_overviews[slot] = std::make_unique<StandInBand>(*overview);
     return m_overviews[slot].get();
+}
+
+bool StandInBand::KnowsMinMax() {
+    int hasMinimum = FALSE;
+    int hasMaximum = FALSE;
+    GetMinimum(&hasMinimum);
+    GetMaximum(&hasMaximum);
+    return hasMinimum != FALSE && hasMaximum != FALSE;
+}
+
+/// Where GDAL approximates from an overview, it reads the overview of a file band whole, but
+/// approximates that of a virtual band once more.
+CPLErr StandInBand::ComputeRasterMinMax(int approximate, double* range) {
+    if (approximate != FALSE && IsVirtual(&m_band) && !KnowsMinMax() && GetOverviewCount() > 0 &&
+        HasArbitraryOverviews() == FALSE) {
+        GDALRasterBand* overview = GetRasterSampleOverview(GDALSTAT_APPROX_NUMSAMPLES);
+        if (overview != this)
+            return overview->GDALRasterBand::ComputeRasterMinMax(TRUE, range);
+    }
+    return GDALRasterBand::ComputeRasterMinMax(approximate, range);
 }
 
 /// Through the file band's own block cache, so that a later drawing finds the blocks there.
