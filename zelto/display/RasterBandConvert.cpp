@@ -12,7 +12,7 @@ constexpr const char* noValue = "the band's cache holds no value at this place, 
 unsigned char CRasterBand::Convert2Byte(double value) const {
     if (m_dataType == PDT_Byte)
         return zelto::PassThrough{}(value);
-    return zelto::InnerMinMax{{m_minimum, m_maximum}}(value);
+    return zelto::InnerMinMax{{GetMinimum(), GetMaximum()}}(value);
 }
 
 unsigned char CRasterBand::Convert2ShowValue(double value) {

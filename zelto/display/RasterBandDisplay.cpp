@@ -36,11 +36,11 @@ void CRasterBand::SetStretchData(StretchType type, double a1, double a2, double 
 bool CRasterBand::EnableHistogramEqualize() {
     const zelto::OperationScope scope;
     constexpr int MAX_BUCKETS = 256;
-    const double range = m_maximum - m_minimum;
+    const double range = GetMaximum() - GetMinimum();
     const int buckets = range > MAX_BUCKETS ? MAX_BUCKETS : zelto::TruncateToInt32(range);
     std::array<int, MAX_BUCKETS> counts{};
     // A failed computation leaves an earlier histogram in use.
-    GetHistogram(m_minimum, m_maximum, buckets, counts.data(), false, true, nullptr);
+    GetHistogram(GetMinimum(), GetMaximum(), buckets, counts.data(), false, true, nullptr);
     if (m_histogram == nullptr)
         return false;
     m_histogram->SetHistogramMap(static_cast<__int64>(m_width) * m_height);

@@ -1,15 +1,14 @@
 #include "zelto/raster/RasterBand.h"
 
-#include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/display/ImgEnhance.h"
 #include "zelto/display/ImgStretch.h"
 #include "zelto/display/RasterHistogram.h"
-#include "zelto/raster/internal/BlockLimit.h"
-#include "zelto/raster/internal/StatisticsBand.h"
+#include "zelto/raster/internal/StatisticsOnDemand.h"
 
 #include <gdal_priv.h>
 
 #include <set>
+#include <utility>
 
 namespace {
 
@@ -43,10 +42,8 @@ CRasterBand::CRasterBand(bool /*flag*/, GDALRasterBand* band) : m_band(band) {
     if (m_band == nullptr)
         return;
     ReadBasics();
-    double range[2] = {0.0, 0.0};
-    if (zelto::CanHoldBlocks(*m_band))
-        zelto::StatisticsBand(*m_band)->ComputeRasterMinMax(TRUE, range);
-    StoreMinMax(range[0], range[1]);
+    const zelto::BandSummary found = zelto::ApproximateRange(*m_band);
+    StoreMinMax(found.minimum, found.maximum);
     BuildOverviewBands();
 }
 
@@ -54,12 +51,20 @@ CRasterBand::CRasterBand(GDALRasterBand* band, bool forDisplay, bool isOverview)
     if (m_band == nullptr)
         return;
     ReadBasics();
-    const bool needsStatistics = forDisplay || !isOverview;
-    if (needsStatistics &&
-        !ComputeStaticsFromCustom(m_minimum, m_maximum, m_mean, m_standardDeviation, nullptr))
-        CRasterAlgorithm::GetMaxMinVal(m_dataType, m_maximum, m_minimum);
+    if (forDisplay || !isOverview)
+        StoreSummary(
+            zelto::SampledOrTypeRange(*m_band, m_hasNoData != 0 ? &m_noDataValue : nullptr));
     BuildOverviewBands();
-    SetStandardDeviationBounds();
+}
+
+CRasterBand::CRasterBand(GDALRasterBand* band, bool light,
+                         std::shared_ptr<zelto::StatisticsOnDemand> source)
+    : m_band(band), m_pending(std::make_unique<zelto::PendingStatistics>()) {
+    using Kind = zelto::StatisticsOnDemand::Kind;
+    ReadBasics();
+    m_pending->number = source->Add(*band, light ? Kind::Range : Kind::Sampled);
+    m_pending->source = std::move(source);
+    BuildOverviewBands();
 }
 
 CRasterBand::~CRasterBand() {
@@ -95,7 +100,26 @@ void CRasterBand::BuildOverviewBands() {
     }
 }
 
-void CRasterBand::SetStandardDeviationBounds() {
+/// Every thread but the first waits, and then finds the statistics in place.
+void CRasterBand::TakePendingStatistics() const {
+    if (m_pending->stored.load(std::memory_order_acquire))
+        return;
+    const std::lock_guard lock(m_pending->storing);
+    if (m_pending->stored.load(std::memory_order_relaxed))
+        return;
+    StoreSummary(m_pending->source->Of(m_pending->number));
+    m_pending->stored.store(true, std::memory_order_release);
+}
+
+void CRasterBand::StoreSummary(const zelto::BandSummary& found) const {
+    m_minimum = found.minimum;
+    m_maximum = found.maximum;
+    m_mean = found.mean;
+    m_standardDeviation = found.standardDeviation;
+    SetStandardDeviationBounds();
+}
+
+void CRasterBand::SetStandardDeviationBounds() const {
     m_stdDevUpper = m_mean + 2.0 * m_standardDeviation;
     if (m_stdDevUpper > m_maximum)
         m_stdDevUpper = m_maximum;
@@ -111,6 +135,7 @@ CRasterBand* CRasterBand::GetOverview(int index) const {
 }
 
 void CRasterBand::StoreMinMax(double minimum, double maximum) {
+    TakeStatistics();
     m_minimum = minimum;
     m_maximum = maximum;
     SetStandardDeviationBounds();

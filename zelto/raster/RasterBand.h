@@ -20,6 +20,9 @@ class GDALRasterBand;
 namespace zelto {
 class CachedRegion;
 class DisplayMapping;
+class StatisticsOnDemand;
+struct BandSummary;
+struct PendingStatistics;
 } // namespace zelto
 
 /// One band of a raster: block and pixel access, a region cached in memory for point queries,
@@ -62,14 +65,14 @@ class ZELTO_API CRasterBand {
     bool IsHaveColorTable() const { return m_hasColorTable; }
     /// Not owned; null when there is none.
     GDALColorTable* GetColorTable() const { return m_colorTable; }
-    double GetMinimum() const { return m_minimum; }
-    double GetMaximum() const { return m_maximum; }
-    double GetMean() const { return m_mean; }
-    double GetStandardDeviation() const { return m_standardDeviation; }
+    double GetMinimum() const { return TakeStatistics().m_minimum; }
+    double GetMaximum() const { return TakeStatistics().m_maximum; }
+    double GetMean() const { return TakeStatistics().m_mean; }
+    double GetStandardDeviation() const { return TakeStatistics().m_standardDeviation; }
     /// Upper bound of the standard-deviation stretch: min(mean + 2 deviations, maximum).
-    double GetStdDevUpperBound() const { return m_stdDevUpper; }
+    double GetStdDevUpperBound() const { return TakeStatistics().m_stdDevUpper; }
     /// Lower bound of the standard-deviation stretch: max(mean − 2 deviations, minimum).
-    double GetStdDevLowerBound() const { return m_stdDevLower; }
+    double GetStdDevLowerBound() const { return TakeStatistics().m_stdDevLower; }
     int GetOverviewCount() const { return static_cast<int>(m_overviews.size()); }
     /// Null outside 0 ≤ index < GetOverviewCount().
     CRasterBand* GetOverview(int index) const;
@@ -186,9 +189,22 @@ class ZELTO_API CRasterBand {
     friend class zelto::CachedRegion;
     friend class zelto::DisplayMapping;
 
+    /// Construction for a source: the statistics are taken when something first asks for them.
+    /// @param light take the range only, as the light construction does
+    CRasterBand(GDALRasterBand* band, bool light,
+                std::shared_ptr<zelto::StatisticsOnDemand> source);
+
     void ReadBasics();
     void BuildOverviewBands();
-    void SetStandardDeviationBounds();
+    void SetStandardDeviationBounds() const;
+    /// Makes sure that the statistics are there; answers the band itself.
+    const CRasterBand& TakeStatistics() const {
+        if (m_pending)
+            TakePendingStatistics();
+        return *this;
+    }
+    void TakePendingStatistics() const;
+    void StoreSummary(const zelto::BandSummary& found) const;
 
     bool m_storedMinMaxFixed = false;
     GDALRasterBand* m_band = nullptr;
@@ -204,17 +220,18 @@ class ZELTO_API CRasterBand {
     bool m_hasColorTable = false;
     GDALColorTable* m_colorTable = nullptr;
     double m_autoLevelThreshold = 0.01;
-    double m_minimum = 0.0;
-    double m_maximum = 0.0;
-    double m_mean = 0.0;
-    double m_standardDeviation = 0.0;
+    // Statistics and bounds are read through the accessors, which make sure that they are there.
+    mutable double m_minimum = 0.0;
+    mutable double m_maximum = 0.0;
+    mutable double m_mean = 0.0;
+    mutable double m_standardDeviation = 0.0;
     CRasterHistogram* m_histogram = nullptr;       ///< owned
     CRasterHistogram* m_customHistogram = nullptr; ///< owned
     StretchType m_stretchType = StretchNone;
     CImgEnhance* m_enhancer = nullptr;        ///< owned
     CImgStretch* m_stretchFunction = nullptr; ///< owned
-    double m_stdDevUpper = 0.0;
-    double m_stdDevLower = 0.0;
+    mutable double m_stdDevUpper = 0.0;
+    mutable double m_stdDevLower = 0.0;
     double* m_cache = nullptr; ///< owned; m_cacheWidth × m_cacheHeight
     int m_cacheWidth = 0;
     int m_cacheHeight = 0;
@@ -222,4 +239,6 @@ class ZELTO_API CRasterBand {
     int m_cacheYOff = 0;
     int m_cacheXSize = 0;
     int m_cacheYSize = 0;
+    /// Set for the bands of a source that is open for reading, and never changed.
+    std::unique_ptr<zelto::PendingStatistics> m_pending;
 };

@@ -8,6 +8,9 @@ bool CRasterBand::IsNoData(double v) const {
 }
 
 bool CRasterBand::SetNoDataValue(double value, bool writeToFile) {
+    // A virtual raster fills its gaps with the value, which must not change what is found.
+    if (writeToFile)
+        TakeStatistics();
     if (writeToFile && (m_band == nullptr || m_band->SetNoDataValue(value) != CE_None))
         return false;
     m_noDataValue = value;

@@ -32,6 +32,11 @@ CRasterBand* CRasterSource::GetRasterBand(int index) const {
     return m_bands[static_cast<std::size_t>(index)];
 }
 
+void CRasterSource::TakeStatistics() const {
+    for (const CRasterBand* band : m_bands)
+        band->TakeStatistics();
+}
+
 CRasterSource* CRasterSource::GetSubRaster(int index) const {
     if (index < 0 || index >= GetSubRasterCount())
         return nullptr;

@@ -16,11 +16,13 @@ class CRasterAOI;
 class CRasterBand;
 class GDALDataset;
 class GDALDriver;
+class GDALRasterBand;
 class OGRSpatialReference;
 
 namespace zelto {
+class StatisticsOnDemand;
 struct RasterLayout;
-}
+} // namespace zelto
 
 /// A raster file (or a warped view of one) with its bands, pixel grid, georeferencing and
 /// display settings.
@@ -96,6 +98,13 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     GISError OpenAndWarped(const wchar_t* path, GISDataAccess access, const char* targetSrs);
     /// Opens the stored path again. The access member keeps its value.
     GISError Reopen(GISDataAccess access, bool lightBands);
+    /// Whether the bands take their statistics while the source is opened, also for reading. By
+    /// default a source that is open for reading takes those of a band when something first asks
+    /// for them (an accessor, a drawing, a histogram), with the same result; one that is open
+    /// for writing always takes them at opening. Set it before opening. An addition to the fixed
+    /// interface.
+    void SetSampleAtOpening(bool sample) { m_sampleAtOpening = sample; }
+    bool IsSampledAtOpening() const { return m_sampleAtOpening; }
 
     // What the raster is.
 
@@ -296,6 +305,13 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     void InvertGeoTransform();
     void ReadReference();
     void ReadBands(bool lightBands);
+    /// The engine's band of a GDAL band; null when memory does not suffice.
+    /// @param onDemand takes the statistics later; null: the band takes them at once
+    std::unique_ptr<CRasterBand>
+    MakeBand(GDALRasterBand* band, bool light,
+             const std::shared_ptr<zelto::StatisticsOnDemand>& onDemand) const;
+    /// Has every band take its statistics, before something changes what they would be.
+    void TakeStatistics() const;
     /// Whether a pixel lies in the raster; the reason is left where it does not.
     bool IsInside(int col, int row) const;
     /// Creates the raster at the stored path, keeps it open and reads its information.
@@ -359,4 +375,5 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     unsigned char* m_rgbCache = nullptr; ///< owned once set
     double* m_showDensity = nullptr;     ///< owned
     bool m_useRgbCache = false;
+    bool m_sampleAtOpening = false;
 };

@@ -5,6 +5,7 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/RasterLog.h"
+#include "zelto/raster/internal/StatisticsOnDemand.h"
 
 #include <gdal_priv.h>
 #include <gdalwarper.h>
@@ -29,17 +30,6 @@ void ForceNorthUp(double* geoTransform) {
     geoTransform[2] = 0.0;
     geoTransform[4] = 0.0;
     geoTransform[5] = -std::fabs(geoTransform[5]);
-}
-
-/// The engine's band of a GDAL band; null when memory does not suffice.
-std::unique_ptr<CRasterBand> MakeBand(GDALRasterBand* band, bool light, bool forDisplay) {
-    try {
-        if (light)
-            return std::make_unique<CRasterBand>(false, band);
-        return std::make_unique<CRasterBand>(band, forDisplay, false);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
 }
 
 } // namespace
@@ -130,8 +120,26 @@ void CRasterSource::ReadReference() {
         zelto::LoadSpatialReference(*m_spatialReference, m_wkt.c_str());
 }
 
+std::unique_ptr<CRasterBand>
+CRasterSource::MakeBand(GDALRasterBand* band, bool light,
+                        const std::shared_ptr<zelto::StatisticsOnDemand>& onDemand) const {
+    try {
+        if (onDemand)
+            return std::unique_ptr<CRasterBand>(new CRasterBand(band, light, onDemand));
+        if (light)
+            return std::make_unique<CRasterBand>(false, band);
+        return std::make_unique<CRasterBand>(band, m_forDisplay, false);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void CRasterSource::ReadBands(bool lightBands) {
     m_noDataValues.clear();
+    // What is written later must not change what is found, so a source open for writing looks now.
+    std::shared_ptr<zelto::StatisticsOnDemand> onDemand;
+    if (m_access == GIS_READONLY && !m_sampleAtOpening)
+        onDemand = std::make_shared<zelto::StatisticsOnDemand>();
     const int count = m_dataset->GetRasterCount();
     for (int number = 1; number <= count; ++number) {
         GDALRasterBand* band = m_dataset->GetRasterBand(number);
@@ -139,7 +147,7 @@ void CRasterSource::ReadBands(bool lightBands) {
             continue;
         if (number == 1)
             m_dataType = static_cast<PixelDataType>(band->GetRasterDataType());
-        std::unique_ptr<CRasterBand> made = MakeBand(band, lightBands, m_forDisplay);
+        std::unique_ptr<CRasterBand> made = MakeBand(band, lightBands, onDemand);
         if (!made) {
             zelto::SetLastError(m_filePath, "not enough memory for band " + std::to_string(number));
             continue;

@@ -239,6 +239,7 @@ GISError CRasterSource::OpenAsDataset(const wchar_t* path, GISDataAccess access)
                 continue;
             auto sub = std::make_unique<CRasterSource>();
             sub->SetForDisplay(m_forDisplay);
+            sub->SetSampleAtOpening(m_sampleAtOpening);
             if (sub->OpenAsDataset(name.c_str(), access) == GIS_SUCCESS)
                 AddSubRaster(std::move(sub));
         }
@@ -264,6 +265,7 @@ GISError CRasterSource::OpenSubFiles(const CDatasetOpenInfo& info) {
     for (const std::wstring& name : info.m_subFileNames) {
         auto sub = std::make_unique<CRasterSource>();
         sub->SetForDisplay(m_forDisplay);
+        sub->SetSampleAtOpening(m_sampleAtOpening);
         if (sub->Open(name.c_str(), info.m_access, true) != GIS_SUCCESS)
             continue;
         AddSubRaster(std::move(sub));
@@ -303,11 +305,13 @@ GISError CRasterSource::Reopen(GISDataAccess access, bool lightBands) {
     return Opening([&] {
         if (IsOpened())
             Close();
-        // The access of the first opening stays on record.
         const GISDataAccess recorded = m_access;
-        const bool opened = OpenStoredPath(access);
+        if (!OpenStoredPath(access))
+            return GIS_OPEN_FAILED;
+        const GISError result = GetRasterInfo(m_allowWarp, lightBands);
+        // The access of the first opening stays on record.
         m_access = recorded;
-        return opened ? GetRasterInfo(m_allowWarp, lightBands) : GIS_OPEN_FAILED;
+        return result;
     });
 }
 

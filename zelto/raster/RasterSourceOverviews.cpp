@@ -1,6 +1,6 @@
 #include "zelto/baselib/CommonFun.h"
-#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/FilesAside.h"
+#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
@@ -164,6 +164,7 @@ GISError CRasterSource::BuildOverviews(GDALDataset* dataset, const char* resampl
                              std::to_wstring(dataset->GetRasterYSize()));
         return GIS_SUCCESS;
     }
+    TakeStatistics(); // samples are read from the pyramid where there is one
     return zelto::BuildPyramid(*dataset, order) ? GIS_SUCCESS : GIS_FAILED;
 }
 

@@ -35,15 +35,19 @@ bool DisplayMapping::IsSinglePixel(const CRasterBand& band) {
 /// The stretches that need no stretch-function object; calls `use` with the one chosen.
 template <typename Use>
 auto DisplayMapping::Choose(CRasterBand& band, Use use) {
-    const DisplayRange range{band.m_minimum, band.m_maximum};
-    const bool isByte = band.m_dataType == PDT_Byte;
-    if (band.m_stretchType == StretchNone || IsSinglePixel(band))
-        return isByte ? use(PassThrough{}) : use(InnerMinMax{range});
+    // A single pixel has no range of its own: it is shown as it is. Bytes need no range, and
+    // asking for it may mean sampling the band.
+    const bool asIs = band.m_stretchType == StretchNone || IsSinglePixel(band);
+    if (asIs && band.m_dataType == PDT_Byte)
+        return use(PassThrough{});
+    const DisplayRange range{band.GetMinimum(), band.GetMaximum()};
+    if (asIs)
+        return use(InnerMinMax{range});
 
     switch (band.m_stretchType) {
     case StretchStdDev:
-        return use(StandardDeviation{band.m_mean, band.m_standardDeviation, band.m_stdDevLower,
-                                     band.m_stdDevUpper});
+        return use(StandardDeviation{band.GetMean(), band.GetStandardDeviation(),
+                                     band.GetStdDevLowerBound(), band.GetStdDevUpperBound()});
     case StretchHistEqualize:
         if (band.m_histogram != nullptr)
             return use(Equalized{HistogramLookup(*band.m_histogram)});
@@ -77,7 +81,7 @@ auto DisplayMapping::Choose(CRasterBand& band, Use use) {
 /// The stretches through the band's stretch-function object.
 template <typename Use>
 auto DisplayMapping::ChooseFunction(CRasterBand& band, Use use) {
-    const DisplayRange range{band.m_minimum, band.m_maximum};
+    const DisplayRange range{band.GetMinimum(), band.GetMaximum()};
     const CImgStretch& object = *band.m_stretchFunction;
     if (band.m_stretchType == StretchWallis)
         return ThroughObject(object, WrappedNormalised{range}, use);

@@ -1,0 +1,333 @@
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+
+#include "tests/support/RasterFile.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestData.h"
+#include "tests/support/Text.h"
+
+#include <gdal_priv.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+using zelto::test::MakePixels;
+using zelto::test::Pixels;
+using zelto::test::TemporaryFolder;
+
+namespace {
+
+/// A source and everything it answered, as bits.
+struct Host {
+    CRasterSource source;
+    std::vector<std::uint64_t> answers;
+
+    void Note(double value) { answers.push_back(std::bit_cast<std::uint64_t>(value)); }
+    void NoteStatistics(const CRasterBand& band) {
+        Note(band.GetMinimum());
+        Note(band.GetMaximum());
+        Note(band.GetMean());
+        Note(band.GetStandardDeviation());
+        Note(band.GetStdDevLowerBound());
+        Note(band.GetStdDevUpperBound());
+    }
+};
+
+/// One call of a host, chosen by number, with arguments from `random`.
+void Act(Host& host, int action, std::mt19937 random) {
+    CRasterSource& source = host.source;
+    CRasterBand* band =
+        source.GetRasterBand(static_cast<int>(random() % std::max(source.GetBandCount(), 1)));
+    if (band == nullptr)
+        return;
+    const auto stretch = static_cast<StretchType>(random() % 10);
+    double values[4] = {};
+    std::array<int, 32> counts{};
+    CBoundingBox box = source.GetExtent();
+    std::vector<unsigned char> picture(std::size_t{24} * 24 * 4);
+    switch (action) {
+    case 0:
+        host.Note(band->GetMean());
+        break;
+    case 1:
+        host.NoteStatistics(*band);
+        break;
+    case 2:
+        band->SetNoDataValue(static_cast<double>(random() % 200), false);
+        break;
+    case 3:
+        band->ClearNoDataValue(false);
+        break;
+    case 4:
+        host.Note(band->ComputeMinMax(&values[0], &values[1], random() % 2 == 0));
+        host.Note(values[0]);
+        host.Note(values[1]);
+        break;
+    case 5:
+        band->StoreMinMax(-3.0, 1000.0);
+        break;
+    case 6:
+        host.Note(band->ComputeStatics(&values[0], &values[1], &values[2], &values[3],
+                                       random() % 2 == 0, nullptr));
+        for (const double value : values)
+            host.Note(value);
+        break;
+    case 7:
+        host.Note(band->EnableHistogramEqualize());
+        break;
+    case 8:
+        band->SetStretchType(stretch);
+        host.Note(band->Convert2ShowValue(static_cast<double>(random() % 300)));
+        break;
+    case 9:
+        host.Note(band->Convert2Byte(static_cast<double>(random() % 300)));
+        break;
+    case 10:
+        source.SetStretchType(stretch);
+        host.Note(source.GetShowData(&box, 24, 24, picture.data(), true));
+        host.answers.insert(host.answers.end(), picture.begin(), picture.end());
+        break;
+    case 11:
+        host.Note(band->GetHistogram(0.0, 255.0, 32, counts.data(), false, true, nullptr));
+        host.answers.insert(host.answers.end(), counts.begin(), counts.end());
+        break;
+    case 12:
+        for (int i = 0; i < band->GetOverviewCount(); ++i)
+            host.NoteStatistics(*band->GetOverview(i));
+        break;
+    case 13:
+        host.Note(source.Reopen(GIS_READONLY, random() % 2 == 0));
+        break;
+    case 14: {
+        CRasterSource other;
+        other.CopyDisplaySetting(&source);
+        host.Note(other.GetStretchType());
+        break;
+    }
+    default:
+        host.Note(band->SetNoDataValue(static_cast<double>(random() % 200), true));
+        break;
+    }
+}
+
+constexpr int ACTIONS = 16;
+
+enum class Opening { Display, Plain, Simple };
+
+bool OpenAs(CRasterSource& source, const std::string& path, Opening opening) {
+    source.SetForDisplay(opening != Opening::Plain);
+    const std::wstring wide = zelto::test::Wide(path);
+    const GISError result = opening == Opening::Simple
+                                ? source.OpenSimple(wide.c_str(), GIS_READONLY, true)
+                                : source.Open(wide.c_str(), GIS_READONLY, true);
+    return result == GIS_SUCCESS;
+}
+
+/// Both ways of opening, the same calls in the same order, the same answers. Each has a folder
+/// of its own, because a no-data value may be written beside the file.
+void ExpectSameAnswers(const std::string& eagerPath, const std::string& path, unsigned seed) {
+    for (const Opening opening : {Opening::Display, Opening::Plain, Opening::Simple}) {
+        Host eager;
+        Host host;
+        eager.source.SetSampleAtOpening(true);
+        if (!OpenAs(eager.source, eagerPath, opening))
+            continue;
+        ASSERT_TRUE(OpenAs(host.source, path, opening));
+        std::mt19937 random(seed);
+        for (int step = 0; step < 12; ++step) {
+            const int action = static_cast<int>(random() % ACTIONS);
+            const std::mt19937 arguments(random());
+            Act(eager, action, arguments);
+            Act(host, action, arguments);
+            ASSERT_EQ(eager.answers, host.answers)
+                << path << ", opening " << static_cast<int>(opening) << ", step " << step
+                << ", action " << action << ", seed " << seed;
+        }
+        for (int i = 0; i < host.source.GetBandCount(); ++i) {
+            eager.NoteStatistics(*eager.source.GetRasterBand(i));
+            host.NoteStatistics(*host.source.GetRasterBand(i));
+        }
+        EXPECT_EQ(eager.answers, host.answers) << path << ", seed " << seed;
+    }
+}
+
+class StatisticsOnDemand : public testing::Test {
+  protected:
+    StatisticsOnDemand() { CGISDataSource::RegisterGDAL(); }
+    ~StatisticsOnDemand() override { CGISDataSource::DestroyGDAL(); }
+
+    std::wstring Write(const std::string& name, const zelto::test::RasterSpec& spec,
+                       const std::vector<Pixels>& bands) {
+        return zelto::test::Wide(zelto::test::WriteRaster(m_folder.File(name), spec, bands));
+    }
+
+    TemporaryFolder m_folder;
+};
+
+int s_errors = 0;
+
+void CPL_STDCALL CountErrors(CPLErr severity, CPLErrorNum /*number*/, const char* /*message*/) {
+    s_errors += severity >= CE_Failure ? 1 : 0;
+}
+
+const Pixels RAMP = MakePixels(90, 70, [](int c, int r) { return (c * 7 + r * 13) % 251; });
+
+} // namespace
+
+TEST_F(StatisticsOnDemand, OpeningForReadingReadsNoPixels) {
+    const std::wstring path = Write("broken.tif",
+                                    {.width = 90,
+                                     .height = 70,
+                                     .type = GDT_Int16,
+                                     .options = {"COMPRESS=DEFLATE", "BLOCKYSIZE=70"}},
+                                    {RAMP});
+    // The directory stays, the compressed samples become rubbish.
+    GDALDatasetUniquePtr dataset(
+        GDALDataset::Open(m_folder.File("broken.tif").c_str(), GDAL_OF_RASTER));
+    const char* offset = dataset->GetRasterBand(1)->GetMetadataItem("BLOCK_OFFSET_0_0", "TIFF");
+    ASSERT_NE(offset, nullptr);
+    std::string bytes = zelto::test::ReadFile(m_folder.Path() / "broken.tif");
+    bytes.replace(std::stoul(offset), 64, 64, '\xFF');
+    dataset.reset();
+    zelto::test::WriteFile(m_folder.Path() / "broken.tif", bytes);
+    const CPLErrorHandlerPusher counting(CountErrors);
+    s_errors = 0;
+    CRasterSource source;
+    ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(s_errors, 0) << "nothing has been read";
+    EXPECT_EQ(source.GetRasterBand(0)->GetMinimum(), -32768.0);
+    EXPECT_GT(s_errors, 0);
+    EXPECT_EQ(source.GetRasterBand(0)->GetMaximum(), 32768.0);
+    EXPECT_EQ(source.GetRasterBand(0)->GetMean(), 0.0);
+
+    s_errors = 0;
+    CRasterSource eager;
+    eager.SetSampleAtOpening(true);
+    ASSERT_EQ(eager.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_GT(s_errors, 0) << "the bands are sampled at opening";
+}
+
+TEST_F(StatisticsOnDemand, ANoDataValueSetInMemoryComesTooLate) {
+    const std::wstring path = Write("a.tif", {.width = 2, .height = 1, .noData = 4.0}, {{4, 20}});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    CRasterBand& band = *source.GetRasterBand(0);
+    band.SetNoDataValue(20.0, false);
+    EXPECT_EQ(band.GetMinimum(), 20.0);
+    EXPECT_EQ(band.GetMean(), 20.0);
+}
+
+TEST_F(StatisticsOnDemand, APyramidBuiltLaterChangesNothing) {
+    constexpr int SIDE = 3000;
+    const std::wstring path =
+        Write("large.tif", {.width = SIDE, .height = SIDE, .type = GDT_UInt16},
+              {MakePixels(SIDE, SIDE, [](int c, int r) { return (c * 31 + r * 17) % 9973; })});
+    CRasterSource eager;
+    eager.SetSampleAtOpening(true);
+    ASSERT_EQ(eager.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    const double mean = eager.GetRasterBand(0)->GetMean();
+    eager.Close();
+    CRasterSource source;
+    ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    ASSERT_EQ(source.BuildOverviews("AVERAGE", 0, nullptr, nullptr), GIS_SUCCESS);
+    EXPECT_EQ(source.GetRasterBand(0)->GetMean(), mean);
+}
+
+TEST_F(StatisticsOnDemand, ASourceOpenForUpdateLooksAtOpening) {
+    const std::wstring path = Write("a.tif", {.width = 2, .height = 1}, {{10, 20}});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(path.c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    unsigned char value = 200;
+    ASSERT_EQ(source.SetPixel(&value, 0, 0), GIS_SUCCESS);
+    EXPECT_EQ(source.GetRasterBand(0)->GetMaximum(), 20.0);
+}
+
+TEST_F(StatisticsOnDemand, ReopeningForUpdateLooksAtOpeningToo) {
+    const std::wstring path = Write("a.tif", {.width = 2, .height = 1}, {{10, 20}});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    ASSERT_EQ(source.Reopen(GIS_UPDATE, false), GIS_SUCCESS);
+    EXPECT_EQ(source.GetAccess(), GIS_READONLY) << "the access of the first opening";
+    unsigned char value = 200;
+    ASSERT_EQ(source.SetPixel(&value, 0, 0), GIS_SUCCESS);
+    EXPECT_EQ(source.GetRasterBand(0)->GetMaximum(), 20.0);
+}
+
+TEST_F(StatisticsOnDemand, ManyThreadsMayBeTheFirstToAsk) {
+    const auto band = [](int b) {
+        return MakePixels(400, 300,
+                          [b](int c, int r) { return (c * 7 + r * 13 + b * 31) % 60000; });
+    };
+    const std::wstring path = Write("bands.tif",
+                                    {.width = 400,
+                                     .height = 300,
+                                     .type = GDT_UInt16,
+                                     .options = {"INTERLEAVE=PIXEL", "COMPRESS=DEFLATE"}},
+                                    {band(0), band(1), band(2), band(3)});
+    Host eager;
+    eager.source.SetSampleAtOpening(true);
+    ASSERT_EQ(eager.source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    for (int b = 0; b < 4; ++b)
+        eager.NoteStatistics(*eager.source.GetRasterBand(b));
+    for (int round = 0; round < 20; ++round) {
+        Host host;
+        ASSERT_EQ(host.source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+        std::array<std::vector<std::uint64_t>, 8> answers;
+        {
+            std::vector<std::jthread> threads;
+            for (std::size_t t = 0; t < answers.size(); ++t)
+                threads.emplace_back([&, t] {
+                    for (std::size_t i = 0; i < 4; ++i)
+                        answers[t].push_back(std::bit_cast<std::uint64_t>(
+                            host.source.GetRasterBand(static_cast<int>((t + i) % 4))->GetMean()));
+                });
+        }
+        for (int b = 0; b < 4; ++b)
+            host.NoteStatistics(*host.source.GetRasterBand(b));
+        EXPECT_EQ(host.answers, eager.answers);
+        for (std::size_t t = 0; t < answers.size(); ++t)
+            for (std::size_t i = 0; i < 4; ++i)
+                EXPECT_EQ(answers[t][i], eager.answers[(t + i) % 4 * 6 + 2]);
+    }
+}
+
+TEST_F(StatisticsOnDemand, AnswersWhatSamplingAtOpeningAnswersInAnyOrder) {
+    const unsigned seed = std::random_device{}();
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    for (const std::string name : {"plain.tif", "nodata.tif", "float.tif", "pyramid.tif"}) {
+        zelto::test::RasterSpec spec{.width = 90, .height = 70, .type = GDT_UInt16};
+        if (name == "nodata.tif")
+            spec.noData = 3.0;
+        if (name == "float.tif")
+            spec.type = GDT_Float32;
+        if (name == "pyramid.tif")
+            spec.overviews = {2, 4};
+        for (unsigned round = 0; round < 10; ++round) {
+            const TemporaryFolder first;
+            const TemporaryFolder second;
+            ExpectSameAnswers(zelto::test::WriteRaster(first.File(name), spec, {RAMP, RAMP, RAMP}),
+                              zelto::test::WriteRaster(second.File(name), spec, {RAMP, RAMP, RAMP}),
+                              seed + round);
+        }
+    }
+}
+
+TEST_F(StatisticsOnDemand, AnswersTheSameForTheRealRasters) {
+    ZELTO_REQUIRE_TEST_DATA();
+    const unsigned seed = std::random_device{}();
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const TemporaryFolder first;
+    const TemporaryFolder second;
+    for (const auto* folder : {&first, &second})
+        fs::copy(zelto::test::TestDataFile("raster/src"), folder->Path(),
+                 fs::copy_options::recursive);
+    for (const std::string& name : first.Names())
+        ExpectSameAnswers(first.File(name), second.File(name), seed);
+}
