@@ -13,34 +13,11 @@ namespace zelto {
 
 namespace {
 
-/// The samples that stand for a whole band, at most 2048 along its longer side.
-struct SampleGrid {
-    int columns;
-    int rows;
-
-    SampleGrid(int width, int height) : columns(width), rows(height) {
-        constexpr int MAX_SIDE = 2048;
-        const int longer = std::max(width, height);
-        if (longer <= MAX_SIDE)
-            return;
-        const double factor = static_cast<double>(longer) / MAX_SIDE;
-        columns = Side(width, factor);
-        rows = Side(height, factor);
-    }
-
-  private:
-    /// Rounded, and at least 1.
-    static int Side(int side, double factor) {
-        return std::max(static_cast<int>(side / factor + 0.5), 1);
-    }
-};
-
 /// Reads the grid in one go, as samples of `type`, and adds it up.
 template <typename Sample>
-bool AddSamples(GDALRasterBand& band, SampleGrid grid, GDALDataType type,
+bool AddSamples(GDALRasterBand& band, StatisticsGrid grid, GDALDataType type,
                 SampleStatistics& statistics) {
-    const std::size_t count =
-        static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows);
+    const std::size_t count = grid.Count();
     const std::unique_ptr<Sample[]> samples(new (std::nothrow) Sample[count]);
     if (!samples || band.RasterIO(GF_Read, 0, 0, band.GetXSize(), band.GetYSize(), samples.get(),
                                   grid.columns, grid.rows, type, 0, 0, nullptr) != CE_None)
@@ -51,7 +28,7 @@ bool AddSamples(GDALRasterBand& band, SampleGrid grid, GDALDataType type,
 
 /// The types whose every value a double holds are read as they are, which moves less memory
 /// than a grid of doubles and comes to the same; the others and virtual bands as doubles.
-bool AddSamples(GDALRasterBand& band, SampleGrid grid, SampleStatistics& statistics) {
+bool AddSamples(GDALRasterBand& band, StatisticsGrid grid, SampleStatistics& statistics) {
     const GDALDataType type = IsVirtual(&band) ? GDT_Float64 : band.GetRasterDataType();
     switch (type) {
     case GDT_Byte:
@@ -71,14 +48,29 @@ bool AddSamples(GDALRasterBand& band, SampleGrid grid, SampleStatistics& statist
     }
 }
 
+/// Rounded, and at least 1.
+int ReducedSide(int side, double factor) {
+    return std::max(static_cast<int>(side / factor + 0.5), 1);
+}
+
 } // namespace
+
+StatisticsGrid::StatisticsGrid(int width, int height) : columns(width), rows(height) {
+    constexpr int MAX_SIDE = 2048;
+    const int longer = std::max(width, height);
+    if (longer <= MAX_SIDE)
+        return;
+    const double factor = static_cast<double>(longer) / MAX_SIDE;
+    columns = ReducedSide(width, factor);
+    rows = ReducedSide(height, factor);
+}
 
 bool SampleBand(GDALRasterBand& band, const double* noData, const double* excluded,
                 BandSummary& found) {
     if (!CanHoldBlocks(band))
         return false;
     SampleStatistics statistics(noData, excluded);
-    if (!AddSamples(band, SampleGrid(band.GetXSize(), band.GetYSize()), statistics))
+    if (!AddSamples(band, StatisticsGrid(band.GetXSize(), band.GetYSize()), statistics))
         return false;
     statistics.Report(found.minimum, found.maximum, found.mean, found.standardDeviation);
     return true;

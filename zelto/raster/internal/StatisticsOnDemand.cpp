@@ -2,9 +2,22 @@
 
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/JointSampling.h"
 #include "zelto/raster/internal/StatisticsBand.h"
 
+#include <algorithm>
+
 namespace zelto {
+
+namespace {
+
+/// Whether both bands are samples of the same pixels, in the same form.
+bool AreAlike(GDALRasterBand& a, GDALRasterBand& b) {
+    return a.GetDataset() == b.GetDataset() && a.GetXSize() == b.GetXSize() &&
+           a.GetYSize() == b.GetYSize() && a.GetRasterDataType() == b.GetRasterDataType();
+}
+
+} // namespace
 
 BandSummary ApproximateRange(GDALRasterBand& band) {
     double range[2] = {0.0, 0.0};
@@ -39,10 +52,48 @@ BandSummary StatisticsOnDemand::Of(std::size_t number) {
 }
 
 void StatisticsOnDemand::Take(Member& member) {
-    member.found =
-        member.kind == Kind::Range
-            ? ApproximateRange(*member.band)
-            : SampledOrTypeRange(*member.band, member.noData ? &*member.noData : nullptr);
+    if (member.kind == Kind::Sampled)
+        TakeJointly(member);
+    if (!member.found)
+        member.found =
+            member.kind == Kind::Range
+                ? ApproximateRange(*member.band)
+                : SampledOrTypeRange(*member.band, member.noData ? &*member.noData : nullptr);
+}
+
+/// Whoever asks for one band mostly asks for the others next.
+void StatisticsOnDemand::TakeJointly(const Member& wanted) {
+    const std::vector<Member*> pass = MembersOfOnePass(wanted);
+    std::vector<JointBand> bands;
+    for (const Member* member : pass)
+        bands.push_back({member->band, member->noData});
+    const std::vector<BandSummary> found = SampleJointly(bands);
+    for (std::size_t i = 0; i < found.size(); ++i)
+        pass[i]->found = found[i];
+}
+
+std::vector<StatisticsOnDemand::Member*>
+StatisticsOnDemand::MembersOfOnePass(const Member& wanted) {
+    if (!CanSampleJointly(*wanted.band))
+        return {};
+    const StatisticsGrid grid(wanted.band->GetXSize(), wanted.band->GetYSize());
+    const std::size_t bytesOfBand =
+        grid.Count() *
+        static_cast<std::size_t>(GDALGetDataTypeSizeBytes(wanted.band->GetRasterDataType()));
+    const auto most = static_cast<std::size_t>(JOINT_SAMPLING_BYTES) / bytesOfBand;
+    std::vector<Member*> pass;
+    for (Member& member : m_members) {
+        if (member.kind != Kind::Sampled || member.found || !AreAlike(*member.band, *wanted.band))
+            continue;
+        pass.push_back(&member);
+        if (pass.size() < most)
+            continue;
+        if (std::find(pass.begin(), pass.end(), &wanted) != pass.end())
+            return pass;
+        pass.clear();
+    }
+    return std::find(pass.begin(), pass.end(), &wanted) != pass.end() ? pass
+                                                                      : std::vector<Member*>{};
 }
 
 } // namespace zelto

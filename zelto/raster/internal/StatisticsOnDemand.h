@@ -13,7 +13,8 @@ namespace zelto {
 
 /// The statistics of the bands of one data set, taken when something first asks for those of a
 /// band. What the outcome depends on is remembered when a band is added, so that it is the same
-/// whenever that happens. Several threads may ask at once: one reads, the others wait.
+/// whenever that happens. Bands whose samples a file stores together are sampled together.
+/// Several threads may ask at once: one reads, the others wait.
 class StatisticsOnDemand {
   public:
     enum class Kind {
@@ -36,6 +37,10 @@ class StatisticsOnDemand {
     };
 
     void Take(Member& member);
+    void TakeJointly(const Member& wanted);
+    /// The bands that are sampled together with the wanted one, and it; empty when it is sampled
+    /// alone.
+    std::vector<Member*> MembersOfOnePass(const Member& wanted);
 
     std::mutex m_reading;
     std::vector<Member> m_members;
