@@ -5,7 +5,10 @@
 #include "tests/support/RecordingProgress.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <numeric>
+#include <random>
 
 using namespace zelto::test;
 
@@ -160,6 +163,38 @@ TEST_F(RegionStatistics, ALargeMeanDoesNotDrownTheDeviation) {
     EXPECT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
     EXPECT_EQ(statistics.GetBands()[0].mean, 1e9);
     EXPECT_DOUBLE_EQ(statistics.GetBands()[0].standardDeviation, 0.5);
+}
+
+TEST_F(RegionStatistics, TheCovarianceIsFoundInOnePassAroundLargeMeansToo) {
+    constexpr int SIDE = 600; // several strips
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    std::normal_distribution<double> noise(0.0, 1.0);
+    std::vector<Pixels> bands(3);
+    for (int p = 0; p < SIDE * SIDE; ++p) {
+        const double shared = noise(random);
+        bands[0].push_back(1e9 + shared);
+        bands[1].push_back(-3e8 + p * 1e-5 + shared);
+        bands[2].push_back(5.0 + noise(random));
+    }
+    auto source = Open(UnitSpec(SIDE, SIDE, GDT_Float64), bands);
+    CRegionStatistics statistics(source.get());
+    RecordingProgress progress;
+    EXPECT_EQ(statistics.ComputeCovariance(&progress), GIS_SUCCESS);
+    EXPECT_EQ(progress.m_stages.size(), 1U);
+    std::array<long double, 3> means{};
+    for (std::size_t b = 0; b < 3; ++b)
+        means[b] = std::accumulate(bands[b].begin(), bands[b].end(), 0.0L) / (SIDE * SIDE);
+    for (std::size_t a = 0; a < 3; ++a)
+        for (std::size_t b = 0; b < 3; ++b) {
+            long double sum = 0.0L;
+            for (std::size_t p = 0; p < bands[a].size(); ++p)
+                sum += (bands[a][p] - means[a]) * (bands[b][p] - means[b]);
+            EXPECT_NEAR(statistics.GetCovariance()[a * 3 + b],
+                        static_cast<double>(sum / (SIDE * SIDE)), 1e-9)
+                << a << " " << b;
+        }
 }
 
 TEST_F(RegionStatistics, ReportProgressAndCanBeCancelled) {

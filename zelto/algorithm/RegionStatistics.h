@@ -70,7 +70,8 @@ class ZELTO_API CRegionStatistics {
     ///         object cancelled; a region without pixels succeeds with counts of 0
     GISError Compute(CDataProgress* progress);
     /// Covariance matrix of the pixels that have a value in every band, around those pixels'
-    /// means.
+    /// means. The region is read once: strips are measured around their own means and merged,
+    /// which loses nothing where means are large.
     GISError ComputeCovariance(CDataProgress* progress);
     /// Values that `low` and `high` percent of each band's values do not exceed, interpolated
     /// between the two values around position (count − 1) × percent / 100 of the sorted values.

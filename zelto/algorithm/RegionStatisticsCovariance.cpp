@@ -1,12 +1,13 @@
 #include "zelto/algorithm/RegionStatistics.h"
-#include "zelto/algorithm/internal/CovarianceSums.h"
+#include "zelto/algorithm/internal/PreciseCovariance.h"
 #include "zelto/algorithm/internal/PreciseMoments.h"
 #include "zelto/algorithm/internal/RegionScan.h"
 #include "zelto/aoi/DrawRectangle.h"
 #include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/raster/RasterSource.h"
 
-#include <optional>
+#include <span>
+#include <vector>
 
 namespace {
 
@@ -47,24 +48,6 @@ class CompletePixels {
     std::vector<std::vector<double>> m_values;
 };
 
-/// Means of the complete pixels; nothing when they cannot be read.
-std::optional<std::vector<double>> MeansOf(const zelto::RegionScan& scan, CompletePixels& pixels,
-                                           CDataProgress* progress) {
-    std::vector<zelto::PreciseMoments> moments(scan.Bands().size());
-    const auto add = [&](std::span<const double*> samples, const zelto::RegionSpans& spans) {
-        pixels.Select(samples, scan.Width(), spans);
-        for (std::size_t b = 0; b < moments.size(); ++b)
-            moments[b].Add(pixels.Of(b));
-    };
-    if (!scan.Visit(TITLE, progress, add))
-        return std::nullopt;
-    std::vector<double> means;
-    means.reserve(moments.size());
-    for (const zelto::PreciseMoments& band : moments)
-        means.push_back(band.Mean());
-    return means;
-}
-
 } // namespace
 
 GISError CRegionStatistics::ComputeCovariance(CDataProgress* progress) {
@@ -73,23 +56,18 @@ GISError CRegionStatistics::ComputeCovariance(CDataProgress* progress) {
             return GIS_FAILED;
         const zelto::RegionScan scan = MakeScan();
         CompletePixels pixels(scan.Bands());
-        const auto means = MeansOf(scan, pixels, progress);
-        if (!means)
-            return GIS_FAILED;
-        m_covariance.assign(means->size() * means->size(), 0.0);
-        m_covarianceCount = 0;
-        zelto::CovarianceSums sums(scan.Bands(), means->data(), m_covariance.data());
-        std::vector<const double*> values(means->size());
+        zelto::PreciseCovariance covariance(scan.Bands());
+        std::vector<const double*> values(scan.Bands().size());
         const auto add = [&](std::span<const double*> samples, const zelto::RegionSpans& spans) {
             pixels.Select(samples, scan.Width(), spans);
             for (std::size_t b = 0; b < values.size(); ++b)
                 values[b] = pixels.Of(b).data();
-            sums.AddRun(values, 0, pixels.Count());
-            m_covarianceCount += static_cast<__int64>(pixels.Count());
+            covariance.Add(values, pixels.Count());
         };
         if (!scan.Visit(TITLE, progress, add))
             return GIS_FAILED;
-        sums.Finish(m_covarianceCount);
+        m_covariance = covariance.Matrix();
+        m_covarianceCount = covariance.Count();
         return GIS_SUCCESS;
     });
 }
