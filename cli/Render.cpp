@@ -132,28 +132,22 @@ Picture DrawMasked(CRasterSource& source, const View& view, const Options& optio
     // The source adjusts the contrast of as many planes as bands are shown; a picture of a single
     // band has three alike.
     source.m_contrast = 0.0F;
+    std::vector<unsigned char> inside(size);
     CBoundingBox box = view.box;
-    FailWithoutPixels(source.GetShowData(&box, view.width, view.height, 3, pointers, &area, false),
-                      options.file);
+    FailWithoutPixels(
+        source.GetMaskedShowData(&box, view.width, view.height, 3, pointers, &area, inside.data()),
+        options.file);
     CRasterAlgorithm::AdjustContrast(pointers, view.width, view.height, options.contrast, 3);
 
     Picture picture(view.width, view.height);
-    const double dx = box.GetWidth() / view.width;
-    const double dy = box.GetHeight() / view.height;
     const auto opaque =
         static_cast<unsigned char>(std::lround(255.0 * (1.0 - options.transparency)));
-    for (std::size_t i = 0; i < size; ++i) {
-        const std::size_t x = i % view.width;
-        const std::size_t y = i / view.width;
-        double column = 0.0;
-        double row = 0.0;
-        source.GroundToImage(box.GetLeft() + (static_cast<double>(x) + 0.5) * dx,
-                             box.GetTop() - (static_cast<double>(y) + 0.5) * dy, column, row);
-        const bool inside = area.IsdfInAOI(column, row);
-        unsigned char* pixel = picture.pixels.data() + i * 4;
+    const unsigned char outside = options.outside == "black" ? opaque : 0;
+    unsigned char* pixel = picture.pixels.data();
+    for (std::size_t i = 0; i < size; ++i, pixel += 4) {
         for (int channel = 0; channel < 3; ++channel)
-            pixel[channel] = inside ? planes[2 - channel][i] : 0;
-        pixel[3] = inside || options.outside == "black" ? opaque : 0;
+            pixel[channel] = inside[i] != 0 ? planes[2 - channel][i] : 0;
+        pixel[3] = inside[i] != 0 ? opaque : outside;
     }
     return picture;
 }

@@ -26,6 +26,22 @@ struct Covered {
     CRasterAOI area;
 };
 
+/// 1 for the output pixels whose centre lies in the area, asked one by one.
+Bytes PlainMembership(const CRasterSource& source, const CRasterAOI& area, const CBoundingBox& box,
+                      int w, int h) {
+    Bytes inside;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            double column = 0.0;
+            double row = 0.0;
+            source.GroundToImage(box.m_left + (x + 0.5) * (box.GetWidth() / w),
+                                 box.m_top - (y + 0.5) * (box.GetHeight() / h), column, row);
+            inside.push_back(area.IsdfInAOI(column, row) ? 1 : 0);
+        }
+    }
+    return inside;
+}
+
 } // namespace
 
 TEST(PlaneRendering, PlaneKReceivesShownBandK) {
@@ -41,6 +57,21 @@ TEST(PlaneRendering, PlaneKReceivesShownBandK) {
 TEST(PlaneRendering, BandsAreIndependentOfEachOther) {
     ShownRaster source({.width = 2, .height = 1, .noData = 0.0}, {{0, 2}, {11, 0}, {21, 22}});
     EXPECT_EQ(source.Planes(3), (Planes{{0, 2}, {11, 0}, {21, 22}}));
+}
+
+TEST(PlaneRendering, TheMaskedDrawingNeedsAnAreaAndPlaceForItsPixels) {
+    ShownRaster source({.width = 2, .height = 1, .geoTransform = NorthUp(0, 1, 1)}, {{7, 9}});
+    Covered covered(source);
+    CBoundingBox box = source.GetExtent();
+    Bytes plane(2, 91), inside(2, 91);
+    unsigned char* planes[] = {plane.data()};
+    EXPECT_FALSE(source.GetMaskedShowData(&box, 2, 1, 1, planes, nullptr, inside.data()));
+    EXPECT_FALSE(source.GetMaskedShowData(&box, 2, 1, 1, planes, &covered.area, nullptr));
+    EXPECT_FALSE(source.GetMaskedShowData(nullptr, 2, 1, 1, planes, &covered.area, inside.data()));
+    EXPECT_EQ(inside, Bytes(2, 91));
+    EXPECT_TRUE(source.GetMaskedShowData(&box, 2, 1, 1, planes, &covered.area, inside.data()));
+    EXPECT_EQ(inside, Bytes(2, 1));
+    EXPECT_EQ(plane, (Bytes{7, 9}));
 }
 
 TEST(PlaneRendering, OneGreyBandGoesIntoEveryPlane) {
@@ -255,6 +286,14 @@ TEST(MaskedRendering, EqualsThePlainOneThatAsksForEveryPixel) {
             if (plain.touched) {
                 ASSERT_TRUE(planes == plain.planes);
             }
+            const Bytes untouched(static_cast<std::size_t>(w) * h, 7);
+            Bytes inside = untouched;
+            ASSERT_EQ(source.GetMaskedShowData(&box, w, h, planeCount, pointers.data(), &area,
+                                               inside.data()),
+                      plain.succeeded);
+            ASSERT_TRUE(!plain.touched || planes == plain.planes);
+            ASSERT_TRUE(inside ==
+                        (plain.succeeded ? PlainMembership(source, asked, box, w, h) : untouched));
         }
     }
     omp_set_num_threads(before);

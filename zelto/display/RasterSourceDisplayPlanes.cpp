@@ -105,6 +105,9 @@ class PlaneView {
             DrawColors(samples, band);
     }
 
+    /// The area's part of the view; empty without an area.
+    std::span<const unsigned char> Inside() const { return m_mask.Inside(); }
+
   private:
     static void DropTransparent(PackedColor* colors, int count) {
         std::replace_if(
@@ -153,6 +156,21 @@ using namespace zelto;
 
 bool CRasterSource::GetShowData(CBoundingBox* box, int w, int h, int bands, unsigned char** planes,
                                 CRasterAOI* aoi, bool /*flag*/) {
+    return DrawPlanes(box, w, h, bands, planes, aoi, nullptr);
+}
+
+bool CRasterSource::GetMaskedShowData(CBoundingBox* box, int w, int h, int bands,
+                                      unsigned char** planes, CRasterAOI* aoi,
+                                      unsigned char* inside) {
+    return DrawOrTell(*this, [=, this] {
+        return aoi != nullptr && inside != nullptr
+                   ? DrawPlanes(box, w, h, bands, planes, aoi, inside)
+                   : Refuse(noPlaceToDraw);
+    });
+}
+
+bool CRasterSource::DrawPlanes(const CBoundingBox* box, int w, int h, int bands,
+                               unsigned char** planes, CRasterAOI* aoi, unsigned char* inside) {
     return DrawOrTell(*this, [=, this] {
         const PlaneImage image(planes, bands, w, h);
         if (box == nullptr || !image.IsComplete())
@@ -164,6 +182,8 @@ bool CRasterSource::GetShowData(CBoundingBox* box, int w, int h, int bands, unsi
         const bool drawn = DrawShownBands(*this, view, image);
         if (drawn)
             AdjustColors(planes, bands, w, h);
+        if (drawn && inside != nullptr)
+            std::ranges::copy(view.Inside(), inside);
         return drawn;
     });
 }

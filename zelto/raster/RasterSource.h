@@ -214,6 +214,14 @@ class ZELTO_API CRasterSource : public CGISDataSource {
 
     // Display.
 
+    /// As the plane rendering with an area of interest, which also tells where the area is: the
+    /// membership that the drawing itself went by. An addition to the fixed interface.
+    /// @param aoi not null
+    /// @param inside w × h bytes, rows from the top: receives 1 for pixels in the area, 0 for
+    ///        others; untouched when the answer is false
+    /// @return false as the plane rendering, and for null pointers
+    bool GetMaskedShowData(CBoundingBox* box, int w, int h, int bands, unsigned char** planes,
+                           CRasterAOI* aoi, unsigned char* inside);
     /// The interleaved rendering without touching the bands' data caches.
     bool GetShowDataWithoutCache(CBoundingBox* box, int w, int h, unsigned char* out, bool adjust);
     /// Fills the shown bands' caches for a view without drawing it.
@@ -334,6 +342,12 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     /// The interleaved rendering; `keepsCaches` leaves the bands' data caches as they are.
     bool DrawInterleaved(const CBoundingBox* box, int w, int h, unsigned char* out, bool adjust,
                          bool keepsCaches);
+    /// The plane rendering.
+    /// @param aoi may be null
+    /// @param inside receives the membership in `aoi` of every pixel; may be null, must be so
+    ///        without an area
+    bool DrawPlanes(const CBoundingBox* box, int w, int h, int bands, unsigned char** planes,
+                    CRasterAOI* aoi, unsigned char* inside);
     /// Applies hue, intensity, saturation and contrast where they are set.
     void AdjustColors(unsigned char* interleaved, int w, int h) const;
     /// The same for planes: hue, intensity and saturation where there are three, the contrast

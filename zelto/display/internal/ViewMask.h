@@ -3,6 +3,7 @@
 #include "zelto/display/internal/SamplePositions.h"
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 class CRasterAOI;
@@ -25,6 +26,10 @@ class ViewMask {
 
     /// Whether anything may be left out.
     bool IsActive() const { return !m_inside.empty(); }
+
+    /// 1 for every output pixel inside the area and 0 for the others, row by row; empty where
+    /// nothing is left out.
+    std::span<const unsigned char> Inside() const { return m_inside; }
 
     /// Replaces the entries of output pixels (firstColumn … + count − 1, row) outside the area.
     template <typename Entry>
