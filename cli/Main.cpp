@@ -38,6 +38,8 @@ void AddCommands(CLI::App& program) {
 
 int main(int argc, char** argv) {
     zelto::cli::CatchInterrupts();
+    // Long output goes through a buffer of its own, not piece by piece through C's.
+    std::ios::sync_with_stdio(false);
     CLI::App program("zelto: look into, draw, measure, reproject and make raster images.\n"
                      "Bands are numbered from 1; boxes are left,top,right,bottom in ground units.");
     program.set_version_flag("--version", ZELTO_VERSION);

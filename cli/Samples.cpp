@@ -45,11 +45,12 @@ void PrintCsv(const SampleClasses& classes, int bandCount) {
         for (const char c : sampleClass.name)
             name += c == '"' ? "\"\"" : std::string(1, c);
         const std::string start = FormatNumber(sampleClass.label) + ",\"" + name + '"';
+        std::string line;
         for (int i = 0; i < sampleClass.pixels.GetSampleSize(); ++i) {
-            std::cout << start;
-            for (const double value : sampleClass.pixels.Get(i))
-                std::cout << ',' << FormatNumber(value);
-            std::cout << '\n';
+            line = start;
+            for (int b = 0; b < bandCount; ++b)
+                line.append(",").append(FormatNumber(sampleClass.pixels.Get(i, b)));
+            std::cout << line << '\n';
         }
     }
 }

@@ -19,7 +19,7 @@ namespace zelto::bench {
 namespace {
 
 struct SceneLayout {
-    const char* name;
+    std::string name;
     int size;
     int bands;
     GDALDataType type;
@@ -122,6 +122,18 @@ std::string FourBands16Bit() {
 
 std::string ThreeBands8Bit() {
     return Make({"three-bands-8-bit.tif", 10000, 3, GDT_Byte, 255.0, {"INTERLEAVE=PIXEL"}, {}});
+}
+
+std::string PixelInterleaved(int size, Pyramid pyramid) {
+    const bool has = pyramid == Pyramid::Built;
+    return Make({"pixel-interleaved-" + std::to_string(size) + (has ? "-pyramid.tif" : ".tif"),
+                 size,
+                 4,
+                 GDT_UInt16,
+                 10000.0,
+                 {"TILED=YES", "COMPRESS=DEFLATE", "ZLEVEL=1", "NUM_THREADS=ALL_CPUS",
+                  "INTERLEAVE=PIXEL", "BIGTIFF=IF_SAFER"},
+                 has ? std::vector{2, 4, 8, 16, 32, 64} : std::vector<int>{}});
 }
 
 double PeakMemoryMegabytes() {

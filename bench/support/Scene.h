@@ -16,6 +16,13 @@ std::string FourBands16Bit();
 /// the same place.
 std::string ThreeBands8Bit();
 
+/// Whether a scene has overviews.
+enum class Pyramid { None, Built };
+
+/// size × size pixels, four 16-bit bands, DEFLATE, tiled 256 × 256, pixel-interleaved, at the same
+/// place; with nearest overviews 2 … 64 or without any.
+std::string PixelInterleaved(int size, Pyramid pyramid);
+
 /// Peak resident memory of this process, in megabytes: since its start, or since the last
 /// ResetPeakMemory().
 double PeakMemoryMegabytes();

@@ -120,6 +120,12 @@ void GiveNames(SampleClasses& classes, const std::string& text) {
                          " classes");
 }
 
+/// The values of a sample, into a place that is used again and again.
+void ReadSample(const CImgSamplePixels& pixels, int index, std::vector<double>& sample) {
+    for (std::size_t b = 0; b < sample.size(); ++b)
+        sample[b] = pixels.Get(index, static_cast<int>(b));
+}
+
 } // namespace
 
 SampleClasses MakeClasses(const std::string& aoi, const LabelOptions& options,
@@ -171,8 +177,9 @@ SampleStatistics StatisticsOf(const CImgSamplePixels& pixels, int bandCount) {
     result.mean.assign(bands, 0.0);
     result.covariance.assign(bands * bands, 0.0);
     const int count = pixels.GetSampleSize();
+    std::vector<double> sample(bands);
     for (int i = 0; i < count; ++i) {
-        const std::vector<double> sample = pixels.Get(i);
+        ReadSample(pixels, i, sample);
         if (i == 0)
             result.minimum = result.maximum = sample;
         for (std::size_t b = 0; b < bands; ++b) {
@@ -186,7 +193,7 @@ SampleStatistics StatisticsOf(const CImgSamplePixels& pixels, int bandCount) {
     for (double& mean : result.mean)
         mean = count > 0 ? mean / count : 0.0;
     for (int i = 0; i < count; ++i) {
-        const std::vector<double> sample = pixels.Get(i);
+        ReadSample(pixels, i, sample);
         for (std::size_t a = 0; a < bands; ++a)
             for (std::size_t b = 0; b < bands; ++b)
                 result.covariance[a * bands + b] +=
