@@ -16,12 +16,16 @@ struct Options {
     std::vector<std::string> files;
     bool json = false;
     bool statistics = false;
+    bool sample = false;
     bool reference = false;
 };
 
 /// Every file that can be described is; the failures of the others are told at the end. A list
 /// that the user stopped has failed, also where no single file had.
 std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure>& failures) {
+    const ValueFacts values = options.statistics ? ValueFacts::Exact
+                              : options.sample   ? ValueFacts::Sampled
+                                                 : ValueFacts::None;
     std::vector<RasterFacts> described;
     TerminalProgress progress;
     for (const std::string& file : options.files) {
@@ -30,7 +34,7 @@ std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure
             break;
         }
         try {
-            described.push_back(DescribeRaster(file, options.statistics, progress));
+            described.push_back(DescribeRaster(file, values, progress));
         } catch (const Failure& failure) {
             failures.push_back(failure);
         }
@@ -42,7 +46,7 @@ void PrintAll(const std::vector<RasterFacts>& described, const Options& options)
     if (!options.json) {
         for (std::size_t i = 0; i < described.size(); ++i) {
             std::cout << (i > 0 ? "\n" : "");
-            PrintReport(described[i], {options.statistics, options.reference});
+            PrintReport(described[i], options.reference);
         }
         return;
     }
@@ -76,12 +80,14 @@ void AddInfo(CLI::App& program) {
     info->add_option("FILE", options->files, "raster files, or names of sub-data-sets")->required();
     info->add_flag("--json", options->json,
                    "print JSON: one object, or an array for several files");
-    info->add_flag("--stats", options->statistics, "statistics of every pixel instead of a sample");
+    auto* exact = info->add_flag("--stats", options->statistics, "statistics of every pixel");
+    info->add_flag("--sample", options->sample, "statistics of the sample that a display takes")
+        ->excludes(exact);
     info->add_flag("--srs", options->reference, "the reference system as WKT");
     info->footer(
-        "Minimum, maximum, mean and (population) standard deviation leave out no-data values.\n"
-        "With --stats they are exact and every pixel is read. Without it, the JSON has those of\n"
-        "the sample that the engine takes on opening, at most 2048 pixels along the longer side.\n"
+        "No pixel is read unless --stats or --sample is given. Minimum, maximum, mean and\n"
+        "(population) standard deviation leave out no-data values. With --stats every pixel is\n"
+        "read; with --sample at most 2048 along the longer side, as a display does.\n"
         "Display minimum and maximum bound the min-max stretches; the display range is what the\n"
         "standard-deviation stretch shows, two deviations on either side of the mean within\n"
         "minimum and maximum. Both always come from the sample.\n"

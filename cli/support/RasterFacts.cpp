@@ -1,5 +1,6 @@
 #include "cli/support/RasterFacts.h"
 
+#include "zelto/algorithm/RegionStatistics.h"
 #include "zelto/baselib/ClassifyDisplayTable.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
@@ -12,7 +13,6 @@
 
 #include <gdal_priv.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -98,9 +98,42 @@ std::optional<BandStatistics> SampledStatistics(CRasterBand& band) {
     return read && !std::isnan(again.maximum) ? std::optional(held) : std::nullopt;
 }
 
-/// Throws Failure where a pixel cannot be read.
-std::optional<BandStatistics> ExactStatistics(CRasterBand& band, const std::string& path,
-                                              int number, CDataProgress& progress) {
+void DescribeSample(BandFacts& facts, CRasterBand& band) {
+    facts.statistics = SampledStatistics(band);
+    if (!facts.statistics)
+        return;
+    facts.displayLimits.emplace(band.GetMinimum(), band.GetMaximum());
+    facts.displayRange.emplace(band.GetStdDevLowerBound(), band.GetStdDevUpperBound());
+}
+
+bool HasFractions(const CRasterBand& band) {
+    return GDALDataTypeIsFloating(static_cast<GDALDataType>(band.GetDataType())) != 0;
+}
+
+/// Statistics of every pixel of the bands with whole numbers, of all of them in one pass.
+void DescribeWholeNumbers(RasterFacts& facts, CRasterSource& source, CDataProgress& progress) {
+    std::vector<int> bands;
+    for (int b = 0; b < source.GetBandCount(); ++b)
+        if (!HasFractions(*source.GetRasterBand(b)))
+            bands.push_back(b);
+    CRegionStatistics statistics(&source);
+    statistics.SetBands(bands);
+    ForgetReasons();
+    if (statistics.Compute(&progress) != GIS_SUCCESS)
+        throw Failure(facts.path,
+                      Interrupted() ? "interrupted" : LastReason("its pixels cannot be read"));
+    for (const CRegionStatistics::Band& band : statistics.GetBands()) {
+        auto& described = facts.bands[static_cast<std::size_t>(band.index)].statistics;
+        described.reset();
+        if (band.count > 0)
+            described = {band.minimum, band.maximum, band.mean, band.standardDeviation};
+    }
+}
+
+/// Statistics of every pixel of a band with fractions, whose infinities count. Throws Failure
+/// where a pixel cannot be read.
+std::optional<BandStatistics> DescribeFractions(CRasterBand& band, const std::string& path,
+                                                int number, CDataProgress& progress) {
     BandStatistics found;
     ForgetReasons();
     if (band.ComputeStatics(&found.minimum, &found.maximum, &found.mean, &found.standardDeviation,
@@ -112,6 +145,15 @@ std::optional<BandStatistics> ExactStatistics(CRasterBand& band, const std::stri
     if (reason.find("no valid pixels") != std::string::npos)
         return std::nullopt;
     throw Failure(path, "band " + std::to_string(number) + ": " + reason);
+}
+
+/// Puts the statistics of every pixel in place of the sample's.
+void DescribeEveryPixel(RasterFacts& facts, CRasterSource& source, CDataProgress& progress) {
+    DescribeWholeNumbers(facts, source, progress);
+    for (int b = 0; b < source.GetBandCount(); ++b)
+        if (CRasterBand& band = *source.GetRasterBand(b); HasFractions(band))
+            facts.bands[static_cast<std::size_t>(b)].statistics =
+                DescribeFractions(band, facts.path, b + 1, progress);
 }
 
 BandFacts DescribeBand(CRasterBand& band) {
@@ -126,26 +168,17 @@ BandFacts DescribeBand(CRasterBand& band) {
     for (int i = 0; i < band.GetOverviewCount(); ++i)
         facts.overviews.emplace_back(band.GetOverview(i)->GetWidth(),
                                      band.GetOverview(i)->GetHeight());
-    facts.statistics = SampledStatistics(band);
-    if (facts.statistics) {
-        facts.displayLimits.emplace(band.GetMinimum(), band.GetMaximum());
-        facts.displayRange.emplace(band.GetStdDevLowerBound(), band.GetStdDevUpperBound());
-    }
     return facts;
 }
 
 /// A virtual raster holds no pixels of its own: where its sources are missing or lead back to
-/// itself there is nothing behind it.
+/// itself there is nothing behind it, which a single pixel tells.
 void RequireSources(const RasterFacts& facts, CRasterSource& source) {
-    const bool readable =
-        std::any_of(facts.bands.begin(), facts.bands.end(),
-                    [](const BandFacts& band) { return band.statistics.has_value(); });
-    if (facts.format != "VRT" || facts.bands.empty() || readable)
+    if (facts.format != "VRT" || facts.bands.empty())
         return;
     ForgetReasons();
     double sample = 0.0;
-    CRasterBand& first = *source.GetRasterBand(0);
-    if (!first.GetDataToBuffer(0, 0, first.GetWidth(), first.GetHeight(), 1, 1, &sample))
+    if (!source.GetRasterBand(0)->GetDataToBuffer(0, 0, 1, 1, 1, 1, &sample))
         throw Failure(facts.path, LastReason("its sources cannot be read"));
 }
 
@@ -159,7 +192,7 @@ void DescribeReference(RasterFacts& facts, CRasterSource& source) {
 
 } // namespace
 
-RasterFacts DescribeRaster(const std::string& path, bool exactStatistics, CDataProgress& progress) {
+RasterFacts DescribeRaster(const std::string& path, ValueFacts values, CDataProgress& progress) {
     const std::unique_ptr<CRasterSource> source = OpenAsItIs(path);
     GDALDataset& dataset = *source->GetGDALDataset();
     RasterFacts facts;
@@ -180,10 +213,11 @@ RasterFacts DescribeRaster(const std::string& path, bool exactStatistics, CDataP
         facts.bands.push_back(DescribeBand(*source->GetRasterBand(i)));
     RequireSources(facts, *source);
 
-    facts.exactStatistics = exactStatistics;
-    for (int i = 0; exactStatistics && i < source->GetBandCount(); ++i)
-        facts.bands[static_cast<std::size_t>(i)].statistics =
-            ExactStatistics(*source->GetRasterBand(i), path, i + 1, progress);
+    facts.values = values;
+    for (int i = 0; values != ValueFacts::None && i < source->GetBandCount(); ++i)
+        DescribeSample(facts.bands[static_cast<std::size_t>(i)], *source->GetRasterBand(i));
+    if (values == ValueFacts::Exact)
+        DescribeEveryPixel(facts, *source, progress);
     return facts;
 }
 

@@ -21,6 +21,13 @@ struct BandStatistics {
     double standardDeviation = 0.0;
 };
 
+/// What is told of the pixels' values.
+enum class ValueFacts {
+    None,    ///< no pixel is read
+    Sampled, ///< from the sample that a display takes
+    Exact,   ///< statistics of every pixel, what a display shows from its sample
+};
+
 struct BandFacts {
     std::string dataType;
     int blockWidth = 0;
@@ -28,7 +35,8 @@ struct BandFacts {
     std::optional<double> noData;
     int colors = 0;                             ///< entries of the colour table
     std::vector<std::pair<int, int>> overviews; ///< width, height
-    std::optional<BandStatistics> statistics;   ///< none without a valid, readable pixel
+    /// None without a valid, readable pixel, and where values were not asked for; as the next two.
+    std::optional<BandStatistics> statistics;
     /// Lower and upper bound of every min-max stretch.
     std::optional<std::pair<double, double>> displayLimits;
     /// Lower and upper bound of the standard-deviation stretch.
@@ -55,7 +63,7 @@ struct RasterFacts {
     std::string datum;
     std::string units;
     std::string wkt;
-    bool exactStatistics = false; ///< of every pixel, not of a sample
+    ValueFacts values = ValueFacts::None; ///< what the bands' statistics are of
     std::vector<SubdatasetFacts> subdatasets;
     std::vector<ClassFacts> classes;
     std::vector<BandFacts> bands;
@@ -63,8 +71,8 @@ struct RasterFacts {
 
 /// Opens a raster and describes it as the file has it, never through a warped view. Throws
 /// Failure when it cannot be opened, or when exact statistics are asked for and a band cannot
-/// be read.
-/// @param exactStatistics read every pixel instead of a sample
-RasterFacts DescribeRaster(const std::string& path, bool exactStatistics, CDataProgress& progress);
+/// be read. Where values are not asked for no pixel is read, but of a virtual raster one, to
+/// tell whether there is anything behind it.
+RasterFacts DescribeRaster(const std::string& path, ValueFacts values, CDataProgress& progress);
 
 } // namespace zelto::cli

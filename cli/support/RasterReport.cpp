@@ -151,6 +151,13 @@ void PrintReference(const RasterFacts& facts) {
     CPLFree(pretty);
 }
 
+/// Null where no values are told.
+Json KindOf(ValueFacts values) {
+    if (values == ValueFacts::None)
+        return {};
+    return values == ValueFacts::Exact ? "exact" : "sampled";
+}
+
 } // namespace
 
 Json ToJson(const RasterFacts& facts) {
@@ -173,7 +180,7 @@ Json ToJson(const RasterFacts& facts) {
     for (const SubdatasetFacts& sub : facts.subdatasets)
         json["subdatasets"].push_back({{"name", sub.name}, {"description", sub.description}});
     json["classes"] = ToJson(facts.classes);
-    json["statistics"] = facts.exactStatistics ? "exact" : "sampled";
+    json["statistics"] = KindOf(facts.values);
     json["bands"] = Json::array();
     int number = 0;
     for (const BandFacts& band : facts.bands)
@@ -181,11 +188,11 @@ Json ToJson(const RasterFacts& facts) {
     return json;
 }
 
-void PrintReport(const RasterFacts& facts, const ReportParts& parts) {
+void PrintReport(const RasterFacts& facts, bool reference) {
     PrintSummary(facts);
     if (!facts.bands.empty())
         PrintBands(facts);
-    if (parts.statistics && !facts.bands.empty())
+    if (facts.values != ValueFacts::None && !facts.bands.empty())
         PrintStatistics(facts);
     if (!facts.classes.empty()) {
         std::cout << '\n';
@@ -193,7 +200,7 @@ void PrintReport(const RasterFacts& facts, const ReportParts& parts) {
     }
     if (!facts.subdatasets.empty())
         PrintSubdatasets(facts);
-    if (parts.reference && !facts.wkt.empty())
+    if (reference && !facts.wkt.empty())
         PrintReference(facts);
 }
 

@@ -7,12 +7,8 @@ namespace zelto::cli {
 
 Json ToJson(const RasterFacts& facts);
 
-struct ReportParts {
-    bool statistics = false;
-    bool reference = false; ///< the reference system's WKT
-};
-
 /// Prints the facts for people on standard output.
-void PrintReport(const RasterFacts& facts, const ReportParts& parts);
+/// @param reference with the reference system's WKT
+void PrintReport(const RasterFacts& facts, bool reference);
 
 } // namespace zelto::cli

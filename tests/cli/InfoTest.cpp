@@ -1,5 +1,6 @@
 #include "zelto/classify/ClassifiedAssistantFile.h"
 
+#include "tests/cli/OpenImage.h"
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <cmath>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -75,7 +77,7 @@ TEST(InfoCommand, DescribesARasterFully) {
                                                           : c < 6 ? 10.0
                                                                   : 20.0; }),
                  Pixels(32, 5.0)});
-    const json facts = Describe({path});
+    const json facts = Describe({"--sample", path});
     EXPECT_EQ(facts["path"], path);
     EXPECT_EQ(facts["format"], "GTiff");
     EXPECT_EQ(facts["width"], 8);
@@ -117,7 +119,7 @@ TEST(InfoCommand, TheDisplayRangeIsTwoDeviationsAroundTheMean) {
     Pixels pixels(100, 50.0);
     pixels[7] = 150.0;
     WriteRaster(path, {.width = 10, .height = 10}, {pixels});
-    const json facts = Describe({path});
+    const json facts = Describe({"--sample", path});
     const json& band = facts["bands"][0];
     EXPECT_EQ(band["displayMinimum"], 50.0);
     EXPECT_EQ(band["displayMaximum"], 150.0);
@@ -133,7 +135,7 @@ TEST(InfoCommand, ExactStatisticsSeeWhatTheSampleMisses) {
     WriteRaster(path, {.width = 4096, .height = 100}, {MakePixels(4096, 100, [](int c, int r) {
                     return c % 2 == 1 && r % 2 == 1 ? 7 : 100;
                 })});
-    const json sampled = Describe({path});
+    const json sampled = Describe({"--sample", path});
     EXPECT_EQ(sampled["statistics"], "sampled");
     EXPECT_EQ(sampled["bands"][0]["maximum"], 7.0);
     const json exact = Describe({"--stats", path});
@@ -150,7 +152,7 @@ TEST(InfoCommand, BandsWithoutAValidPixelHaveNoStatistics) {
     const std::string zero = folder.File("zero.tif");
     WriteRaster(empty, {.width = 2, .height = 2, .noData = 3.0}, {Pixels(4, 3.0)});
     WriteRaster(zero, {.width = 2, .height = 2}, {Pixels(4, 0.0)});
-    for (const char* option : {"--json", "--stats"}) {
+    for (const char* option : {"--sample", "--stats"}) {
         const json facts = Describe({option, empty, zero});
         EXPECT_TRUE(facts[0]["bands"][0]["minimum"].is_null());
         EXPECT_TRUE(facts[0]["bands"][0]["standardDeviation"].is_null());
@@ -158,6 +160,64 @@ TEST(InfoCommand, BandsWithoutAValidPixelHaveNoStatistics) {
         EXPECT_EQ(facts[1]["bands"][0]["maximum"], 0.0);
         EXPECT_EQ(facts[1]["bands"][0]["mean"], 0.0);
     }
+}
+
+TEST(InfoCommand, WithoutStatisticsNoPixelIsRead) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("tiled.tif");
+    const RasterSpec spec = {.width = 512,
+                             .height = 512,
+                             .type = GDT_UInt16,
+                             .geoTransform = NorthUp(0, 0, 10),
+                             .options = {"TILED=YES", "COMPRESS=DEFLATE"}};
+    WriteRaster(path, spec, {MakePixels(512, 512, [](int c, int r) { return c * r % 977; })});
+    const json whole = Describe({path});
+    EXPECT_TRUE(whole["statistics"].is_null());
+    for (const char* value : {"minimum", "maximum", "mean", "standardDeviation", "displayMinimum",
+                              "displayMaximum", "displayRange"})
+        EXPECT_TRUE(whole["bands"][0][value].is_null()) << value;
+    EXPECT_EQ(Describe({"--sample", path})["bands"][0]["maximum"], 976.0);
+    const auto printed = RunZelto({"info", path});
+    // Damage every tile: their places and sizes stay, what is in them is no longer DEFLATE.
+    const std::string bytes = zelto::test::ReadFile(path);
+    std::size_t first = bytes.size(), end = 0;
+    {
+        const auto image = zelto::test::OpenImage(path);
+        for (int tile = 0; tile < 4; ++tile) {
+            const auto item = [&](const char* what) {
+                const std::string key = "BLOCK_" + std::string(what) + "_" +
+                                        std::to_string(tile % 2) + "_" + std::to_string(tile / 2);
+                const char* text = image->GetRasterBand(1)->GetMetadataItem(key.c_str(), "TIFF");
+                return static_cast<std::size_t>(std::stoul(text != nullptr ? text : "0"));
+            };
+            first = std::min(first, item("OFFSET"));
+            end = std::max(end, item("OFFSET") + item("SIZE"));
+        }
+    }
+    ASSERT_LT(first, end);
+    zelto::test::WriteFile(path, bytes.substr(0, first) + std::string(end - first, 'x') +
+                                     bytes.substr(end));
+    EXPECT_EQ(RunZelto({"info", "--stats", path}).exitStatus, 1) << "the damage is real";
+    EXPECT_EQ(Describe({path}), whole);
+    const auto again = RunZelto({"info", path});
+    EXPECT_EQ(again.output, printed.output);
+    EXPECT_EQ(again.errors, "");
+}
+
+TEST(InfoCommand, AVirtualRasterWithNothingBehindItFails) {
+    const TemporaryFolder folder;
+    const std::string image = folder.File("image.tif");
+    const std::string path = folder.File("virtual.vrt");
+    WriteRaster(image, {.width = 4, .height = 4}, {Pixels(16, 3.0)});
+    zelto::test::WriteFile(path, "<VRTDataset rasterXSize=\"4\" rasterYSize=\"4\"><VRTRasterBand "
+                                 "dataType=\"Byte\" band=\"1\"><SimpleSource><SourceFilename "
+                                 "relativeToVRT=\"1\">image.tif</SourceFilename><SourceBand>1"
+                                 "</SourceBand></SimpleSource></VRTRasterBand></VRTDataset>");
+    EXPECT_EQ(Describe({path})["width"], 4);
+    std::filesystem::remove(image);
+    const auto run = RunZelto({"info", path});
+    EXPECT_EQ(run.exitStatus, 1);
+    ExpectOneLine(run.errors, path);
 }
 
 TEST(InfoCommand, ARotatedImageKeepsItsSizeAndGeotransform) {

@@ -5,6 +5,7 @@
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/VirtualBand.h"
 
 #include <gdal_priv.h>
@@ -23,6 +24,10 @@ bool ReadWindow(GDALRasterBand* band, const PixelWindow& window, int width, int 
                 void* samples, GDALDataType type) {
     if (band == nullptr)
         return RefuseMissing("band");
+    if (!CanHoldBlocks(*band)) {
+        SetLastError(FileOf(*band) + ": its blocks are too large to be read");
+        return false;
+    }
     if (window.width < 1 || window.height < 1 || width < 1 || height < 1) {
         SetLastError(NO_PIXELS);
         return false;
