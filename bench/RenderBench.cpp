@@ -182,6 +182,32 @@ void AddPan(const std::string& file, ScenePointer scene) {
                     3);
 }
 
+/// Views that move on by a quarter of their width, along rows of the scene, as a hand drags it.
+template <typename Use>
+void PanByQuarters(ScenePointer scene, Use use) {
+    constexpr int ROW = 40;
+    for (int i = 0; i < panViews; ++i)
+        use(scene->Box(500.0 + panSide / 4.0 * (i % ROW), 500.0 + panSide * (i / ROW), panSide));
+}
+
+void AddQuarterPan(const std::string& file, ScenePointer scene) {
+    bench::AddRatio("render/" + file + "/cold/200 views moved on by a quarter", 1.15,
+                    {[=] {
+                         PanByQuarters(scene, [&](const CBoundingBox& box) {
+                             EmptyBlockCache();
+                             scene->Draw(box, panSide);
+                         });
+                     },
+                     [=] { SetStretch(scene->source, StretchStdDev); }},
+                    {[=] {
+                        PanByQuarters(scene, [&](const CBoundingBox& box) {
+                            EmptyBlockCache();
+                            scene->Read(box, panSide);
+                        });
+                    }},
+                    3);
+}
+
 /// One core and cached blocks, against the raw read plus 7 nanoseconds for each sample.
 void AddCached(const std::string& file, ScenePointer scene) {
     const CBoundingBox box = scene->Box(4000, 5000, side);
@@ -331,6 +357,7 @@ void zelto::bench::Register() {
         const ScenePointer scene = new Scene(path);
         AddColdViews(name, scene);
         AddPan(name, scene);
+        AddQuarterPan(name, scene);
         AddCached(name, scene);
         AddMasked(name, scene);
         AddMemory(name, scene);

@@ -124,6 +124,10 @@ std::string ThreeBands8Bit() {
     return Make({"three-bands-8-bit.tif", 10000, 3, GDT_Byte, 255.0, {"INTERLEAVE=PIXEL"}, {}});
 }
 
+std::string BenchFile(const std::string& name) {
+    return (Folder() / name).string();
+}
+
 std::string PixelInterleaved(int size, Pyramid pyramid) {
     const bool has = pyramid == Pyramid::Built;
     return Make({"pixel-interleaved-" + std::to_string(size) + (has ? "-pyramid.tif" : ".tif"),

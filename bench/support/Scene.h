@@ -23,6 +23,9 @@ enum class Pyramid { None, Built };
 /// place; with nearest overviews 2 … 64 or without any.
 std::string PixelInterleaved(int size, Pyramid pyramid);
 
+/// A path in the folder that the scenes are kept in.
+std::string BenchFile(const std::string& name);
+
 /// Peak resident memory of this process, in megabytes: since its start, or since the last
 /// ResetPeakMemory().
 double PeakMemoryMegabytes();

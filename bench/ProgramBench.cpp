@@ -1,0 +1,185 @@
+// Whole programs as a person runs them, from the start of the process to its end, each against
+// the tool of GDAL that does the same.
+
+#include "bench/support/Areas.h"
+#include "bench/support/Process.h"
+#include "bench/support/Ratio.h"
+#include "bench/support/Scene.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+namespace zelto::bench {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+constexpr int SIZE = 12000;
+constexpr int VERTICES = 1000;
+
+Words operator+(Words words, const Words& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+Words Zelto(const Words& arguments) {
+    return Words{OwnProgram("zelto")} + arguments;
+}
+
+std::string Megabytes(double peak) {
+    return std::to_string(std::lround(peak)) + " MB";
+}
+
+/// Two programs against each other. Their peak memory goes into the remark.
+/// @param image whose stored statistics are removed before each run
+void AddPrograms(const std::string& name, double limit, const Words& measured,
+                 const Words& baseline, const std::string& image, int pairs = 5) {
+    const auto baselinePeak = std::make_shared<double>(0.0);
+    const auto forget = [image] { std::filesystem::remove(image + ".aux.xml"); };
+    AddRatio("program/" + name, limit,
+             {[=] {
+                  const double peak = RunProgram(measured);
+                  Remark("program/" + name,
+                         "peak " + Megabytes(peak) + ", baseline " + Megabytes(*baselinePeak));
+              },
+              forget},
+             {[=] { *baselinePeak = RunProgram(baseline); }, forget}, pairs);
+}
+
+/// How gdal_translate makes the picture that `zelto render` makes of a whole image.
+const Words PICTURE = {"-q",
+                       "-ot",
+                       "Byte",
+                       "-scale",
+                       "0",
+                       "10000",
+                       "0",
+                       "255",
+                       "-b",
+                       "3",
+                       "-b",
+                       "2",
+                       "-b",
+                       "1",
+                       "-outsize",
+                       "1024",
+                       "1024",
+                       "-co",
+                       "COMPRESS=DEFLATE",
+                       "-co",
+                       "PHOTOMETRIC=RGB"};
+
+void AddInfo(const std::string& image, const std::string& suffix) {
+    AddPrograms("info, " + suffix + " / gdalinfo", 2.0, Zelto({"info", image}),
+                {"gdalinfo", "-nomd", "-norat", "-noct", image}, image, 15);
+}
+
+void AddRender(const std::string& image, const std::string& suffix, int pairs) {
+    const std::string out = BenchFile("out.tif");
+    const std::string other = BenchFile("other.tif");
+    AddPrograms("render, bounds given, " + suffix + " / gdal_translate -scale", 1.1,
+                Zelto({"render", "--stretch", "zoom", "--low", "0", "--high", "255", image, out}),
+                Words{"gdal_translate"} + PICTURE + Words{image, other}, image, pairs);
+    AddPrograms(
+        "render, stddev, " + suffix + " / sample and translate", 1.2, Zelto({"render", image, out}),
+        Words{OwnProgram("zelto_reference"), "sample-and-translate", image, other} + PICTURE, image,
+        pairs);
+}
+
+void AddStatistics(const std::string& image) {
+    const Words gdal = {"gdalinfo", "-stats", image};
+    AddPrograms("info --stats / gdalinfo -stats", 0.7, Zelto({"info", "--stats", image}), gdal,
+                image, 3);
+    AddPrograms("stats, whole image / gdalinfo -stats", 0.7, Zelto({"stats", image}), gdal, image,
+                3);
+    const std::string star = StarArea(SIZE, VERTICES);
+    Words read = {OwnProgram("zelto_reference"), "read", image};
+    for (const double side : StarBox(SIZE))
+        read.push_back(std::to_string(side));
+    const Words stats = Zelto({"stats", "--aoi", star, image});
+    AddPrograms("stats in 1,000 vertices / raw reads, all threads", 1.2, stats, read, image, 3);
+    AddPrograms("stats --covariance / stats", 1.3, stats + Words{"--covariance"}, stats, image, 3);
+    const Words hundred = Zelto({"stats", "--aoi", HundredAreas(), image});
+    AddPrograms("stats --each of 100 polygons / of their union", 1.4, hundred + Words{"--each"},
+                hundred, image, 3);
+}
+
+void AddAreas(const std::string& image) {
+    const std::string star = StarArea(SIZE, VERTICES);
+    const Words render = Zelto({"render", image, BenchFile("out.tif")});
+    AddPrograms("render --aoi of 1,000 vertices / render", 1.25, render + Words{"--aoi", star},
+                render, image);
+    AddPrograms("aoi mask of 1,000 vertices / gdal_rasterize", 1.1,
+                Zelto({"aoi", "mask", star, image, BenchFile("mask.tif")}),
+                {"gdal_rasterize",
+                 "-q",
+                 "-burn",
+                 "1",
+                 "-init",
+                 "0",
+                 "-ot",
+                 "Byte",
+                 "-co",
+                 "COMPRESS=DEFLATE",
+                 "-te",
+                 "300000",
+                 "4380000",
+                 "420000",
+                 "4500000",
+                 "-tr",
+                 "10",
+                 "10",
+                 star,
+                 BenchFile("burnt.tif")},
+                image);
+}
+
+/// The time of one command for a scene of `size` squared, or for an area of so many vertices, as
+/// a point of a curve.
+void AddPoint(const std::string& curve, double x, const Words& words) {
+    AddTime("cost/" + curve + '/' + std::to_string(std::llround(x)), 1,
+            {[=] { RunProgram(words); }}, 3);
+}
+
+void AddCurves() {
+    for (const int size : {380, 1200, 3800, SIZE}) {
+        const std::string image = PixelInterleaved(size, Pyramid::None);
+        const double pixels = static_cast<double>(size) * size;
+        AddPoint("pixels/info", pixels, Zelto({"info", image}));
+        AddPoint("pixels/render", pixels, Zelto({"render", image, BenchFile("out.tif")}));
+        AddPoint("pixels/stats", pixels, Zelto({"stats", image}));
+        AddPoint("pixels/aoi mask", pixels,
+                 Zelto({"aoi", "mask", StarArea(size, VERTICES), image, BenchFile("mask.tif")}));
+    }
+    constexpr int MIDDLE = 3800;
+    const std::string image = PixelInterleaved(MIDDLE, Pyramid::None);
+    for (const int vertices : {10, 100, 1000, 10000, 100000}) {
+        const std::string star = StarArea(MIDDLE, vertices);
+        AddPoint("vertices/render --aoi", vertices,
+                 Zelto({"render", "--aoi", star, image, BenchFile("out.tif")}));
+        AddPoint("vertices/stats --aoi", vertices, Zelto({"stats", "--aoi", star, image}));
+        AddPoint("vertices/aoi mask", vertices,
+                 Zelto({"aoi", "mask", star, image, BenchFile("mask.tif")}));
+    }
+}
+
+} // namespace
+
+void Register() {
+    // GDAL's tools would keep statistics beside the image and repeat them from there.
+    setenv("GDAL_PAM_ENABLED", "NO", 1);
+    const std::string plain = PixelInterleaved(SIZE, Pyramid::None);
+    const std::string pyramid = PixelInterleaved(SIZE, Pyramid::Built);
+    AddInfo(pyramid, "with pyramid");
+    AddInfo(plain, "without pyramid");
+    AddStatistics(plain);
+    AddRender(pyramid, "with pyramid", 7);
+    AddRender(plain, "without pyramid", 3);
+    AddAreas(pyramid);
+    AddCurves();
+}
+
+} // namespace zelto::bench
