@@ -5,7 +5,10 @@
 #include "cli/AoiFile.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Json.h"
+#include "cli/support/Message.h"
+#include "cli/support/NewRaster.h"
 #include "cli/support/Open.h"
+#include "cli/support/Printable.h"
 #include "cli/support/Progress.h"
 #include "cli/support/Text.h"
 
@@ -27,17 +30,26 @@ void OpenGridOrFail(CRasterSource& image, const std::string& path) {
         throw Failure(path, ReasonForFailure(path, error));
 }
 
-void CreateOrFail(CRasterSource& out, const std::string& path, const CRasterSource& image) {
+/// Damaged headers tell of grids that no disk holds; hours would pass before that shows.
+void RequireFeasible(const CRasterSource& image, const std::string& path) {
+    constexpr std::int64_t MOST_PIXELS = 1'000'000'000'000;
+    if (image.GetHeight() > MOST_PIXELS / image.GetWidth())
+        throw Failure(path, "has too many pixels for a mask: " + std::to_string(image.GetWidth()) +
+                                " x " + std::to_string(image.GetHeight()));
+}
+
+/// A mask on the image's grid.
+NewRaster MakeMask(const std::string& path, const CRasterSource& image) {
     double geoTransform[6];
     image.GetGeoTransform(geoTransform, false);
-    CPLStringList creation;
-    creation.SetNameValue("TFW", "NO");
-    creation.SetNameValue("COMPRESS", "DEFLATE");
-    ForgetReasons();
-    if (out.CreateRaster(RDF_GTiff, Wide(path).c_str(), image.GetWidth(), image.GetHeight(), 1,
-                         PDT_Byte, geoTransform, image.GetProjectionWKT().c_str(),
-                         creation.List()) != GIS_SUCCESS)
-        throw Failure(path, LastReason("cannot be created"));
+    NewRasterLayout layout;
+    layout.format = RDF_GTiff;
+    layout.width = image.GetWidth();
+    layout.height = image.GetHeight();
+    layout.geoTransform = geoTransform;
+    layout.wkt = image.GetProjectionWKT();
+    layout.options = {"TFW=NO", "COMPRESS=DEFLATE"};
+    return {path, layout};
 }
 
 /// Writes the mask row by row.
@@ -58,7 +70,7 @@ std::int64_t WriteOrFail(const CAOIMask& mask, CRasterSource& out, const std::st
                            GDT_Byte, 0, 0, nullptr) != CE_None)
             throw Failure(path, LastReason("cannot be written"));
         if (!progress.StepProgress(row + 1, nullptr))
-            throw Failure(path, "interrupted");
+            throw Interruption();
     }
     return inside;
 }
@@ -69,7 +81,7 @@ void TellWhatIsMissing(const CAOIMask& mask, const CAOISource& aoi, const std::s
     if (!mask.HasMask() && aoi.GetDrawShapeCount() > 0)
         throw Failure(path, reason);
     if (!reason.empty())
-        std::cerr << "zelto: " << path << ": " << reason << '\n';
+        Tell(path + ": " + reason);
 }
 
 } // namespace
@@ -77,6 +89,7 @@ void TellWhatIsMissing(const CAOIMask& mask, const CAOISource& aoi, const std::s
 void WriteAoiMask(const AoiMaskOptions& options) {
     CRasterSource image;
     OpenGridOrFail(image, options.image);
+    RequireFeasible(image, options.image);
     CAOISource aoi;
     // Where one of them has no reference system both are taken to be in the same one.
     OpenAoiOrFail(aoi, options.aoi);
@@ -86,15 +99,15 @@ void WriteAoiMask(const AoiMaskOptions& options) {
     CGISDataSource::ClearLastErrorText();
     const CAOIMask mask(&aoi, image.GetExtent(), image.GetWidth(), image.GetHeight());
     TellWhatIsMissing(mask, aoi, options.aoi);
-    CRasterSource out;
-    CreateOrFail(out, options.out, image);
-    const std::int64_t inside = WriteOrFail(mask, out, options.out);
-    out.Close();
+    NewRaster out = MakeMask(options.out, image);
+    const std::int64_t inside = WriteOrFail(mask, out.Raster(), options.out);
+    out.Commit();
     const std::int64_t pixels = std::int64_t{image.GetWidth()} * image.GetHeight();
     if (options.json)
         PrintJson({{"file", options.out}, {"inside", inside}, {"pixels", pixels}});
     else
-        std::cout << options.out << ": " << inside << " of " << pixels << " pixels inside\n";
+        std::cout << Printable(options.out) << ": " << inside << " of " << pixels
+                  << " pixels inside\n";
 }
 
 } // namespace zelto::cli

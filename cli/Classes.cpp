@@ -7,6 +7,7 @@
 #include "cli/support/ClassTable.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
+#include "cli/support/Printable.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -79,14 +80,14 @@ void Write(const Options& options) {
         throw Failure(path, "cannot be written");
     if (!options.image.empty())
         CheckWithImage(options.image, file.GetClasses().size());
-    std::cout << path << ": " << file.GetClasses().size() << " classes\n";
+    std::cout << Printable(path) << ": " << file.GetClasses().size() << " classes\n";
 }
 
 void Check(const Options& options) {
     const std::string path = AssistantPath(options);
     const std::size_t count = Read(path).GetClasses().size();
     CheckWithImage(options.image, count);
-    std::cout << options.image << ": opens with " << count << " classes\n";
+    std::cout << Printable(options.image) << ": opens with " << count << " classes\n";
 }
 
 } // namespace

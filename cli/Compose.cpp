@@ -7,6 +7,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
 #include "cli/support/Picture.h"
+#include "cli/support/Printable.h"
 
 #include <CLI/CLI.hpp>
 
@@ -72,7 +73,8 @@ void Run(const Options& options) {
     if (!composed.GetShowData(&box, view.width, view.height, picture.pixels.data(), true))
         throw Failure(options.out, "the box misses the images, or their pixels cannot be read");
     WritePicture(picture, options.out, PicturePlace{view.box, composed.GetProjectionWKT()});
-    std::cout << options.out << ": " << view.width << " x " << view.height << " pixels\n";
+    std::cout << Printable(options.out) << ": " << view.width << " x " << view.height
+              << " pixels\n";
 }
 
 } // namespace

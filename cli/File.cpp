@@ -4,6 +4,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/FolderBeside.h"
 #include "cli/support/GdalUse.h"
+#include "cli/support/Interrupts.h"
 #include "cli/support/Open.h"
 #include "cli/support/Text.h"
 
@@ -54,6 +55,7 @@ void Remove(const Options& options) {
     const GdalUse use;
     for (const std::string& path : options.paths) {
         DriverOf(path); // tells why, where there is none
+        const ChangeInPlace change;
         if (CRasterSource::DeleteFileW(Wide(path).c_str()) != GIS_SUCCESS)
             throw Failure(path, LastReason("cannot be removed"));
     }
@@ -134,6 +136,7 @@ void Transfer(const Options& options, Work work) {
     std::error_code ignored;
     if (fs::equivalent(options.from, to, ignored))
         throw Failure(to, "origin and destination are the same file");
+    const ChangeInPlace change;
     SetAside old(to, options.overwrite);
     ForgetReasons();
     if (!work(driver, options.from, to))

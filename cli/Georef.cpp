@@ -1,8 +1,10 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
+#include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
 #include "cli/support/Open.h"
 #include "cli/support/Text.h"
 
@@ -12,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -107,14 +110,31 @@ void Place(CRasterSource& raster, GeoTransform& geoTransform, const Options& opt
     UpdateWorldFile(raster, options.path, geoTransform);
 }
 
+/// The TIFF library breaks down when it writes a header anew that tells of more blocks than the
+/// file can list.
+void RequireSoundHeader(const CRasterSource& raster, const std::string& path) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (error || !EQUAL(raster.GetGDALDataset()->GetDriverName(), "GTiff"))
+        return;
+    const CRasterBand& band = *raster.GetRasterBand(0);
+    const std::uint64_t columns = (band.GetWidth() - 1) / band.GetBlockXSize() + 1;
+    const std::uint64_t rows = (band.GetHeight() - 1) / band.GetBlockYSize() + 1;
+    if (columns > size / rows)
+        throw Failure(path, "its header tells of more pixels than it can hold");
+}
+
 void Georef(const Options& options) {
     if (options.box.empty() && options.geoTransform.empty() && options.srs.empty() &&
         !options.clearPoints)
         throw UsageError("give --box, --geotransform, --srs or --clear-points");
+    std::optional<ChangeInPlace> change; // until the file is closed
     CRasterSource raster;
     if (!options.srs.empty() && !CCoordinateAlgorithm::IsValidCoordinate(options.srs.c_str()))
         throw Failure(options.srs, "not a reference system");
     OpenOrFail(raster, options.path, GIS_UPDATE);
+    RequireSoundHeader(raster, options.path);
+    change.emplace();
     std::optional<GeoTransform> place = ChoosePlace(options, raster);
     if (options.clearPoints)
         ClearPoints(raster, options);

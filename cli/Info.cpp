@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Message.h"
 #include "cli/support/Progress.h"
 #include "cli/support/RasterReport.h"
 
@@ -20,8 +21,7 @@ struct Options {
     bool reference = false;
 };
 
-/// Every file that can be described is; the failures of the others are told at the end. A list
-/// that the user stopped has failed, also where no single file had.
+/// Every file that can be described is; the failures of the others are told at the end.
 std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure>& failures) {
     const ValueFacts values = options.statistics ? ValueFacts::Exact
                               : options.sample   ? ValueFacts::Sampled
@@ -29,10 +29,7 @@ std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure
     std::vector<RasterFacts> described;
     TerminalProgress progress;
     for (const std::string& file : options.files) {
-        if (Interrupted()) {
-            failures.emplace_back(file, "interrupted");
-            break;
-        }
+        EndIfInterrupted();
         try {
             described.push_back(DescribeRaster(file, values, progress));
         } catch (const Failure& failure) {
@@ -68,7 +65,7 @@ void Run(const Options& options) {
         return;
     std::cout.flush();
     for (std::size_t i = 0; i + 1 < failures.size(); ++i)
-        std::cerr << "zelto: " << failures[i].what() << '\n';
+        Tell(failures[i].what());
     throw failures.back();
 }
 

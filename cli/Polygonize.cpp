@@ -5,8 +5,10 @@
 
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Message.h"
 #include "cli/support/NewVector.h"
 #include "cli/support/Open.h"
+#include "cli/support/Printable.h"
 #include "cli/support/Progress.h"
 #include "cli/support/Text.h"
 
@@ -94,10 +96,11 @@ void Run(const Options& options) {
         throw Failure(options.out, LastReason("cannot be written"));
     file.Finish();
     const GIntBig count = CountFeatures(options.out);
-    std::cout << options.out << ": " << count << (count == 1 ? " polygon\n" : " polygons\n");
+    std::cout << Printable(options.out) << ": " << count
+              << (count == 1 ? " polygon\n" : " polygons\n");
     if (HasFractions(band.GetDataType()))
-        std::cerr << "zelto: the values have fractions; areas and numbers are of their whole "
-                     "parts\n";
+        Tell(options.image +
+             ": the values have fractions; areas and numbers are of their whole parts");
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
 #include "cli/support/Json.h"
 #include "cli/support/Open.h"
 #include "cli/support/Progress.h"
@@ -13,6 +14,7 @@
 
 #include <iostream>
 #include <memory>
+#include <optional>
 
 namespace zelto::cli {
 
@@ -65,8 +67,10 @@ void Print(const std::vector<Pyramid>& pyramids, bool asJson) {
 }
 
 void BuildOne(const std::string& path, const Options& options) {
+    std::optional<ChangeInPlace> change; // until the file is closed
     CRasterSource source;
     OpenOrFail(source, path, GIS_UPDATE);
+    change.emplace();
     std::vector<int> bands;
     if (!options.bands.empty())
         bands = ParseBands("--bands", options.bands, source.GetBandCount());

@@ -12,6 +12,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
 #include "cli/support/Picture.h"
+#include "cli/support/Printable.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -199,7 +200,7 @@ void Run(const Options& options) {
                                                     : DrawMasked(source, view, options);
         WritePicture(picture, options.out, PicturePlace{view.box, source.GetProjectionWKT()});
     }
-    std::cout << options.out << ": " << view.width << " x " << view.height
+    std::cout << Printable(options.out) << ": " << view.width << " x " << view.height
               << (options.contactSheet ? " pixels a picture\n" : " pixels\n");
 }
 

@@ -4,9 +4,10 @@
 #include "cli/ReprojectCommands.h"
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"
+#include "cli/support/Interrupts.h"
 #include "cli/support/Json.h"
+#include "cli/support/Message.h"
 #include "cli/support/Open.h"
-#include "cli/support/Progress.h"
 #include "cli/support/Reference.h"
 #include "cli/support/Text.h"
 
@@ -101,6 +102,8 @@ class PointReader {
             throw Failure(file, std::strerror(errno));
     }
 
+    /// Of the file, for messages.
+    const std::string& Name() const { return m_name; }
     /// Reads up to `most` points; fewer, none at last, at the end.
     Points Read(std::size_t most) {
         Points points;
@@ -174,8 +177,7 @@ void Run(const Options& options) {
     std::size_t count = 0;
     std::size_t unknown = 0;
     for (Points points = reader.Read(BATCH); !points.x.empty(); points = reader.Read(BATCH)) {
-        if (Interrupted())
-            throw Failure(options.file, "stopped");
+        EndIfInterrupted();
         points.known.resize(points.x.size());
         transformation->Transform(static_cast<int>(points.x.size()), points.x.data(),
                                   points.y.data(), nullptr, points.known.data());
@@ -189,8 +191,8 @@ void Run(const Options& options) {
     if (unknown > 0 && unknown == count)
         throw Failure(options.to, "none of the points has a place there");
     if (unknown > 0)
-        std::cerr << "zelto: " << unknown << " of " << count << " points have no place in "
-                  << options.to << '\n';
+        Tell(reader.Name() + ": " + std::to_string(unknown) + " of " + std::to_string(count) +
+             " points have no place in " + options.to);
 }
 
 } // namespace

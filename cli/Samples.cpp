@@ -2,7 +2,9 @@
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Json.h"
+#include "cli/support/Message.h"
 #include "cli/support/Open.h"
+#include "cli/support/Printable.h"
 #include "cli/support/Region.h"
 #include "cli/support/SampleClasses.h"
 #include "cli/support/Table.h"
@@ -42,7 +44,7 @@ void PrintCsv(const SampleClasses& classes, int bandCount) {
     for (const SampleClass& sampleClass : classes) {
         // The name is quoted as its only text; quotes in it are doubled.
         std::string name;
-        for (const char c : sampleClass.name)
+        for (const char c : Printable(sampleClass.name))
             name += c == '"' ? "\"\"" : std::string(1, c);
         const std::string start = FormatNumber(sampleClass.label) + ",\"" + name + '"';
         std::string line;
@@ -90,10 +92,10 @@ void PrintClasses(const SampleClasses& classes, int bandCount, bool asJson) {
 void PrintRemarks(const SampleClasses& classes) {
     for (const SampleClass& sampleClass : classes) {
         if (sampleClass.shapesOffImage > 0)
-            std::cerr << "zelto: " << sampleClass.name << ": " << sampleClass.shapesOffImage
-                      << " of its shapes lie off the image\n";
+            Tell(sampleClass.name + ": " + std::to_string(sampleClass.shapesOffImage) +
+                 " of its shapes lie off the image");
         if (sampleClass.pixels.GetSampleSize() == 0)
-            std::cerr << "zelto: " << sampleClass.name << ": no pixels\n";
+            Tell(sampleClass.name + ": no pixels");
     }
 }
 

@@ -4,6 +4,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
+#include "cli/support/Printable.h"
 #include "cli/support/SrsFacts.h"
 #include "cli/support/Table.h"
 
@@ -117,7 +118,7 @@ void GaussKruger(const Options& options) {
     if (wkt.empty())
         throw Failure(options.srs, "the system cannot be written as WKT");
     if (!options.json) {
-        std::cout << wkt << '\n';
+        std::cout << PrintableLines(wkt) << '\n';
         return;
     }
     PrintJson({{"name", CCoordinateAlgorithm::GetCoordinateName(wkt.c_str())},

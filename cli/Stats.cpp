@@ -1,6 +1,7 @@
 #include "cli/AoiFile.h"
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Message.h"
 #include "cli/support/Open.h"
 #include "cli/support/Progress.h"
 #include "cli/support/Region.h"
@@ -107,11 +108,11 @@ void PrintRemarks(const std::vector<RegionReport>& reports, const Options& optio
     for (const RegionReport& report : reports) {
         sampled = sampled || report.sampled;
         if (report.Count() == 0)
-            std::cerr << "zelto: no values of " << options.file << " in "
-                      << (report.shape.empty() ? "the region" : "shape " + report.shape) << '\n';
+            Tell(options.file + ": no values in " +
+                 (report.shape.empty() ? "the region" : "shape " + report.shape));
     }
     if (sampled)
-        std::cerr << "zelto: a sample was taken; the counts are those of the sample\n";
+        Tell(options.file + ": a sample was taken; the counts are those of the sample");
 }
 
 void Run(const Options& options) {

@@ -5,6 +5,7 @@
 #include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
 #include "cli/support/Open.h"
+#include "cli/support/Printable.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
@@ -97,7 +98,7 @@ void Info(const Options& options) {
         PrintJson({{"file", options.file}, {"format", driver}, {"layers", layers}});
         return;
     }
-    std::cout << options.file << ": " << driver << ", " << source.GetLayerCount()
+    std::cout << Printable(options.file) << ": " << driver << ", " << source.GetLayerCount()
               << (source.GetLayerCount() == 1 ? " layer\n" : " layers\n");
     for (int i = 0; i < source.GetLayerCount(); ++i) {
         std::cout << '\n';

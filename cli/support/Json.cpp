@@ -1,5 +1,6 @@
 #include "cli/support/Json.h"
 
+#include "cli/support/Interrupts.h"
 #include "cli/support/Text.h"
 
 #include <cmath>
@@ -21,6 +22,7 @@ Json JsonBox(const CBoundingBox& box) {
 }
 
 void PrintJson(const Json& value) {
+    EndIfInterrupted();
     // Bytes that are not UTF-8 (attribute texts, paths) are replaced rather than refused.
     std::cout << value.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }

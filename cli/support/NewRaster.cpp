@@ -1,6 +1,7 @@
 #include "cli/support/NewRaster.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
 #include "cli/support/Open.h"
 #include "cli/support/RasterChoice.h"
 #include "cli/support/RasterFiles.h"
@@ -38,6 +39,7 @@ void NewRaster::Commit() {
     if (m_watch.HasError())
         throw Failure(m_path, m_watch.Error());
     CheckReadable(made);
+    EndIfInterrupted();
     const fs::path old = fs::path(m_path).parent_path() / made.filename();
     if (!m_files.Commit(SideFilesOf(old)))
         throw Failure(CGISDataSource::GetLastErrorText());

@@ -3,6 +3,7 @@
 #include "zelto/datasource/GISDataSource.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
 #include "cli/support/Open.h"
 #include "cli/support/RasterFiles.h"
 #include "cli/support/Reference.h"
@@ -75,6 +76,7 @@ void NewVector::Finish() {
         throw Failure(m_path, m_watch.Error());
     if (!GDALDatasetUniquePtr(GDALDataset::Open(TemporaryPath().c_str(), GDAL_OF_VECTOR)))
         throw Failure(m_path, LastReason("was written, but cannot be read"));
+    EndIfInterrupted();
     if (!m_files->Commit(SideFilesOf(m_path)))
         throw Failure(CGISDataSource::GetLastErrorText());
 }

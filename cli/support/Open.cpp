@@ -3,14 +3,14 @@
 #include "zelto/datasource/GISDataSource.h"
 
 #include "cli/support/Failure.h"
-#include "cli/support/Quiet.h"
+#include "cli/support/Interrupts.h"
+#include "cli/support/Message.h"
 #include "cli/support/Text.h"
 
 #include <cpl_error.h>
 #include <cpl_vsi.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <unistd.h>
@@ -67,17 +67,15 @@ namespace {
 void TellOfDoubtfulPyramid() {
     const std::string message = CPLGetLastErrorMsg();
     if (CPLGetLastErrorType() == CE_Warning && message.find("its pyramid is") != std::string::npos)
-        std::fprintf(stderr, "zelto: warning: %s\n", message.c_str());
+        Tell("warning: " + message);
 }
 
 } // namespace
 
 void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess access, bool warp) {
     ForgetReasons();
-    const GISError error = [&] {
-        const QuietStandardError quiet;
-        return source.Open(Wide(path).c_str(), access, warp);
-    }();
+    const GISError error = source.Open(Wide(path).c_str(), access, warp);
+    EndIfInterrupted();
     if (error != GIS_SUCCESS)
         throw Failure(path, ReasonForFailure(path, error));
     TellOfDoubtfulPyramid();

@@ -1,7 +1,12 @@
 #include "cli/support/Picture.h"
 
+#include "zelto/baselib/NewFileSet.h"
+#include "zelto/datasource/GISDataSource.h"
+
 #include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
 #include "cli/support/Open.h"
+#include "cli/support/Text.h"
 
 #include <gdal_priv.h>
 
@@ -108,21 +113,20 @@ void WritePicture(const Picture& picture, const std::string& path,
     CPLStringList options;
     for (const char* option : format.options)
         options.AddString(option);
-    const std::string unfinished = path + ".part";
+    CNewFileSet file(Wide(path));
+    if (!file.IsOpen())
+        throw Failure(CGISDataSource::GetLastErrorText());
     ForgetReasons();
-    GDALDatasetUniquePtr written(driver->CreateCopy(unfinished.c_str(), dataset.get(), FALSE,
-                                                    options.List(), nullptr, nullptr));
-    bool complete = written != nullptr;
+    GDALDatasetUniquePtr written(driver->CreateCopy(Narrow(file.GetTemporaryPath()).c_str(),
+                                                    dataset.get(), FALSE, options.List(), nullptr,
+                                                    nullptr));
+    const bool complete = written != nullptr;
     written.reset();
-    complete = complete && CPLGetLastErrorType() < CE_Failure;
-    std::error_code error;
-    if (complete)
-        std::filesystem::rename(unfinished, path, error);
-    if (complete && !error)
-        return;
-    const std::string reason = error ? error.message() : LastReason("cannot be written");
-    std::filesystem::remove(unfinished, error);
-    throw Failure(path, reason);
+    if (!complete || CPLGetLastErrorType() >= CE_Failure)
+        throw Failure(path, LastReason("cannot be written"));
+    EndIfInterrupted();
+    if (!file.Commit())
+        throw Failure(CGISDataSource::GetLastErrorText());
 }
 
 } // namespace zelto::cli

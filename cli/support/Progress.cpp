@@ -1,56 +1,46 @@
 #include "cli/support/Progress.h"
 
+#include "cli/support/Message.h"
+#include "cli/support/Printable.h"
 #include "cli/support/Text.h"
 
 #include <algorithm>
-#include <csignal>
-#include <cstdio>
-#include <unistd.h>
+#include <atomic>
 
 namespace zelto::cli {
 
 namespace {
 
-volatile std::sig_atomic_t g_interrupted = 0;
+constexpr std::chrono::seconds PATIENCE(1);
 
-void RememberInterrupt(int signalNumber) {
-    g_interrupted = 1;
-    // A second request ends the program at once: work without progress steps cannot be asked.
-    std::signal(signalNumber, SIG_DFL);
-}
+/// Whether the terminal's present line is a bar.
+std::atomic<bool> g_drawn = false; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 
 } // namespace
 
-void CatchInterrupts() {
-    std::signal(SIGINT, RememberInterrupt);
-    std::signal(SIGTERM, RememberInterrupt);
-}
-
-bool Interrupted() {
-    return g_interrupted != 0;
-}
-
-TerminalProgress::TerminalProgress() : m_onTerminal(isatty(STDERR_FILENO) == 1) {}
+TerminalProgress::TerminalProgress() : m_onTerminal(IsOnTerminal()) {}
 
 TerminalProgress::~TerminalProgress() {
-    if (m_drawn)
-        std::fputc('\n', stderr);
+    EndLine();
+}
+
+void TerminalProgress::EndLine() {
+    if (g_drawn.exchange(false))
+        PrintOnTerminal("\n");
 }
 
 void TerminalProgress::BeginProgress(const wchar_t* title, int total) {
-    if (m_drawn)
-        std::fputc('\n', stderr);
-    m_drawn = false;
-    m_title = title != nullptr ? Narrow(title) : std::string();
+    EndLine();
+    m_title = title != nullptr ? Printable(Narrow(title)) : std::string();
     m_total = std::max(total, 1);
     m_shown = -1;
+    m_begin = std::chrono::steady_clock::now();
 }
 
 bool TerminalProgress::StepProgress(int percent, const wchar_t* /*message*/) {
     const int shown = static_cast<int>(100LL * std::clamp(percent, 0, m_total) / m_total);
-    if (m_onTerminal && shown != m_shown)
+    if (m_onTerminal && shown != m_shown && std::chrono::steady_clock::now() - m_begin > PATIENCE)
         Draw(shown);
-    m_shown = shown;
     return !Interrupted();
 }
 
@@ -59,9 +49,11 @@ void TerminalProgress::Draw(int percent) {
     const int filled = percent * WIDTH / 100;
     const std::string bar = std::string(static_cast<std::size_t>(filled), '#') +
                             std::string(static_cast<std::size_t>(WIDTH - filled), '.');
-    std::fprintf(stderr, "\r%s [%s] %3d%%", m_title.c_str(), bar.c_str(), percent);
-    std::fflush(stderr);
-    m_drawn = true;
+    const std::string number = std::to_string(percent);
+    PrintOnTerminal('\r' + m_title + " [" + bar + "] " + std::string(3 - number.size(), ' ') +
+                    number + '%');
+    g_drawn = true;
+    m_shown = percent;
 }
 
 } // namespace zelto::cli

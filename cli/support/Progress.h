@@ -2,18 +2,15 @@
 
 #include "zelto/datasource/DataProgress.h"
 
+#include "cli/support/Interrupts.h"
+
+#include <chrono>
 #include <string>
 
 namespace zelto::cli {
 
-/// Makes Ctrl-C and a termination request end long work at its next progress step.
-void CatchInterrupts();
-
-/// Whether the user asked to stop.
-bool Interrupted();
-
-/// A progress bar on standard error where that is a terminal, silent elsewhere; cancels the
-/// work when the user asked to stop.
+/// A progress bar on standard error where that is a terminal and the work takes longer than a
+/// second, silent elsewhere; cancels the work when the user asked to stop.
 class TerminalProgress : public CDataProgress {
   public:
     TerminalProgress();
@@ -26,14 +23,17 @@ class TerminalProgress : public CDataProgress {
     void HostShow() override {}
     void HostHide() override {}
 
+    /// Ends the line of the bar that is on the terminal, if there is one.
+    static void EndLine();
+
   private:
     void Draw(int percent);
 
     bool m_onTerminal;
-    bool m_drawn = false;
     std::string m_title;
     int m_total = 100;
     int m_shown = -1;
+    std::chrono::steady_clock::time_point m_begin;
 };
 
 } // namespace zelto::cli

@@ -8,7 +8,6 @@
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
 #include "cli/support/Progress.h"
-#include "cli/support/Quiet.h"
 #include "cli/support/Text.h"
 
 #include <gdal_priv.h>
@@ -40,7 +39,6 @@ GISError OpenUnwarped(CRasterSource& source, const std::wstring& path) {
 }
 
 GISError OpenWithSubdatasets(std::unique_ptr<CRasterSource>& source, const std::wstring& path) {
-    const QuietStandardError quiet;
     source = MakeSource();
     const GISError error = source->OpenAsDataset(path.c_str(), GIS_READONLY);
     if (error != GIS_SUCCESS || source->GetGCPCount(true) == 0)

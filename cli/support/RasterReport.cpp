@@ -1,5 +1,6 @@
 #include "cli/support/RasterReport.h"
 
+#include "cli/support/Printable.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
@@ -65,7 +66,7 @@ void AddGrid(Table& table, const RasterFacts& facts) {
 }
 
 void PrintSummary(const RasterFacts& facts) {
-    std::cout << facts.path << '\n';
+    std::cout << Printable(facts.path) << '\n';
     Table table({"format", facts.format + ", " + facts.formatName});
     if (!facts.bands.empty()) {
         table.AddRow({"size", Size(facts.width, facts.height) + " pixels"});
@@ -147,7 +148,7 @@ void PrintReference(const RasterFacts& facts) {
         CPLFree(pretty);
         return;
     }
-    std::cout << '\n' << pretty << '\n';
+    std::cout << '\n' << PrintableLines(pretty) << '\n';
     CPLFree(pretty);
 }
 

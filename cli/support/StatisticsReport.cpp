@@ -1,5 +1,6 @@
 #include "cli/support/StatisticsReport.h"
 
+#include "cli/support/Printable.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
@@ -85,7 +86,7 @@ Json MatrixAsRows(std::size_t size, const std::function<double(std::size_t, std:
 
 void PrintCsvLine(const std::vector<std::string>& cells) {
     for (std::size_t i = 0; i < cells.size(); ++i)
-        std::cout << (i > 0 ? "," : "") << cells[i];
+        std::cout << (i > 0 ? "," : "") << Printable(cells[i]);
     std::cout << '\n';
 }
 

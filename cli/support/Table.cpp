@@ -1,5 +1,8 @@
 #include "cli/support/Table.h"
 
+#include "cli/support/Interrupts.h"
+#include "cli/support/Printable.h"
+
 #include <algorithm>
 #include <cctype>
 #include <iostream>
@@ -25,15 +28,20 @@ bool LooksNumeric(const std::string& text) {
 } // namespace
 
 Table::Table(std::vector<std::string> header) {
+    for (std::string& cell : header)
+        cell = Printable(cell);
     m_rows.push_back(std::move(header));
 }
 
 void Table::AddRow(std::vector<std::string> cells) {
     cells.resize(m_rows.front().size());
+    for (std::string& cell : cells)
+        cell = Printable(cell);
     m_rows.push_back(std::move(cells));
 }
 
 void Table::Print(int indent) const {
+    EndIfInterrupted();
     const std::size_t columns = m_rows.front().size();
     std::vector<std::size_t> widths(columns, 0);
     std::vector<bool> numeric(columns, m_rows.size() > 1);

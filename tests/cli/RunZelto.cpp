@@ -2,9 +2,15 @@
 
 #include "tests/support/TemporaryFolder.h"
 
+#include <chrono>
+#include <csignal>
+#include <cstdint>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
+#include <sys/resource.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace zelto::test {
@@ -23,10 +29,21 @@ void Redirect(const std::string& path, int flags, int descriptor) {
     close(file);
 }
 
+/// Whether a process keeps a signal back.
+bool Holds(pid_t process, int signalNumber) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string word; status >> word;) {
+        std::uint64_t held = 0;
+        if (word == "SigBlk:" && status >> std::hex >> held)
+            return (held >> (signalNumber - 1) & 1U) != 0;
+    }
+    return false;
+}
+
 } // namespace
 
 RunResult RunZelto(const std::vector<std::string>& arguments, const std::string& input,
-                   const std::function<void(pid_t)>& meanwhile) {
+                   const std::function<void(pid_t)>& meanwhile, const std::string& output) {
     const TemporaryFolder folder;
     WriteFile(folder.File("in"), input);
     std::vector<std::string> words = {ProgramPath()};
@@ -36,10 +53,11 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
         argv.push_back(word.data());
     argv.push_back(nullptr);
 
+    const auto begin = std::chrono::steady_clock::now();
     const pid_t child = fork();
     if (child == 0) {
         Redirect(folder.File("in"), O_RDONLY, STDIN_FILENO);
-        Redirect(folder.File("out"), O_WRONLY | O_CREAT, STDOUT_FILENO);
+        Redirect(output.empty() ? folder.File("out") : output, O_WRONLY | O_CREAT, STDOUT_FILENO);
         Redirect(folder.File("err"), O_WRONLY | O_CREAT, STDERR_FILENO);
         execv(argv[0], argv.data());
         _exit(127);
@@ -47,13 +65,26 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
     if (meanwhile)
         meanwhile(child);
     int status = 0;
-    waitpid(child, &status, 0);
+    rusage usage = {};
+    wait4(child, &status, 0, &usage);
     RunResult result;
+    result.duration = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - begin);
+    result.mostMemory = usage.ru_maxrss;
     if (WIFEXITED(status))
         result.exitStatus = WEXITSTATUS(status);
-    result.output = ReadFile(folder.File("out"));
+    if (WIFSIGNALED(status))
+        result.endSignal = WTERMSIG(status);
+    if (output.empty())
+        result.output = ReadFile(folder.File("out"));
     result.errors = ReadFile(folder.File("err"));
     return result;
+}
+
+void WaitUntilItListens(pid_t process) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!Holds(process, SIGINT) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 } // namespace zelto::test

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <sys/types.h>
@@ -10,13 +11,22 @@ namespace zelto::test {
 /// What a finished run of the program left behind.
 struct RunResult {
     int exitStatus = -1; ///< −1: it did not end by itself
+    int endSignal = 0;   ///< the signal that ended it; 0: none did
+    std::chrono::milliseconds duration{0};
+    long mostMemory = 0; ///< resident at one time, KiB
     std::string output;  ///< standard output
     std::string errors;  ///< standard error
 };
 
 /// Runs the built `zelto` with these arguments, `input` on its standard input, and waits for it.
 /// @param meanwhile called with the program's process while it runs
+/// @param output an existing file that its standard output goes to, rather than the result
 RunResult RunZelto(const std::vector<std::string>& arguments, const std::string& input = "",
-                   const std::function<void(pid_t)>& meanwhile = {});
+                   const std::function<void(pid_t)>& meanwhile = {},
+                   const std::string& output = "");
+
+/// Waits until a process that was just started takes signals for itself, rather than being ended
+/// by them while the system loads it.
+void WaitUntilItListens(pid_t process);
 
 } // namespace zelto::test

@@ -3,6 +3,7 @@
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/baselib/internal/DiskSync.h"
 #include "zelto/baselib/internal/FileSetBackup.h"
+#include "zelto/baselib/internal/FoldersInUse.h"
 #include "zelto/baselib/internal/HiddenFolder.h"
 #include "zelto/baselib/internal/LastError.h"
 
@@ -64,6 +65,7 @@ struct CNewFileSet::Files {
     bool MoveIn(const std::string& name) const;
     bool ReplaceSet(const FileSetNames& oldNames, const FileSetNames& newNames) const;
     bool Exchange(const FileSetNames& oldNames, const FileSetNames& newNames) const;
+    bool Place(const FileSetNames& oldNames, const FileSetNames& newNames) const;
 };
 
 /// Notes the system's reason.
@@ -129,6 +131,21 @@ bool CNewFileSet::Files::Exchange(const FileSetNames& oldNames,
            zelto::SyncFolder(Parent()) && MoveIn(newNames.front());
 }
 
+/// From the first name that changes to the last, which the end of the process waits for.
+bool CNewFileSet::Files::Place(const FileSetNames& oldNames, const FileSetNames& newNames) const {
+    const auto notNow = zelto::FoldersInUse::HoldEndOff();
+    if (zelto::FoldersInUse::AreAbandoned()) {
+        errno = ECANCELED;
+        return false;
+    }
+    const bool isSingle = newNames.size() == 1 && std::none_of(oldNames.begin() + 1, oldNames.end(),
+                                                               [this](const std::string& name) {
+                                                                   return Exists(Parent() / name);
+                                                               });
+    const bool done = isSingle ? MoveIn(newNames.front()) : ReplaceSet(oldNames, newNames);
+    return done && zelto::SyncFolder(Parent());
+}
+
 CNewFileSet::CNewFileSet(const std::wstring& mainFile) : m_files(std::make_unique<Files>()) {
     m_files->main = ResolveLinks(CommonFun::U2M(mainFile));
     if (!m_files->main.has_filename())
@@ -162,14 +179,7 @@ bool CNewFileSet::Commit(const std::vector<std::wstring>& oldFiles) {
     for (const std::string& name : newNames)
         if (std::find(oldNames.begin(), oldNames.end(), name) == oldNames.end())
             oldNames.push_back(name);
-    const auto exists = [this](const std::string& name) {
-        return Exists(m_files->Parent() / name);
-    };
-    const bool isSingle =
-        newNames.size() == 1 && std::none_of(oldNames.begin() + 1, oldNames.end(), exists);
-    const bool done =
-        isSingle ? m_files->MoveIn(newNames.front()) : m_files->ReplaceSet(oldNames, newNames);
-    if (!done || !zelto::SyncFolder(m_files->Parent()))
+    if (!m_files->Place(oldNames, newNames))
         return m_files->Fail();
     m_files->folder.Remove();
     return true;
@@ -180,4 +190,8 @@ void CNewFileSet::Restore(const std::wstring& mainFile) {
     const fs::path backup = zelto::FileSetBackup::PathFor(path);
     if (path.has_filename() && Exists(backup))
         zelto::FileSetBackup::PutBack(backup);
+}
+
+void CNewFileSet::AbandonAll() {
+    zelto::FoldersInUse::Abandon();
 }

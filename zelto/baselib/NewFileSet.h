@@ -48,6 +48,12 @@ class ZELTO_API CNewFileSet {
     /// into the folder where there is none.
     static void Restore(const std::wstring& mainFile);
 
+    /// For a program that must end in the middle of its work, as on Ctrl-C: removes what all
+    /// unfinished sets of the process have made so far, also while other threads write there,
+    /// and lets no set begin or take its place any more. One that is taking its place does so to
+    /// the end first. The process should end right after.
+    static void AbandonAll();
+
   private:
     struct Files;
     std::unique_ptr<Files> m_files;

@@ -10,6 +10,7 @@ namespace zelto {
 inline constexpr const char* NO_OVERLAP = "the region does not overlap the raster";
 inline constexpr const char* NO_PIXELS = "the region has no pixels";
 inline constexpr const char* NO_MEMORY = "not enough memory";
+inline constexpr const char* ROWS_TOO_LONG = "its rows are too long to be read";
 
 /// Remembers the reason, behind the raster's file where it has one.
 /// @return false

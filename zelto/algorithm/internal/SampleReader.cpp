@@ -11,6 +11,7 @@
 #include <gdal_priv.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace zelto {
 
@@ -19,6 +20,10 @@ namespace {
 /// Samples of a strip: half a megabyte of doubles, which a core's second-level cache keeps
 /// between reading and counting.
 constexpr int STRIP_SAMPLES = 65'536;
+
+/// Samples of one row in all bands: half a gigabyte of doubles. Only damaged headers tell of
+/// longer ones.
+constexpr std::int64_t LONGEST_ROW = std::int64_t{1} << 26;
 
 bool ReadWindow(GDALRasterBand* band, const PixelWindow& window, int width, int height,
                 void* samples, GDALDataType type) {
@@ -109,6 +114,10 @@ bool VisitBandStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& 
                      const SampleGrid& grid, int maximumRows, const StripVisitor& visit) {
     if (grid.width < 1 || grid.height < 1) {
         SetLastError(NO_PIXELS);
+        return false;
+    }
+    if (grid.width > LONGEST_ROW / std::max<std::int64_t>(std::ssize(bands), 1)) {
+        SetLastError(ROWS_TOO_LONG);
         return false;
     }
     const WindowStrips strips(window, grid, bands, maximumRows);

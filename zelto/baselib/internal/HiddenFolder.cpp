@@ -1,6 +1,7 @@
 #include "zelto/baselib/internal/HiddenFolder.h"
 
 #include "zelto/baselib/internal/FileSetBackup.h"
+#include "zelto/baselib/internal/FoldersInUse.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -64,16 +65,19 @@ HiddenFolder::HiddenFolder(const fs::path& parent) {
     // Another process may take the new folder for a leftover until it is locked.
     constexpr int MOST_TRIES = 100;
     for (int tries = 0; tries < MOST_TRIES && !IsMade(); ++tries) {
+        const auto inUse = FoldersInUse::Lock();
+        if (FoldersInUse::AreAbandoned()) {
+            errno = ECANCELED;
+            return;
+        }
         std::string pattern = (place / (std::string(PREFIX) + "XXXXXX")).string();
         if (mkdtemp(pattern.data()) == nullptr)
             return;
         const int lock = Lock(pattern);
-        if (lock >= 0 && IsStillThere(pattern, lock)) {
-            m_path = pattern;
-            m_lock = lock;
-        } else if (lock >= 0) {
+        if (lock >= 0 && IsStillThere(pattern, lock))
+            Take(pattern, lock);
+        else if (lock >= 0)
             close(lock);
-        }
     }
 }
 
@@ -82,11 +86,14 @@ HiddenFolder::~HiddenFolder() {
 }
 
 HiddenFolder::HiddenFolder(HiddenFolder&& other) noexcept
-    : m_path(std::exchange(other.m_path, {})), m_lock(std::exchange(other.m_lock, -1)) {}
+    : m_path(std::exchange(other.m_path, {})),
+      m_lock(std::exchange(other.m_lock, -1)),
+      m_number(other.m_number) {}
 
 HiddenFolder& HiddenFolder::operator=(HiddenFolder&& other) noexcept {
     std::swap(m_path, other.m_path);
     std::swap(m_lock, other.m_lock);
+    std::swap(m_number, other.m_number);
     return *this;
 }
 
@@ -95,6 +102,7 @@ bool HiddenFolder::Rename(const std::string& name) {
     if (std::rename(m_path.c_str(), renamed.c_str()) != 0)
         return false;
     m_path = renamed;
+    FoldersInUse::Forget(m_number);
     return true;
 }
 
@@ -108,9 +116,17 @@ void HiddenFolder::Remove() {
     errno = reason; // of the failure that may have led here
 }
 
+void HiddenFolder::Take(const fs::path& path, int lock) {
+    m_path = path;
+    m_lock = lock;
+    m_number = FoldersInUse::Add(path);
+}
+
 void HiddenFolder::Leave() {
-    if (m_lock >= 0)
+    if (IsMade()) {
+        FoldersInUse::Forget(m_number);
         close(m_lock);
+    }
     m_lock = -1;
     m_path.clear();
 }
@@ -118,12 +134,10 @@ void HiddenFolder::Leave() {
 HiddenFolder TakeOver(const fs::path& path) {
     HiddenFolder folder;
     const int lock = Lock(path);
-    if (lock >= 0 && IsStillThere(path, lock)) {
-        folder.m_path = path;
-        folder.m_lock = lock;
-    } else if (lock >= 0) {
+    if (lock >= 0 && IsStillThere(path, lock))
+        folder.Take(path, lock);
+    else if (lock >= 0)
         close(lock);
-    }
     return folder;
 }
 

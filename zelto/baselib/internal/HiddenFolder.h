@@ -23,8 +23,8 @@ class HiddenFolder {
     /// False where the parent does not allow it; errno then has the reason.
     bool IsMade() const { return !m_path.empty(); }
     const std::filesystem::path& Path() const { return m_path; }
-    /// Gives the folder another name in the same parent, under which it stays locked. False, with
-    /// errno set, when that fails.
+    /// Gives the folder another name in the same parent, under which it stays locked and is kept
+    /// when the process ends early. False, with errno set, when that fails.
     bool Rename(const std::string& name);
     /// Removes the folder and its contents now.
     void Remove();
@@ -34,8 +34,11 @@ class HiddenFolder {
   private:
     friend HiddenFolder TakeOver(const std::filesystem::path& path);
 
+    void Take(const std::filesystem::path& path, int lock);
+
     std::filesystem::path m_path;
-    int m_lock = -1; ///< descriptor of the folder, which holds the lock
+    int m_lock = -1;  ///< descriptor of the folder, which holds the lock
+    int m_number = 0; ///< the folder's among those in use
 };
 
 /// Takes over a hidden folder whose owner is gone; not made when it does not exist, or when its

@@ -1,0 +1,124 @@
+#include "cli/support/Interrupts.h"
+
+#include "zelto/baselib/NewFileSet.h"
+
+#include "cli/support/Message.h"
+#include "cli/support/Progress.h"
+
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <csignal>
+#include <ctime>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+
+namespace zelto::cli {
+
+namespace {
+
+constexpr std::array SIGNALS = {SIGINT, SIGTERM, SIGHUP};
+
+/// Time for work to reach its next progress step; all is over within a second.
+constexpr timespec GRACE = {0, 600'000'000};
+
+/// What the listener shares with the program. It has no destructor to run while the listener
+/// still waits.
+struct Shared {
+    std::atomic<bool> interrupted = false;
+    std::mutex mutex; ///< of what follows
+    std::condition_variable changed;
+    int changesInPlace = 0;
+    bool atEnd = false;
+};
+
+Shared& State() {
+    static auto* const state = new Shared; // NOLINT(cppcoreguidelines-owning-memory)
+    return *state;
+}
+
+/// The signals that the caller of the program does not want ignored.
+sigset_t HeededSignals() {
+    sigset_t heeded;
+    sigemptyset(&heeded);
+    for (const int number : SIGNALS) {
+        struct sigaction present = {};
+        if (sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN)
+            sigaddset(&heeded, number);
+    }
+    return heeded;
+}
+
+/// Holds the signals back while the libraries set themselves up, until ListenForInterrupts():
+/// they are heeded from the first instruction on.
+__attribute__((no_sanitize("address", "thread", "undefined"))) void
+HoldSignals(int /*argc*/, char** /*argv*/, char** /*environment*/) {
+    const sigset_t heeded = HeededSignals();
+    sigprocmask(SIG_BLOCK, &heeded, nullptr);
+}
+
+__attribute__((section(".preinit_array"), used)) void (*const g_holdSignals)(int, char**,
+                                                                             char**) = HoldSignals;
+
+/// Ends the program where it is.
+void EndNow() {
+    std::unique_lock lock(State().mutex);
+    State().changed.wait(lock, [] { return State().changesInPlace == 0; });
+    if (State().atEnd)
+        return;
+    CNewFileSet::AbandonAll();
+    TerminalProgress::EndLine();
+    Tell(Interruption().what());
+    _exit(EXIT_INTERRUPTED);
+}
+
+void Listen(sigset_t heeded) {
+    while (sigwaitinfo(&heeded, nullptr) < 0) {
+    }
+    State().interrupted = true;
+    sigtimedwait(&heeded, nullptr, &GRACE);
+    EndNow();
+}
+
+} // namespace
+
+void ListenForInterrupts() {
+    const sigset_t heeded = HeededSignals();
+    try {
+        State();
+        std::thread(Listen, heeded).detach();
+    } catch (const std::system_error&) {
+        // Without a listener a request ends the program as it would any other.
+        sigprocmask(SIG_UNBLOCK, &heeded, nullptr);
+    }
+}
+
+void StopListening() {
+    const std::lock_guard lock(State().mutex);
+    State().atEnd = true;
+}
+
+bool Interrupted() {
+    return State().interrupted;
+}
+
+void EndIfInterrupted() {
+    if (Interrupted())
+        throw Interruption();
+}
+
+ChangeInPlace::ChangeInPlace() {
+    EndIfInterrupted();
+    const std::lock_guard lock(State().mutex);
+    ++State().changesInPlace;
+}
+
+ChangeInPlace::~ChangeInPlace() {
+    const std::lock_guard lock(State().mutex);
+    --State().changesInPlace;
+    State().changed.notify_all();
+}
+
+} // namespace zelto::cli

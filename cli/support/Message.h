@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace zelto::cli {
+
+/// Makes the standard streams the program's own, before anything is opened: standard error tells
+/// what the program says, in lines that begin with its name, and what libraries print there on
+/// their own goes nowhere, unless GDAL's CPL_DEBUG asks for it. A standard stream that is closed
+/// stays unusable, rather than being the next file that is opened.
+void TakeStandardStreams();
+
+/// Prints one line on standard error behind the program's name, fit for a terminal.
+void Tell(const std::string& line);
+
+/// Prints text on standard error as it is.
+void PrintOnTerminal(const std::string& text);
+
+/// Whether standard error is a terminal.
+bool IsOnTerminal();
+
+} // namespace zelto::cli

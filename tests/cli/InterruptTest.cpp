@@ -1,0 +1,240 @@
+// Commands that are stopped in the middle: how soon, with which status, and what is left.
+
+#include "tests/cli/RunZelto.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gdal_priv.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <map>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using zelto::test::ReadFile;
+using zelto::test::RunResult;
+using zelto::test::RunZelto;
+using zelto::test::TemporaryFolder;
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+/// The longest a command may go on after a signal: a second, and what a busy machine takes to
+/// notice.
+constexpr milliseconds LONGEST(2500);
+
+/// An image that keeps every command busy: noise, which no driver compresses, in one part, and
+/// nothing in the rest.
+void MakeLargeImage(const std::string& path) {
+    constexpr int SIZE = 12000;
+    constexpr int NOISY_ROWS = 600;
+    GDALAllRegister();
+    const char* const options[] = {"SPARSE_OK=TRUE", nullptr};
+    const GDALDatasetUniquePtr image(GetGDALDriverManager()->GetDriverByName("GTiff")->Create(
+        path.c_str(), SIZE, SIZE, 3, GDT_Byte, const_cast<char**>(options)));
+    ASSERT_NE(image, nullptr);
+    double place[6] = {500000, 1, 0, 4000000, 0, -1};
+    image->SetGeoTransform(place);
+    std::vector<unsigned char> row(SIZE);
+    std::uint32_t noise = 1;
+    for (int band = 1; band <= 3; ++band)
+        for (int y = 0; y < NOISY_ROWS; ++y) {
+            for (unsigned char& value : row) {
+                noise = noise * 1664525U + 1013904223U;
+                value = static_cast<unsigned char>(noise >> 24U);
+            }
+            ASSERT_EQ(image->GetRasterBand(band)->RasterIO(GF_Write, 0, y, SIZE, 1, row.data(),
+                                                           SIZE, 1, GDT_Byte, 0, 0, nullptr),
+                      CE_None);
+        }
+}
+
+/// Names and contents of a folder's files; of folders the names.
+std::map<std::string, std::string> Contents(const TemporaryFolder& folder) {
+    std::map<std::string, std::string> contents;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
+        contents[entry.path().filename().string()] =
+            entry.is_regular_file() ? ReadFile(entry.path().string()) : "";
+    return contents;
+}
+
+struct Stopped {
+    RunResult run;
+    milliseconds after; ///< from the signal to the end
+};
+
+/// Runs a command and sends it a signal a while after it has begun to run.
+Stopped StopAfter(milliseconds while_, const Arguments& arguments, int signalNumber = SIGINT) {
+    Stopped stopped;
+    steady_clock::time_point sent;
+    stopped.run = RunZelto(arguments, "", [&](pid_t process) {
+        zelto::test::WaitUntilItListens(process);
+        std::this_thread::sleep_for(while_);
+        sent = steady_clock::now();
+        kill(process, signalNumber);
+    });
+    stopped.after = std::chrono::duration_cast<milliseconds>(steady_clock::now() - sent);
+    return stopped;
+}
+
+/// A folder with what the commands work on.
+class InterruptedCommand : public testing::TestWithParam<Arguments> {
+  public:
+    static void SetUpTestSuite() {
+        s_origin = std::make_unique<TemporaryFolder>();
+        MakeLargeImage(s_origin->File("large.tif"));
+        zelto::test::WriteFile(
+            s_origin->File("area.geojson"),
+            R"({"type":"Polygon","coordinates":[[[500000,3988000],[512000,3988000],)"
+            R"([512000,4000000],[500000,4000000],[500000,3988000]]]})");
+    }
+    static void TearDownTestSuite() { s_origin.reset(); }
+
+  protected:
+    /// The command's words with "<" before names of what is there and ">" before new ones.
+    Arguments WithPaths() const {
+        Arguments arguments;
+        for (const std::string& word : GetParam())
+            arguments.push_back(word.front() == '<'   ? s_origin->File(word.substr(1))
+                                : word.front() == '>' ? m_folder.File(word.substr(1))
+                                                      : word);
+        return arguments;
+    }
+
+    static std::unique_ptr<TemporaryFolder> s_origin;
+    TemporaryFolder m_folder;
+};
+
+std::unique_ptr<TemporaryFolder> InterruptedCommand::s_origin;
+
+std::string FirstWords(const testing::TestParamInfo<Arguments>& info) {
+    std::string name = std::to_string(info.index);
+    for (const char c : info.param[0] + info.param[1])
+        if (std::isalnum(static_cast<unsigned char>(c)) != 0)
+            name += c;
+    return name;
+}
+
+} // namespace
+
+TEST_P(InterruptedCommand, EndsWithinASecondAndLeavesWhatWasThere) {
+    const Arguments arguments = WithPaths();
+    if (GetParam().back().front() == '>')
+        zelto::test::WriteFile(arguments.back(), "old");
+    const auto before = Contents(m_folder);
+    const auto origin = s_origin->Names();
+    for (const int wait : {0, 5, 50, 300}) {
+        SCOPED_TRACE(testing::PrintToString(arguments) + " after " + std::to_string(wait));
+        const Stopped stopped = StopAfter(milliseconds(wait), arguments);
+        if (stopped.run.exitStatus == 0)
+            continue; // it was done before
+        EXPECT_LT(stopped.after, LONGEST);
+        EXPECT_EQ(Contents(m_folder), before);
+        EXPECT_EQ(s_origin->Names(), origin);
+        EXPECT_EQ(stopped.run.exitStatus, 130);
+        EXPECT_EQ(stopped.run.errors, "zelto: interrupted\n");
+        EXPECT_EQ(stopped.run.output, "");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AllCommands, InterruptedCommand,
+    testing::Values(Arguments{"info", "--stats", "<large.tif"},
+                    Arguments{"stats", "--covariance", "<large.tif"},
+                    Arguments{"histogram", "<large.tif"},
+                    Arguments{"render", "--size", "12000x12000", "--stretch", "wallis",
+                              "<large.tif", ">picture.png"},
+                    Arguments{"compose", "--size", "12000x12000", "<large.tif:1", "<large.tif:2",
+                              "<large.tif:3", ">picture.tif"},
+                    Arguments{"samples", "collect", "--aoi", "<area.geojson", "<large.tif"},
+                    Arguments{"polygonize", "--nodata", "<large.tif", ">polygons.gpkg"},
+                    Arguments{"polygonize", "--nodata", "<large.tif", ">polygons.geojson"},
+                    Arguments{"copy", "<large.tif", ">copy.tif"},
+                    Arguments{"create", "--size", "30000,30000", "--fill", "7", ">new.tif"},
+                    Arguments{"create", "--size", "12000,12000", "--fill", "7", ">new.img"},
+                    Arguments{"aoi", "mask", "<area.geojson", "<large.tif", ">mask.tif"}),
+    FirstWords);
+
+TEST(Interrupting, ATerminationRequestIsTreatedAlike) {
+    const TemporaryFolder folder;
+    const Stopped stopped = StopAfter(
+        milliseconds(400), {"create", "--size", "30000,30000", "--fill", "1", folder.File("a.tif")},
+        SIGTERM);
+    EXPECT_EQ(stopped.run.exitStatus, 130);
+    EXPECT_EQ(stopped.run.errors, "zelto: interrupted\n");
+    EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(Interrupting, AReadThatNeverComesBackIsLeft) {
+    const TemporaryFolder folder;
+    const std::string pipe = folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    // A writer that says nothing.
+    const int silent = open(pipe.c_str(), O_RDWR);
+    ASSERT_GE(silent, 0);
+    const Stopped stopped = StopAfter(milliseconds(300), {"reproject", "points", "--from",
+                                                          "EPSG:4326", "--to", "EPSG:3857", pipe});
+    close(silent);
+    EXPECT_EQ(stopped.run.exitStatus, 130);
+    EXPECT_EQ(stopped.run.errors, "zelto: interrupted\n");
+    EXPECT_LT(stopped.after, LONGEST);
+}
+
+TEST(Interrupting, ASecondRequestEndsAtOnce) {
+    const TemporaryFolder folder;
+    const std::string pipe = folder.File("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int silent = open(pipe.c_str(), O_RDWR);
+    ASSERT_GE(silent, 0);
+    steady_clock::time_point sent;
+    const auto run =
+        RunZelto({"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:3857", pipe}, "",
+                 [&](pid_t process) {
+                     std::this_thread::sleep_for(milliseconds(300));
+                     kill(process, SIGINT);
+                     std::this_thread::sleep_for(milliseconds(50));
+                     sent = steady_clock::now();
+                     kill(process, SIGINT);
+                 });
+    const auto after = steady_clock::now() - sent;
+    close(silent);
+    EXPECT_EQ(run.exitStatus, 130);
+    EXPECT_EQ(run.errors, "zelto: interrupted\n");
+    EXPECT_LT(after, milliseconds(500));
+}
+
+TEST(Interrupting, ASignalWhileTheProgramIsBeingLoadedLeavesNothing) {
+    const TemporaryFolder folder;
+    const auto run =
+        RunZelto({"create", "--size", "30000,30000", "--fill", "1", folder.File("a.tif")}, "",
+                 [](pid_t process) {
+                     std::this_thread::sleep_for(milliseconds(5));
+                     kill(process, SIGINT);
+                 });
+    // The system ends it by the signal itself, which a shell calls 130 as well.
+    EXPECT_TRUE(run.endSignal == SIGINT || run.exitStatus == 130);
+    EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(Interrupting, ASignalThatTheCallerIgnoresStaysIgnored) {
+    const TemporaryFolder folder;
+    const auto previous = std::signal(SIGINT, SIG_IGN);
+    const auto run =
+        RunZelto({"create", "--size", "3000,3000", "--fill", "1", folder.File("a.tif")}, "",
+                 [](pid_t process) {
+                     for (int i = 0; i < 50; ++i) {
+                         kill(process, SIGINT);
+                         std::this_thread::sleep_for(milliseconds(5));
+                     }
+                 });
+    std::signal(SIGINT, previous);
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.tif"});
+}
