@@ -14,6 +14,10 @@ if(ZELTO_SANITIZE)
         -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(zelto_common_options INTERFACE -fsanitize=${ZELTO_SANITIZE})
 endif()
+if(ZELTO_FUZZ)
+    # The fuzzer steers by the branches that its inputs reach, in whatever is compiled here.
+    target_compile_options(zelto_common_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 add_library(zelto_options INTERFACE)
 add_library(Zelto::options ALIAS zelto_options)

@@ -14,7 +14,6 @@
 #include <cmath>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 
 using nlohmann::json;
 using zelto::test::MakePixels;

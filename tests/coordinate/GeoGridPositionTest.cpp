@@ -83,7 +83,8 @@ TEST(GeoGrid, ANewGridHoldsZeroPositions) {
 
 TEST(GeoGrid, SizesBelowOneOrBeyondMemoryHoldNoPositions) {
     const int huge = std::numeric_limits<int>::max();
-    for (const auto& [nx, ny] : {std::pair(0, 5), {5, 0}, {-3, -3}, {huge, huge}}) {
+    const int most = CGeoGrid::MAX_POSITIONS;
+    for (const auto& [nx, ny] : {std::pair(0, 5), {5, 0}, {-3, -3}, {huge, huge}, {most, 2}}) {
         CGeoGrid grid(nx, ny, 1.0, 1.0, 0);
         EXPECT_EQ(grid.GetColumns(), nullptr);
         EXPECT_EQ(grid.GetColumnCount(), 0);

@@ -176,6 +176,11 @@ TEST(BoxTransform, MorePointsThanTheLimitAreRefused) {
     CBoundingBox to(1, 2, 3, 4);
     EXPECT_FALSE(reproject->Dest2SrcBox(from, to, 1e-9, 1));
     EXPECT_FALSE(reproject->Dest2SrcBox(from, to, 1, 1e-10));
+    // Four edges of as many points: a few million points take seconds, more take minutes.
+    EXPECT_LE(CReproject::MAX_EDGE_POINTS, 5'000'000);
+    const double side = CReproject::MAX_EDGE_POINTS / 4.0 + 1;
+    CBoundingBox square(0, side, side, 0);
+    EXPECT_FALSE(reproject->Dest2SrcBox(square, to, 1, 1));
     ExpectBox(to, 1, 2, 3, 4, 0);
 }
 

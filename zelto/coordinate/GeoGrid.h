@@ -17,7 +17,7 @@ class CRasterSource;
 class ZELTO_API CGeoGrid {
   public:
     /// Most positions a grid can hold.
-    static constexpr int MAX_POSITIONS = 1 << 26;
+    static constexpr int MAX_POSITIONS = 1 << 24;
 
     /// Allocates nx × ny positions, all zero. A grid with a count below 1, with more than
     /// MAX_POSITIONS or too large for the memory holds none.

@@ -50,7 +50,7 @@ class ZELTO_API CReproject {
     bool BoxTansform(double left, double top, double right, double bottom, double& outLeft,
                      double& outTop, double& outRight, double& outBottom, double stepX,
                      double stepY, CCoordinateTransformation* ct);
-    static constexpr int MAX_EDGE_POINTS = 1 << 26;
+    static constexpr int MAX_EDGE_POINTS = 1 << 22;
 
     /// BoxTansform() from the target system to the source's.
     bool Dest2SrcBox(CBoundingBox& targetBox, CBoundingBox& sourceBox, double stepX, double stepY);

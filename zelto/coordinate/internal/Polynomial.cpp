@@ -38,22 +38,33 @@ Terms MakeTerms(double u, double v) {
     return {1.0, u, v, u * u, u * v, v * v, u * u * u, u * u * v, u * v * v, v * v * v};
 }
 
-/// The normal equations of one set of observations.
-struct NormalEquations {
-    std::array<double, MAX_TERMS * MAX_TERMS> matrix;
-    Terms right;
+/// The normal equations of two sets of observations at the same points, which share the matrix.
+class NormalEquations {
+  public:
+    explicit NormalEquations(int terms) : m_terms(terms) {
+        CErrorEquation::zero(m_matrix.data(), static_cast<int>(m_matrix.size()));
+        CErrorEquation::zero(m_rightX.data(), MAX_TERMS);
+        CErrorEquation::zero(m_rightY.data(), MAX_TERMS);
+    }
+    void Add(const Terms& row, double x, double y) {
+        CErrorEquation::_TFuncNorml(row.data(), x, m_matrix.data(), m_rightX.data(), m_terms);
+        for (int i = 0; i < m_terms; ++i)
+            m_rightY[i] += row[i] * y;
+    }
+    bool SolveX(Terms& solution) const { return Solve(m_rightX, solution); }
+    bool SolveY(Terms& solution) const { return Solve(m_rightY, solution); }
 
-    NormalEquations() {
-        CErrorEquation::zero(matrix.data(), static_cast<int>(matrix.size()));
-        CErrorEquation::zero(right.data(), MAX_TERMS);
+  private:
+    bool Solve(Terms right, Terms& solution) const {
+        auto matrix = m_matrix;
+        CErrorEquation::_TBalance(matrix.data(), right.data(), m_terms);
+        return CErrorEquation::_TCaGauss(matrix.data(), right.data(), solution.data(), m_terms);
     }
-    void Add(const Terms& row, double observation, int terms) {
-        CErrorEquation::_TFuncNorml(row.data(), observation, matrix.data(), right.data(), terms);
-    }
-    bool Solve(Terms& solution, int terms) {
-        CErrorEquation::_TBalance(matrix.data(), right.data(), terms);
-        return CErrorEquation::_TCaGauss(matrix.data(), right.data(), solution.data(), terms);
-    }
+
+    int m_terms;
+    std::array<double, MAX_TERMS * MAX_TERMS> m_matrix;
+    Terms m_rightX;
+    Terms m_rightY;
 };
 
 /// Coefficients by power k of value in ((value − centre) / scale)^power, times `factor`.
@@ -95,16 +106,12 @@ std::vector<double> FitPolynomials(int order, int count, const double* u, const 
         return {};
     const Reduction reduceU(u, count);
     const Reduction reduceV(v, count);
-    NormalEquations equationsX;
-    NormalEquations equationsY;
-    for (int i = 0; i < count; ++i) {
-        const Terms row = MakeTerms(reduceU(u[i]), reduceV(v[i]));
-        equationsX.Add(row, x[i], terms);
-        equationsY.Add(row, y[i], terms);
-    }
+    NormalEquations equations(terms);
+    for (int i = 0; i < count; ++i)
+        equations.Add(MakeTerms(reduceU(u[i]), reduceV(v[i])), x[i], y[i]);
     Terms solutionX = {};
     Terms solutionY = {};
-    if (!equationsX.Solve(solutionX, terms) || !equationsY.Solve(solutionY, terms))
+    if (!equations.SolveX(solutionX) || !equations.SolveY(solutionY))
         return {};
     std::vector<double> coefficients;
     AppendExpanded(coefficients, solutionX, order, reduceU, reduceV);
