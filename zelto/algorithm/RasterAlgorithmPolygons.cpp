@@ -8,6 +8,7 @@
 #include "zelto/baselib/internal/RegularFile.h"
 #include "zelto/geometry/internal/GeosMemory.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BandCall.h"
 #include "zelto/vector/VectorLayer.h"
 
 #include <gdal_alg.h>

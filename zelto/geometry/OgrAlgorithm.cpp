@@ -1,5 +1,8 @@
 #include "zelto/geometry/OgrAlgorithm.h"
 
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/Operation.h"
+
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
@@ -84,22 +87,27 @@ bool COgrAlgorithm::IsPointOnSurface(OGRGeometry* geometry, OGRPoint* point) {
 }
 
 int COgrAlgorithm::SaveGeometry(const char* path, OGRGeometry* geometry) {
+    const zelto::OperationScope scope;
     OGRRegisterAll();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("ESRI Shapefile");
     if (driver == nullptr || path == nullptr)
         return 1;
+    // A dump for looking at: whether it could be written is told by the reason alone.
+    zelto::GdalWatch watch;
     GDALDatasetUniquePtr dataset(driver->Create(path, 0, 0, 0, GDT_Unknown, nullptr));
     OGRLayer* layer =
         dataset ? dataset->CreateLayer("polygon", nullptr, wkbPolygon, nullptr) : nullptr;
-    if (layer == nullptr)
-        return 1;
-    OGRFieldDefn field("152", OFTString);
-    field.SetWidth(320);
-    layer->CreateField(&field);
-    const OGRFeatureUniquePtr feature(OGRFeature::CreateFeature(layer->GetLayerDefn()));
-    feature->SetField("152", "152.tif");
-    feature->SetGeometry(geometry);
-    // A dump for looking at: whether it could be written is not reported.
-    [[maybe_unused]] const OGRErr unreported = layer->CreateFeature(feature.get());
+    bool written = layer != nullptr;
+    if (written) {
+        OGRFieldDefn field("152", OFTString);
+        field.SetWidth(320);
+        written = layer->CreateField(&field) == OGRERR_NONE;
+        const OGRFeatureUniquePtr feature(OGRFeature::CreateFeature(layer->GetLayerDefn()));
+        feature->SetField("152", "152.tif");
+        feature->SetGeometry(geometry);
+        written = layer->CreateFeature(feature.get()) == OGRERR_NONE && written;
+    }
+    dataset.reset(); // what is still in memory is written now
+    static_cast<void>(watch.Succeeded(written, path));
     return 1;
 }

@@ -1,4 +1,6 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/CachedRegion.h"
 
@@ -55,8 +57,11 @@ bool CRasterBand::GetDataToBuffer(int xOff, int yOff, int xSize, int ySize, int 
     if (m_band == nullptr || buffer == nullptr || !IsReadable(xSize, ySize, bufWidth, bufHeight) ||
         !zelto::CanHoldBlocks(*m_band))
         return false;
-    return m_band->RasterIO(GF_Read, xOff, yOff, xSize, ySize, buffer, bufWidth, bufHeight,
-                            GDT_Float64, 0, 0, nullptr) == CE_None;
+    const zelto::OperationScope scope;
+    return zelto::Reads(*m_band, [&] {
+        return m_band->RasterIO(GF_Read, xOff, yOff, xSize, ySize, buffer, bufWidth, bufHeight,
+                                GDT_Float64, 0, 0, nullptr);
+    });
 }
 
 void CRasterBand::ReleaseCache() {

@@ -1,9 +1,13 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BandCall.h"
 
 #include <gdal_priv.h>
 
 GISError CRasterBand::SetColorTable(GDALColorTable* table) {
-    if (m_band == nullptr || table == nullptr || m_band->SetColorTable(table) != CE_None)
+    const zelto::OperationScope scope;
+    if (m_band == nullptr || table == nullptr ||
+        !zelto::Writes(*m_band, [&] { return m_band->SetColorTable(table); }))
         return GIS_FAILED;
     m_colorTable = m_band->GetColorTable();
     return GIS_SUCCESS;
@@ -18,5 +22,7 @@ GISError CRasterBand::SetColorTable(tagColorEntry* entries, int count) {
                                    entries[i].alpha};
         table.SetColorEntry(i, &entry);
     }
-    return m_band->SetColorTable(&table) == CE_None ? GIS_SUCCESS : GIS_FAILED;
+    const zelto::OperationScope scope;
+    return zelto::Writes(*m_band, [&] { return m_band->SetColorTable(&table); }) ? GIS_SUCCESS
+                                                                                 : GIS_FAILED;
 }

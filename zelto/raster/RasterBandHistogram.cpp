@@ -1,5 +1,7 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/display/RasterHistogram.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/StatisticsBand.h"
 
@@ -25,13 +27,17 @@ bool CountPixels(GDALRasterBand& band, double min, double max, int buckets, int*
     try {
         std::vector<GUIntBig> found(static_cast<std::size_t>(buckets));
         const zelto::StatisticsBand source(band);
-        if (source->GetHistogram(lowest, max, buckets, found.data(), FALSE, approximate,
-                                 GDALProgressFuncEx, progress) != CE_None)
+        const bool counted = zelto::Reads(band, [&] {
+            return source->GetHistogram(lowest, max, buckets, found.data(), FALSE, approximate,
+                                        GDALProgressFuncEx, progress);
+        });
+        if (!counted)
             return false;
         std::transform(found.begin(), found.end(), counts, [](GUIntBig count) {
             return static_cast<int>(std::min<GUIntBig>(count, INT_MAX));
         });
     } catch (const std::bad_alloc&) {
+        zelto::SetLastError(zelto::FileOf(band) + ": not enough memory for the histogram");
         return false;
     }
     return true;
@@ -41,6 +47,7 @@ bool CountPixels(GDALRasterBand& band, double min, double max, int buckets, int*
 
 bool CRasterBand::GetHistogram(double min, double max, int buckets, int* counts,
                                bool includeOutOfRange, bool approxOK, CDataProgress* progress) {
+    const zelto::OperationScope scope;
     if (m_band == nullptr || counts == nullptr)
         return false;
     if (m_histogram != nullptr && m_histogram->GetHistogramData() != nullptr &&

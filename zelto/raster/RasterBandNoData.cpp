@@ -1,4 +1,6 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/CachedRegion.h"
 
 #include <gdal_priv.h>
@@ -11,7 +13,9 @@ bool CRasterBand::SetNoDataValue(double value, bool writeToFile) {
     // A virtual raster fills its gaps with the value, which must not change what is found.
     if (writeToFile)
         TakeStatistics();
-    if (writeToFile && (m_band == nullptr || m_band->SetNoDataValue(value) != CE_None))
+    const zelto::OperationScope scope;
+    if (writeToFile && (m_band == nullptr ||
+                        !zelto::Writes(*m_band, [&] { return m_band->SetNoDataValue(value); })))
         return false;
     m_noDataValue = value;
     m_hasNoData = 1;

@@ -1,7 +1,11 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BlockLimit.h"
 
 #include <gdal_priv.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -13,18 +17,31 @@ struct Block {
     int pixelSpace, lineSpace;
 };
 
-/// Transfers a block; GDAL takes empty windows and buffers for done, callers do not.
-GISError TransferBlock(GDALRasterBand* band, GDALRWFlag direction, const Block& block) {
-    if (band == nullptr || block.buffer == nullptr || block.xSize < 1 || block.ySize < 1 ||
-        block.bufWidth < 1 || block.bufHeight < 1 || block.type < PDT_Unknown ||
-        block.type >= static_cast<int>(GDT_TypeCount) || !zelto::CanHoldBlocks(*band))
-        return GIS_FAILED;
-    const GDALDataType type = block.type == PDT_Unknown ? band->GetRasterDataType()
+/// Whether a block can be transferred; GDAL takes empty windows and buffers for done, callers do
+/// not.
+bool IsTransferable(GDALRasterBand* band, const Block& block) {
+    if (band != nullptr && block.buffer != nullptr && block.xSize > 0 && block.ySize > 0 &&
+        block.bufWidth > 0 && block.bufHeight > 0 && block.type >= PDT_Unknown &&
+        block.type < static_cast<int>(GDT_TypeCount) && zelto::CanHoldBlocks(*band))
+        return true;
+    zelto::SetLastError(band == nullptr ? "the band is not open" : "no such block");
+    return false;
+}
+
+CPLErr TransferBlock(GDALRasterBand& band, GDALRWFlag direction, const Block& block) {
+    const GDALDataType type = block.type == PDT_Unknown ? band.GetRasterDataType()
                                                         : static_cast<GDALDataType>(block.type);
-    const CPLErr error = band->RasterIO(direction, block.xOff, block.yOff, block.xSize, block.ySize,
-                                        block.buffer, block.bufWidth, block.bufHeight, type,
-                                        block.pixelSpace, block.lineSpace, nullptr);
-    return error == CE_None ? GIS_SUCCESS : GIS_FAILED;
+    return band.RasterIO(direction, block.xOff, block.yOff, block.xSize, block.ySize, block.buffer,
+                         block.bufWidth, block.bufHeight, type, block.pixelSpace, block.lineSpace,
+                         nullptr);
+}
+
+GISError ReadOneBlock(GDALRasterBand* band, const Block& block) {
+    const zelto::OperationScope scope;
+    if (!IsTransferable(band, block))
+        return GIS_FAILED;
+    return zelto::Reads(*band, [&] { return TransferBlock(*band, GF_Read, block); }) ? GIS_SUCCESS
+                                                                                     : GIS_FAILED;
 }
 
 } // namespace
@@ -32,9 +49,8 @@ GISError TransferBlock(GDALRasterBand* band, GDALRWFlag direction, const Block& 
 GISError CRasterBand::ReadBlock(int xOff, int yOff, int xSize, int ySize, void* buffer,
                                 int bufWidth, int bufHeight, PixelDataType type, int pixelSpace,
                                 int lineSpace) {
-    const GISError result = TransferBlock(
-        m_band, GF_Read,
-        {xOff, yOff, xSize, ySize, buffer, bufWidth, bufHeight, type, pixelSpace, lineSpace});
+    const GISError result = ReadOneBlock(m_band, {xOff, yOff, xSize, ySize, buffer, bufWidth,
+                                                  bufHeight, type, pixelSpace, lineSpace});
     FlushCache();
     return result;
 }
@@ -42,19 +58,24 @@ GISError CRasterBand::ReadBlock(int xOff, int yOff, int xSize, int ySize, void* 
 GISError CRasterBand::WriteBlock(int xOff, int yOff, int xSize, int ySize, void* buffer,
                                  int bufWidth, int bufHeight, PixelDataType type, int pixelSpace,
                                  int lineSpace) {
-    const GISError result = TransferBlock(
-        m_band, GF_Write,
-        {xOff, yOff, xSize, ySize, buffer, bufWidth, bufHeight, type, pixelSpace, lineSpace});
-    // Blocks reach the file only now, so that this may be where a full disk shows.
-    if (m_band != nullptr && m_band->FlushCache() != CE_None)
+    const zelto::OperationScope scope;
+    const Block block{xOff,     yOff,      xSize, ySize,      buffer,
+                      bufWidth, bufHeight, type,  pixelSpace, lineSpace};
+    const bool transferable = IsTransferable(m_band, block);
+    if (m_band == nullptr)
         return GIS_FAILED;
-    return result;
+    const bool written = zelto::Writes(*m_band, [&] {
+        const CPLErr answer = transferable ? TransferBlock(*m_band, GF_Write, block) : CE_None;
+        // Blocks reach the file only now, so that this may be where a full disk shows.
+        return std::max(answer, m_band->FlushCache());
+    });
+    return transferable && written ? GIS_SUCCESS : GIS_FAILED;
 }
 
 GISError CRasterBand::GetPixel(void* value, int col, int row, PixelDataType type) {
     if (col < 0 || col >= m_width || row < 0 || row >= m_height)
         return GIS_FAILED;
-    return TransferBlock(m_band, GF_Read, {col, row, 1, 1, value, 1, 1, type, 0, 0});
+    return ReadOneBlock(m_band, {col, row, 1, 1, value, 1, 1, type, 0, 0});
 }
 
 void CRasterBand::FlushCache() {

@@ -1,4 +1,6 @@
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BandSampling.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/StatisticsBand.h"
@@ -16,12 +18,13 @@ void Report(double value, double* target) {
 } // namespace
 
 bool CRasterBand::ComputeMinMax(double* min, double* max, bool useStored) {
+    const zelto::OperationScope scope;
     if (!m_storedMinMaxFixed && !useStored) {
         if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band))
             return false;
         double range[2] = {0.0, 0.0};
         const zelto::StatisticsBand source(*m_band);
-        if (source->ComputeRasterMinMax(FALSE, range) != CE_None)
+        if (!zelto::Reads(*m_band, [&] { return source->ComputeRasterMinMax(FALSE, range); }))
             return false;
         StoreMinMax(range[0], range[1]);
     }
@@ -32,6 +35,7 @@ bool CRasterBand::ComputeMinMax(double* min, double* max, bool useStored) {
 
 bool CRasterBand::ComputeStatics(double* min, double* max, double* mean, double* stdDev,
                                  bool useStored, CDataProgress* progress) {
+    const zelto::OperationScope scope;
     double found[4] = {};
     if (useStored) {
         found[0] = GetMinimum();
@@ -44,8 +48,11 @@ bool CRasterBand::ComputeStatics(double* min, double* max, double* mean, double*
         if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band))
             return false;
         const zelto::StatisticsBand source(*m_band);
-        if (source->ComputeStatistics(FALSE, &found[0], &found[1], &found[2], &found[3],
-                                      GDALProgressFuncEx, progress) != CE_None)
+        const bool computed = zelto::Reads(*m_band, [&] {
+            return source->ComputeStatistics(FALSE, &found[0], &found[1], &found[2], &found[3],
+                                             GDALProgressFuncEx, progress);
+        });
+        if (!computed)
             return false;
     }
     Report(found[0], min);

@@ -1,10 +1,10 @@
 #include "zelto/algorithm/internal/SampleReader.h"
 
 #include "zelto/algorithm/internal/Refusal.h"
-#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/VirtualBand.h"
 
@@ -37,11 +37,10 @@ bool ReadWindow(GDALRasterBand* band, const PixelWindow& window, int width, int 
         SetLastError(NO_PIXELS);
         return false;
     }
-    GdalWatch watch;
-    const CPLErr answer =
-        band->RasterIO(GF_Read, window.left, window.top, window.width, window.height, samples,
-                       width, height, type, 0, 0, nullptr);
-    return watch.Succeeded(answer, FileOf(*band));
+    return Reads(*band, [&] {
+        return band->RasterIO(GF_Read, window.left, window.top, window.width, window.height,
+                              samples, width, height, type, 0, 0, nullptr);
+    });
 }
 
 /// Bytes of all the blocks that one row of the window touches.
@@ -56,11 +55,6 @@ std::int64_t BytesOfBlockRow(const std::vector<CRasterBand*>& bands, int width) 
 }
 
 } // namespace
-
-std::string FileOf(GDALRasterBand& band) {
-    const GDALDataset* const dataset = band.GetDataset();
-    return dataset != nullptr ? dataset->GetDescription() : "";
-}
 
 bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int height,
                  double* samples) {

@@ -26,9 +26,6 @@ std::unique_ptr<Sample[]> AllocateSamples(std::int64_t count) {
     return std::unique_ptr<Sample[]>(new (std::nothrow) Sample[static_cast<std::size_t>(count)]);
 }
 
-/// Name of the file that the band is read from; empty for a band without one.
-std::string FileOf(GDALRasterBand& band);
-
 /// One raster read of the window into width × height packed samples. False for a null band, for
 /// an empty window or grid (which GDAL would take for done) and on a GDAL error; the reason is
 /// then in LastError().

@@ -1,5 +1,6 @@
 #include "zelto/raster/internal/BandSampling.h"
 
+#include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/SampleStatistics.h"
 #include "zelto/raster/internal/VirtualBand.h"
@@ -19,8 +20,11 @@ bool AddSamples(GDALRasterBand& band, StatisticsGrid grid, GDALDataType type,
                 SampleStatistics& statistics) {
     const std::size_t count = grid.Count();
     const std::unique_ptr<Sample[]> samples(new (std::nothrow) Sample[count]);
-    if (!samples || band.RasterIO(GF_Read, 0, 0, band.GetXSize(), band.GetYSize(), samples.get(),
-                                  grid.columns, grid.rows, type, 0, 0, nullptr) != CE_None)
+    const auto read = [&] {
+        return band.RasterIO(GF_Read, 0, 0, band.GetXSize(), band.GetYSize(), samples.get(),
+                             grid.columns, grid.rows, type, 0, 0, nullptr);
+    };
+    if (!samples || !Reads(band, read))
         return false;
     statistics.Add(samples.get(), count);
     return true;
