@@ -7,6 +7,7 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <condition_variable>
 #include <csignal>
 #include <ctime>
@@ -39,24 +40,33 @@ Shared& State() {
     return *state;
 }
 
-/// The signals that the caller of the program does not want ignored.
-sigset_t HeededSignals() {
-    sigset_t heeded;
-    sigemptyset(&heeded);
+sigset_t AllSignals() {
+    sigset_t all;
+    sigemptyset(&all);
+    for (const int number : SIGNALS)
+        sigaddset(&all, number);
+    return all;
+}
+
+/// Those that the caller of the program does not want ignored, or the others.
+sigset_t SignalsThatAre(bool ignored) {
+    sigset_t found;
+    sigemptyset(&found);
     for (const int number : SIGNALS) {
         struct sigaction present = {};
-        if (sigaction(number, nullptr, &present) == 0 && present.sa_handler != SIG_IGN)
-            sigaddset(&heeded, number);
+        sigaction(number, nullptr, &present);
+        if ((present.sa_handler == SIG_IGN) == ignored)
+            sigaddset(&found, number);
     }
-    return heeded;
+    return found;
 }
 
 /// Holds the signals back while the libraries set themselves up, until ListenForInterrupts():
 /// they are heeded from the first instruction on.
 __attribute__((no_sanitize("address", "thread", "undefined"))) void
 HoldSignals(int /*argc*/, char** /*argv*/, char** /*environment*/) {
-    const sigset_t heeded = HeededSignals();
-    sigprocmask(SIG_BLOCK, &heeded, nullptr);
+    const sigset_t all = AllSignals();
+    sigprocmask(SIG_BLOCK, &all, nullptr);
 }
 
 __attribute__((section(".preinit_array"), used)) void (*const g_holdSignals)(int, char**,
@@ -76,6 +86,8 @@ void EndNow() {
 
 void Listen(sigset_t heeded) {
     while (sigwaitinfo(&heeded, nullptr) < 0) {
+        if (errno != EINTR)
+            return; // nothing to wait for
     }
     State().interrupted = true;
     sigtimedwait(&heeded, nullptr, &GRACE);
@@ -85,13 +97,16 @@ void Listen(sigset_t heeded) {
 } // namespace
 
 void ListenForInterrupts() {
-    const sigset_t heeded = HeededSignals();
+    const sigset_t all = AllSignals();
+    const sigset_t ignored = SignalsThatAre(true);
+    sigprocmask(SIG_BLOCK, &all, nullptr);
+    sigprocmask(SIG_UNBLOCK, &ignored, nullptr);
     try {
         State();
-        std::thread(Listen, heeded).detach();
+        std::thread(Listen, SignalsThatAre(false)).detach();
     } catch (const std::system_error&) {
         // Without a listener a request ends the program as it would any other.
-        sigprocmask(SIG_UNBLOCK, &heeded, nullptr);
+        sigprocmask(SIG_UNBLOCK, &all, nullptr);
     }
 }
 

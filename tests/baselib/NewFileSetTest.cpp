@@ -15,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -282,6 +283,29 @@ TEST_F(NewFileSet, ABackupWithoutAListOrWithForeignNamesHarmsNothing) {
     CNewFileSet::Restore(m_folder.WideFile("sub/a.shp"));
     EXPECT_EQ(zelto::test::ReadFile(m_folder.File("b.txt")), "mine");
     EXPECT_EQ(zelto::test::ReadFile(m_folder.File("sub/a.shp")), "old");
+}
+
+/// Ends the process with 0 when an abandoned set cannot take its place and no other can begin.
+[[noreturn]] void AbandonAndTryToGoOn(const std::wstring& path) {
+    CNewFileSet set(path);
+    const fs::path made = CommonFun::U2M(set.GetTemporaryPath());
+    // Somebody goes on writing while the folder is removed.
+    std::thread([made] {
+        for (int i = 0;; ++i)
+            std::ofstream(made.string() + std::to_string(i));
+    }).detach();
+    std::ofstream(made) << "new";
+    CNewFileSet::AbandonAll();
+    const bool isGone = !fs::exists(made.parent_path());
+    const bool ended = !set.Commit() && !CNewFileSet(path).IsOpen();
+    _exit(isGone && ended ? 0 : 1);
+}
+
+TEST_F(NewFileSet, AbandonedSetsLeaveNothingAndTakeNoPlaceAnyMore) {
+    Write({{"a.shp", "old"}});
+    EXPECT_EXIT(AbandonAndTryToGoOn(m_folder.WideFile("a.shp")), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(m_folder.Names(), Names{"a.shp"});
+    EXPECT_EQ(Visible(), (Contents{{"a.shp", "old"}}));
 }
 
 } // namespace

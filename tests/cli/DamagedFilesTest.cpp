@@ -39,6 +39,10 @@ struct Case {
     Arguments arguments; ///< FILE stands for one of them, OUT begins the name of a new file
 };
 
+void PrintTo(const Case& which, std::ostream* out) {
+    *out << testing::PrintToString(which.arguments);
+}
+
 std::string NameOf(const testing::TestParamInfo<Case>& info) {
     return info.param.name;
 }

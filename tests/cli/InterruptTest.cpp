@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <map>
 #include <sys/stat.h>
@@ -70,18 +71,41 @@ struct Stopped {
 };
 
 /// Runs a command and sends it a signal a while after it has begun to run.
-Stopped StopAfter(milliseconds while_, const Arguments& arguments, int signalNumber = SIGINT) {
+Stopped StopAfter(milliseconds while_, const Arguments& arguments, int signalNumber = SIGINT,
+                  const zelto::test::RunFiles& files = {}) {
     Stopped stopped;
     steady_clock::time_point sent;
-    stopped.run = RunZelto(arguments, "", [&](pid_t process) {
+    const auto send = [&](pid_t process) {
         zelto::test::WaitUntilItListens(process);
         std::this_thread::sleep_for(while_);
         sent = steady_clock::now();
         kill(process, signalNumber);
-    });
+    };
+    stopped.run = RunZelto(arguments, "", send, files);
     stopped.after = std::chrono::duration_cast<milliseconds>(steady_clock::now() - sent);
     return stopped;
 }
+
+/// A pipe whose writer says nothing.
+class SilentPipe {
+  public:
+    SilentPipe() {
+        EXPECT_EQ(mkfifo(Path().c_str(), 0600), 0);
+        m_writer = open(Path().c_str(), O_RDWR | O_CLOEXEC);
+        EXPECT_GE(m_writer, 0);
+    }
+    ~SilentPipe() { close(m_writer); }
+    SilentPipe(const SilentPipe&) = delete;
+    SilentPipe& operator=(const SilentPipe&) = delete;
+
+    std::string Path() const { return m_folder.File("pipe"); }
+
+  private:
+    TemporaryFolder m_folder;
+    int m_writer = -1;
+};
+
+const Arguments READS_INPUT = {"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:3857"};
 
 /// A folder with what the commands work on.
 class InterruptedCommand : public testing::TestWithParam<Arguments> {
@@ -172,38 +196,27 @@ TEST(Interrupting, ATerminationRequestIsTreatedAlike) {
 }
 
 TEST(Interrupting, AReadThatNeverComesBackIsLeft) {
-    const TemporaryFolder folder;
-    const std::string pipe = folder.File("pipe");
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    // A writer that says nothing.
-    const int silent = open(pipe.c_str(), O_RDWR);
-    ASSERT_GE(silent, 0);
-    const Stopped stopped = StopAfter(milliseconds(300), {"reproject", "points", "--from",
-                                                          "EPSG:4326", "--to", "EPSG:3857", pipe});
-    close(silent);
+    const SilentPipe pipe;
+    const Stopped stopped =
+        StopAfter(milliseconds(300), READS_INPUT, SIGINT, {.input = pipe.Path()});
     EXPECT_EQ(stopped.run.exitStatus, 130);
     EXPECT_EQ(stopped.run.errors, "zelto: interrupted\n");
     EXPECT_LT(stopped.after, LONGEST);
 }
 
 TEST(Interrupting, ASecondRequestEndsAtOnce) {
-    const TemporaryFolder folder;
-    const std::string pipe = folder.File("pipe");
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const int silent = open(pipe.c_str(), O_RDWR);
-    ASSERT_GE(silent, 0);
+    const SilentPipe pipe;
     steady_clock::time_point sent;
-    const auto run =
-        RunZelto({"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:3857", pipe}, "",
-                 [&](pid_t process) {
-                     std::this_thread::sleep_for(milliseconds(300));
-                     kill(process, SIGINT);
-                     std::this_thread::sleep_for(milliseconds(50));
-                     sent = steady_clock::now();
-                     kill(process, SIGINT);
-                 });
+    const auto sendTwice = [&](pid_t process) {
+        zelto::test::WaitUntilItListens(process);
+        std::this_thread::sleep_for(milliseconds(300));
+        kill(process, SIGINT);
+        std::this_thread::sleep_for(milliseconds(50));
+        sent = steady_clock::now();
+        kill(process, SIGINT);
+    };
+    const auto run = RunZelto(READS_INPUT, "", sendTwice, {.input = pipe.Path()});
     const auto after = steady_clock::now() - sent;
-    close(silent);
     EXPECT_EQ(run.exitStatus, 130);
     EXPECT_EQ(run.errors, "zelto: interrupted\n");
     EXPECT_LT(after, milliseconds(500));
@@ -237,4 +250,60 @@ TEST(Interrupting, ASignalThatTheCallerIgnoresStaysIgnored) {
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.tif"});
+}
+
+namespace {
+
+/// A terminal that somebody looks at.
+class Terminal {
+  public:
+    Terminal() : m_screen(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK)) {
+        EXPECT_EQ(grantpt(m_screen), 0);
+        EXPECT_EQ(unlockpt(m_screen), 0);
+        // What is printed stays until it is read.
+        m_line = open(Path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    }
+    ~Terminal() {
+        close(m_line);
+        close(m_screen);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    std::string Path() const { return ptsname(m_screen); }
+    /// What has been printed since the last time.
+    std::string Read() const {
+        std::string text(1U << 16U, '\0');
+        const ssize_t length = read(m_screen, text.data(), text.size());
+        text.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        return text;
+    }
+
+  private:
+    int m_screen;
+    int m_line = -1;
+};
+
+} // namespace
+
+TEST(Progress, IsShownOnATerminalAfterASecond) {
+    const TemporaryFolder folder;
+    const Terminal terminal;
+    const Stopped stopped =
+        StopAfter(milliseconds(3000),
+                  {"create", "--size", "60000,60000", "--fill", "1", folder.File("a.tif")}, SIGINT,
+                  {.errors = terminal.Path()});
+    EXPECT_EQ(stopped.run.exitStatus, 130);
+    const std::string shown = terminal.Read();
+    EXPECT_EQ(shown.rfind("\rfilling [", 0), 0U) << shown;
+    EXPECT_NE(shown.find("%\r\nzelto: interrupted\r\n"), std::string::npos) << shown;
+}
+
+TEST(Progress, OfShortWorkIsNotShown) {
+    const TemporaryFolder folder;
+    const Terminal terminal;
+    const auto run = RunZelto({"create", "--size", "100,100", "--fill", "1", folder.File("a.tif")},
+                              "", {}, {.errors = terminal.Path()});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(terminal.Read(), "");
 }

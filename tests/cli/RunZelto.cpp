@@ -43,7 +43,7 @@ bool Holds(pid_t process, int signalNumber) {
 } // namespace
 
 RunResult RunZelto(const std::vector<std::string>& arguments, const std::string& input,
-                   const std::function<void(pid_t)>& meanwhile, const std::string& output) {
+                   const std::function<void(pid_t)>& meanwhile, const RunFiles& files) {
     const TemporaryFolder folder;
     WriteFile(folder.File("in"), input);
     std::vector<std::string> words = {ProgramPath()};
@@ -56,9 +56,11 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
     const auto begin = std::chrono::steady_clock::now();
     const pid_t child = fork();
     if (child == 0) {
-        Redirect(folder.File("in"), O_RDONLY, STDIN_FILENO);
-        Redirect(output.empty() ? folder.File("out") : output, O_WRONLY | O_CREAT, STDOUT_FILENO);
-        Redirect(folder.File("err"), O_WRONLY | O_CREAT, STDERR_FILENO);
+        Redirect(files.input.empty() ? folder.File("in") : files.input, O_RDONLY, STDIN_FILENO);
+        Redirect(files.output.empty() ? folder.File("out") : files.output, O_WRONLY | O_CREAT,
+                 STDOUT_FILENO);
+        Redirect(files.errors.empty() ? folder.File("err") : files.errors, O_WRONLY | O_CREAT,
+                 STDERR_FILENO);
         execv(argv[0], argv.data());
         _exit(127);
     }
@@ -75,9 +77,10 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
         result.exitStatus = WEXITSTATUS(status);
     if (WIFSIGNALED(status))
         result.endSignal = WTERMSIG(status);
-    if (output.empty())
+    if (files.output.empty())
         result.output = ReadFile(folder.File("out"));
-    result.errors = ReadFile(folder.File("err"));
+    if (files.errors.empty())
+        result.errors = ReadFile(folder.File("err"));
     return result;
 }
 

@@ -18,12 +18,17 @@ struct RunResult {
     std::string errors;  ///< standard error
 };
 
+/// Existing files in place of those that a run has by itself; empty: none.
+struct RunFiles {
+    std::string input = {};
+    std::string output = {};
+    std::string errors = {};
+};
+
 /// Runs the built `zelto` with these arguments, `input` on its standard input, and waits for it.
 /// @param meanwhile called with the program's process while it runs
-/// @param output an existing file that its standard output goes to, rather than the result
 RunResult RunZelto(const std::vector<std::string>& arguments, const std::string& input = "",
-                   const std::function<void(pid_t)>& meanwhile = {},
-                   const std::string& output = "");
+                   const std::function<void(pid_t)>& meanwhile = {}, const RunFiles& files = {});
 
 /// Waits until a process that was just started takes signals for itself, rather than being ended
 /// by them while the system loads it.

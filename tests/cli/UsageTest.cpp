@@ -169,7 +169,7 @@ TEST(StandardOutput, AFullDiskIsAFailure) {
           Arguments{"info", "--json", folder.File("a.tif")},
           Arguments{"stats", "--csv", folder.File("a.tif")}, Arguments{"--help"},
           Arguments{"--version"}, Arguments{"render", "--help"}}) {
-        const auto run = RunZelto(arguments, "", {}, "/dev/full");
+        const auto run = RunZelto(arguments, "", {}, {.output = "/dev/full"});
         EXPECT_EQ(run.exitStatus, 1);
         EXPECT_EQ(run.errors, "zelto: standard output: No space left on device\n");
     }
@@ -183,13 +183,12 @@ zelto::test::RunResult PrintIntoClosedPipe() {
     const std::string pipe = folder.File("pipe");
     EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    return RunZelto(
-        {"--help"}, "",
-        [reader](pid_t process) {
-            zelto::test::WaitUntilItListens(process);
-            close(reader);
-        },
-        pipe);
+    return RunZelto({"--help"}, "",
+                    [reader](pid_t process) {
+                        zelto::test::WaitUntilItListens(process);
+                        close(reader);
+                    },
+                    {.output = pipe});
 }
 
 } // namespace
