@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <sys/resource.h>
 
 using namespace zelto::test;
 
@@ -238,6 +239,20 @@ TEST(InterleavedRendering, BadArgumentsAnswerFalse) {
     CBoundingBox point(1, 1, 1, 1);
     EXPECT_FALSE(source.GetShowData(&point, 2, 2, image.data(), true));
     EXPECT_EQ(image, Bytes(16, 91));
+}
+
+TEST(InterleavedRendering, APictureWithoutColumnsTakesNoMemoryForItsRows) {
+    const auto peakKilobytes = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    ShownRaster source({.width = 2, .height = 2}, {{5, 6, 7, 8}});
+    CBoundingBox box = source.GetExtent();
+    Bytes image(16, 91);
+    const long before = peakKilobytes();
+    EXPECT_FALSE(source.GetShowData(&box, 0, std::numeric_limits<int>::max(), image.data(), true));
+    EXPECT_LT(peakKilobytes() - before, 100'000);
 }
 
 TEST(ShowStatistics, AreTheDisplayedBytesPerShownBand) {

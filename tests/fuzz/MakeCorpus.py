@@ -208,6 +208,9 @@ def sequences():
              call("UseWallis", 0, 1) + draw)
     seed("interface", "again", opened(0) + opened(1) + call("Reopen", 0, 0) + draw +
          call("Close", 0) + draw + call("Reopen", 0, 1) + draw)
+    seed("interface", "closed", opened(0) + triangle + call("Close", 0) +
+         call("ComputeRegion", 0, 0, 1, 0) + call("ComputeShape", 0, 1, 1, 1, 0, 0) + planes +
+         call("ComputeReport", 0, 0, 0, 0, 82, 160, 5, 80, 82, 0))
     seed("interface", "composed", opened(0) + opened(1, 1) +
          call("Compose", 0, 0, 1, 1, 1, 2) + call("DrawInterleaved", 2, 0, 4, 4, 1, 1, 1) +
          call("DrawPlanes", 2, 0, 4, 4, 4, 0, 1, 1) + call("ReadPixel", 2, 1, 1, 0))

@@ -7,7 +7,6 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
-#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <vector>
@@ -28,7 +27,7 @@ class InterleavedView {
           m_window(SelectViewWindow(GridOf(source), box, w, h, ViewRule::Interleaved)),
           // The pixel's corner is looked up here, its centre in the planes.
           m_output(OutputOf(source, box, m_window, w, 0.0)),
-          m_sameRows(static_cast<std::size_t>(std::max(h, 0)), 1) {}
+          m_sameRows(Status() == ViewStatus::Selected ? static_cast<std::size_t>(h) : 0, 1) {}
 
     ViewStatus Status() const { return m_window.status; }
 
