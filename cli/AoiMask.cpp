@@ -4,6 +4,7 @@
 
 #include "cli/AoiFile.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
 #include "cli/support/Json.h"
 #include "cli/support/Message.h"
 #include "cli/support/NewRaster.h"
@@ -15,7 +16,6 @@
 #include <gdal_priv.h>
 
 #include <iostream>
-#include <vector>
 
 namespace zelto::cli {
 
@@ -52,36 +52,21 @@ NewRaster MakeMask(const std::string& path, const CRasterSource& image) {
     return {path, layout};
 }
 
-/// Writes the mask row by row.
-/// @return the number of pixels inside
-std::int64_t WriteOrFail(const CAOIMask& mask, CRasterSource& out, const std::string& path) {
-    TerminalProgress progress;
-    progress.BeginProgress(L"mask", out.GetHeight());
-    GDALRasterBand* band = out.GetGDALDataset()->GetRasterBand(1);
-    std::vector<unsigned char> line(static_cast<std::size_t>(out.GetWidth()));
-    std::int64_t inside = 0;
-    for (int row = 0; row < out.GetHeight(); ++row) {
-        for (int column = 0; column < out.GetWidth(); ++column) {
-            const bool in = mask.IsPointIn(column, row);
-            line[static_cast<std::size_t>(column)] = in ? 1 : 0;
-            inside += in ? 1 : 0;
-        }
-        if (band->RasterIO(GF_Write, 0, row, out.GetWidth(), 1, line.data(), out.GetWidth(), 1,
-                           GDT_Byte, 0, 0, nullptr) != CE_None)
-            throw Failure(path, LastReason("cannot be written"));
-        if (!progress.StepProgress(row + 1, nullptr))
-            throw Interruption();
-    }
-    return inside;
-}
-
 /// Tells of shapes that could not be burnt beside the others.
-void TellWhatIsMissing(const CAOIMask& mask, const CAOISource& aoi, const std::string& path) {
-    const std::string reason = CGISDataSource::GetLastErrorText();
-    if (!mask.HasMask() && aoi.GetDrawShapeCount() > 0)
-        throw Failure(path, reason);
-    if (!reason.empty())
-        Tell(path + ": " + reason);
+/// @return the number of pixels inside
+std::int64_t WriteOrFail(CAOISource& aoi, CRasterSource& out, const AoiMaskOptions& options) {
+    TerminalProgress progress;
+    std::int64_t inside = 0;
+    CGISDataSource::ClearLastErrorText();
+    const GISError error = CAOIMask::WriteRaster(&aoi, &out, inside, &progress);
+    EndIfInterrupted();
+    if (error == GIS_NOT_SUPPORTED)
+        throw Failure(options.aoi, LastReason("cannot be cut to the image"));
+    if (error != GIS_SUCCESS)
+        throw Failure(options.out, LastReason("cannot be written"));
+    if (const std::string reason = CGISDataSource::GetLastErrorText(); !reason.empty())
+        Tell(options.aoi + ": " + reason);
+    return inside;
 }
 
 } // namespace
@@ -96,11 +81,8 @@ void WriteAoiMask(const AoiMaskOptions& options) {
     if (!aoi.GetSpatialReferenceWKT().empty() && !image.GetProjectionWKT().empty())
         OpenAoiOrFail(aoi, options.aoi, image.GetProjectionWKT());
     UseModerateRings(aoi);
-    CGISDataSource::ClearLastErrorText();
-    const CAOIMask mask(&aoi, image.GetExtent(), image.GetWidth(), image.GetHeight());
-    TellWhatIsMissing(mask, aoi, options.aoi);
     NewRaster out = MakeMask(options.out, image);
-    const std::int64_t inside = WriteOrFail(mask, out.Raster(), options.out);
+    const std::int64_t inside = WriteOrFail(aoi, out.Raster(), options);
     out.Commit();
     const std::int64_t pixels = std::int64_t{image.GetWidth()} * image.GetHeight();
     if (options.json)

@@ -8,6 +8,7 @@
 #include "cli/support/Open.h"
 #include "cli/support/Picture.h"
 #include "cli/support/Printable.h"
+#include "cli/support/PyramidHint.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,7 +21,7 @@ namespace {
 
 struct Options {
     std::vector<std::string> colors; ///< FILE:BAND for red, green, blue
-    std::string out;
+    PictureFile out;
     ViewOptions view;
     std::string stretch = "stddev";
     StretchOptions stretchData;
@@ -56,7 +57,7 @@ void OpenColor(ColorSource& color, const std::string& text) {
 }
 
 void Run(const Options& options) {
-    CheckPictureName(options.out);
+    CheckPictureFile(options.out);
     ColorSource colors[3];
     for (std::size_t k = 0; k < 3; ++k) {
         OpenColor(colors[k], options.colors[k]);
@@ -71,10 +72,13 @@ void Run(const Options& options) {
     Picture picture(view.width, view.height);
     CBoundingBox box = view.box;
     if (!composed.GetShowData(&box, view.width, view.height, picture.pixels.data(), true))
-        throw Failure(options.out, "the box misses the images, or their pixels cannot be read");
+        throw Failure(options.out.path,
+                      "the box misses the images, or their pixels cannot be read");
     WritePicture(picture, options.out, PicturePlace{view.box, composed.GetProjectionWKT()});
-    std::cout << Printable(options.out) << ": " << view.width << " x " << view.height
+    std::cout << Printable(options.out.path) << ": " << view.width << " x " << view.height
               << " pixels\n";
+    for (const ColorSource& color : colors)
+        HintAtPyramid(color.source, color.path);
 }
 
 } // namespace
@@ -86,7 +90,7 @@ void AddCompose(CLI::App& program) {
     compose->add_option("RED", options->colors[0], "FILE:BAND of the red colour")->required();
     compose->add_option("GREEN", options->colors[1], "FILE:BAND of the green colour")->required();
     compose->add_option("BLUE", options->colors[2], "FILE:BAND of the blue colour")->required();
-    compose->add_option("OUT", options->out, "picture: .png, .jpg or .tif (georeferenced)")
+    compose->add_option("OUT", options->out.path, "picture: .png, .jpg or .tif (georeferenced)")
         ->required();
     compose->add_option("--box", options->view.box,
                         "left,top,right,bottom; default: what the three have in common");
@@ -94,6 +98,7 @@ void AddCompose(CLI::App& program) {
                         "WxH, or one side as 1024x or x768; default: at most 1024 pixels");
     compose->add_option("--stretch", options->stretch, "as zelto render; each band has its own")
         ->capture_default_str();
+    AddPictureOptions(*compose, options->out);
     compose->footer("The rasters may differ in grid and resolution, but must lie in one reference\n"
                     "system. The picture has the resolution of the red one and the system of the\n"
                     "blue one.\n"

@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/GdalUse.h"
 #include "cli/support/Message.h"
 #include "cli/support/Progress.h"
 #include "cli/support/RasterReport.h"
@@ -27,6 +28,7 @@ std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure
                               : options.sample   ? ValueFacts::Sampled
                                                  : ValueFacts::None;
     std::vector<RasterFacts> described;
+    const GdalUse drivers; // registered once, not again for every file
     TerminalProgress progress;
     for (const std::string& file : options.files) {
         EndIfInterrupted();

@@ -13,6 +13,7 @@
 #include "cli/support/Open.h"
 #include "cli/support/Picture.h"
 #include "cli/support/Printable.h"
+#include "cli/support/PyramidHint.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -28,7 +29,7 @@ namespace {
 
 struct Options {
     std::string file;
-    std::string out;
+    PictureFile out;
     ViewOptions view;
     std::string bands;
     std::string stretch = "stddev";
@@ -172,7 +173,7 @@ Picture DrawSheet(const View& view, const Options& options) {
 }
 
 void CheckOptions(const Options& options) {
-    CheckPictureName(options.out);
+    CheckPictureFile(options.out);
     if (options.outside != "transparent" && options.outside != "black")
         throw UsageError("--outside: transparent or black");
     if (options.contactSheet && !options.aoi.empty())
@@ -181,6 +182,16 @@ void CheckOptions(const Options& options) {
         throw UsageError("--gamma must be positive");
     if (!(options.transparency >= 0.0F && options.transparency <= 1.0F))
         throw UsageError("--transparency: 0 to 1");
+}
+
+/// Whether drawing needs all of an image without a pyramid: the statistics of a sample, which
+/// only 8-bit values shown as they are do without, or a view of most of it.
+bool ReadsWhole(const CRasterSource& source, const View& view, const Options& options) {
+    const CBoundingBox extent = source.GetExtent();
+    const bool isMost =
+        view.box.GetWidth() * view.box.GetHeight() * 2 >= extent.GetWidth() * extent.GetHeight();
+    return isMost || options.contactSheet || options.stretchData.type != StretchNone ||
+           source.GetRasterDataType() != PDT_Byte;
 }
 
 void Run(const Options& options) {
@@ -200,8 +211,10 @@ void Run(const Options& options) {
                                                     : DrawMasked(source, view, options);
         WritePicture(picture, options.out, PicturePlace{view.box, source.GetProjectionWKT()});
     }
-    std::cout << Printable(options.out) << ": " << view.width << " x " << view.height
+    std::cout << Printable(options.out.path) << ": " << view.width << " x " << view.height
               << (options.contactSheet ? " pixels a picture\n" : " pixels\n");
+    if (ReadsWhole(source, view, options))
+        HintAtPyramid(source, options.file);
 }
 
 void AddViewOptions(CLI::App& render, Options& options) {
@@ -265,11 +278,12 @@ void AddRender(CLI::App& program) {
     auto* render = program.add_subcommand("render", "draw a raster as a picture");
     auto options = std::make_shared<Options>();
     render->add_option("FILE", options->file, "raster file")->required();
-    render->add_option("OUT", options->out, "picture: .png, .jpg or .tif (georeferenced)")
+    render->add_option("OUT", options->out.path, "picture: .png, .jpg or .tif (georeferenced)")
         ->required();
     AddViewOptions(*render, *options);
     AddColorOptions(*render, *options);
     AddStretchOptions(*render, *options);
+    AddPictureOptions(*render, options->out);
     render->footer(
         "Stretches: none shows 8-bit values as they are, others from minimum to maximum;\n"
         "table: minimum to maximum through a gamma curve; linear: minimum to maximum;\n"

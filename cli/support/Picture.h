@@ -6,6 +6,10 @@
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace zelto::cli {
 
 /// A picture as the engine draws it: rows from the top, 4 bytes a pixel in the order blue,
@@ -26,13 +30,23 @@ struct PicturePlace {
     std::string wkt; ///< may be empty
 };
 
-/// Throws UsageError naming `path` unless its extension is one of png, jpg, jpeg, tif, tiff.
-void CheckPictureName(const std::string& path);
+/// The file that a picture shall be written to.
+struct PictureFile {
+    std::string path;
+    int pngLevel = 0; ///< how hard a PNG is compressed, 1 to 9; 0: as found best
+};
+
+/// Adds --png-level.
+void AddPictureOptions(CLI::App& command, PictureFile& file);
+
+/// Throws UsageError naming the path unless its extension is one of png, jpg, jpeg, tif, tiff,
+/// and when a level is given for anything but a PNG.
+void CheckPictureFile(const PictureFile& file);
 
 /// Writes the picture in the format of the path's extension; a file of that name is replaced
 /// when the new one is complete. PNG and GeoTIFF have an alpha channel where a pixel is not
 /// opaque; JPEG has white there. GeoTIFF carries the place. Throws Failure.
-void WritePicture(const Picture& picture, const std::string& path,
+void WritePicture(const Picture& picture, const PictureFile& file,
                   const std::optional<PicturePlace>& place = std::nullopt);
 
 } // namespace zelto::cli

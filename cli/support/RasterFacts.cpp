@@ -8,6 +8,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
 #include "cli/support/Progress.h"
+#include "cli/support/PyramidHint.h"
 #include "cli/support/Text.h"
 
 #include <gdal_priv.h>
@@ -214,6 +215,8 @@ RasterFacts DescribeRaster(const std::string& path, ValueFacts values, CDataProg
     facts.values = values;
     for (int i = 0; values != ValueFacts::None && i < source->GetBandCount(); ++i)
         DescribeSample(facts.bands[static_cast<std::size_t>(i)], *source->GetRasterBand(i));
+    if (values == ValueFacts::Sampled)
+        HintAtPyramid(*source, path);
     if (values == ValueFacts::Exact)
         DescribeEveryPixel(facts, *source, progress);
     return facts;

@@ -1,12 +1,17 @@
 #include "zelto/aoi/AOIMask.h"
 
 #include "zelto/aoi/AOISource.h"
+#include "zelto/raster/RasterSource.h"
 
 #include "tests/aoi/Shapes.h"
+#include "tests/support/RasterFile.h"
+#include "tests/support/RecordingProgress.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 #include <ogr_geometry.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -15,7 +20,12 @@
 namespace {
 
 using zelto::test::Drag;
+using zelto::test::MakePixels;
 using zelto::test::MakePolygon;
+using zelto::test::Pixels;
+using zelto::test::ReadBand;
+using zelto::test::RecordingProgress;
+using zelto::test::TemporaryFolder;
 
 class AOIMask : public testing::Test {
   protected:
@@ -268,6 +278,76 @@ TEST_F(AOIMask, AgreesWithPixelCentresAndTheirNeighboursOnRandomPolygons) {
                     << "column " << column << ", row " << row << ", round " << round;
             }
     }
+}
+
+/// A raster of one byte band over a box, open for writing.
+class Target {
+  public:
+    Target(const CBoundingBox& box, int width, int height) {
+        double geoTransform[6] = {box.m_left, box.GetWidth() / width,   0.0, box.m_top,
+                                  0.0,        -box.GetHeight() / height};
+        EXPECT_EQ(m_raster.CreateRaster(RDF_GTiff, m_folder.WideFile("mask.tif").c_str(), width,
+                                        height, 1, PDT_Byte, geoTransform, nullptr, nullptr),
+                  GIS_SUCCESS);
+    }
+    CRasterSource& Raster() { return m_raster; }
+    Pixels Close() {
+        m_raster.Close();
+        return ReadBand(m_folder.File("mask.tif"), 1);
+    }
+
+  private:
+    TemporaryFolder m_folder;
+    CRasterSource m_raster;
+};
+
+TEST_F(AOIMask, WrittenIntoARasterItAnswersAsWhenAsked) {
+    SCOPED_TRACE("seed 43");
+    std::mt19937 engine(43);
+    std::uniform_real_distribution<double> c(-30, 70);
+    for (int round = 0; round < 40; ++round) {
+        const CBoundingBox box(c(engine), 40, 80, c(engine) - 41);
+        const int width = 1 + static_cast<int>(engine() % 60);
+        const int height = 1 + static_cast<int>(engine() % 60);
+        CAOISource source;
+        for (int shapes = static_cast<int>(engine() % 3); shapes > 0; --shapes)
+            source.AddDrawShape(new CDrawPolygon(MakePolygon(
+                {{c(engine), c(engine)}, {c(engine), c(engine)}, {c(engine), c(engine)}})));
+        if (round % 10 == 0)
+            source.AddDrawShape(
+                new CDrawPolygon(MakePolygon({{-99, -99}, {-99, 99}, {99, 99}, {99, -99}})));
+        Target target(box, width, height);
+        const CAOIMask mask(&source, target.Raster().GetExtent(), width, height);
+        __int64 inside = -1;
+        ASSERT_EQ(CAOIMask::WriteRaster(&source, &target.Raster(), inside, nullptr), GIS_SUCCESS);
+        const Pixels expected = MakePixels(
+            width, height, [&](int x, int y) { return mask.IsPointIn(x, y) ? 1.0 : 0.0; });
+        EXPECT_EQ(inside, std::count(expected.begin(), expected.end(), 1.0));
+        ASSERT_EQ(target.Close(), expected) << "round " << round;
+    }
+}
+
+TEST_F(AOIMask, WithoutAnAreaEveryPixelOfARasterIsInside) {
+    Target target(EIGHT, 8, 8);
+    __int64 inside = 0;
+    RecordingProgress progress;
+    EXPECT_EQ(CAOIMask::WriteRaster(nullptr, &target.Raster(), inside, &progress), GIS_SUCCESS);
+    EXPECT_EQ(inside, 64);
+    EXPECT_EQ(progress.m_stages.at(0).second, 8);
+    EXPECT_EQ(progress.m_steps.back().first, 8);
+    EXPECT_EQ(target.Close(), Pixels(64, 1.0));
+}
+
+TEST_F(AOIMask, WritingIntoARasterFailsWhereItMust) {
+    CAOISource source;
+    source.AddDrawShape(new CDrawPolygon(MakePolygon({{1, 1}, {1, 7}, {7, 7}})));
+    Target target(EIGHT, 8, 8);
+    __int64 inside = 0;
+    RecordingProgress impatient(0);
+    EXPECT_EQ(CAOIMask::WriteRaster(&source, &target.Raster(), inside, &impatient), GIS_FAILED);
+    EXPECT_EQ(CAOIMask::WriteRaster(&source, nullptr, inside, nullptr), GIS_FAILED);
+    CRasterSource closed;
+    EXPECT_EQ(CAOIMask::WriteRaster(&source, &closed, inside, nullptr), GIS_FAILED);
 }
 
 } // namespace

@@ -108,4 +108,51 @@ TEST(MaskRaster, StripsMeetWithoutASeam) {
     EXPECT_EQ(std::count(pixels.begin(), pixels.begin() + 1000 * 16000, 1), 0);
 }
 
+TEST(MaskRaster, RowsHandedOutStripByStripEqualTheWholeMask) {
+    GDALAllRegister();
+    SCOPED_TRACE("seed 7");
+    std::mt19937 engine(7);
+    const auto between = [&](int least, int most) {
+        return least + static_cast<int>(engine() % static_cast<unsigned>(most - least + 1));
+    };
+    for (int round = 0; round < 6; ++round) {
+        // Rows of 16 MiB and more are strips of one row, of 5 MiB of three; the last grid is one.
+        const int widths[] = {16777216, 5592405, 300};
+        const int width = widths[round % 3];
+        const int height = between(1, round % 3 == 2 ? 40 : 7);
+        const double x = between(0, width - 1), y = between(0, height - 1);
+        OGRPolygon triangle;
+        OGRLinearRing ring;
+        ring.setPoints(4, std::vector<double>{x, x + between(1, 200), x - 3, x}.data(),
+                       std::vector<double>{y - 2, y + 3, y + 2, y - 2}.data());
+        triangle.addRing(&ring);
+        const zelto::MaskGrid grid{{0, double(height), double(width), 0}, width, height, 1.0, 1.0};
+        Bytes burnt(grid.Size()), whole(grid.Size(), 9), rows;
+        ASSERT_TRUE(zelto::BurnGeometry(triangle, grid, burnt.data()));
+        zelto::GrowByOnePixel(burnt.data(), whole.data(), width, height);
+        ASSERT_TRUE(zelto::BurnGrownRows(
+            triangle, grid, [&](int firstRow, int count, const unsigned char* mask) {
+                EXPECT_EQ(std::size_t(firstRow) * width, rows.size());
+                rows.insert(rows.end(), mask, mask + std::size_t(count) * width);
+                return true;
+            }));
+        ASSERT_TRUE(rows == whole) << width << " x " << height;
+    }
+}
+
+TEST(MaskRaster, ASinkThatStopsEndsTheWork) {
+    GDALAllRegister();
+    OGRPolygon square;
+    OGRLinearRing ring;
+    ring.setPoints(5, std::vector<double>{1, 1, 2, 2, 1}.data(),
+                   std::vector<double>{1, 2, 2, 1, 1}.data());
+    square.addRing(&ring);
+    const zelto::MaskGrid grid{{0, 3, 16777216, 0}, 16777216, 3, 1, 1};
+    int calls = 0;
+    const auto stop = [&](int, int, const unsigned char*) { return ++calls < 2; };
+    EXPECT_FALSE(zelto::BurnGrownRows(square, grid, stop));
+    EXPECT_EQ(calls, 2);
+    EXPECT_FALSE(zelto::FillRows(1, grid, [](int, int, const unsigned char*) { return false; }));
+}
+
 } // namespace

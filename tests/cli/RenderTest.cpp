@@ -1,3 +1,4 @@
+#include "tests/cli/RunOnTerminal.h"
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -10,6 +11,7 @@ using zelto::test::NorthUp;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
 using zelto::test::ReadFile;
+using zelto::test::RunOnTerminal;
 using zelto::test::RunZelto;
 using zelto::test::SampleScene;
 using zelto::test::TemporaryFolder;
@@ -206,6 +208,64 @@ TEST(RenderCommand, AJpegLaysMissingPixelsOnWhite) {
     ASSERT_EQ(RunZelto({"render", image, out}).exitStatus, 0);
     EXPECT_EQ(ReadBand(out, 1)[0], 255.0);
     EXPECT_EQ(folder.Names(), (std::vector<std::string>{"empty.tif", "out.jpg"}));
+}
+
+TEST(RenderCommand, AHigherPngLevelMakesASmallerFileOfTheSamePixels) {
+    const TemporaryFolder folder;
+    const std::string quick = folder.File("quick.png");
+    const std::string usual = folder.File("usual.png");
+    const std::string small = folder.File("small.png");
+    const std::string scene = SampleScene();
+    ASSERT_EQ(RunZelto({"render", "--png-level", "1", scene, quick}).exitStatus, 0);
+    ASSERT_EQ(RunZelto({"render", scene, usual}).exitStatus, 0);
+    ASSERT_EQ(RunZelto({"render", "--png-level", "9", scene, small}).exitStatus, 0);
+    EXPECT_GT(ReadFile(quick).size(), ReadFile(usual).size());
+    EXPECT_GT(ReadFile(usual).size(), ReadFile(small).size());
+    for (int band = 1; band <= 3; ++band) {
+        EXPECT_EQ(ReadBand(quick, band), ReadBand(usual, band));
+        EXPECT_EQ(ReadBand(quick, band), ReadBand(small, band));
+    }
+    for (const char* level : {"0", "10", "x"})
+        EXPECT_EQ(RunZelto({"render", "--png-level", level, scene, quick}).exitStatus, 2) << level;
+    const auto tiff = RunZelto({"render", "--png-level", "5", scene, folder.File("out.tif")});
+    EXPECT_EQ(tiff.exitStatus, 2);
+    EXPECT_NE(tiff.errors.find("--png-level"), std::string::npos) << tiff.errors;
+}
+
+TEST(RenderCommand, ATerminalIsToldHowToSpareReadingALargeImageWhole) {
+    const TemporaryFolder folder;
+    const auto make = [&](const char* name, int width, std::vector<int> overviews) {
+        GDALAllRegister();
+        CPLStringList options;
+        for (const char* option : {"TILED=YES", "SPARSE_OK=TRUE"})
+            options.AddString(option);
+        const std::string path = folder.File(name);
+        const GDALDatasetUniquePtr image(GetGDALDriverManager()->GetDriverByName("GTiff")->Create(
+            path.c_str(), width, 4096, 1, GDT_Byte, options.List()));
+        if (!overviews.empty()) {
+            EXPECT_EQ(
+                image->BuildOverviews("NEAREST", 1, overviews.data(), 0, nullptr, nullptr, nullptr),
+                CE_None);
+        }
+        return path;
+    };
+    const std::string out = folder.File("out.png");
+    const std::string large = make("large.tif", 4097, {});
+    const std::string hint = "zelto pyramids build " + large;
+    const auto told = RunOnTerminal({"render", "--size", "64x", large, out});
+    EXPECT_NE(told.find(hint), std::string::npos) << told;
+    EXPECT_EQ(told.find(hint), told.rfind(hint)) << told;
+    EXPECT_EQ(RunZelto({"render", "--size", "64x", large, out}).errors, "") << "no terminal";
+    for (const std::string& quiet : {make("small.tif", 4096, {}), make("built.tif", 4097, {8})})
+        EXPECT_EQ(RunOnTerminal({"render", "--size", "64x", quiet, out}).find("pyramid"),
+                  std::string::npos);
+    const auto part =
+        RunOnTerminal({"render", "--stretch", "none", "--box", "0,4096,64,4032", large, out});
+    EXPECT_EQ(part, out + ": 1024 x 1024 pixels\r\n");
+    const auto composed =
+        RunOnTerminal({"compose", "--size", "64x", large + ":1", large + ":1", large + ":1", out});
+    EXPECT_EQ(composed.find(hint), composed.rfind(hint)) << composed;
+    EXPECT_NE(composed.find(hint), std::string::npos) << composed;
 }
 
 TEST(RenderCommand, WrongUsageIsToldApartFromFailedWork) {

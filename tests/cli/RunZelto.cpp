@@ -15,12 +15,11 @@
 
 namespace zelto::test {
 
-namespace {
-
-/// The program stands beside the test programs.
 std::string ProgramPath() {
     return (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "zelto").string();
 }
+
+namespace {
 
 void Redirect(const std::string& path, int flags, int descriptor) {
     const int file = open(path.c_str(), flags, 0600);

@@ -8,6 +8,9 @@
 
 namespace zelto::test {
 
+/// Where the built `zelto` is: beside the test programs.
+std::string ProgramPath();
+
 /// What a finished run of the program left behind.
 struct RunResult {
     int exitStatus = -1; ///< −1: it did not end by itself

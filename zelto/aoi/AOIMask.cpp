@@ -82,9 +82,24 @@ void CAOIMask::SetClipped(std::unique_ptr<OGRGeometry> clipped) {
 }
 
 bool CAOIMask::Initialize(OGRGeometry* geometry) {
+    switch (Place(*geometry)) {
+    case Coverage::All:
+        return FillMask(1);
+    case Coverage::Nothing:
+        return FillMask(0);
+    case Coverage::Part:
+        return BurnMask();
+    default:
+        return false;
+    }
+}
+
+/// Finds what the area covers of the grid and keeps that part; the reason why that is not known
+/// is in LastError().
+CAOIMask::Coverage CAOIMask::Place(OGRGeometry& geometry) {
     // Until more is known nothing is inside.
     SetClipped(std::make_unique<OGRPolygon>());
-    const std::unique_ptr<OGRGeometry> area = zelto::UniteSurfaces(*geometry);
+    const std::unique_ptr<OGRGeometry> area = zelto::UniteSurfaces(geometry);
     const OGRPolygon frame = MakeFrame(m_box, m_pixelWidth, m_pixelHeight);
     zelto::RequireGeosMemory(*area);
     zelto::GdalWatch watch;
@@ -92,20 +107,20 @@ bool CAOIMask::Initialize(OGRGeometry* geometry) {
     const bool meetsFrame = holdsFrame || frame.Intersects(area.get());
     // Both answer no where GDAL cannot tell.
     if (!watch.Succeeded(true, CUTTING))
-        return false;
+        return Coverage::Unknown;
     if (holdsFrame) {
         SetClipped(nullptr);
-        return FillMask(1);
+        return Coverage::All;
     }
     m_empty = !meetsFrame;
     if (m_empty)
-        return FillMask(0);
+        return Coverage::Nothing;
     zelto::RequireGeosMemory(*area);
     std::unique_ptr<OGRGeometry> clipped(frame.Intersection(area.get()));
     if (!watch.Succeeded(clipped != nullptr, CUTTING))
-        return false;
+        return Coverage::Unknown;
     SetClipped(std::move(clipped));
-    return !m_clipped->IsEmpty() && BurnMask();
+    return m_clipped->IsEmpty() ? Coverage::Unknown : Coverage::Part;
 }
 
 /// @return false, without a mask, for a grid without pixels and when memory is short

@@ -3,6 +3,7 @@
 #include "zelto/geometry/BoundingBox.h"
 
 #include <cstddef>
+#include <functional>
 
 class OGRGeometry;
 
@@ -35,5 +36,19 @@ bool BurnGeometry(OGRGeometry& geometry, const MaskGrid& grid, unsigned char* pi
 /// Writes to `grown` a copy of `burnt` in which every pixel that touches a set one, also by a
 /// corner, is set. The outermost rows and columns are copied as they are.
 void GrowByOnePixel(const unsigned char* burnt, unsigned char* grown, int width, int height);
+
+/// Receives rows firstRow … firstRow + rows − 1 of a mask, `grid.width` bytes each, from the top
+/// to the bottom; answers whether to go on.
+using MaskSink = std::function<bool(int firstRow, int rows, const unsigned char* mask)>;
+
+/// Burns and grows strip by strip, for grids that need not fit into memory: the same bytes as
+/// BurnGeometry() and GrowByOnePixel() give.
+/// Throws std::bad_alloc.
+/// @return false when GDAL refuses or the sink stopped
+bool BurnGrownRows(OGRGeometry& geometry, const MaskGrid& grid, const MaskSink& sink);
+
+/// Hands out a mask that is the same everywhere. Throws std::bad_alloc.
+/// @return false when the sink stopped
+bool FillRows(unsigned char value, const MaskGrid& grid, const MaskSink& sink);
 
 } // namespace zelto

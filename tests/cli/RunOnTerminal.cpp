@@ -1,0 +1,34 @@
+#include "tests/cli/RunOnTerminal.h"
+
+#include "tests/cli/RunZelto.h"
+
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zelto::test {
+
+std::string RunOnTerminal(const std::vector<std::string>& arguments) {
+    std::vector<std::string> words = {ProgramPath()};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+    // Reading fails once the program has ended.
+    std::string shown;
+    char text[4096];
+    for (ssize_t size = 0; (size = read(terminal, text, sizeof text)) > 0;)
+        shown.append(text, static_cast<std::size_t>(size));
+    close(terminal);
+    waitpid(child, nullptr, 0);
+    return shown;
+}
+
+} // namespace zelto::test
