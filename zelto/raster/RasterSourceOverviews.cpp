@@ -2,6 +2,7 @@
 #include "zelto/baselib/internal/FilesAside.h"
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/PyramidBuild.h"
@@ -96,6 +97,7 @@ bool LacksOverviews(GDALDataset& dataset) {
 
 GISError CRasterSource::BuildOverviews(const char* resampling, int bandCount, int* bandList,
                                        CDataProgress* progress) {
+    const zelto::OperationScope scope; // opening again must not forget why a build failed
     // What cannot be built must not close the file, nor cost it its pyramid.
     if (!zelto::IsPyramidResampling(resampling)) {
         zelto::SetLastError(CommonFun::U2M(m_filePath) + ": " + UnknownResampling(resampling));
