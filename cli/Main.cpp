@@ -13,6 +13,10 @@
 
 namespace {
 
+/// The libraries take most of the program's start to set themselves up; what is called by this
+/// list comes before them.
+__attribute__((section(".preinit_array"), used)) void (*const g_first)() = zelto::cli::HoldSignals;
+
 constexpr int EXIT_FAILED = 1;
 constexpr int EXIT_USAGE = 2;
 

@@ -40,7 +40,7 @@ Shared& State() {
     return *state;
 }
 
-sigset_t AllSignals() {
+__attribute__((no_sanitize("address", "thread", "undefined"))) sigset_t AllSignals() {
     sigset_t all;
     sigemptyset(&all);
     for (const int number : SIGNALS)
@@ -60,17 +60,6 @@ sigset_t SignalsThatAre(bool ignored) {
     }
     return found;
 }
-
-/// Holds the signals back while the libraries set themselves up, until ListenForInterrupts():
-/// they are heeded from the first instruction on.
-__attribute__((no_sanitize("address", "thread", "undefined"))) void
-HoldSignals(int /*argc*/, char** /*argv*/, char** /*environment*/) {
-    const sigset_t all = AllSignals();
-    sigprocmask(SIG_BLOCK, &all, nullptr);
-}
-
-__attribute__((section(".preinit_array"), used)) void (*const g_holdSignals)(int, char**,
-                                                                             char**) = HoldSignals;
 
 /// Ends the program where it is.
 void EndNow() {
@@ -96,10 +85,15 @@ void Listen(sigset_t heeded) {
 
 } // namespace
 
+__attribute__((no_sanitize("address", "thread", "undefined"))) void HoldSignals() {
+    const sigset_t all = AllSignals();
+    sigprocmask(SIG_BLOCK, &all, nullptr);
+}
+
 void ListenForInterrupts() {
     const sigset_t all = AllSignals();
     const sigset_t ignored = SignalsThatAre(true);
-    sigprocmask(SIG_BLOCK, &all, nullptr);
+    HoldSignals();
     sigprocmask(SIG_UNBLOCK, &ignored, nullptr);
     try {
         State();

@@ -13,6 +13,10 @@ class Interruption : public std::runtime_error {
 
 constexpr int EXIT_INTERRUPTED = 130;
 
+/// Holds requests to stop back until ListenForInterrupts(). Asks nothing of the libraries, so that
+/// it can be called before they are set up.
+void HoldSignals();
+
 /// Begins to listen for requests to stop. Work with progress steps ends at its next one. Work
 /// without, a read that never comes back, or a second request: then the program ends where it
 /// is, after new files that are not complete have been removed. Requests that the caller of the

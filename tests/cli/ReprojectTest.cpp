@@ -94,7 +94,7 @@ TEST(ReprojectPoints, WithoutAPlaceAreInfiniteAndCounted) {
                               "0 400\n0 0\n");
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.output.substr(0, 18), "Infinity Infinity\n");
-    EXPECT_EQ(run.errors, "zelto: 1 of 2 points have no place in EPSG:3395\n");
+    EXPECT_EQ(run.errors, "zelto: standard input: 1 of 2 points have no place in EPSG:3395\n");
     const auto none =
         RunZelto({"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:3395"}, "0 400\n");
     EXPECT_EQ(none.exitStatus, 1);

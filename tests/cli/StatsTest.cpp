@@ -80,7 +80,7 @@ TEST_F(StatsCommand, ARegionOffTheImageCountsNothingAndSaysSo) {
     const Json json = Json::parse(run.output);
     EXPECT_EQ(json["count"], 0);
     EXPECT_EQ(json["bands"][0]["mean"], "NaN");
-    EXPECT_EQ(run.errors, "zelto: no values of " + m_image + " in the region\n");
+    EXPECT_EQ(run.errors, "zelto: " + m_image + ": no values in the region\n");
 }
 
 TEST_F(StatsCommand, CovarianceAndCorrelationAreRows) {
