@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr const wchar_t* TITLE = L"计算协方差";
+constexpr const wchar_t* COVARIANCE_TITLE = L"计算协方差";
 
 /// Values of the pixels that count in all bands, moved together.
 class CompletePixels {
@@ -64,7 +64,7 @@ GISError CRegionStatistics::ComputeCovariance(CDataProgress* progress) {
                 values[b] = pixels.Of(b).data();
             covariance.Add(values, pixels.Count());
         };
-        if (!scan.Visit(TITLE, progress, add))
+        if (!scan.Visit(COVARIANCE_TITLE, progress, add))
             return GIS_FAILED;
         m_covariance = covariance.Matrix();
         m_covarianceCount = covariance.Count();

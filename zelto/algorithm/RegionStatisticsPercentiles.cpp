@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr const wchar_t* TITLE = L"计算百分位数";
-constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+constexpr const wchar_t* PERCENTILES_TITLE = L"计算百分位数";
+constexpr double NO_PERCENTILE = std::numeric_limits<double>::quiet_NaN();
 
 /// The two sorted values around a percentile and how far it lies between them.
 class Percentile {
@@ -65,8 +65,8 @@ class BandPercentiles {
         for (zelto::RankSearch* search : m_open)
             search->EndPass();
     }
-    double Low() const { return m_percentiles.empty() ? NOT_A_NUMBER : m_percentiles[0].Value(); }
-    double High() const { return m_percentiles.empty() ? NOT_A_NUMBER : m_percentiles[1].Value(); }
+    double Low() const { return m_percentiles.empty() ? NO_PERCENTILE : m_percentiles[0].Value(); }
+    double High() const { return m_percentiles.empty() ? NO_PERCENTILE : m_percentiles[1].Value(); }
 
   private:
     std::vector<Percentile> m_percentiles;
@@ -92,7 +92,7 @@ GISError CRegionStatistics::ComputePercentiles(double low, double high, CDataPro
                                  [](BandPercentiles& band) { return band.BeginPass(); }) > 0;
         };
         while (beginPass()) {
-            if (!scan.VisitValues(TITLE, progress, add))
+            if (!scan.VisitValues(PERCENTILES_TITLE, progress, add))
                 return GIS_FAILED;
             for (BandPercentiles& band : bands)
                 band.EndPass();

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr double NO_STEP = 1e-10;
+constexpr double NO_GRID_STEP = 1e-10;
 
 /// Points on a side: as many steps as fit, and one. Sides and steps that are no numbers count
 /// as too many, which no grid can hold.
@@ -28,7 +28,7 @@ int PointsOnSide(double side, double step) {
 void CReproject::GetGirdNum(int& nx, int& ny) {
     const double width = m_gridRight - m_gridLeft;
     const double height = m_gridTop - m_gridBottom;
-    if (std::abs(m_gridStepX) >= NO_STEP && std::abs(m_gridStepY) >= NO_STEP) {
+    if (std::abs(m_gridStepX) >= NO_GRID_STEP && std::abs(m_gridStepY) >= NO_GRID_STEP) {
         nx = PointsOnSide(width, m_gridStepX);
         ny = PointsOnSide(height, m_gridStepY);
         if (static_cast<std::int64_t>(nx) * ny >= m_minimumPointCount)

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* PREFIX = ".zelto-old-";
+constexpr const char* BACKUP_PREFIX = ".zelto-old-";
 
 /// The list of names inside: the main file, then the other files of the new set.
 constexpr const char* LIST = ".zelto-set";
@@ -114,7 +114,7 @@ bool FileSetBackup::PutBack() {
 }
 
 bool FileSetBackup::IsOne(const fs::path& path) {
-    return path.filename().string().rfind(PREFIX, 0) == 0;
+    return path.filename().string().rfind(BACKUP_PREFIX, 0) == 0;
 }
 
 fs::path FileSetBackup::PathFor(const fs::path& mainFile) {
@@ -123,7 +123,7 @@ fs::path FileSetBackup::PathFor(const fs::path& mainFile) {
     std::string name = mainFile.filename().string();
     if (name.size() > LONGEST)
         name = name.substr(0, LONGEST) + '-' + std::to_string(std::hash<std::string>()(name));
-    return mainFile.parent_path() / (PREFIX + name);
+    return mainFile.parent_path() / (BACKUP_PREFIX + name);
 }
 
 void FileSetBackup::PutBack(const fs::path& folder) {
