@@ -78,9 +78,19 @@ void BuildOne(const std::string& path, const Options& options) {
         ++band; // the engine numbers them from 1 here
     TerminalProgress progress;
     progress.BeginProgress(Wide(path).c_str(), 100);
-    ForgetReasons();
-    if (source.BuildOverviews(options.resampling.c_str(), static_cast<int>(bands.size()),
-                              bands.data(), &progress) != GIS_SUCCESS)
+    const auto build = [&] {
+        ForgetReasons();
+        return source.BuildOverviews(options.resampling.c_str(), static_cast<int>(bands.size()),
+                                     bands.data(), &progress) == GIS_SUCCESS;
+    };
+    if (build())
+        return;
+    // GDAL cannot read some GeoTIFFs any more once it has removed the levels inside; opened
+    // again, it can.
+    const bool again = !Interrupted() && source.GetRasterBand(0) != nullptr &&
+                       source.Reopen(GIS_UPDATE, false) == GIS_SUCCESS &&
+                       source.GetRasterBand(0)->GetOverviewCount() == 0;
+    if (!again || !build())
         throw Failure(path,
                       Interrupted() ? "interrupted" : LastReason("its pyramid cannot be built"));
 }

@@ -1,10 +1,13 @@
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestData.h"
 
 #include <gdal_priv.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include <filesystem>
 
 using nlohmann::json;
 using zelto::test::Pixels;
@@ -37,6 +40,22 @@ TEST(PyramidsCommand, ChecksBuildsAndChecksAgain) {
 
     run = RunZelto({"pyramids", "check", small, large});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
+}
+
+TEST(PyramidsCommand, RebuildsTheLevelsInsideACompressedFileWithItsPixels) {
+    const TemporaryFolder folder;
+    const std::string scene = folder.File("scene.tif");
+    std::filesystem::copy_file(zelto::test::SampleScene(), scene);
+    const auto run = RunZelto({"pyramids", "build", scene});
+    EXPECT_EQ(run.exitStatus, 0) << run.errors;
+    GDALAllRegister();
+    const GDALDatasetUniquePtr dataset(GDALDataset::Open(scene.c_str(), GDAL_OF_RASTER));
+    GDALRasterBand* const level = dataset->GetRasterBand(1)->GetOverview(0);
+    ASSERT_NE(level, nullptr);
+    double sample = 0.0;
+    ASSERT_EQ(level->RasterIO(GF_Read, 80, 80, 1, 1, &sample, 1, 1, GDT_Float64, 0, 0, nullptr),
+              CE_None);
+    EXPECT_GE(sample, 47.0) << "the least value of the band";
 }
 
 TEST(PyramidsCommand, PrintsJson) {

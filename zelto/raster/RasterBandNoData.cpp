@@ -2,6 +2,7 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/CachedRegion.h"
+#include "zelto/raster/internal/StatisticsOnDemand.h"
 
 #include <gdal_priv.h>
 
@@ -10,9 +11,10 @@ bool CRasterBand::IsNoData(double v) const {
 }
 
 bool CRasterBand::SetNoDataValue(double value, bool writeToFile) {
-    // A virtual raster fills its gaps with the value, which must not change what is found.
-    if (writeToFile)
-        TakeStatistics();
+    // Some formats have one value for all bands, and a virtual raster fills its gaps with it;
+    // neither must change what is found.
+    if (writeToFile && m_pending)
+        m_pending->source->TakeAll();
     const zelto::OperationScope scope;
     if (writeToFile && (m_band == nullptr ||
                         !zelto::Writes(*m_band, [&] { return m_band->SetNoDataValue(value); })))

@@ -8,6 +8,7 @@
 #include "zelto/raster/internal/PyramidRun.h"
 
 #include <gdal_proxy.h>
+#include <vrtdataset.h>
 
 #include <algorithm>
 #include <memory>
@@ -136,7 +137,9 @@ void RescanPyramidBeside(GDALDataset& image) {
 
 void HideForeignPyramid(GDALDataset& image) {
     GDALRasterBand* band = image.GetRasterBand(1);
-    if (band == nullptr || !HasForeignIndex(image.GetDescription()))
+    // A virtual raster shows the levels of the files behind it.
+    const bool isVirtual = dynamic_cast<VRTDataset*>(&image) != nullptr;
+    if (band == nullptr || isVirtual || !HasForeignIndex(image.GetDescription()))
         return;
     // The GeoTIFF driver sets up what it knows of other files when it is first asked about the
     // place, and again when it is asked for a pyramid.

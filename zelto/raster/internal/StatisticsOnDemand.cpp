@@ -51,6 +51,11 @@ BandSummary StatisticsOnDemand::Of(std::size_t number) {
     return *member.found;
 }
 
+void StatisticsOnDemand::TakeAll() {
+    for (std::size_t number = 0; number < m_members.size(); ++number)
+        Of(number);
+}
+
 void StatisticsOnDemand::Take(Member& member) {
     if (member.kind == Kind::Sampled)
         TakeJointly(member);

@@ -27,6 +27,8 @@ class StatisticsOnDemand {
     std::size_t Add(GDALRasterBand& band, Kind kind);
 
     BandSummary Of(std::size_t number);
+    /// Takes those of every band, before something changes what they would be.
+    void TakeAll();
 
   private:
     struct Member {
