@@ -9,7 +9,8 @@
 namespace zelto::cli {
 
 std::filesystem::path MakeFolderBeside(const std::string& path) {
-    std::string pattern = (std::filesystem::path(path).parent_path() / ".kept-by-zelto-XXXXXX").string();
+    std::string pattern =
+        (std::filesystem::path(path).parent_path() / ".kept-by-zelto-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr)
         throw Failure(path, std::strerror(errno));
     return pattern;

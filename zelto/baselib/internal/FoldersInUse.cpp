@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 namespace {
 
 struct State {
-    std::shared_mutex placing; ///< taken before `mutex`
+    std::shared_mutex placing;  ///< taken before `mutex`
     std::recursive_mutex mutex; ///< of what follows
     std::map<int, fs::path> folders;
     int last = 0;
