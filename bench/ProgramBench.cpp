@@ -49,44 +49,59 @@ void AddPrograms(const std::string& name, double limit, const Words& measured,
              {[=] { *baselinePeak = RunProgram(baseline); }, forget}, pairs);
 }
 
-/// How gdal_translate makes the picture that `zelto render` makes of a whole image.
-const Words PICTURE = {"-q",
-                       "-ot",
-                       "Byte",
-                       "-scale",
-                       "0",
-                       "10000",
-                       "0",
-                       "255",
-                       "-b",
-                       "3",
-                       "-b",
-                       "2",
-                       "-b",
-                       "1",
-                       "-outsize",
-                       "1024",
-                       "1024",
-                       "-co",
-                       "COMPRESS=DEFLATE",
-                       "-co",
-                       "PHOTOMETRIC=RGB"};
+/// How gdal_translate makes the picture that `zelto render` makes of a whole image, with the
+/// samples from `low` to `high` shown.
+Words PictureOptions(const std::string& low, const std::string& high) {
+    return {"-q",
+            "-ot",
+            "Byte",
+            "-scale",
+            low,
+            high,
+            "0",
+            "255",
+            "-b",
+            "3",
+            "-b",
+            "2",
+            "-b",
+            "1",
+            "-outsize",
+            "1024",
+            "1024",
+            "-co",
+            "COMPRESS=DEFLATE",
+            "-co",
+            "PHOTOMETRIC=RGB"};
+}
 
 void AddInfo(const std::string& image, const std::string& suffix) {
     AddPrograms("info, " + suffix + " / gdalinfo", 2.0, Zelto({"info", image}),
                 {"gdalinfo", "-nomd", "-norat", "-noct", image}, image, 15);
 }
 
-void AddRender(const std::string& image, const std::string& suffix, int pairs) {
+/// Pictures whose stretch needs the statistics of a sample; those of 16-bit values all do.
+void AddSampledRender(const std::string& image, const std::string& suffix, int pairs) {
     const std::string out = BenchFile("out.tif");
-    const std::string other = BenchFile("other.tif");
-    AddPrograms("render, bounds given, " + suffix + " / gdal_translate -scale", 1.1,
+    const Words reference = Words{OwnProgram("zelto_reference"), "sample-and-translate", image,
+                                  BenchFile("other.tif")} +
+                            PictureOptions("0", "10000");
+    AddPrograms("render, stddev, " + suffix + " / sample and translate", 1.2,
+                Zelto({"render", image, out}), reference, image, pairs);
+    AddPrograms("render, zoom, " + suffix + " / sample and translate", 1.2,
                 Zelto({"render", "--stretch", "zoom", "--low", "0", "--high", "255", image, out}),
-                Words{"gdal_translate"} + PICTURE + Words{image, other}, image, pairs);
-    AddPrograms(
-        "render, stddev, " + suffix + " / sample and translate", 1.2, Zelto({"render", image, out}),
-        Words{OwnProgram("zelto_reference"), "sample-and-translate", image, other} + PICTURE, image,
-        pairs);
+                reference, image, pairs);
+}
+
+/// A picture of 8-bit values between bounds, which needs no statistics.
+void AddBoundedRender() {
+    const std::string image = ThreeBands8Bit();
+    AddPrograms("render, bounds given, 8-bit / gdal_translate -scale", 1.1,
+                Zelto({"render", "--stretch", "zoom002", "--low", "20", "--high", "200", "--bands",
+                       "3,2,1", image, BenchFile("out.tif")}),
+                Words{"gdal_translate"} + PictureOptions("20", "200") +
+                    Words{image, BenchFile("other.tif")},
+                image, 5);
 }
 
 void AddStatistics(const std::string& image) {
@@ -176,8 +191,9 @@ void Register() {
     AddInfo(pyramid, "with pyramid");
     AddInfo(plain, "without pyramid");
     AddStatistics(plain);
-    AddRender(pyramid, "with pyramid", 7);
-    AddRender(plain, "without pyramid", 3);
+    AddSampledRender(pyramid, "with pyramid", 7);
+    AddSampledRender(plain, "without pyramid", 3);
+    AddBoundedRender();
     AddAreas(pyramid);
     AddCurves();
 }

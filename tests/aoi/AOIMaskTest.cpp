@@ -327,6 +327,24 @@ TEST_F(AOIMask, WrittenIntoARasterItAnswersAsWhenAsked) {
     }
 }
 
+TEST_F(AOIMask, RowsThatAreBlocksOfTheRasterAreWrittenAsOthers) {
+    // Rows of 9,000 bytes are strips of their own, rows of 90 share one.
+    for (const int width : {9000, 90}) {
+        const CBoundingBox box(0, 7, width, 0);
+        Target target(box, width, 7);
+        CAOISource source;
+        source.AddDrawShape(new CDrawPolygon(
+            MakePolygon({{10, 1.2}, {20, 5.8}, {width - 5.0, 3.1}, {width / 2.0, 1.7}})));
+        const CAOIMask mask(&source, box, width, 7);
+        __int64 inside = 0;
+        ASSERT_EQ(CAOIMask::WriteRaster(&source, &target.Raster(), inside, nullptr), GIS_SUCCESS);
+        EXPECT_GT(inside, 0);
+        ASSERT_EQ(target.Close(), MakePixels(width, 7, [&](int x, int y) {
+                      return mask.IsPointIn(x, y) ? 1.0 : 0.0;
+                  }));
+    }
+}
+
 TEST_F(AOIMask, WithoutAnAreaEveryPixelOfARasterIsInside) {
     Target target(EIGHT, 8, 8);
     __int64 inside = 0;

@@ -27,15 +27,14 @@ class MaskWriter {
 
     /// @return false when the rows cannot be written and when the host cancelled
     bool Write(int firstRow, int rows, const unsigned char* mask) {
-        const int width = m_band.GetXSize();
-        zelto::GdalWatch watch;
         // GDAL takes what it writes as a pointer to change; it changes nothing.
-        if (!watch.Succeeded(m_band.RasterIO(GF_Write, 0, firstRow, width, rows,
-                                             const_cast<unsigned char*>(mask), width, rows,
-                                             GDT_Byte, 0, 0, nullptr),
+        auto* bytes = const_cast<unsigned char*>(mask);
+        zelto::GdalWatch watch;
+        if (!watch.Succeeded(HasRowsAsBlocks() ? WriteBlocks(firstRow, rows, bytes)
+                                               : WriteWindow(firstRow, rows, bytes),
                              m_path))
             return false;
-        const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(rows);
+        const std::size_t pixels = Width() * static_cast<std::size_t>(rows);
         m_inside = std::accumulate(mask, mask + pixels, m_inside);
         return m_progress == nullptr || m_progress->StepProgress(firstRow + rows, L"");
     }
@@ -43,6 +42,28 @@ class MaskWriter {
     __int64 Inside() const { return m_inside; }
 
   private:
+    std::size_t Width() const { return static_cast<std::size_t>(m_band.GetXSize()); }
+    bool HasRowsAsBlocks() const {
+        int width = 0;
+        int height = 0;
+        m_band.GetBlockSize(&width, &height);
+        return width == m_band.GetXSize() && height == 1 && m_band.GetRasterDataType() == GDT_Byte;
+    }
+    /// Straight into the file, rather than through GDAL's cache of blocks.
+    CPLErr WriteBlocks(int firstRow, int rows, unsigned char* bytes) {
+        for (int row = 0; row < rows; ++row)
+            if (const CPLErr error = m_band.WriteBlock(
+                    0, firstRow + row, bytes + static_cast<std::size_t>(row) * Width());
+                error != CE_None)
+                return error;
+        return CE_None;
+    }
+    CPLErr WriteWindow(int firstRow, int rows, unsigned char* bytes) {
+        const int width = m_band.GetXSize();
+        return m_band.RasterIO(GF_Write, 0, firstRow, width, rows, bytes, width, rows, GDT_Byte, 0,
+                               0, nullptr);
+    }
+
     GDALRasterBand& m_band;
     std::string m_path;
     CDataProgress* m_progress;
