@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace zelto::bench {
 
@@ -18,6 +20,7 @@ namespace {
 using Words = std::vector<std::string>;
 
 constexpr int SIZE = 12000;
+constexpr int SIZES[] = {380, 1200, 3800, SIZE};
 constexpr int VERTICES = 1000;
 
 Words operator+(Words words, const Words& more) {
@@ -160,7 +163,7 @@ void AddPoint(const std::string& curve, double x, const Words& words) {
 }
 
 void AddCurves() {
-    for (const int size : {380, 1200, 3800, SIZE}) {
+    for (const int size : SIZES) {
         const std::string image = PixelInterleaved(size, Pyramid::None);
         const double pixels = static_cast<double>(size) * size;
         AddPoint("pixels/info", pixels, Zelto({"info", image}));
@@ -181,9 +184,24 @@ void AddCurves() {
     }
 }
 
+/// Makes the scenes in a process of its own: the peak memory of a program is at least that of the
+/// process that starts it.
+void MakeScenes() {
+    const pid_t child = fork();
+    if (child == 0) {
+        for (const int size : SIZES)
+            PixelInterleaved(size, Pyramid::None);
+        PixelInterleaved(SIZE, Pyramid::Built);
+        ThreeBands8Bit();
+        _exit(0);
+    }
+    waitpid(child, nullptr, 0);
+}
+
 } // namespace
 
 void Register() {
+    MakeScenes();
     // GDAL's tools would keep statistics beside the image and repeat them from there.
     setenv("GDAL_PAM_ENABLED", "NO", 1);
     const std::string plain = PixelInterleaved(SIZE, Pyramid::None);

@@ -50,8 +50,9 @@ void ApplyTable(CRasterSource& source, double gamma) {
 void ApplyZoom(CRasterSource& source, const StretchOptions& options) {
     ForEachShownBand(source, [&](CRasterBand& band) {
         const bool raw = options.type == StretchZoomLinear002 && band.GetDataType() == PDT_Byte;
-        const double low = options.low.value_or(raw ? band.GetStdDevLowerBound() : 0.0);
-        const double high = options.high.value_or(raw ? band.GetStdDevUpperBound() : 255.0);
+        // The band's own bounds are asked for only where they are needed: they take a sample.
+        const double low = options.low ? *options.low : raw ? band.GetStdDevLowerBound() : 0.0;
+        const double high = options.high ? *options.high : raw ? band.GetStdDevUpperBound() : 255.0;
         band.SetStretchData(options.type, 0.0, 0.0, low, high, 0.0, 0.0);
     });
 }
@@ -61,9 +62,9 @@ void ApplyZoom(CRasterSource& source, const StretchOptions& options) {
 void ApplyCustomEqualization(CRasterSource& source, const StretchOptions& options,
                              const std::string& path) {
     ForEachShownBand(source, [&](CRasterBand& band) {
-        const double high =
-            options.high.value_or(band.GetDataType() == PDT_Byte ? 255.0 : band.GetMaximum());
-        const double low = options.low.value_or(high > 0.0 ? 0.0 : band.GetMinimum());
+        const bool isByte = band.GetDataType() == PDT_Byte;
+        const double high = options.high ? *options.high : isByte ? 255.0 : band.GetMaximum();
+        const double low = options.low ? *options.low : high > 0.0 ? 0.0 : band.GetMinimum();
         std::array<int, TABLE_SIZE> counts{};
         if (!band.GetHistogram(low, high, TABLE_SIZE, counts.data(), false, true, nullptr) ||
             !band.SetCustomHistogram(low, high, TABLE_SIZE, counts.data()))

@@ -167,6 +167,17 @@ class StatisticsOnDemand : public testing::Test {
                        const std::vector<Pixels>& bands) {
         return zelto::test::Wide(zelto::test::WriteRaster(m_folder.File(name), spec, bands));
     }
+    /// The directory stays, the compressed samples of a block become rubbish.
+    void Damage(const std::string& name, const char* block) {
+        GDALDatasetUniquePtr dataset(
+            GDALDataset::Open(m_folder.File(name).c_str(), GDAL_OF_RASTER));
+        const char* offset = dataset->GetRasterBand(1)->GetMetadataItem(block, "TIFF");
+        ASSERT_NE(offset, nullptr);
+        std::string bytes = zelto::test::ReadFile(m_folder.Path() / name);
+        bytes.replace(std::stoul(offset), 64, 64, '\xFF');
+        dataset.reset();
+        zelto::test::WriteFile(m_folder.Path() / name, bytes);
+    }
 
     TemporaryFolder m_folder;
 };
@@ -188,15 +199,7 @@ TEST_F(StatisticsOnDemand, OpeningForReadingReadsNoPixels) {
                                      .type = GDT_Int16,
                                      .options = {"COMPRESS=DEFLATE", "BLOCKYSIZE=70"}},
                                     {RAMP});
-    // The directory stays, the compressed samples become rubbish.
-    GDALDatasetUniquePtr dataset(
-        GDALDataset::Open(m_folder.File("broken.tif").c_str(), GDAL_OF_RASTER));
-    const char* offset = dataset->GetRasterBand(1)->GetMetadataItem("BLOCK_OFFSET_0_0", "TIFF");
-    ASSERT_NE(offset, nullptr);
-    std::string bytes = zelto::test::ReadFile(m_folder.Path() / "broken.tif");
-    bytes.replace(std::stoul(offset), 64, 64, '\xFF');
-    dataset.reset();
-    zelto::test::WriteFile(m_folder.Path() / "broken.tif", bytes);
+    Damage("broken.tif", "BLOCK_OFFSET_0_0");
     const CPLErrorHandlerPusher counting(CountErrors);
     s_errors = 0;
     CRasterSource source;
@@ -212,6 +215,31 @@ TEST_F(StatisticsOnDemand, OpeningForReadingReadsNoPixels) {
     eager.SetSampleAtOpening(true);
     ASSERT_EQ(eager.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
     EXPECT_GT(s_errors, 0) << "the bands are sampled at opening";
+}
+
+TEST_F(StatisticsOnDemand, BytesStretchedBetweenBoundsNeedNone) {
+    const std::wstring path =
+        Write("half.tif",
+              {.width = 128,
+               .height = 64,
+               .geoTransform = zelto::test::NorthUp(0, 64, 1),
+               .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=64"}},
+              {MakePixels(128, 64, [](int c, int r) { return (c * 7 + r * 13) % 251; })});
+    Damage("half.tif", "BLOCK_OFFSET_1_0");
+    const CPLErrorHandlerPusher counting(CountErrors);
+    CRasterSource source;
+    source.SetForDisplay(true);
+    ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    source.SetStretchType(StretchZoomLinear002);
+    source.GetRasterBand(0)->SetStretchData(StretchZoomLinear002, 0, 0, 20, 200, 0, 0);
+    CBoundingBox box(16, 48, 32, 32);
+    std::vector<unsigned char> picture(std::size_t{16} * 16 * 4);
+    s_errors = 0;
+    ASSERT_TRUE(source.GetShowData(&box, 16, 16, picture.data(), false));
+    EXPECT_EQ(s_errors, 0) << "the other half was not read";
+    source.SetStretchType(StretchLinear);
+    source.GetShowData(&box, 16, 16, picture.data(), false);
+    EXPECT_GT(s_errors, 0);
 }
 
 TEST_F(StatisticsOnDemand, ANoDataValueSetInMemoryComesTooLate) {

@@ -35,14 +35,14 @@ bool DisplayMapping::IsSinglePixel(const CRasterBand& band) {
 /// The stretches that need no stretch-function object; calls `use` with the one chosen.
 template <typename Use>
 auto DisplayMapping::Choose(CRasterBand& band, Use use) {
-    // A single pixel has no range of its own: it is shown as it is. Bytes need no range, and
-    // asking for it may mean sampling the band.
+    // A single pixel has no range of its own: it is shown as it is. Not every stretch needs the
+    // band's range, and asking for it may mean sampling the band.
+    const auto range = [&band] { return DisplayRange{band.GetMinimum(), band.GetMaximum()}; };
     const bool asIs = band.m_stretchType == StretchNone || IsSinglePixel(band);
     if (asIs && band.m_dataType == PDT_Byte)
         return use(PassThrough{});
-    const DisplayRange range{band.GetMinimum(), band.GetMaximum()};
     if (asIs)
-        return use(InnerMinMax{range});
+        return use(InnerMinMax{range()});
 
     switch (band.m_stretchType) {
     case StretchStdDev:
@@ -70,23 +70,23 @@ auto DisplayMapping::Choose(CRasterBand& band, Use use) {
         break;
     case StretchEnhanceTable:
         if (band.m_enhancer != nullptr && band.m_enhancer->GetEnhancedTable() != nullptr)
-            return use(Enhanced{range, band.m_enhancer->GetEnhancedTable()});
+            return use(Enhanced{range(), band.m_enhancer->GetEnhancedTable()});
         break;
     default:
         break;
     }
-    return use(MinMax{range});
+    return use(MinMax{range()});
 }
 
 /// The stretches through the band's stretch-function object.
 template <typename Use>
 auto DisplayMapping::ChooseFunction(CRasterBand& band, Use use) {
-    const DisplayRange range{band.GetMinimum(), band.GetMaximum()};
     const CImgStretch& object = *band.m_stretchFunction;
-    if (band.m_stretchType == StretchWallis)
-        return ThroughObject(object, WrappedNormalised{range}, use);
     if (band.m_stretchType == StretchZoomLinear002 && band.m_dataType == PDT_Byte)
         return ThroughObject(object, InnerRaw{}, use);
+    const DisplayRange range{band.GetMinimum(), band.GetMaximum()};
+    if (band.m_stretchType == StretchWallis)
+        return ThroughObject(object, WrappedNormalised{range}, use);
     return ThroughObject(object, InnerNormalised{range}, use);
 }
 
