@@ -17,23 +17,19 @@ namespace {
 struct Options {
     std::vector<std::string> files;
     bool json = false;
-    bool statistics = false;
-    bool sample = false;
+    ValueFacts values;
     bool reference = false;
 };
 
 /// Every file that can be described is; the failures of the others are told at the end.
 std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure>& failures) {
-    const ValueFacts values = options.statistics ? ValueFacts::Exact
-                              : options.sample   ? ValueFacts::Sampled
-                                                 : ValueFacts::None;
     std::vector<RasterFacts> described;
     const GdalUse drivers; // registered once, not again for every file
     TerminalProgress progress;
     for (const std::string& file : options.files) {
         EndIfInterrupted();
         try {
-            described.push_back(DescribeRaster(file, values, progress));
+            described.push_back(DescribeRaster(file, options.values, progress));
         } catch (const Failure& failure) {
             failures.push_back(failure);
         }
@@ -79,17 +75,18 @@ void AddInfo(CLI::App& program) {
     info->add_option("FILE", options->files, "raster files, or names of sub-data-sets")->required();
     info->add_flag("--json", options->json,
                    "print JSON: one object, or an array for several files");
-    auto* exact = info->add_flag("--stats", options->statistics, "statistics of every pixel");
-    info->add_flag("--sample", options->sample, "statistics of the sample that a display takes")
-        ->excludes(exact);
+    info->add_flag("--stats", options->values.exact, "statistics of every pixel");
+    info->add_flag(
+        "--sample", options->values.sampled,
+        "what a display takes from its sample: its range and, without --stats, statistics");
     info->add_flag("--srs", options->reference, "the reference system as WKT");
     info->footer(
         "No pixel is read unless --stats or --sample is given. Minimum, maximum, mean and\n"
         "(population) standard deviation leave out no-data values. With --stats every pixel is\n"
         "read; with --sample at most 2048 along the longer side, as a display does.\n"
-        "Display minimum and maximum bound the min-max stretches; the display range is what the\n"
-        "standard-deviation stretch shows, two deviations on either side of the mean within\n"
-        "minimum and maximum. Both always come from the sample.\n"
+        "The sample tells what is shown: display minimum and maximum bound the min-max stretches;\n"
+        "the display range is what the standard-deviation stretch shows, two deviations on either\n"
+        "side of the mean within minimum and maximum.\n"
         "Sizes and geotransforms are those of the file, also where a display would turn a\n"
         "rotated image north-up.");
     info->callback([options] { Run(*options); });

@@ -213,11 +213,11 @@ RasterFacts DescribeRaster(const std::string& path, ValueFacts values, CDataProg
     RequireSources(facts, *source);
 
     facts.values = values;
-    for (int i = 0; values != ValueFacts::None && i < source->GetBandCount(); ++i)
+    for (int i = 0; values.sampled && i < source->GetBandCount(); ++i)
         DescribeSample(facts.bands[static_cast<std::size_t>(i)], *source->GetRasterBand(i));
-    if (values == ValueFacts::Sampled)
+    if (values.sampled && !values.exact)
         HintAtPyramid(*source, path);
-    if (values == ValueFacts::Exact)
+    if (values.exact)
         DescribeEveryPixel(facts, *source, progress);
     return facts;
 }

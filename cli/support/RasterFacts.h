@@ -21,11 +21,10 @@ struct BandStatistics {
     double standardDeviation = 0.0;
 };
 
-/// What is told of the pixels' values.
-enum class ValueFacts {
-    None,    ///< no pixel is read
-    Sampled, ///< from the sample that a display takes
-    Exact,   ///< statistics of every pixel, what a display shows from its sample
+/// What is told of the pixels' values. Without either no pixel is read.
+struct ValueFacts {
+    bool exact = false;   ///< statistics of every pixel
+    bool sampled = false; ///< what a display takes from its sample; statistics, if not exact
 };
 
 struct BandFacts {
@@ -63,7 +62,7 @@ struct RasterFacts {
     std::string datum;
     std::string units;
     std::string wkt;
-    ValueFacts values = ValueFacts::None; ///< what the bands' statistics are of
+    ValueFacts values; ///< what the bands' statistics are of
     std::vector<SubdatasetFacts> subdatasets;
     std::vector<ClassFacts> classes;
     std::vector<BandFacts> bands;

@@ -114,7 +114,10 @@ std::string Rounded(double value) {
 
 void PrintStatistics(const RasterFacts& facts) {
     std::cout << '\n';
-    Table table({"band", "minimum", "maximum", "mean", "deviation", "shown from", "to"});
+    std::vector<std::string> columns = {"band", "minimum", "maximum", "mean", "deviation"};
+    if (facts.values.sampled)
+        columns.insert(columns.end(), {"shown from", "to"});
+    Table table(columns);
     int number = 0;
     for (const BandFacts& band : facts.bands) {
         std::vector<std::string> cells = {std::to_string(++number)};
@@ -126,7 +129,7 @@ void PrintStatistics(const RasterFacts& facts) {
             cells.push_back(Rounded(band.displayRange->first));
             cells.push_back(Rounded(band.displayRange->second));
         }
-        cells.resize(7, "-");
+        cells.resize(columns.size(), "-");
         table.AddRow(cells);
     }
     table.Print(2);
@@ -154,9 +157,9 @@ void PrintReference(const RasterFacts& facts) {
 
 /// Null where no values are told.
 Json KindOf(ValueFacts values) {
-    if (values == ValueFacts::None)
+    if (!values.exact && !values.sampled)
         return {};
-    return values == ValueFacts::Exact ? "exact" : "sampled";
+    return values.exact ? "exact" : "sampled";
 }
 
 } // namespace
@@ -193,7 +196,7 @@ void PrintReport(const RasterFacts& facts, bool reference) {
     PrintSummary(facts);
     if (!facts.bands.empty())
         PrintBands(facts);
-    if (facts.values != ValueFacts::None && !facts.bands.empty())
+    if ((facts.values.exact || facts.values.sampled) && !facts.bands.empty())
         PrintStatistics(facts);
     if (!facts.classes.empty()) {
         std::cout << '\n';
