@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <limits>
 #include <numeric>
 #include <random>
 
@@ -131,6 +132,19 @@ TEST_F(RegionStatistics, NullMeansTheWholeRasterAndNoRasterAFailure) {
     EXPECT_EQ(none.Compute(nullptr), GIS_FAILED);
     EXPECT_EQ(none.ComputeCovariance(nullptr), GIS_FAILED);
     EXPECT_EQ(none.ComputePercentiles(2, 98, nullptr), GIS_FAILED);
+}
+
+TEST_F(RegionStatistics, PercentagesThatAreNoNumbersAreRefused) {
+    auto source = Open(UnitSpec(2, 1), {{1, 3}});
+    CRegionStatistics statistics(source.get());
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    ASSERT_EQ(statistics.ComputePercentiles(0, 100, nullptr), GIS_SUCCESS);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(statistics.ComputePercentiles(nan, 98, nullptr), GIS_FAILED);
+    EXPECT_EQ(statistics.ComputePercentiles(2, nan, nullptr), GIS_FAILED);
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("percentage"), std::string::npos);
+    EXPECT_EQ(statistics.GetBands()[0].lowPercentile, 1.0);
+    EXPECT_EQ(statistics.GetBands()[0].highPercentile, 3.0);
 }
 
 TEST_F(RegionStatistics, BandsComeInTheOrderWanted) {

@@ -1,5 +1,6 @@
 #include "zelto/algorithm/RegionStatistics.h"
 #include "zelto/algorithm/internal/RankSearch.h"
+#include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/algorithm/internal/RegionScan.h"
 #include "zelto/aoi/DrawRectangle.h"
 #include "zelto/baselib/internal/NoThrow.h"
@@ -79,6 +80,10 @@ GISError CRegionStatistics::ComputePercentiles(double low, double high, CDataPro
     return zelto::NoThrow(GIS_FAILED, [&] {
         if (!IsUsable())
             return GIS_FAILED;
+        if (std::isnan(low) || std::isnan(high)) {
+            zelto::Refuse(*m_source, "a percentage is not a number");
+            return GIS_FAILED;
+        }
         const zelto::RegionScan scan = MakeScan();
         std::vector<BandPercentiles> bands;
         for (const Band& band : m_bands)
