@@ -98,6 +98,8 @@ std::string Make(const SceneLayout& layout) {
     dataset->FlushCache();
     if (!layout.overviews.empty()) {
         std::vector<int> levels = layout.overviews;
+        // The engine would have them beside the file, under the unfinished one's name.
+        const CPLConfigOptionSetter inside("USE_RRD", "NO", false);
         Check(dataset->BuildOverviews("NEAREST", static_cast<int>(levels.size()), levels.data(), 0,
                                       nullptr, nullptr, nullptr),
               unfinished);

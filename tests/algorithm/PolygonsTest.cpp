@@ -243,6 +243,35 @@ TEST_F(Polygons, ANetThatTheDiskCannotHoldAnswersFalseAndTellsWhy) {
         << CGISDataSource::GetLastErrorText();
 }
 
+TEST_F(Polygons, ANetThatTheDiskCannotHoldLeavesTheOneThatWasThere) {
+    const SmallDisk disk(m_folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "no file system can be mounted here";
+    const std::wstring path = m_folder.WideFile("disk/net.shp");
+    const auto small = Wkt("POLYGON ((0 0,0 1,1 1,0 0))");
+    ASSERT_TRUE(CRasterAlgorithm::SavePolygonNet(path.c_str(), {small.get()}, {L"old"}));
+    OGRLinearRing ring;
+    for (int i = 0; i < 30000; ++i)
+        ring.addPoint(std::cos(i * 6.283185307179586 / 30000), i / 30000.0);
+    ring.closeRings();
+    OGRPolygon large;
+    large.addRing(&ring);
+    EXPECT_FALSE(CRasterAlgorithm::SavePolygonNet(path.c_str(),
+                                                  std::vector<OGRGeometry*>(4, &large), {L"new"}));
+    const auto features = ReadFeatures(m_folder.File("disk/net.shp"));
+    ASSERT_EQ(features.size(), 1U);
+    EXPECT_EQ(features[0].image, "old");
+}
+
+TEST_F(Polygons, ANetDoesNotReplaceVectorDataOfAnotherName) {
+    const std::string table = "x,y\n1,2\n";
+    WriteFile(m_folder.File("net.csv"), table);
+    const auto polygon = Wkt("POLYGON ((0 0,0 1,1 1,0 0))");
+    EXPECT_FALSE(CRasterAlgorithm::SavePolygonNet(m_folder.WideFile("net.csv").c_str(),
+                                                  {polygon.get()}, {L"1"}));
+    EXPECT_EQ(ReadFile(m_folder.File("net.csv")), table);
+}
+
 TEST_F(Polygons, ANetLeavesOutWhatItsFileCannotHoldAndTellsSo) {
     const auto polygon = Wkt("POLYGON ((0 0,0 1,1 1,0 0))");
     const auto point = Wkt("POINT (5 5)");

@@ -166,6 +166,9 @@ TEST_F(VectorLayerTest, AMissingFeatureOrPlaceFailsAndLeavesTheOldFile) {
     CVectorLayer& layer = Layer({polygon}, {.type = wkbPolygon});
     ASSERT_TRUE(layer.SaveSelectedGeometrys(m_folder.File("out.shp"), {0}));
     EXPECT_FALSE(layer.SaveSelectedGeometrys(m_folder.File("out.shp"), {0, 9}));
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("out.shp: the layer has no feature 9"),
+              std::string::npos)
+        << CGISDataSource::GetLastErrorText();
     EXPECT_EQ(ReadGeometries(m_folder.File("out.shp")), std::vector<std::string>{polygon});
     EXPECT_FALSE(layer.SaveSelectedGeometrys(m_folder.File("missing/out.shp"), {0}));
     EXPECT_FALSE(layer.SaveSelectedGeometrys("", {0}));

@@ -248,8 +248,9 @@ class ZELTO_API CRasterAlgorithm {
                                      int fieldIndex, char** options, CDataProgress* progress,
                                      std::wstring title);
     /// Writes polygons to a new shapefile, layer "polygon" without a reference system, with each
-    /// one's name in the text fields "Image" and "IMAGE_NAME". What is at the path is deleted
-    /// first. A geometry that a shapefile cannot hold beside those before it is left out.
+    /// one's name in the text fields "Image" and "IMAGE_NAME". A shapefile at the path is
+    /// replaced once the new one is complete; vector data under another name stays, which is a
+    /// failure. A geometry that a shapefile cannot hold beside those before it is left out.
     /// @param polygons not owned; null ones are skipped and their names with them
     /// @param names by the index of the polygon; missing ones are empty
     /// @return false when the file or its layer cannot be made or a polygon cannot be written

@@ -1,6 +1,7 @@
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
+#include "zelto/baselib/internal/NoThrow.h"
 #include "zelto/vector/VectorLayer.h"
 #include "zelto/vector/internal/NewShapefile.h"
 
@@ -53,13 +54,17 @@ std::vector<int> CopyFields(OGRLayer& from, OGRLayer& to) {
 /// Copies the feature with the identifier into a layer with these fields. Numbers and not names
 /// tell which is which: the format shortens names.
 bool CopyFeature(OGRLayer& from, GIntBig identifier, OGRLayer& to,
-                 const std::vector<int>& fieldNumbers) {
+                 const std::vector<int>& fieldNumbers, const std::string& file) {
+    zelto::GdalWatch watch;
     const OGRFeatureUniquePtr feature(from.GetFeature(identifier));
-    if (feature == nullptr)
+    if (feature == nullptr) {
+        zelto::SetLastError(file + ": the layer has no feature " + std::to_string(identifier));
         return false;
+    }
     OGRFeature copy(to.GetLayerDefn());
-    return copy.SetFrom(feature.get(), fieldNumbers.data(), TRUE) == OGRERR_NONE &&
-           to.CreateFeature(&copy) == OGRERR_NONE;
+    return watch.Succeeded(copy.SetFrom(feature.get(), fieldNumbers.data(), TRUE) == OGRERR_NONE &&
+                               to.CreateFeature(&copy) == OGRERR_NONE,
+                           file);
 }
 
 } // namespace
@@ -93,26 +98,30 @@ bool CVectorLayer::CreateField(const wchar_t* name, VectorFieldType type) {
 }
 
 bool CVectorLayer::GetLayerFieldName(std::vector<std::string>& names) {
-    if (m_layer == nullptr)
+    return zelto::NoThrow(false, [&] {
+        if (m_layer == nullptr)
+            return true;
+        const OGRFeatureDefn& fields = *m_layer->GetLayerDefn();
+        for (int i = 0; i < fields.GetFieldCount(); ++i)
+            names.emplace_back(fields.GetFieldDefn(i)->GetNameRef());
         return true;
-    const OGRFeatureDefn& fields = *m_layer->GetLayerDefn();
-    for (int i = 0; i < fields.GetFieldCount(); ++i)
-        names.emplace_back(fields.GetFieldDefn(i)->GetNameRef());
-    return true;
+    });
 }
 
 bool CVectorLayer::SaveSelectedGeometrys(std::string path, std::vector<int> indices) {
-    GDALAllRegister();
-    CPLSetConfigOption("GDAL_FILENAME_IS_UTF8", "NO");
-    if (m_layer == nullptr)
-        return false;
-    zelto::NewShapefile file(path);
-    OGRLayer* layer = file.CreateLayer("polygon", wkbPolygon);
-    if (layer == nullptr)
-        return false;
-    const std::vector<int> fieldNumbers = CopyFields(*m_layer, *layer);
-    for (int index : indices)
-        if (!CopyFeature(*m_layer, index, *layer, fieldNumbers))
+    return zelto::NoThrow(false, [&] {
+        GDALAllRegister();
+        CPLSetConfigOption("GDAL_FILENAME_IS_UTF8", "NO");
+        if (m_layer == nullptr)
             return false;
-    return file.Commit();
+        zelto::NewShapefile file(path);
+        OGRLayer* layer = file.CreateLayer("polygon", wkbPolygon);
+        if (layer == nullptr)
+            return false;
+        const std::vector<int> fieldNumbers = CopyFields(*m_layer, *layer);
+        for (int index : indices)
+            if (!CopyFeature(*m_layer, index, *layer, fieldNumbers, path))
+                return false;
+        return file.Commit();
+    });
 }

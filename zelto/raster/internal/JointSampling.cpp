@@ -121,7 +121,7 @@ class JointReader {
         const std::size_t bandCount = m_bands.size();
         m_pixels.resize(bandCount * static_cast<std::size_t>(width) *
                         static_cast<std::size_t>(height));
-        const auto pixelSpace = static_cast<GSpacing>(sizeof(Sample) * bandCount);
+        const GSpacing pixelSpace = GSpacing{sizeof(Sample)} * static_cast<GSpacing>(bandCount);
         if (m_bands.front().band->GetDataset()->RasterIO(
                 GF_Read, left, top, width, height, m_pixels.data(), width, height, m_type,
                 static_cast<int>(bandCount), m_numbers.data(), pixelSpace, pixelSpace * width,

@@ -70,6 +70,7 @@ void StatisticsOnDemand::Take(Member& member) {
 void StatisticsOnDemand::TakeJointly(const Member& wanted) {
     const std::vector<Member*> pass = MembersOfOnePass(wanted);
     std::vector<JointBand> bands;
+    bands.reserve(pass.size());
     for (const Member* member : pass)
         bands.push_back({member->band, member->noData});
     const std::vector<BandSummary> found = SampleJointly(bands);
