@@ -140,6 +140,27 @@ TEST(BuildOverviews, APyramidInsideTheFileIsReplacedThere) {
     EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.tif"});
 }
 
+TEST(BuildOverviews, OverviewsOfAnOpenSourceStandForTheNewLevels) {
+    const TemporaryFolder folder;
+    CPLSetConfigOption("USE_RRD", "NO");
+    WriteRaster(folder.File("a.tif"), {.width = 300, .height = 300, .overviews = {2, 3}},
+                {Stripes(300, 300)});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    const CRasterBand& band = *source.GetRasterBand(0);
+    ASSERT_EQ(band.GetOverviewCount(), 2);
+    CRasterBand& half = *band.GetOverview(0);
+    CRasterBand& third = *band.GetOverview(1);
+    double value = -1.0;
+    ASSERT_EQ(half.GetPixel(&value, 0, 0, PDT_Float64), GIS_SUCCESS);
+    EXPECT_EQ(value, 0.0); // the nearest of 0 and 100
+    ASSERT_EQ(source.BuildOverviews("AVERAGE", 0, nullptr, nullptr), GIS_SUCCESS);
+    ASSERT_EQ(half.GetPixel(&value, 0, 0, PDT_Float64), GIS_SUCCESS);
+    EXPECT_EQ(value, 50.0);
+    EXPECT_EQ(third.GetWidth(), 100);
+    EXPECT_NE(third.GetPixel(&value, 0, 0, PDT_Float64), GIS_SUCCESS); // no such level any more
+}
+
 TEST(BuildOverviews, ColourTablesAreNeverAveraged) {
     const TemporaryFolder folder;
     WriteRaster(folder.File("plain.tif"), {.width = 100, .height = 100}, {Stripes(100, 100)});

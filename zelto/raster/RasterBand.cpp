@@ -100,6 +100,24 @@ void CRasterBand::BuildOverviewBands() {
     }
 }
 
+void CRasterBand::FollowPyramid() {
+    const auto levelOf = [&](const CRasterBand& overview) -> GDALRasterBand* {
+        for (int i = 0; i < m_band->GetOverviewCount(); ++i) {
+            GDALRasterBand* level = m_band->GetOverview(i);
+            if (level != nullptr && level->GetXSize() == overview.m_width &&
+                level->GetYSize() == overview.m_height)
+                return level;
+        }
+        return nullptr;
+    };
+    for (CRasterBand* overview : m_overviews) {
+        overview->m_band = levelOf(*overview);
+        overview->m_colorTable =
+            overview->m_band != nullptr ? overview->m_band->GetColorTable() : nullptr;
+        overview->m_hasColorTable = overview->m_colorTable != nullptr;
+    }
+}
+
 /// Every thread but the first waits, and then finds the statistics in place.
 void CRasterBand::TakePendingStatistics() const {
     if (m_pending->stored.load(std::memory_order_acquire))

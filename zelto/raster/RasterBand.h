@@ -74,7 +74,8 @@ class ZELTO_API CRasterBand {
     /// Lower bound of the standard-deviation stretch: max(mean − 2 deviations, minimum).
     double GetStdDevLowerBound() const { return TakeStatistics().m_stdDevLower; }
     int GetOverviewCount() const { return static_cast<int>(m_overviews.size()); }
-    /// Null outside 0 ≤ index < GetOverviewCount().
+    /// Null outside 0 ≤ index < GetOverviewCount(). Count and sizes are those of the pyramid that
+    /// the band was made with, until the source is opened again.
     CRasterBand* GetOverview(int index) const;
     /// The wrapped GDAL band, not owned.
     GDALRasterBand* GetGDALBand() const { return m_band; }
@@ -196,6 +197,9 @@ class ZELTO_API CRasterBand {
 
     void ReadBasics();
     void BuildOverviewBands();
+    /// After a pyramid was built anew: the overviews stand for the new levels of their sizes.
+    /// One whose size is gone reads no pixel any more.
+    void FollowPyramid();
     void SetStandardDeviationBounds() const;
     /// Makes sure that the statistics are there; answers the band itself.
     const CRasterBand& TakeStatistics() const {

@@ -167,7 +167,12 @@ GISError CRasterSource::BuildOverviews(GDALDataset* dataset, const char* resampl
         return GIS_SUCCESS;
     }
     TakeStatistics(); // samples are read from the pyramid where there is one
-    return zelto::BuildPyramid(*dataset, order) ? GIS_SUCCESS : GIS_FAILED;
+    const bool built = zelto::BuildPyramid(*dataset, order);
+    // Former levels are gone, whether new ones came or not.
+    for (CRasterBand* band : m_bands)
+        if (dataset == m_dataset)
+            band->FollowPyramid();
+    return built ? GIS_SUCCESS : GIS_FAILED;
 }
 
 bool CRasterSource::IsOverviewsValid() {
