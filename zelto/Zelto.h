@@ -53,6 +53,7 @@
 #include "zelto/geometry/Point2D.h"
 #include "zelto/raster/ColorEntry.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterFiles.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/vector/VectorEnumerations.h"
 #include "zelto/vector/VectorLabel.h"

@@ -134,12 +134,70 @@ TEST(FileCommand, AFullDiskLeavesTheOldFile) {
         SCOPED_TRACE(command);
         const auto run = RunZelto({"file", command, folder.File("a.tif"), out, "--overwrite"});
         EXPECT_EQ(run.exitStatus, 1);
-        EXPECT_EQ(run.errors.find("zelto: " + folder.File("a.tif") + ": "), 0U) << run.errors;
+        EXPECT_EQ(run.errors, "zelto: " + out + ": No space left on device\n");
         EXPECT_EQ(ReadBand(out, 1), (Pixels{1.0, 2.0}));
         const std::filesystem::directory_iterator files(folder.Path() / "disk");
         EXPECT_EQ(std::distance(begin(files), end(files)), 1);
         EXPECT_EQ(folder.Names(), (Names{"a.tif", "disk"}));
     }
+}
+
+TEST(FileCommand, WhatStandsThereUnderTheNameOfASideFileIsReplacedOnlyWhenTold) {
+    const TemporaryFolder folder;
+    WriteImage(folder, "a.tif", 1.0);
+    WriteFile(folder.File("b.tfw"), "somebody's");
+    const auto run = RunZelto({"file", "cp", folder.File("a.tif"), folder.File("b.tif")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors, "zelto: " + folder.File("b.tfw") + ": it exists\n");
+    EXPECT_EQ(ReadFile(folder.File("b.tfw")), "somebody's");
+    EXPECT_EQ(RunZelto({"file", "cp", "--overwrite", folder.File("a.tif"), folder.File("b.tif")})
+                  .exitStatus,
+              0);
+    EXPECT_EQ(ReadFile(folder.File("b.tfw")), ReadFile(folder.File("a.tfw")));
+}
+
+TEST(FileCommand, APyramidFollowsItsImageToAnotherExtension) {
+    const TemporaryFolder folder;
+    zelto::test::WriteRaster(folder.File("a.tif"), {.width = 4, .height = 1}, {Pixels(4, 1.0)});
+    zelto::test::WriteRaster(folder.File("a.tif.ovr"), {.width = 2, .height = 1}, {Pixels(2, 1.0)});
+    EXPECT_EQ(RunZelto({"file", "mv", folder.File("a.tif"), folder.File("b.tiff")}).exitStatus, 0);
+    EXPECT_EQ(folder.Names(), (Names{"b.tiff", "b.tiff.ovr"}));
+}
+
+TEST(FileCommand, AMoveKeepsThePermissionsOfTheFileThatMoves) {
+    const TemporaryFolder folder;
+    WriteImage(folder, "a.tif", 1.0);
+    WriteImage(folder, "b.tif", 2.0);
+    using std::filesystem::perms;
+    std::filesystem::permissions(folder.Path() / "a.tif", perms(0600));
+    std::filesystem::permissions(folder.Path() / "b.tif", perms(0644));
+    EXPECT_EQ(RunZelto({"file", "mv", folder.File("a.tif"), folder.File("b.tif"), "--overwrite"})
+                  .exitStatus,
+              0);
+    EXPECT_EQ(std::filesystem::status(folder.Path() / "b.tif").permissions(), perms(0600));
+}
+
+TEST(FileCommand, AVirtualRasterLeavesWhatItReads) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.Path() / "sub");
+    WriteImage(folder, "abc.tif", 1.0);
+    WriteImage(folder, "other.tif", 2.0);
+    const std::string text =
+        R"(<VRTDataset rasterXSize="4" rasterYSize="1"><VRTRasterBand dataType="Byte" band="1">)"
+        R"(<SimpleSource><SourceFilename relativeToVRT="1">abc.tif</SourceFilename>)"
+        R"(</SimpleSource></VRTRasterBand></VRTDataset>)";
+    WriteFile(folder.File("a.vrt"), text);
+    EXPECT_EQ(RunZelto({"file", "mv", folder.File("a.vrt"), folder.File("b.vrt")}).exitStatus, 0);
+    EXPECT_EQ(ReadBand(folder.File("b.vrt"), 1), Pixels(4, 1.0));
+    const auto away = RunZelto({"file", "cp", folder.File("b.vrt"), folder.File("sub/b.vrt")});
+    EXPECT_EQ(away.exitStatus, 1);
+    EXPECT_EQ(away.errors, "zelto: " + folder.File("b.vrt") +
+                               ": what it reads is told by paths from its own folder\n");
+    EXPECT_EQ(
+        RunZelto({"file", "cp", folder.File("other.tif"), folder.File("b.vrt"), "--overwrite"})
+            .exitStatus,
+        0);
+    EXPECT_EQ(ReadBand(folder.File("abc.tif"), 1), Pixels(4, 1.0));
 }
 
 TEST(FileCommand, WrongUsageEndsWithTwo) {

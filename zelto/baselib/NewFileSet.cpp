@@ -41,9 +41,13 @@ bool CanBeReplaced(const fs::path& path) {
     return access(path.c_str(), W_OK) == 0;
 }
 
-/// A file keeps the permissions of the one it replaces.
+/// A file keeps the permissions of the one it replaces. One that has another name already is not
+/// new: it keeps its own.
 bool TakePermissions(const fs::path& file, const fs::path& replaced) {
+    struct stat own {};
     struct stat old {};
+    if (stat(file.c_str(), &own) == 0 && own.st_nlink > 1)
+        return true;
     return stat(replaced.c_str(), &old) != 0 || chmod(file.c_str(), old.st_mode & 07777U) == 0;
 }
 

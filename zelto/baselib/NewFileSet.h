@@ -20,9 +20,9 @@
 ///   the next opening or save through the engine puts them back; Restore() does it on request.
 ///
 /// Contents and names are on the disk before anything old goes. Files keep the permissions of
-/// those they replace, and links to a file lead to the new one. Hidden folders that killed
-/// processes have left are removed by the next save into the same folder. Reasons of failures
-/// are told by CGISDataSource::GetLastErrorText().
+/// those they replace (further hard links their own), and links to a file lead to the new one.
+/// Hidden folders that killed processes have left are removed by the next save into the same
+/// folder. Reasons of failures are told by CGISDataSource::GetLastErrorText().
 class ZELTO_API CNewFileSet {
   public:
     /// Makes the hidden folder.

@@ -1,11 +1,11 @@
 #include "zelto/raster/internal/PyramidFiles.h"
 
+#include "zelto/baselib/internal/FilePaths.h"
 #include "zelto/raster/internal/PyramidKeeper.h"
 
 #include <cpl_vsi.h>
 
 #include <algorithm>
-#include <system_error>
 
 namespace zelto {
 
@@ -19,16 +19,6 @@ fs::path WithExtension(fs::path image, const char* extension) {
 
 fs::path WithSuffix(const fs::path& image, const char* suffix) {
     return image.string() + suffix;
-}
-
-bool Exists(const fs::path& path) {
-    std::error_code ignored;
-    return fs::exists(path, ignored);
-}
-
-bool IsSameFile(const fs::path& a, const fs::path& b) {
-    std::error_code ignored;
-    return fs::equivalent(a, b, ignored);
 }
 
 GDALDatasetUniquePtr OpenImagine(const fs::path& path) {
