@@ -1,15 +1,5 @@
-#include "cli/Commands.h"
-#include "cli/support/Failure.h"
+#include "cli/Program.h"
 #include "cli/support/Interrupts.h"
-#include "cli/support/Message.h"
-#include "cli/support/Usage.h"
-
-#include <CLI/CLI.hpp>
-
-#include <cerrno>
-#include <cstring>
-#include <iostream>
-#include <new>
 
 namespace {
 
@@ -17,85 +7,8 @@ namespace {
 /// list comes before them.
 __attribute__((section(".preinit_array"), used)) void (*const g_first)() = zelto::cli::HoldSignals;
 
-constexpr int EXIT_FAILED = 1;
-constexpr int EXIT_USAGE = 2;
-
-void AddCommands(CLI::App& program) {
-    using namespace zelto::cli;
-    program.require_subcommand(1);
-    AddAoi(program);
-    AddClasses(program);
-    AddCompose(program);
-    AddCopy(program);
-    AddCreate(program);
-    AddFile(program);
-    AddGeoref(program);
-    AddHistogram(program);
-    AddInfo(program);
-    AddPolygonize(program);
-    AddPyramids(program);
-    AddRender(program);
-    AddReproject(program);
-    AddSamples(program);
-    AddSrs(program);
-    AddStats(program);
-    AddVector(program);
-}
-
-int Fail(const std::string& line, int status = EXIT_FAILED) {
-    zelto::cli::Tell(line);
-    return status;
-}
-
-/// Parses the command line and runs what it says.
-/// @return the exit status
-int Run(CLI::App& program, int argc, char** argv) {
-    try {
-        program.parse(argc, argv);
-        std::cout.flush();
-        return 0;
-    } catch (const CLI::Success& request) { // for help or the version
-        program.exit(request);
-        std::cout.flush();
-        return 0;
-    } catch (const CLI::ParseError& error) {
-        return Fail(zelto::cli::ExplainUsage(program, error), EXIT_USAGE);
-    } catch (const zelto::cli::UsageError& error) {
-        return Fail(error.what(), EXIT_USAGE);
-    }
-}
-
-/// Turns whatever goes wrong into a line and an exit status.
-int RunAndExplain(CLI::App& program, int argc, char** argv) {
-    try {
-        return Run(program, argc, argv);
-    } catch (const std::exception& error) {
-        // Work that was cancelled has failed with reasons of its own.
-        if (zelto::cli::Interrupted())
-            return Fail(zelto::cli::Interruption().what(), zelto::cli::EXIT_INTERRUPTED);
-        if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
-            return Fail("not enough memory");
-        if (dynamic_cast<const std::ios_base::failure*>(&error) != nullptr)
-            return Fail("standard output: " + std::string(std::strerror(errno)));
-        return Fail(error.what());
-    }
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    zelto::cli::TakeStandardStreams();
-    zelto::cli::ListenForInterrupts();
-    // Long output goes through a buffer of its own, not piece by piece through C's.
-    std::ios::sync_with_stdio(false);
-    // What cannot be printed is a failure like any other, told by an exception.
-    std::cout.exceptions(std::ios::badbit | std::ios::failbit);
-    CLI::App program("zelto: look into, draw, measure, reproject and make raster images.\n"
-                     "Bands are numbered from 1; boxes are left,top,right,bottom in ground units.");
-    program.set_version_flag("--version", ZELTO_VERSION);
-    program.footer("zelto COMMAND --help explains a command.");
-    AddCommands(program);
-    const int status = RunAndExplain(program, argc, argv);
-    zelto::cli::StopListening();
-    return status;
+    return zelto::cli::RunProgram(argc, argv);
 }
