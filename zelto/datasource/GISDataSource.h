@@ -13,8 +13,8 @@ class OGRSpatialReference;
 /// that a host keeps per layer. It also owns the process-wide life of GDAL: the first source
 /// constructed configures and registers it, the last one destroyed tears it down.
 ///
-/// Construct the first source on one thread; the registration count is a plain integer. A
-/// source is used from one thread at a time.
+/// Sources may be constructed and destroyed by several threads at once, the first and the last
+/// one too. A source is used from one thread at a time.
 ///
 /// Texts: wide strings are UTF-32, narrow ones UTF-8. A text the spatial reference does not
 /// have is empty.

@@ -6,18 +6,31 @@
 #include <ogrsf_frmts.h>
 
 #include <filesystem>
+#include <mutex>
 #include <system_error>
 
 namespace {
 
-/// Live data sources plus explicit registrations.
-int g_registrationCount = 0;
+/// Live data sources plus explicit registrations, counted by several threads at once.
+struct Registrations {
+    std::mutex mutex;
+    int count = 0;
+};
+
+/// Outlives the last source, which a host may keep in a static object.
+Registrations& TheRegistrations() {
+    static auto* const registrations = new Registrations; // NOLINT(cppcoreguidelines-owning-memory)
+    return *registrations;
+}
 
 } // namespace
 
 void CGISDataSource::RegisterGDAL() {
-    const bool first = g_registrationCount < 1;
-    ++g_registrationCount;
+    // A thread that is not the first one waits until the first has set everything up.
+    Registrations& registrations = TheRegistrations();
+    const std::lock_guard lock(registrations.mutex);
+    const bool first = registrations.count < 1;
+    ++registrations.count;
     if (!first)
         return;
     SetGDALConfigOption();
@@ -27,8 +40,10 @@ void CGISDataSource::RegisterGDAL() {
 }
 
 void CGISDataSource::DestroyGDAL() {
-    --g_registrationCount;
-    if (g_registrationCount >= 1)
+    Registrations& registrations = TheRegistrations();
+    const std::lock_guard lock(registrations.mutex);
+    --registrations.count;
+    if (registrations.count >= 1)
         return;
     OGRCleanupAll();
     GDALDestroyDriverManager();
