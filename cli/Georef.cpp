@@ -3,8 +3,8 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
+#include "cli/support/ChangedRaster.h"
 #include "cli/support/Failure.h"
-#include "cli/support/Interrupts.h"
 #include "cli/support/Open.h"
 #include "cli/support/Text.h"
 
@@ -75,39 +75,40 @@ std::string ReferenceOf(const CRasterSource& raster) {
 }
 
 /// Writes the system; the engine keeps a system that the file cannot hold, a user wants to know.
-void SetReference(CRasterSource& raster, const std::string& srs, const std::string& path) {
+void SetReference(CRasterSource& raster, const std::string& srs, const ChangedRaster& file) {
     ForgetReasons();
     raster.SetProjection(srs.c_str());
     if (CPLGetLastErrorType() == CE_Failure)
-        throw Failure(path, LastReason("the format cannot store a reference system"));
+        throw file.Fail("the format cannot store a reference system");
 }
 
-void ClearPoints(CRasterSource& raster, const Options& options) {
+void ClearPoints(CRasterSource& raster, const Options& options, const ChangedRaster& file) {
     // Some formats keep one system for both, which goes with the points.
     const std::string srs = ReferenceOf(raster);
     ForgetReasons();
     if (raster.ClearGCP(true) != GIS_SUCCESS)
-        throw Failure(options.path, LastReason("its control points cannot be removed"));
+        throw file.Fail("its control points cannot be removed");
     if (options.srs.empty() && !srs.empty())
-        SetReference(raster, srs, options.path);
+        SetReference(raster, srs, file);
 }
 
 /// The world file that GDAL wrote beside a GeoTIFF when it was made, but does not keep up.
-void UpdateWorldFile(CRasterSource& raster, const std::string& path, GeoTransform& geoTransform) {
+void UpdateWorldFile(CRasterSource& raster, const ChangedRaster& file, GeoTransform& geoTransform) {
+    const std::string& path = file.Path();
     std::error_code ignored;
     if (EQUAL(raster.GetGDALDataset()->GetDriverName(), "GTiff") &&
         std::filesystem::exists(std::filesystem::path(path).replace_extension("tfw"), ignored) &&
         !CGISDataSource::WriteGeotransformToWorldFile(path.c_str(), geoTransform.data()))
-        throw Failure(path, LastReason("its world file cannot be written"));
+        throw file.Fail("its world file cannot be written");
 }
 
-void Place(CRasterSource& raster, GeoTransform& geoTransform, const Options& options) {
-    if (raster.GetGCPCount(true) > 0)
-        throw Failure(options.path, "control points place it; --clear-points removes them");
+void Place(CRasterSource& raster, GeoTransform& geoTransform, const ChangedRaster& file) {
     ForgetReasons();
+    if (raster.GetGCPCount(true) > 0)
+        throw file.Fail("control points place it; --clear-points removes them");
     if (raster.SetGeoTransform(geoTransform.data(), true) != GIS_SUCCESS)
-        throw Failure(options.path, LastReason("the format cannot store a place"));
-    UpdateWorldFile(raster, options.path, geoTransform);
+        throw file.Fail("the format cannot store a place");
+    UpdateWorldFile(raster, file, geoTransform);
 }
 
 /// The TIFF library breaks down when it writes a header anew that tells of more blocks than the
@@ -124,28 +125,35 @@ void RequireSoundHeader(const CRasterSource& raster, const std::string& path) {
         throw Failure(path, "its header tells of more pixels than it can hold");
 }
 
+/// Throws Failure where the raster cannot be opened for a change.
+void RequireChangeable(const std::string& path) {
+    CRasterSource raster;
+    OpenOrFail(raster, path, GIS_UPDATE);
+    RequireSoundHeader(raster, path);
+}
+
 void Georef(const Options& options) {
     if (options.box.empty() && options.geoTransform.empty() && options.srs.empty() &&
         !options.clearPoints)
         throw UsageError("give --box, --geotransform, --srs or --clear-points");
-    std::optional<ChangeInPlace> change; // until the file is closed
-    CRasterSource raster;
     if (!options.srs.empty() && !CCoordinateAlgorithm::IsValidCoordinate(options.srs.c_str()))
         throw Failure(options.srs, "not a reference system");
-    OpenOrFail(raster, options.path, GIS_UPDATE);
-    RequireSoundHeader(raster, options.path);
-    change.emplace();
+    RequireChangeable(options.path);
+    ChangedRaster file(options.path);
+    CRasterSource raster;
+    OpenOrFail(raster, file.Path(), GIS_UPDATE);
     std::optional<GeoTransform> place = ChoosePlace(options, raster);
     if (options.clearPoints)
-        ClearPoints(raster, options);
+        ClearPoints(raster, options, file);
     if (place)
-        Place(raster, *place, options);
+        Place(raster, *place, file);
     if (!options.srs.empty())
-        SetReference(raster, options.srs, options.path);
+        SetReference(raster, options.srs, file);
     ForgetReasons();
     raster.Close();
     if (CPLGetLastErrorType() == CE_Failure)
-        throw Failure(options.path, LastReason("cannot be written"));
+        throw file.Fail("cannot be written");
+    file.Commit();
 }
 
 } // namespace
@@ -153,7 +161,7 @@ void Georef(const Options& options) {
 void AddGeoref(CLI::App& program) {
     auto* georef = program.add_subcommand("georef", "say where an image lies");
     auto options = std::make_shared<Options>();
-    georef->add_option("FILE", options->path, "raster file, changed in place")->required();
+    georef->add_option("FILE", options->path, "raster file")->required();
     auto* box = georef->add_option("--box", options->box,
                                    "left,top,right,bottom of the whole image, north up");
     georef
@@ -162,7 +170,8 @@ void AddGeoref(CLI::App& program) {
         ->excludes(box);
     georef->add_option("--srs", options->srs, "reference system of these coordinates");
     georef->add_flag("--clear-points", options->clearPoints, "remove the ground control points");
-    georef->footer("The pixels are not touched.");
+    georef->footer(
+        "The pixels are not touched. The file is changed in a copy that takes its place.");
     georef->callback([options] { Georef(*options); });
 }
 

@@ -33,11 +33,17 @@ NewRaster::NewRaster(const std::string& path, const NewRasterLayout& layout)
 
 void NewRaster::Commit() {
     // Where the data set really is: a header's name stands for the data file beside it.
-    const fs::path made = Narrow(m_raster.GetFilePath());
+    fs::path made = Narrow(m_raster.GetFilePath());
     // Blocks still in memory are written now; closing reports no result.
     m_raster.Close();
     if (m_watch.HasError())
         throw Failure(m_path, m_watch.Error());
+    // Data beside a header are made without an extension; they get the one that was asked for.
+    const fs::path wanted = Narrow(m_files.GetTemporaryPath());
+    if (!fs::exists(wanted)) {
+        fs::rename(made, wanted);
+        made = wanted;
+    }
     CheckReadable(made);
     EndIfInterrupted();
     const fs::path old = fs::path(m_path).parent_path() / made.filename();

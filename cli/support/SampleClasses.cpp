@@ -1,6 +1,7 @@
 #include "cli/support/SampleClasses.h"
 
 #include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/vector/VectorSource.h"
 
 #include "cli/support/Failure.h"
@@ -120,6 +121,13 @@ void GiveNames(SampleClasses& classes, const std::string& text) {
                          " classes");
 }
 
+/// Whether a shape has no samples because it has no pixels; the engine's false also stands for
+/// pixels that could not be read, and for a lack of memory.
+bool IsOffImage(const std::string& reason) {
+    return reason.find(NO_OVERLAP) != std::string::npos ||
+           reason.find(NO_PIXELS) != std::string::npos;
+}
+
 /// The values of a sample, into a place that is used again and again.
 void ReadSample(const CImgSamplePixels& pixels, int index, std::vector<double>& sample) {
     for (std::size_t b = 0; b < sample.size(); ++b)
@@ -158,14 +166,14 @@ SampleClasses ClassesOf(const CClassifySampleFile& file) {
 void CollectPixels(SampleClasses& classes, CRasterSource& raster, const std::string& path) {
     for (SampleClass& sampleClass : classes) {
         for (const auto& shape : sampleClass.shapes) {
-            CBoundingBox extent = raster.GetExtent();
+            ForgetReasons();
             const bool collected = CRasterAlgorithm::GetSamplePixelFromDrawShape(
                 &raster, shape.get(), &sampleClass.pixels);
             if (collected)
                 continue;
-            // The engine's false also stands for pixels that could not be read.
-            if (shape->m_extent.IsIntersect(&extent) && CPLGetLastErrorType() == CE_Failure)
-                throw Failure(path, LastReason("cannot be read"));
+            const std::string reason = LastReason("cannot be read");
+            if (!IsOffImage(reason))
+                throw Failure(path, reason);
             ++sampleClass.shapesOffImage;
         }
     }

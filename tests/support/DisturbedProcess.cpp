@@ -51,7 +51,7 @@ bool ChangesFiles(const user_regs_struct& registers) {
 class Watcher {
   public:
     Watcher(pid_t child, int number, Disturbance disturbance)
-        : m_child(child), m_left(number), m_disturbance(disturbance) {}
+        : m_child(child), m_number(number), m_disturbance(disturbance) {}
 
     DisturbedRun Follow() {
         int status = 0;
@@ -90,7 +90,7 @@ class Watcher {
             ptrace(PTRACE_SETREGS, thread, nullptr, &registers);
             m_refused = 0;
         }
-        if (!isInside || !ChangesFiles(registers) || --m_left != 0)
+        if (!isInside || !ChangesFiles(registers) || ++run.calls != m_number)
             return;
         run.ending = DisturbedRun::Ending::Disturbed;
         if (m_disturbance == Disturbance::Kill) {
@@ -105,7 +105,7 @@ class Watcher {
     long Reason() const { return m_disturbance == Disturbance::FullDisk ? ENOSPC : EIO; }
 
     pid_t m_child;
-    int m_left;
+    int m_number;
     Disturbance m_disturbance;
     std::map<pid_t, bool> m_isInside;
     pid_t m_refused = 0; ///< the thread whose call is being refused

@@ -20,12 +20,13 @@ struct DisturbedRun {
     };
     Ending ending = Ending::CannotWatch;
     int exitStatus = -1; ///< −1: it did not end by itself
+    int calls = 0;       ///< of the kind, as far as it came
 };
 
 /// Runs `work` in a child process (it may become another program) and disturbs its `number`-th
-/// system call, counted from 1, of those that change files on the disk: opening for writing,
-/// write, fsync, rename, link, unlink, mkdir, rmdir, chmod, truncate. Descriptors 0 to 2 do not
-/// count, nor what is on no disk.
+/// system call, counted from 1 (0: none), of those that change files on the disk: opening for
+/// writing, write, fsync, rename, link, unlink, mkdir, rmdir, chmod, truncate. Descriptors 0 to 2
+/// do not count, nor what is on no disk.
 DisturbedRun Disturb(int number, Disturbance disturbance, const std::function<void()>& work);
 
 } // namespace zelto::test

@@ -60,7 +60,7 @@ void RemoveNewOnes(const fs::path& folder, const fs::path& parent, const FileSet
             fs::remove(parent / name, ignored);
 }
 
-/// Moves the kept files to their places, the main file last.
+/// Moves the kept files to their places, the main file last; a set that is new had none.
 bool MoveBack(const fs::path& folder, const fs::path& parent, const std::string& mainFile) {
     std::vector<fs::path> files;
     std::error_code error;
@@ -68,7 +68,8 @@ bool MoveBack(const fs::path& folder, const fs::path& parent, const std::string&
          entry.increment(error))
         if (entry->path().filename() != LIST && entry->path().filename() != mainFile)
             files.push_back(entry->path());
-    files.push_back(folder / mainFile);
+    if (fs::exists(folder / mainFile, error))
+        files.push_back(folder / mainFile);
     return !error && std::all_of(files.begin(), files.end(), [&](const fs::path& file) {
         return std::rename(file.c_str(), (parent / file.filename()).c_str()) == 0;
     });
