@@ -51,12 +51,17 @@ void NewRaster::Commit() {
         throw Failure(CGISDataSource::GetLastErrorText());
 }
 
-/// What was written must open again.
+/// What was written must open again. The driver does not tell whether a world file is complete.
 void NewRaster::CheckReadable(const fs::path& made) const {
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     const GDALDatasetUniquePtr dataset(GDALDataset::Open(made.c_str(), GDAL_OF_RASTER));
     if (!dataset)
         throw Failure(m_path, LastReason("was written, but cannot be read"));
+    std::error_code ignored;
+    double place[6] = {};
+    if (fs::exists(fs::path(made).replace_extension("tfw"), ignored) &&
+        GDALReadWorldFile(made.c_str(), "tfw", place) == FALSE)
+        throw Failure(m_path, "its world file cannot be written");
 }
 
 } // namespace zelto::cli

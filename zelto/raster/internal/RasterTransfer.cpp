@@ -181,7 +181,8 @@ class Transfer {
     /// Makes the files in the folder of a new set.
     bool Make(const fs::path& made) const {
         // Formats whose files name each other have a way of their own.
-        if (m_driver.pfnRename != nullptr || m_driver.pfnCopyFiles != nullptr)
+        const bool hasOwnWay = m_driver.pfnRename != nullptr || m_driver.pfnCopyFiles != nullptr;
+        if (hasOwnWay && m_files.size() > 1)
             return CopyByDriver(made);
         for (std::size_t i = 0; i < m_files.size(); ++i)
             if (!MakeFile(m_files[i], made.parent_path() / m_names[i].filename(), m_kind))

@@ -1,0 +1,233 @@
+#include "tests/faults/Operations.h"
+
+#include "tests/support/RasterFile.h"
+#include "tests/support/VectorFile.h"
+
+#include <filesystem>
+#include <ostream>
+
+namespace zelto::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Change = Operation::Change;
+using Inputs = std::vector<std::pair<std::string, std::string>>;
+
+const Inputs SCENE = {{"scene.tif", "scene.tif"}};
+const Inputs OLD_TIFF = {{"out.tif", "old.tif"}, {"out.tfw", "old.tfw"}};
+const Inputs OLD_SHAPES = {{"out.shp", "old.shp"}, {"out.shx", "old.shx"}, {"out.dbf", "old.dbf"}};
+
+Inputs operator+(Inputs a, const Inputs& b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+Inputs One(const std::string& name, const std::string& original) {
+    return {{name, original}};
+}
+
+std::vector<Operation> MakeOperations() {
+    const Inputs area = One("area.geojson", "area.geojson");
+    const Inputs classes = One("classes.tif", "classes.tif");
+    const Inputs moved = {{"in.tif", "scene.tif"}, {"in.tfw", "old.tfw"}};
+    const Inputs movedEnvi = {{"in.dat", "in.dat"}, {"in.hdr", "in.hdr"}};
+    const Inputs oldEnvi = {{"out.dat", "old.dat"}, {"out.hdr", "old.hdr"}};
+    return {
+        {"Create",
+         {"create", "@out.tif", "--size", "300,300", "--fill", "7"},
+         OLD_TIFF,
+         {"out.tif", "out.tfw"}},
+        {"CreateImagine",
+         {"create", "@out.img", "--size", "300,300", "--fill", "7"},
+         One("out.img", "old.img"),
+         {"out.img"},
+         Change::Replaces,
+         false},
+        {"Copy", {"copy", "@scene.tif", "@out.tif"}, SCENE + OLD_TIFF, {"out.tif", "out.tfw"}},
+        {"CopyToEnvi", {"copy", "@scene.tif", "@out.dat", "--format", "ENVI"}, SCENE, {"out.dat"}},
+        {"CopyToPcidsk",
+         {"copy", "@scene.tif", "@out.pix"},
+         SCENE + One("out.pix", "old.pix"),
+         {"out.pix"},
+         Change::Replaces,
+         false},
+        {"AoiMask",
+         {"aoi", "mask", "@area.geojson", "@scene.tif", "@out.tif"},
+         SCENE + area + OLD_TIFF,
+         {"out.tif", "out.tfw"}},
+        {"AoiNew",
+         {"aoi", "new", "@out.aif", "--rect", "0,10,10,0"},
+         One("out.aif", "old.txt"),
+         {"out.aif"}},
+        {"AoiNewShapefile",
+         {"aoi", "new", "@out.shp", "--rect", "0,10,10,0"},
+         OLD_SHAPES,
+         {"out.shp"}},
+        {"AoiConvert",
+         {"aoi", "convert", "@area.geojson", "@out.aif"},
+         area + One("out.aif", "old.txt"),
+         {"out.aif"}},
+        {"PolygonizeToGeoPackage",
+         {"polygonize", "@classes.tif", "@out.gpkg"},
+         classes + One("out.gpkg", "old.gpkg"),
+         {"out.gpkg"}},
+        {"PolygonizeToShapefile",
+         {"polygonize", "@classes.tif", "@out.shp"},
+         classes + OLD_SHAPES,
+         {"out.shp"}},
+        {"PolygonizeToGeoJson",
+         {"polygonize", "@classes.tif", "@out.geojson"},
+         classes + One("out.geojson", "area.geojson"),
+         {"out.geojson"}},
+        {"Move",
+         {"file", "mv", "@in.tif", "@out.tif", "--overwrite"},
+         moved + OLD_TIFF,
+         {"out.tif", "out.tfw"},
+         Change::Moves},
+        {"MoveEnvi",
+         {"file", "mv", "@in.dat", "@out.dat", "--overwrite"},
+         movedEnvi + oldEnvi,
+         {"out.dat", "out.hdr"},
+         Change::Moves},
+        {"MoveImagine",
+         {"file", "mv", "@in.img", "@out.img", "--overwrite"},
+         One("in.img", "scene.img") + One("out.img", "old.img"),
+         {"out.img"},
+         Change::Moves},
+        {"FileCopy",
+         {"file", "cp", "@in.tif", "@out.tif", "--overwrite"},
+         moved + OLD_TIFF,
+         {"out.tif", "out.tfw"}},
+        {"FileCopyEnvi",
+         {"file", "cp", "@in.dat", "@out.dat", "--overwrite"},
+         movedEnvi + oldEnvi,
+         {"out.dat", "out.hdr"}},
+        {"PyramidInside",
+         {"pyramids", "build", "@scene.tif"},
+         SCENE,
+         {"scene.tif"},
+         Change::InPlace},
+        {"PyramidInsideImagine",
+         {"pyramids", "build", "@scene.img"},
+         One("scene.img", "scene.img"),
+         {"scene.img"},
+         Change::InPlace,
+         false},
+        {"PyramidBeside", {"pyramids", "build", "@in.dat"}, movedEnvi, {"in.dat"}},
+        {"PyramidBesideAgain",
+         {"pyramids", "build", "@in.dat", "--resampling", "AVERAGE"},
+         movedEnvi + One("in.aux", "in.aux") + One("in.rrd", "in.rrd"),
+         {"in.dat"}},
+        {"Georef",
+         {"georef", "@scene.tif", "--box", "0,30,30,0", "--srs", "EPSG:32651"},
+         SCENE,
+         {"scene.tif"},
+         Change::InPlace},
+        {"Render",
+         {"render", "@scene.tif", "@out.png"},
+         SCENE + One("out.png", "old.png"),
+         {"out.png"}},
+        {"RenderSheet",
+         {"render", "--contact-sheet", "@scene.tif", "@out.png"},
+         SCENE + One("out.png", "old.png"),
+         {"out.png"}},
+        {"RenderTiff", {"render", "@scene.tif", "@out.tif"}, SCENE + OLD_TIFF, {"out.tif"}},
+        {"Compose",
+         {"compose", "@scene.tif:1", "@scene.tif:2", "@scene.tif:3", "@out.tif"},
+         SCENE + OLD_TIFF,
+         {"out.tif"}},
+        {"HistogramPlot",
+         {"histogram", "@scene.tif", "--png", "@out.png"},
+         SCENE + One("out.png", "old.png"),
+         {"out.png"}},
+        {"Samples",
+         {"samples", "collect", "@scene.tif", "--aoi", "@area.geojson", "-o", "@out.smp"},
+         SCENE + area + One("out.smp", "old.txt"),
+         {"out.smp"}},
+        {"Classes",
+         {"classes", "write", "@classes.csv", "@out.acf"},
+         One("classes.csv", "classes.csv") + One("out.acf", "old.txt"),
+         {"out.acf"}},
+    };
+}
+
+/// Patches of a few values.
+double Patches(int column, int row) {
+    return (column / 7 * 31 + row / 5 * 17) % 11;
+}
+
+void WriteImage(const std::string& path, const char* driver, int side, int bands,
+                const std::vector<int>& overviews = {}) {
+    RasterSpec spec = {.width = side, .height = side};
+    spec.driver = driver;
+    spec.geoTransform = NorthUp(500000.0, 4000000.0, 1.0);
+    spec.srs = "EPSG:32650";
+    spec.overviews = overviews;
+    WriteRaster(path, spec, std::vector<Pixels>(bands, MakePixels(side, side, Patches)));
+}
+
+} // namespace
+
+void PrintTo(const Operation& operation, std::ostream* out) {
+    *out << operation.name;
+}
+
+const std::vector<Operation>& AllOperations() {
+    static const std::vector<Operation> operations = MakeOperations();
+    return operations;
+}
+
+std::vector<std::string> WordsIn(const Operation& operation, const std::string& folder) {
+    std::vector<std::string> words;
+    for (const std::string& word : operation.words)
+        words.push_back(word.front() == '@' ? folder + '/' + word.substr(1) : word);
+    return words;
+}
+
+const Originals& Originals::Get() {
+    static const Originals originals;
+    return originals;
+}
+
+Originals::Originals() {
+    constexpr int SIDE = 300; // large enough for a pyramid
+    WriteImage(File("scene.tif"), "GTiff", SIDE, 3);
+    WriteImage(File("scene.img"), "HFA", SIDE, 3);
+    WriteImage(File("in.dat"), "ENVI", SIDE, 1);
+    {
+        // The pyramid that a file has already, levels of its own numbers.
+        const GDALDatasetUniquePtr image(GDALDataset::Open(File("in.dat").c_str()));
+        const int levels[] = {2, 4};
+        image->BuildOverviews("NEAREST", 2, levels, 0, nullptr, nullptr, nullptr);
+    }
+    WriteImage(File("classes.tif"), "GTiff", 60, 1);
+    for (const auto& [name, driver] :
+         {std::pair("old.tif", "GTiff"), std::pair("old.img", "HFA"),
+          std::pair("old.pix", "PCIDSK"), std::pair("old.dat", "ENVI")})
+        WriteImage(File(name), driver, 20, 1);
+    WriteFile(File("old.tfw"), "1\n0\n0\n-1\n100.5\n99.5\n");
+    WriteFile(File("old.txt"), "what stood here before");
+    WriteFile(File("old.png"), "what stood here before");
+    WriteFile(File("classes.csv"), "0,0,0,0,water\n1,10,20,30,forest\n");
+    WriteFile(
+        File("area.geojson"),
+        R"({"type":"FeatureCollection","crs":{"type":"name","properties":{"name":"EPSG:32650"}},)"
+        R"("features":[{"type":"Feature","properties":{"n":1},"geometry":{"type":"Polygon",)"
+        R"("coordinates":[[[500010,3999990],[500200,3999950],[500100,3999800],[500010,3999990]]]}}]})");
+    WriteVector(File("old.shp"), {.type = wkbPolygon, .fields = {{"n", OFTInteger}}},
+                {"POLYGON ((0 0,0 1,1 1,0 0))"});
+    VectorLayout package;
+    package.driver = "GPKG";
+    package.type = wkbPolygon;
+    WriteVector(File("old.gpkg"), package, {"POLYGON ((0 0,0 1,1 1,0 0))"});
+}
+
+void Originals::Prepare(const Operation& operation, const std::string& folder) const {
+    for (const auto& entry : fs::directory_iterator(folder))
+        fs::remove_all(entry.path());
+    for (const auto& [name, original] : operation.inputs)
+        fs::copy_file(File(original), fs::path(folder) / name);
+}
+
+} // namespace zelto::test
