@@ -42,6 +42,7 @@
 #include "zelto/display/ImgEnhance.h"
 #include "zelto/display/ImgStretch.h"
 #include "zelto/display/RasterHistogram.h"
+#include "zelto/display/StretchPreparation.h"
 #include "zelto/display/StretchType.h"
 #include "zelto/display/WallisStretch.h"
 #include "zelto/display/ZoomLinear.h"

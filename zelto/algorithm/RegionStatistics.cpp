@@ -11,7 +11,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -32,6 +34,7 @@ CRegionStatistics::~CRegionStatistics() = default;
 
 void CRegionStatistics::SetBands(const std::vector<int>& bands) {
     m_bands.clear();
+    m_values.clear();
     for (const int band : bands) {
         if (m_source == nullptr || m_source->GetRasterBand(band) == nullptr)
             continue;
@@ -42,6 +45,7 @@ void CRegionStatistics::SetBands(const std::vector<int>& bands) {
 
 void CRegionStatistics::SetAOI(CAOISource* aoi) {
     m_shapes.clear();
+    m_values.clear();
     m_wholeRaster = aoi == nullptr;
     // Without memory for all of its shapes an area holds nothing, rather than a part of itself.
     zelto::NoThrow(false, [&] {
@@ -66,9 +70,15 @@ bool CRegionStatistics::IsUsable() const {
 
 void CRegionStatistics::SetShape(CDrawShape* shape) {
     m_shapes.clear();
+    m_values.clear();
     m_wholeRaster = shape == nullptr;
     if (shape != nullptr)
         m_shapes.push_back(shape);
+}
+
+void CRegionStatistics::SetSampleSize(__int64 values) {
+    m_sampleSize = std::max<__int64>(values, 0);
+    m_values.clear();
 }
 
 void CRegionStatistics::SetBox(const CBoundingBox& box) {
@@ -86,9 +96,15 @@ zelto::RegionScan CRegionStatistics::MakeScan() const {
 }
 
 zelto::RegionScan CRegionStatistics::MakeScan(const std::vector<int>& bands) const {
+    std::optional<std::int64_t> most;
+    if (m_sampleSize > 0 || m_approx) {
+        const std::int64_t all = m_sampleSize > 0 ? m_sampleSize : zelto::READ_BUDGET_SAMPLES;
+        const auto bandCount = std::max<std::int64_t>(std::ssize(bands), 1);
+        most = std::max<std::int64_t>(all / bandCount, 1);
+    }
     if (m_wholeRaster)
-        return {*m_source, bands, std::nullopt, m_approx};
-    return {*m_source, bands, m_shapes, m_approx};
+        return {*m_source, bands, std::nullopt, most};
+    return {*m_source, bands, m_shapes, most};
 }
 
 GISError CRegionStatistics::Compute(CDataProgress* progress) {
@@ -98,11 +114,16 @@ GISError CRegionStatistics::Compute(CDataProgress* progress) {
         const zelto::RegionScan scan = MakeScan();
         m_sampled = scan.IsSampled();
         std::vector<zelto::PreciseMoments> moments(m_bands.size());
+        m_values.clear();
+        std::vector<std::vector<double>> kept(m_sampleSize > 0 ? m_bands.size() : 0);
         const auto add = [&](std::size_t b, std::span<const double> values) {
             moments[b].Add(values);
+            if (!kept.empty())
+                kept[b].insert(kept[b].end(), values.begin(), values.end());
         };
         if (!scan.VisitValues(TITLE, progress, add))
             return GIS_FAILED;
+        m_values = std::move(kept);
         for (std::size_t b = 0; b < m_bands.size(); ++b) {
             const bool any = moments[b].Count() > 0;
             m_bands[b].count = moments[b].Count();
@@ -136,7 +157,12 @@ GISError CRegionStatistics::ComputeHistogram(int position, double low, double wi
                     ++counts[static_cast<std::size_t>(bucket)];
             }
         };
-        const int band = m_bands[static_cast<std::size_t>(position)].index;
+        const auto place = static_cast<std::size_t>(position);
+        if (place < m_values.size()) {
+            add(place, m_values[place]);
+            return GIS_SUCCESS;
+        }
+        const int band = m_bands[place].index;
         return MakeScan({band}).VisitValues(HISTOGRAM_TITLE, progress, add) ? GIS_SUCCESS
                                                                             : GIS_FAILED;
     });

@@ -64,6 +64,10 @@ class ZELTO_API CRegionStatistics {
     void SetBox(const CBoundingBox& box);
     /// Regions of more than 2^24 values over all bands are sampled instead of read whole.
     void SetApprox(bool approx) { m_approx = approx; }
+    /// Regions of more than `values` values over all bands are sampled to about that many. The
+    /// values read by Compute() then stay in memory, so that percentiles and histograms read
+    /// nothing again: for what has to be quick. 0: as SetApprox() says.
+    void SetSampleSize(__int64 values);
 
     /// Count, range, mean and deviation of every band.
     /// @return GIS_FAILED when a band cannot be read, without memory, or when the progress
@@ -108,6 +112,8 @@ class ZELTO_API CRegionStatistics {
     bool m_wholeRaster = true;
     bool m_approx = false;
     bool m_sampled = false;
+    __int64 m_sampleSize = 0;
+    std::vector<std::vector<double>> m_values; ///< per band, where Compute() kept them
     std::vector<Band> m_bands;
     std::vector<double> m_covariance;
     __int64 m_covarianceCount = 0;

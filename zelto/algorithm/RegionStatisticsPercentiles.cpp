@@ -96,8 +96,15 @@ GISError CRegionStatistics::ComputePercentiles(double low, double high, CDataPro
             return std::count_if(bands.begin(), bands.end(),
                                  [](BandPercentiles& band) { return band.BeginPass(); }) > 0;
         };
+        const auto visitValues = [&] {
+            if (m_values.empty())
+                return scan.VisitValues(PERCENTILES_TITLE, progress, add);
+            for (std::size_t b = 0; b < m_values.size(); ++b)
+                add(b, m_values[b]);
+            return true;
+        };
         while (beginPass()) {
-            if (!scan.VisitValues(PERCENTILES_TITLE, progress, add))
+            if (!visitValues())
                 return GIS_FAILED;
             for (BandPercentiles& band : bands)
                 band.EndPass();

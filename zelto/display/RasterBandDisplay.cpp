@@ -10,6 +10,24 @@
 #include <array>
 #include <new>
 
+namespace {
+
+/// Puts a histogram of given counts in the place of the present one and builds its equalisation
+/// map.
+bool ReplaceHistogram(CRasterHistogram*& owned, double min, double max, int buckets,
+                      const int* counts) {
+    if (buckets < 0 || (buckets > 0 && counts == nullptr))
+        return zelto::FailWith(false, L"", "the histogram has no counts");
+    delete owned;
+    owned = new (std::nothrow) CRasterHistogram(min, max, buckets, counts, false, true);
+    if (owned == nullptr)
+        return zelto::FailWith(false, L"", "not enough memory for the histogram");
+    owned->SetHistogramMap(0); // it counts its own
+    return true;
+}
+
+} // namespace
+
 void CRasterBand::SetStretchData(StretchType type, double a1, double a2, double a3, double a4,
                                  double a5, double a6) {
     delete m_stretchFunction;
@@ -49,13 +67,14 @@ bool CRasterBand::EnableHistogramEqualize() {
 
 bool CRasterBand::SetCustomHistogram(double min, double max, int buckets, int* counts) {
     const zelto::OperationScope scope;
-    if (buckets < 0 || (buckets > 0 && counts == nullptr))
-        return zelto::FailWith(false, L"", "the histogram has no counts");
-    delete m_customHistogram;
-    m_customHistogram = new (std::nothrow) CRasterHistogram(min, max, buckets, counts, false, true);
-    if (m_customHistogram == nullptr)
-        return zelto::FailWith(false, L"", "not enough memory for the histogram");
-    m_customHistogram->SetHistogramMap(static_cast<__int64>(m_width) * m_height);
+    return ReplaceHistogram(m_customHistogram, min, max, buckets, counts);
+}
+
+bool CRasterBand::SetHistogram(double min, double max, int buckets, const int* counts) {
+    const zelto::OperationScope scope;
+    if (!ReplaceHistogram(m_histogram, min, max, buckets, counts))
+        return false;
+    m_histogramIsGiven = true;
     return true;
 }
 

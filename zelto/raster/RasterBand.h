@@ -22,6 +22,7 @@ class CachedRegion;
 class DisplayMapping;
 class StatisticsOnDemand;
 struct BandSummary;
+struct OwnStatistics;
 struct PendingStatistics;
 } // namespace zelto
 
@@ -85,6 +86,15 @@ class ZELTO_API CRasterBand {
     /// Stores minimum and maximum as a statistics operation found them; the standard-deviation
     /// bounds follow.
     void StoreMinMax(double minimum, double maximum);
+    /// Puts other statistics in place of the band's own: those of a part of the image, or bounds
+    /// that a person chose. Everything that is drawn by statistics goes by them, and the accessors
+    /// answer them, until RestoreStatistics(). Where the band's own are not taken yet, nothing is
+    /// read for it. CStretchPreparation calls this; an addition to the fixed interface.
+    /// @return false without memory for keeping the band's own
+    bool ReplaceStatistics(double minimum, double maximum, double mean, double standardDeviation);
+    /// Puts the statistics back that ReplaceStatistics() took the place of. An addition to the
+    /// fixed interface.
+    void RestoreStatistics();
 
     /// Reads a region of pixels, resampled by GDAL when the buffer size differs.
     /// @param buffer bufHeight lines of bufWidth samples of `type`
@@ -167,12 +177,21 @@ class ZELTO_API CRasterBand {
     /// @return false for missing counts or a negative number of them, which changes nothing, and
     ///         when the histogram cannot be allocated
     bool SetCustomHistogram(double min, double max, int buckets, int* counts);
+    /// Replaces the histogram of the equalisation and the auto levels by one that the host counted
+    /// and builds its equalisation map; EnableHistogramEqualize() and GetHistogram() count anew.
+    /// An addition to the fixed interface.
+    /// @return as SetCustomHistogram()
+    bool SetHistogram(double min, double max, int buckets, const int* counts);
     /// @param table 256 bytes
     /// @param points the curve the table came from, may be null
     bool SetEnhancedData(const unsigned char* table, HistogramLineType lineType, CPoint2D* points,
                          int pointCount);
     CImgEnhance* GetEnhancer() const { return m_enhancer; }
     CRasterHistogram* GetHistogramObject() const { return m_histogram; }
+    /// What SetCustomHistogram() made, null for none. An addition to the fixed interface.
+    CRasterHistogram* GetCustomHistogramObject() const { return m_customHistogram; }
+    /// What SetStretchData() made, null for none. An addition to the fixed interface.
+    const CImgStretch* GetStretchFunction() const { return m_stretchFunction; }
     void SetAutoLevelThresold(double threshold) { m_autoLevelThreshold = threshold; }
     double GetAutoLevelThresold() const { return m_autoLevelThreshold; }
 
@@ -208,6 +227,8 @@ class ZELTO_API CRasterBand {
         return *this;
     }
     void TakePendingStatistics() const;
+    /// Has the band's own statistics found even while others stand in their place.
+    void FindOwnStatistics() const;
     void StoreSummary(const zelto::BandSummary& found) const;
 
     bool m_storedMinMaxFixed = false;
@@ -245,4 +266,6 @@ class ZELTO_API CRasterBand {
     int m_cacheYSize = 0;
     /// Set for the bands of a source that is open for reading, and never changed.
     std::unique_ptr<zelto::PendingStatistics> m_pending;
+    std::unique_ptr<zelto::OwnStatistics> m_own; ///< while others stand in their place
+    bool m_histogramIsGiven = false;             ///< by SetHistogram(), not counted from the band
 };

@@ -50,7 +50,8 @@ bool CRasterBand::GetHistogram(double min, double max, int buckets, int* counts,
     const zelto::OperationScope scope;
     if (m_band == nullptr || counts == nullptr)
         return false;
-    if (m_histogram != nullptr && m_histogram->GetHistogramData() != nullptr &&
+    if (m_histogram != nullptr && !m_histogramIsGiven &&
+        m_histogram->GetHistogramData() != nullptr &&
         m_histogram->IsCoincidence(min, max, buckets, &includeOutOfRange, &approxOK)) {
         std::copy_n(m_histogram->GetHistogramData(), buckets, counts);
         return true;
@@ -61,6 +62,7 @@ bool CRasterBand::GetHistogram(double min, double max, int buckets, int* counts,
         !CountPixels(*m_band, min, max, buckets, counts, progress))
         return false;
     delete m_histogram;
+    m_histogramIsGiven = false;
     m_histogram =
         new (std::nothrow) CRasterHistogram(min, max, buckets, counts, includeOutOfRange, approxOK);
     return true;

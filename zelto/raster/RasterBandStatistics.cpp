@@ -4,8 +4,11 @@
 #include "zelto/raster/internal/BandSampling.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/StatisticsBand.h"
+#include "zelto/raster/internal/StatisticsOnDemand.h"
 
 #include <gdal_priv.h>
+
+#include <memory>
 
 namespace {
 
@@ -74,4 +77,36 @@ bool CRasterBand::ComputeStaticsFromCustom(double& min, double& max, double& mea
     mean = found.mean;
     stdDev = found.standardDeviation;
     return true;
+}
+
+bool CRasterBand::ReplaceStatistics(double minimum, double maximum, double mean,
+                                    double standardDeviation) {
+    return zelto::Operation(false, [&] {
+        if (!m_own) {
+            m_own = std::make_unique<zelto::OwnStatistics>();
+            // What is not taken yet is not taken only to be put aside.
+            if (!m_pending || m_pending->stored.load(std::memory_order_acquire))
+                m_own->found = {m_minimum, m_maximum, m_mean, m_standardDeviation};
+        }
+        StoreSummary({minimum, maximum, mean, standardDeviation});
+        if (m_pending)
+            m_pending->stored.store(true, std::memory_order_release);
+        return true;
+    });
+}
+
+void CRasterBand::RestoreStatistics() {
+    if (!m_own)
+        return;
+    if (m_own->found)
+        StoreSummary(*m_own->found);
+    else
+        m_pending->stored.store(false, std::memory_order_release);
+    m_own.reset();
+}
+
+void CRasterBand::FindOwnStatistics() const {
+    TakeStatistics();
+    if (m_own && !m_own->found)
+        m_own->found = m_pending->source->Of(m_pending->number);
 }

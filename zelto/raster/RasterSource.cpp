@@ -34,7 +34,7 @@ CRasterBand* CRasterSource::GetRasterBand(int index) const {
 
 void CRasterSource::TakeStatistics() const {
     for (const CRasterBand* band : m_bands)
-        band->TakeStatistics();
+        band->FindOwnStatistics();
 }
 
 CRasterSource* CRasterSource::GetSubRaster(int index) const {

@@ -266,6 +266,9 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     const double* GetShowMeans() const { return m_showMeans; }
     const double* GetShowStandardDeviations() const { return m_showStandardDeviations; }
     bool IsShowStatisticsKnown() const { return m_showStatisticsKnown; }
+    /// Has the next interleaved drawing find these anew, as the first one did; the Wallis stretch
+    /// starts from them. An addition to the fixed interface.
+    void ForgetShowStatistics() { m_showStatisticsKnown = false; }
 
   protected:
     int m_showStretchNumber = 0;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace zelto {
 
@@ -53,7 +54,8 @@ PixelWindow WindowAround(const CRasterSource& source, const CBoundingBox& box) {
 } // namespace
 
 RegionScan::RegionScan(const CRasterSource& source, const std::vector<int>& bands,
-                       std::optional<std::span<CDrawShape* const>> shapes, bool approx)
+                       std::optional<std::span<CDrawShape* const>> shapes,
+                       std::optional<std::int64_t> mostSamples)
     : m_source(&source) {
     for (const int band : bands)
         m_bands.push_back(source.GetRasterBand(band));
@@ -65,7 +67,8 @@ RegionScan::RegionScan(const CRasterSource& source, const std::vector<int>& band
     if (IsEmpty())
         return;
     const int bandCount = std::max(static_cast<int>(m_bands.size()), 1);
-    m_grid = PlanAoiCovariance(m_window.width, m_window.height, bandCount, approx).grid;
+    m_grid = LimitedGrid(m_window.width, m_window.height,
+                         mostSamples.value_or(std::numeric_limits<std::int64_t>::max()));
     m_maximumRows = std::max(READ_BUDGET_SAMPLES / m_window.width / bandCount, 1);
 }
 

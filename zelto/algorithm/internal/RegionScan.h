@@ -3,6 +3,7 @@
 #include "zelto/algorithm/internal/RegionRows.h"
 #include "zelto/algorithm/internal/SampleReader.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <span>
@@ -17,8 +18,10 @@ class RegionScan {
   public:
     /// @param bands counted from 0, valid ones
     /// @param shapes the region; nothing: the whole raster
+    /// @param mostSamples of a band, beyond which a regular sample is read; nothing: every pixel
     RegionScan(const CRasterSource& source, const std::vector<int>& bands,
-               std::optional<std::span<CDrawShape* const>> shapes, bool approx);
+               std::optional<std::span<CDrawShape* const>> shapes,
+               std::optional<std::int64_t> mostSamples);
 
     const std::vector<CRasterBand*>& Bands() const { return m_bands; }
     bool IsEmpty() const { return m_window.width < 1 || m_window.height < 1; }

@@ -103,6 +103,14 @@ CovariancePlan PlanAoiCovariance(int width, int height, int bandCount, bool appr
     return plan;
 }
 
+SampleGrid LimitedGrid(int width, int height, std::int64_t most) {
+    const std::int64_t pixels = std::int64_t{width} * height;
+    if (pixels <= most)
+        return PixelByPixel(width, height, pixels);
+    return Decimated(width, height,
+                     std::sqrt(static_cast<double>(pixels) / static_cast<double>(most)));
+}
+
 SampleGrid ShapeGrid(int width, int height) {
     const std::int64_t pixels = std::int64_t{width} * height;
     if (!ExceedsBudget(pixels))

@@ -79,6 +79,9 @@ struct CovariancePlan {
 };
 CovariancePlan PlanAoiCovariance(int width, int height, int bandCount, bool approx);
 
+/// Pixel by pixel up to `most` samples, decimated to that many beyond.
+SampleGrid LimitedGrid(int width, int height, std::int64_t most);
+
 /// Statistics, covariance and samples under a draw shape: 2^24 samples per band, however many
 /// bands there are.
 SampleGrid ShapeGrid(int width, int height);

@@ -56,6 +56,12 @@ struct PendingStatistics {
     std::atomic<bool> stored{false};
 };
 
+/// A band's own statistics while others stand in their place; nothing where they were not taken
+/// yet, and are taken when they are wanted back.
+struct OwnStatistics {
+    std::optional<BandSummary> found;
+};
+
 /// GDAL's approximate range of a band; 0 … 0 when there is none.
 BandSummary ApproximateRange(GDALRasterBand& band);
 

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "zelto/display/StretchPreparation.h"
+#include "zelto/raster/internal/BandSampling.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+/// The engine's type behind the name of a stretch.
+StretchType TypeOfStretch(const std::string& name);
+
+/// Counts of a band's values in equal buckets of a range.
+struct BucketCounts {
+    CStretchPreparation::Range range;
+    std::array<int, 256> counts{};
+};
+
+/// What a stretch will set on a band.
+struct BandPlan {
+    int index = 0;
+    CRasterBand* band = nullptr;
+    std::optional<BandSummary> statistics; ///< in place of the band's own
+    __int64 count = 0;                     ///< of the values they were found from
+    std::optional<BucketCounts> histogram; ///< in place of one of the whole band
+    double gamma = 1.0;
+};
+
+} // namespace zelto
+
+/// A stretch with all that is found before anything is set.
+struct CStretchPreparation::Plan {
+    std::string name; ///< never `auto`
+    StretchType type = StretchLinear;
+    std::vector<zelto::BandPlan> bands;
+    bool isPercent = false;
+    bool isSampled = false;
+};
