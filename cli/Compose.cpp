@@ -23,8 +23,7 @@ struct Options {
     std::vector<std::string> colors; ///< FILE:BAND for red, green, blue
     PictureFile out;
     ViewOptions view;
-    std::string stretch = "stddev";
-    StretchOptions stretchData;
+    StretchOptions stretch;
 };
 
 /// One colour: a source of its own, also where two colours come from one file, because the
@@ -61,7 +60,7 @@ void Run(const Options& options) {
     ColorSource colors[3];
     for (std::size_t k = 0; k < 3; ++k) {
         OpenColor(colors[k], options.colors[k]);
-        ApplyStretch(colors[k].source, options.stretchData, colors[k].path);
+        ApplyStretch(colors[k].source, options.stretch, {}, colors[k].path);
     }
     CComposedRaster composed;
     if (composed.CreateRaster(&colors[0].source, colors[0].band, &colors[1].source, colors[1].band,
@@ -96,7 +95,8 @@ void AddCompose(CLI::App& program) {
                         "left,top,right,bottom; default: what the three have in common");
     compose->add_option("--size", options->view.size,
                         "WxH, or one side as 1024x or x768; default: at most 1024 pixels");
-    compose->add_option("--stretch", options->stretch, "as zelto render; each band has its own")
+    compose
+        ->add_option("--stretch", options->stretch.name, "as zelto render; each band has its own")
         ->capture_default_str();
     AddPictureOptions(*compose, options->out);
     compose->footer("The rasters may differ in grid and resolution, but must lie in one reference\n"
@@ -104,8 +104,8 @@ void AddCompose(CLI::App& program) {
                     "blue one.\n"
                     "Example: zelto compose nir.tif:1 red.tif:1 scene.tif:2 picture.png");
     compose->callback([options] {
-        options->stretchData.type = ParseStretch(options->stretch);
-        if (options->stretchData.type == StretchWallis)
+        CheckStretch(options->stretch, false);
+        if (options->stretch.name == "wallis")
             throw UsageError("--stretch wallis is for the three bands of one raster");
         Run(*options);
     });

@@ -10,10 +10,13 @@
 #include "cli/RenderStretch.h"
 #include "cli/RenderView.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
+#include "cli/support/Message.h"
 #include "cli/support/Open.h"
 #include "cli/support/Picture.h"
 #include "cli/support/Printable.h"
 #include "cli/support/PyramidHint.h"
+#include "cli/support/Region.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -32,10 +35,7 @@ struct Options {
     PictureFile out;
     ViewOptions view;
     std::string bands;
-    std::string stretch = "stddev";
-    StretchOptions stretchData;
-    double low = 0.0;
-    double high = 0.0;
+    StretchOptions stretch;
     std::string ramp;
     float hue = 0.0F;
     float intensity = 0.0F;
@@ -113,14 +113,8 @@ Picture Draw(CRasterSource& source, const View& view, const std::string& path) {
 
 /// Pixels outside the area are transparent or black, whatever is adjusted; pixels without data
 /// inside it are black before the adjustments.
-Picture DrawMasked(CRasterSource& source, const View& view, const Options& options) {
-    CAOISource aoi;
-    ForgetReasons();
-    const GISError error = aoi.OpenAndWarped(
-        Wide(options.aoi).c_str(), GIS_READONLY,
-        source.GetProjectionWKT().empty() ? nullptr : source.GetProjectionWKT().c_str());
-    if (error != GIS_SUCCESS)
-        throw Failure(options.aoi, ReasonForFailure(options.aoi, error));
+Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
+                   const Options& options) {
     CRasterAOI area(&source, &aoi);
     area.Initialize();
 
@@ -158,17 +152,23 @@ Picture DrawMasked(CRasterSource& source, const View& view, const Options& optio
 /// drawing left.
 Picture DrawSheet(const View& view, const Options& options) {
     std::vector<SheetCell> cells;
-    for (const std::string& name : StretchNames()) {
+    for (const std::string& name : StretchesOfSheet()) {
         CRasterSource source;
         OpenForDisplay(source, options.file, options.srs);
         ApplySettings(source, options);
-        StretchOptions stretch = options.stretchData;
-        stretch.type = ParseStretch(name);
-        if (!SuitsShownBands(source, stretch.type))
+        if (!SuitsShownBands(source, name))
             continue;
-        ApplyStretch(source, stretch, options.file);
+        try {
+            ApplyStretch(source, StretchOfSheet(options.stretch, name), {view.box}, options.file);
+        } catch (const Failure& failure) {
+            EndIfInterrupted();
+            Tell(std::string(failure.what()) + "; the sheet leaves " + name + " out");
+            continue;
+        }
         cells.push_back({name, Draw(source, view, options.file)});
     }
+    if (cells.empty())
+        throw Failure(options.file, "no stretch suits its bands");
     return MakeSheet(cells);
 }
 
@@ -178,8 +178,10 @@ void CheckOptions(const Options& options) {
         throw UsageError("--outside: transparent or black");
     if (options.contactSheet && !options.aoi.empty())
         throw UsageError("--contact-sheet and --aoi do not go together");
-    if (!(options.stretchData.gamma > 0))
-        throw UsageError("--gamma must be positive");
+    if (options.contactSheet)
+        CheckStretchesOfSheet(options.stretch, !options.aoi.empty());
+    else
+        CheckStretch(options.stretch, !options.aoi.empty());
     if (!(options.transparency >= 0.0F && options.transparency <= 1.0F))
         throw UsageError("--transparency: 0 to 1");
 }
@@ -190,7 +192,7 @@ bool ReadsWhole(const CRasterSource& source, const View& view, const Options& op
     const CBoundingBox extent = source.GetExtent();
     const bool isMost =
         view.box.GetWidth() * view.box.GetHeight() * 2 >= extent.GetWidth() * extent.GetHeight();
-    return isMost || options.contactSheet || options.stretchData.type != StretchNone ||
+    return isMost || options.contactSheet || !ShowsBytesAsTheyAre(options.stretch) ||
            source.GetRasterDataType() != PDT_Byte;
 }
 
@@ -206,9 +208,10 @@ void Run(const Options& options) {
     if (options.contactSheet) {
         WritePicture(DrawSheet(view, options), options.out);
     } else {
-        ApplyStretch(source, options.stretchData, options.file);
-        const Picture picture = options.aoi.empty() ? Draw(source, view, options.file)
-                                                    : DrawMasked(source, view, options);
+        const auto area = MakeRegion({options.aoi, "", ""}, source);
+        ApplyStretch(source, options.stretch, {view.box, area.get()}, options.file);
+        const Picture picture = area != nullptr ? DrawMasked(source, *area, view, options)
+                                                : Draw(source, view, options.file);
         WritePicture(picture, options.out, PicturePlace{view.box, source.GetProjectionWKT()});
     }
     std::cout << Printable(options.out.path) << ": " << view.width << " x " << view.height
@@ -232,30 +235,6 @@ void AddViewOptions(CLI::App& render, Options& options) {
     render
         .add_option("--outside", options.outside, "what is outside the area: transparent or black")
         ->capture_default_str();
-}
-
-void AddStretchOptions(CLI::App& render, Options& options) {
-    std::string names;
-    for (const std::string& name : StretchNames())
-        names += (names.empty() ? "" : ", ") + name;
-    render.add_option("--stretch", options.stretch, "one of " + names)->capture_default_str();
-    render.add_option("--low", options.low,
-                      "lower bound of zoom002 and zoom (display values) or of custom-equalize");
-    render.add_option("--high", options.high, "upper bound of the same");
-    render
-        .add_option("--threshold", options.stretchData.threshold,
-                    "fraction that autolevels cuts at each end")
-        ->capture_default_str();
-    render
-        .add_option("--wallis-model", options.stretchData.wallisModel,
-                    "colour model of wallis: 0, 1 or 2")
-        ->check(CLI::Range(0, 2))
-        ->capture_default_str();
-    render.add_option("--gamma", options.stretchData.gamma, "curve of the enhancement table")
-        ->capture_default_str();
-    render.add_flag("--contact-sheet", options.contactSheet,
-                    "one labelled sheet of all stretches that suit the bands; --size is that of "
-                    "one picture");
 }
 
 void AddColorOptions(CLI::App& render, Options& options) {
@@ -282,7 +261,10 @@ void AddRender(CLI::App& program) {
         ->required();
     AddViewOptions(*render, *options);
     AddColorOptions(*render, *options);
-    AddStretchOptions(*render, *options);
+    AddStretchOptions(*render, options->stretch);
+    render->add_flag("--contact-sheet", options->contactSheet,
+                     "one labelled sheet of all stretches that suit the bands; --size is that of "
+                     "one picture");
     AddPictureOptions(*render, options->out);
     render->footer(
         "Stretches: none shows 8-bit values as they are, others from minimum to maximum;\n"
@@ -291,16 +273,10 @@ void AddRender(CLI::App& program) {
         "histogram of the whole range; custom-equalize: of that from --low (0) to --high (the\n"
         "maximum, 255 for 8-bit bands); autolevels: cuts --threshold off both ends; zoom002,\n"
         "zoom: by the bounds; wallis: to a model's mean and deviation per colour, for three\n"
-        "bands.\n"
+        "bands; percent: between two percentiles; auto: none for 8-bit values, palettes and\n"
+        "classes, percent for all others.\n"
         "Example: zelto render --bands 4,3,2 --size 800x scene.tif picture.png");
-    render->callback([options, render] {
-        options->stretchData.type = ParseStretch(options->stretch);
-        if (render->count("--low") > 0)
-            options->stretchData.low = options->low;
-        if (render->count("--high") > 0)
-            options->stretchData.high = options->high;
-        Run(*options);
-    });
+    render->callback([options] { Run(*options); });
 }
 
 } // namespace zelto::cli

@@ -1,144 +1,199 @@
 #include "cli/RenderStretch.h"
 
-#include "zelto/geometry/Point2D.h"
-#include "zelto/raster/RasterBand.h"
+#include "zelto/display/StretchPreparation.h"
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
+#include "cli/support/Progress.h"
+#include "cli/support/Text.h"
+#include "cli/support/Usage.h"
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
+#include <functional>
 
 namespace zelto::cli {
 
 namespace {
 
-constexpr int TABLE_SIZE = 256;
+using Setting = CStretchPreparation::Setting;
 
-template <typename Use>
-void ForEachShownBand(CRasterSource& source, Use use) {
-    for (const int index : source.GetShowBandArray())
-        if (CRasterBand* band = source.GetRasterBand(index))
-            use(*band);
+/// An option with the setting of the engine that it is.
+struct StretchOption {
+    const char* name;
+    Setting setting;
+    std::function<bool(const StretchOptions&)> isGiven;
+    std::function<void(StretchOptions&)> drop;
+};
+
+template <typename Value>
+StretchOption Make(const char* name, Setting setting, Value StretchOptions::*member) {
+    return {name, setting,
+            [member](const StretchOptions& options) { return options.*member != Value(); },
+            [member](StretchOptions& options) { options.*member = Value(); }};
 }
 
-void RequireRange(const StretchOptions& options) {
-    if (options.low && options.high && *options.low >= *options.high)
-        throw UsageError("--low must be less than --high");
+const std::vector<StretchOption>& Options() {
+    static const std::vector<StretchOption> options = {
+        Make("--clip", Setting::Clip, &StretchOptions::clip),
+        Make("--range", Setting::Ranges, &StretchOptions::ranges),
+        Make("--gamma", Setting::Gamma, &StretchOptions::gamma),
+        Make("--low", Setting::Bounds, &StretchOptions::low),
+        Make("--high", Setting::Bounds, &StretchOptions::high),
+        Make("--threshold", Setting::Threshold, &StretchOptions::threshold),
+        Make("--wallis-model", Setting::WallisModel, &StretchOptions::wallisModel),
+        Make("--stretch-from", Setting::Region, &StretchOptions::from),
+        Make("--exact", Setting::Region, &StretchOptions::exact),
+    };
+    return options;
 }
 
-/// The table of a gamma curve, with the points it was made from.
-void ApplyTable(CRasterSource& source, double gamma) {
-    std::array<unsigned char, TABLE_SIZE> table;
-    std::vector<CPoint2D> curve;
-    for (int i = 0; i < TABLE_SIZE; ++i) {
-        const double value = 255.0 * std::pow(i / 255.0, 1.0 / gamma);
-        table[static_cast<std::size_t>(i)] = static_cast<unsigned char>(std::lround(value));
-        if (i % 51 == 0)
-            curve.emplace_back(i, value);
+/// The names of the stretches, separated by commas.
+/// @param setting that they take
+std::string Names(std::optional<Setting> setting = std::nullopt) {
+    std::string names;
+    for (const std::string& name : CStretchPreparation::GetStretchNames())
+        if (!setting || CStretchPreparation::Takes(name, *setting))
+            names += (names.empty() ? "" : ", ") + name;
+    return names;
+}
+
+std::vector<CStretchPreparation::Range> ParseRanges(const std::string& text) {
+    const std::vector<double> numbers = ParseNumbers("--range", text);
+    if (numbers.size() % 2 != 0)
+        throw UsageError("--range: give low,high, or such a pair for every band that is shown");
+    std::vector<CStretchPreparation::Range> ranges;
+    for (std::size_t i = 0; i < numbers.size(); i += 2)
+        ranges.push_back({numbers[i], numbers[i + 1]});
+    return ranges;
+}
+
+/// @param accepted what the setter answers
+void Require(bool accepted, const char* option) {
+    if (!accepted)
+        throw UsageError(std::string(option) + ": " + CGISDataSource::GetLastErrorText());
+}
+
+/// Throws UsageError for values that cannot be.
+void SetAll(CStretchPreparation& stretch, const StretchOptions& options) {
+    if (!options.clip.empty()) {
+        const std::vector<double> clip = ParseNumbers("--clip", options.clip, 2);
+        Require(stretch.SetClip(clip[0], clip[1]), "--clip");
     }
-    ForEachShownBand(source, [&](CRasterBand& band) {
-        band.SetEnhancedData(table.data(), HistogramLineCurve, curve.data(),
-                             static_cast<int>(curve.size()));
-    });
+    if (!options.ranges.empty())
+        Require(stretch.SetRanges(ParseRanges(options.ranges)), "--range");
+    if (!options.gamma.empty())
+        Require(stretch.SetGamma(ParseNumbers("--gamma", options.gamma)), "--gamma");
+    if (options.low || options.high)
+        Require(stretch.SetBounds(options.low, options.high), "--low, --high");
+    if (options.threshold)
+        Require(stretch.SetThreshold(*options.threshold), "--threshold");
+    if (options.wallisModel)
+        Require(stretch.SetWallisModel(*options.wallisModel), "--wallis-model");
+    stretch.SetExact(options.exact);
 }
 
-/// The zoom stretches take their bounds in display values; 8-bit bands take those of
-/// StretchZoomLinear002 as they are.
-void ApplyZoom(CRasterSource& source, const StretchOptions& options) {
-    ForEachShownBand(source, [&](CRasterBand& band) {
-        const bool raw = options.type == StretchZoomLinear002 && band.GetDataType() == PDT_Byte;
-        // The band's own bounds are asked for only where they are needed: they take a sample.
-        const double low = options.low ? *options.low : raw ? band.GetStdDevLowerBound() : 0.0;
-        const double high = options.high ? *options.high : raw ? band.GetStdDevUpperBound() : 255.0;
-        band.SetStretchData(options.type, 0.0, 0.0, low, high, 0.0, 0.0);
-    });
+void SetPlace(CStretchPreparation& stretch, const StretchOptions& options,
+              const StretchPlaces& places) {
+    if (options.from == "view")
+        stretch.SetView(places.view);
+    else if (options.from == "aoi")
+        stretch.SetArea(places.area);
 }
 
-/// Equalises by the histogram between two bounds instead of the whole range. The engine finds a
-/// value's bucket from the value itself, so the picture is even where the bounds begin at zero.
-void ApplyCustomEqualization(CRasterSource& source, const StretchOptions& options,
-                             const std::string& path) {
-    ForEachShownBand(source, [&](CRasterBand& band) {
-        const bool isByte = band.GetDataType() == PDT_Byte;
-        const double high = options.high ? *options.high : isByte ? 255.0 : band.GetMaximum();
-        const double low = options.low ? *options.low : high > 0.0 ? 0.0 : band.GetMinimum();
-        std::array<int, TABLE_SIZE> counts{};
-        if (!band.GetHistogram(low, high, TABLE_SIZE, counts.data(), false, true, nullptr) ||
-            !band.SetCustomHistogram(low, high, TABLE_SIZE, counts.data()))
-            throw Failure(path, LastReason("the histogram between the bounds cannot be computed"));
-    });
-}
-
-/// The Wallis models start from the statistics of the displayed values, which a first drawing
-/// of the whole image gives.
-void ApplyWallis(CRasterSource& source, int model, const std::string& path) {
-    constexpr int SIDE = 512;
-    const int longest = std::max(source.GetWidth(), source.GetHeight());
-    const double factor = std::min(1.0, static_cast<double>(SIDE) / longest);
-    const int w = std::max(1, static_cast<int>(source.GetWidth() * factor));
-    const int h = std::max(1, static_cast<int>(source.GetHeight() * factor));
-    std::vector<unsigned char> image(static_cast<std::size_t>(w) * static_cast<std::size_t>(h) * 4);
-    CBoundingBox box = source.GetExtent();
-    if (!source.GetShowData(&box, w, h, image.data(), false) || !source.ReadWallisColorModel(model))
-        throw Failure(path, LastReason("its pixels cannot be read"));
+void CheckValues(const StretchOptions& options, bool hasArea) {
+    CStretchPreparation stretch(nullptr);
+    SetAll(stretch, options);
+    if (!options.from.empty() && options.from != "image" && options.from != "view" &&
+        options.from != "aoi")
+        throw UsageError("--stretch-from: '" + options.from + "' is none of image, view, aoi");
+    if (options.from == "aoi" && !hasArea)
+        throw UsageError("--stretch-from aoi: needs --aoi");
+    if (!options.ranges.empty() && (options.exact || !options.from.empty()))
+        throw UsageError("--range says what is shown; --stretch-from and --exact find it");
 }
 
 } // namespace
 
-const std::vector<std::string>& StretchNames() {
-    static const std::vector<std::string> names = {
-        "none",       "table",   "linear", "stddev", "equalize",
-        "autolevels", "zoom002", "wallis", "zoom",   "custom-equalize"};
+void AddStretchOptions(CLI::App& command, StretchOptions& options) {
+    command.add_option("--stretch", options.name, "one of " + Names())->capture_default_str();
+    command.add_option("--clip", options.clip,
+                       "low,high: percentages of the values that percent shows between (2,98)");
+    command.add_option("--range", options.ranges,
+                       "low,high in sample values, for all bands or one pair for each; of linear "
+                       "and table");
+    command.add_option("--stretch-from", options.from,
+                       "what the stretch goes by: the whole image, the view or the aoi");
+    command.add_flag("--exact", options.exact,
+                     "let the stretch go by every value instead of a sample");
+    command.add_option("--gamma", options.gamma,
+                       "curve, above 1 brighter; one number or one for each band; of " +
+                           Names(Setting::Gamma));
+    command.add_option("--low", options.low,
+                       "lower bound of zoom002 and zoom (display values) or of custom-equalize");
+    command.add_option("--high", options.high, "upper bound of the same");
+    command.add_option("--threshold", options.threshold,
+                       "fraction that autolevels cuts at each end (0.01)");
+    command
+        .add_option("--wallis-model", options.wallisModel, "colour model of wallis: 0, 1 or 2 (1)")
+        ->check(CLI::Range(0, 2));
+}
+
+void CheckStretch(const StretchOptions& options, bool hasArea) {
+    const auto names = CStretchPreparation::GetStretchNames();
+    if (std::find(names.begin(), names.end(), options.name) == names.end()) {
+        const std::string alike = MostAlike(options.name, names);
+        throw UsageError("--stretch: '" + options.name + "' is none of " + Names() +
+                         (alike.empty() ? "" : "; did you mean " + alike + "?"));
+    }
+    for (const StretchOption& option : Options())
+        if (option.isGiven(options) && !CStretchPreparation::Takes(options.name, option.setting))
+            throw UsageError(std::string(option.name) + ": belongs to --stretch " +
+                             Names(option.setting) + ", not to " + options.name);
+    CheckValues(options, hasArea);
+}
+
+void CheckStretchesOfSheet(const StretchOptions& options, bool hasArea) {
+    CheckValues(options, hasArea);
+}
+
+StretchOptions StretchOfSheet(const StretchOptions& options, const std::string& name) {
+    StretchOptions taken = options;
+    taken.name = name;
+    for (const StretchOption& option : Options())
+        if (!CStretchPreparation::Takes(name, option.setting))
+            option.drop(taken);
+    return taken;
+}
+
+std::vector<std::string> StretchesOfSheet() {
+    std::vector<std::string> names = CStretchPreparation::GetStretchNames();
+    names.erase(std::remove(names.begin(), names.end(), "auto"), names.end());
     return names;
 }
 
-StretchType ParseStretch(const std::string& name) {
-    const auto& names = StretchNames();
-    const auto found = std::find(names.begin(), names.end(), name);
-    if (found != names.end())
-        return static_cast<StretchType>(found - names.begin());
-    std::string known;
-    for (const std::string& each : names)
-        known += (known.empty() ? "" : ", ") + each;
-    throw UsageError("--stretch: '" + name + "' is none of " + known);
+bool SuitsShownBands(CRasterSource& source, const std::string& name) {
+    CStretchPreparation stretch(&source);
+    return stretch.SetStretch(name) && stretch.SuitsShownBands();
 }
 
-bool SuitsShownBands(const CRasterSource& source, StretchType type) {
-    return type != StretchWallis || source.GetShowBandCount() == 3;
+bool ShowsBytesAsTheyAre(const StretchOptions& options) {
+    return options.name == "none" || (options.name == "auto" && options.gamma.empty());
 }
 
-void ApplyStretch(CRasterSource& source, const StretchOptions& options, const std::string& path) {
-    RequireRange(options);
-    if (!SuitsShownBands(source, options.type))
+void ApplyStretch(CRasterSource& source, const StretchOptions& options, const StretchPlaces& places,
+                  const std::string& path) {
+    CStretchPreparation stretch(&source);
+    stretch.SetStretch(options.name);
+    SetAll(stretch, options);
+    SetPlace(stretch, options, places);
+    if (!stretch.SuitsShownBands())
         throw UsageError("--stretch wallis: it takes three bands, and one is shown");
-    source.SetStretchType(options.type);
-    switch (options.type) {
-    case StretchEnhanceTable:
-        ApplyTable(source, options.gamma);
-        break;
-    case StretchHistEqualize:
-        source.EnableHistogramEqualize();
-        break;
-    case StretchAutoLevels:
-        source.EnableHistogramEqualize();
-        source.SetAutoLevelThresold(options.threshold);
-        break;
-    case StretchZoomLinear:
-    case StretchZoomLinear002:
-        ApplyZoom(source, options);
-        break;
-    case StretchWallis:
-        ApplyWallis(source, options.wallisModel, path);
-        break;
-    case StretchCustomHistEqualize:
-        ApplyCustomEqualization(source, options, path);
-        break;
-    default:
-        break;
-    }
+    TerminalProgress progress;
+    if (stretch.Apply(&progress) != GIS_SUCCESS)
+        throw Failure(path, LastReason("its pixels cannot be read"));
 }
 
 } // namespace zelto::cli

@@ -1,38 +1,66 @@
 #pragma once
 
-#include "zelto/display/StretchType.h"
+#include "zelto/geometry/BoundingBox.h"
 
 #include <optional>
 #include <string>
 #include <vector>
 
+class CAOISource;
 class CRasterSource;
+
+namespace CLI {
+class App;
+}
 
 namespace zelto::cli {
 
-/// A stretch of the engine with what it needs.
+/// A stretch with what it is told; empty texts were not given.
 struct StretchOptions {
-    StretchType type = StretchStdDev;
+    std::string name = "stddev";
+    std::string clip;   ///< low,high in percent
+    std::string ranges; ///< low,high in sample values, for all bands or for each
+    std::string gamma;  ///< one number for all bands, or one for each
     std::optional<double> low;
     std::optional<double> high;
-    double threshold = 0.01; ///< of the auto levels
-    int wallisModel = 1;
-    double gamma = 1.5; ///< of the enhancement table
+    std::optional<double> threshold;
+    std::optional<int> wallisModel;
+    std::string from; ///< image, view or aoi
+    bool exact = false;
 };
 
-/// Names of the stretches on the command line, in the order of their types.
-const std::vector<std::string>& StretchNames();
+/// What --stretch-from may name.
+struct StretchPlaces {
+    CBoundingBox view;
+    CAOISource* area = nullptr; ///< null without --aoi
+};
 
-/// Throws UsageError for a name that is none.
-StretchType ParseStretch(const std::string& name);
+/// Adds --stretch and the options of the stretches.
+void AddStretchOptions(CLI::App& command, StretchOptions& options);
+
+/// Throws UsageError for a name that is none, and for an option that the stretch does not take.
+/// @param hasArea whether --aoi is given
+void CheckStretch(const StretchOptions& options, bool hasArea);
+
+/// The same for a sheet of all stretches, where each takes the options that are for it.
+void CheckStretchesOfSheet(const StretchOptions& options, bool hasArea);
+
+/// The options that a stretch takes of those given for a sheet.
+StretchOptions StretchOfSheet(const StretchOptions& options, const std::string& name);
 
 /// Whether a stretch can be drawn with the bands that the source shows. The Wallis models start
 /// from statistics of the three colours of a picture, which one of a single band does not have.
-bool SuitsShownBands(const CRasterSource& source, StretchType type);
+bool SuitsShownBands(CRasterSource& source, const std::string& name);
 
-/// Sets the stretch on all bands of the source, computing what it needs: histograms, display
-/// statistics, tables. Throws Failure naming `path`, and UsageError where the stretch does not
-/// suit the shown bands.
-void ApplyStretch(CRasterSource& source, const StretchOptions& options, const std::string& path);
+/// Names of the stretches that a sheet shows.
+std::vector<std::string> StretchesOfSheet();
+
+/// Whether 8-bit values are shown as they are, for which none has to be read before.
+bool ShowsBytesAsTheyAre(const StretchOptions& options);
+
+/// Sets the stretch on the source, with progress where it reads for long. Throws Failure naming
+/// `path`, and UsageError where the options do not fit the shown bands.
+void ApplyStretch(CRasterSource& source, const StretchOptions& options, const StretchPlaces& places,
+                  const std::string& path);
 
 } // namespace zelto::cli

@@ -332,3 +332,35 @@ TEST_F(RegionStatistics, HistogramsCountTheValuesBetweenTheirBounds) {
     EXPECT_EQ(statistics.ComputeHistogram(-1, 0, 1, counts, nullptr), GIS_FAILED);
     EXPECT_EQ(statistics.ComputeHistogram(0, 0, 0, counts, nullptr), GIS_FAILED);
 }
+
+TEST_F(RegionStatistics, ValuesKeptInMemoryAnswerAsThoseReadAgain) {
+    std::minstd_rand random(20260117);
+    RasterSpec spec = UnitSpec(60, 40, GDT_Int16);
+    spec.noData = 7.0;
+    const auto draw = [&](int, int) { return static_cast<double>(random() % 500); };
+    auto source = Open(spec, {MakePixels(60, 40, draw), MakePixels(60, 40, draw)});
+    CRegionStatistics read(source.get());
+    CRegionStatistics kept(source.get());
+    kept.SetSampleSize(60 * 40 * 2);
+    for (CRegionStatistics* statistics : {&read, &kept}) {
+        statistics->SetBox({10, 35, 45, 5});
+        ASSERT_EQ(statistics->Compute(nullptr), GIS_SUCCESS);
+        ASSERT_EQ(statistics->ComputePercentiles(3, 71, nullptr), GIS_SUCCESS);
+    }
+    EXPECT_FALSE(kept.IsSampled());
+    for (std::size_t b = 0; b < 2; ++b) {
+        EXPECT_EQ(kept.GetBands()[b].count, read.GetBands()[b].count);
+        EXPECT_EQ(kept.GetBands()[b].lowPercentile, read.GetBands()[b].lowPercentile);
+        EXPECT_EQ(kept.GetBands()[b].highPercentile, read.GetBands()[b].highPercentile);
+        std::vector<__int64> counts[2] = {std::vector<__int64>(16), std::vector<__int64>(16)};
+        const int band = static_cast<int>(b);
+        ASSERT_EQ(read.ComputeHistogram(band, 20, 25, counts[0], nullptr), GIS_SUCCESS);
+        ASSERT_EQ(kept.ComputeHistogram(band, 20, 25, counts[1], nullptr), GIS_SUCCESS);
+        EXPECT_EQ(counts[0], counts[1]);
+    }
+    kept.SetSampleSize(1000);
+    ASSERT_EQ(kept.Compute(nullptr), GIS_SUCCESS);
+    EXPECT_TRUE(kept.IsSampled());
+    EXPECT_LE(kept.GetBands()[0].count, 500);
+    EXPECT_GT(kept.GetBands()[0].count, 400);
+}

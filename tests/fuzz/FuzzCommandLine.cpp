@@ -38,7 +38,7 @@ void Parse(int kind, const std::string& text) {
         zelto::cli::CheckCreationOptions({text}, RDF_GTiff);
         break;
     case 8:
-        zelto::cli::ParseStretch(text);
+        zelto::cli::CheckStretch({.name = text}, false);
         break;
     case 9:
         zelto::cli::MakeRamp(text);
