@@ -6,6 +6,7 @@
 
 #include "cli/Commands.h"
 #include "cli/RenderRamps.h"
+#include "cli/RenderRecipe.h"
 #include "cli/RenderSheet.h"
 #include "cli/RenderStretch.h"
 #include "cli/RenderView.h"
@@ -25,6 +26,8 @@
 #include <cmath>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace zelto::cli {
 
@@ -47,6 +50,7 @@ struct Options {
     std::string outside = "transparent";
     std::string srs;
     bool contactSheet = false;
+    RecipeOptions recipe;
 };
 
 void OpenForDisplay(CRasterSource& source, const std::string& path, const std::string& srs) {
@@ -127,17 +131,17 @@ Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
     }
     // The source adjusts the contrast of as many planes as bands are shown; a picture of a single
     // band has three alike.
-    source.m_contrast = 0.0F;
+    const float contrast = std::exchange(source.m_contrast, 0.0F);
     std::vector<unsigned char> inside(size);
     CBoundingBox box = view.box;
     FailWithoutPixels(
         source.GetMaskedShowData(&box, view.width, view.height, 3, pointers, &area, inside.data()),
         options.file);
-    CRasterAlgorithm::AdjustContrast(pointers, view.width, view.height, options.contrast, 3);
+    CRasterAlgorithm::AdjustContrast(pointers, view.width, view.height, contrast, 3);
 
     Picture picture(view.width, view.height);
     const auto opaque =
-        static_cast<unsigned char>(std::lround(255.0 * (1.0 - options.transparency)));
+        static_cast<unsigned char>(std::lround(255.0 * (1.0 - source.m_transparency)));
     const unsigned char outside = options.outside == "black" ? opaque : 0;
     unsigned char* pixel = picture.pixels.data();
     for (std::size_t i = 0; i < size; ++i, pixel += 4) {
@@ -178,6 +182,8 @@ void CheckOptions(const Options& options) {
         throw UsageError("--outside: transparent or black");
     if (options.contactSheet && !options.aoi.empty())
         throw UsageError("--contact-sheet and --aoi do not go together");
+    if (options.contactSheet && !options.recipe.to.empty())
+        throw UsageError("--save-recipe: a recipe is for one picture, not for a --contact-sheet");
     if (options.contactSheet)
         CheckStretchesOfSheet(options.stretch, !options.aoi.empty());
     else
@@ -196,24 +202,68 @@ bool ReadsWhole(const CRasterSource& source, const View& view, const Options& op
            source.GetRasterDataType() != PDT_Byte;
 }
 
-void Run(const Options& options) {
-    CheckOptions(options);
+/// Draws the picture and writes it, and how it was made where that is wanted.
+/// @param recipe says all but the view; null: the options do
+void DrawPicture(CRasterSource& source, const View& view, const CDisplayRecipe* recipe,
+                 const Options& options) {
+    const auto area = MakeRegion({options.aoi, "", ""}, source);
+    if (recipe == nullptr)
+        ApplyStretch(source, options.stretch, {view.box, area.get()}, options.file);
+    std::optional<CDisplayRecipe> made;
+    if (!options.recipe.to.empty()) {
+        made = TakeRecipe(source, view, options.srs, options.file);
+        if (area != nullptr)
+            made->SetMask(CDisplayRecipe::Mask{Wide(options.aoi), options.outside == "black"});
+    }
+    const Picture picture = area != nullptr ? DrawMasked(source, *area, view, options)
+                                            : Draw(source, view, options.file);
+    WritePicture(picture, options.out, PicturePlace{view.box, source.GetProjectionWKT()});
+    if (made)
+        WriteRecipe(*made, options.recipe.to);
+}
+
+/// The options with what a recipe says of them.
+Options WithRecipe(Options options, const CDisplayRecipe& recipe) {
+    if (recipe.GetView())
+        options.srs = recipe.GetView()->srs;
+    if (const auto& mask = recipe.GetMask()) {
+        options.aoi = Narrow(mask->area);
+        options.outside = mask->isBlack ? "black" : "transparent";
+    }
+    return options;
+}
+
+View ViewOf(const CRasterSource& source, const CDisplayRecipe* recipe, const Options& options) {
+    ViewOptions view = options.view;
+    if (recipe != nullptr && recipe->GetView() && view.box.empty() && view.center.empty()) {
+        const CDisplayRecipe::View& its = *recipe->GetView();
+        if (view.size.empty() && view.scale == 0.0)
+            return {its.box, its.width, its.height};
+        view.box = FormatNumber(its.box.GetLeft()) + "," + FormatNumber(its.box.GetTop()) + "," +
+                   FormatNumber(its.box.GetRight()) + "," + FormatNumber(its.box.GetBottom());
+    }
+    if (options.contactSheet && view.size.empty())
+        view.size = "320x";
+    return ChooseView(source, view);
+}
+
+void Run(const Options& given) {
+    CheckOptions(given);
+    std::optional<CDisplayRecipe> recipe;
+    if (!given.recipe.from.empty())
+        recipe = ReadRecipe(given.recipe.from);
+    const Options options = recipe ? WithRecipe(given, *recipe) : given;
     CRasterSource source;
     OpenForDisplay(source, options.file, options.srs);
-    ApplySettings(source, options);
-    ViewOptions viewOptions = options.view;
-    if (options.contactSheet && viewOptions.size.empty())
-        viewOptions.size = "320x";
-    const View view = ChooseView(source, viewOptions);
-    if (options.contactSheet) {
+    if (recipe)
+        ApplyRecipe(*recipe, source, options.file);
+    else
+        ApplySettings(source, options);
+    const View view = ViewOf(source, recipe ? &*recipe : nullptr, options);
+    if (options.contactSheet)
         WritePicture(DrawSheet(view, options), options.out);
-    } else {
-        const auto area = MakeRegion({options.aoi, "", ""}, source);
-        ApplyStretch(source, options.stretch, {view.box, area.get()}, options.file);
-        const Picture picture = area != nullptr ? DrawMasked(source, *area, view, options)
-                                                : Draw(source, view, options.file);
-        WritePicture(picture, options.out, PicturePlace{view.box, source.GetProjectionWKT()});
-    }
+    else
+        DrawPicture(source, view, recipe ? &*recipe : nullptr, options);
     std::cout << Printable(options.out.path) << ": " << view.width << " x " << view.height
               << (options.contactSheet ? " pixels a picture\n" : " pixels\n");
     if (ReadsWhole(source, view, options))
@@ -266,6 +316,7 @@ void AddRender(CLI::App& program) {
                      "one labelled sheet of all stretches that suit the bands; --size is that of "
                      "one picture");
     AddPictureOptions(*render, options->out);
+    AddRecipeOptions(*render, options->recipe);
     render->footer(
         "Stretches: none shows 8-bit values as they are, others from minimum to maximum;\n"
         "table: minimum to maximum through a gamma curve; linear: minimum to maximum;\n"
