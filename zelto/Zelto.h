@@ -7,6 +7,7 @@
 #include "zelto/algorithm/ImgSamplePixels.h"
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/algorithm/RegionStatistics.h"
+#include "zelto/algorithm/ZonalStatistics.h"
 #include "zelto/aoi/AOIMask.h"
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/ControlPoints.h"

@@ -17,12 +17,15 @@ class PreciseMoments {
     void Add(std::span<const double> samples);
 
     std::int64_t Count() const { return m_count; }
+    double Sum() const { return m_sum; }
     double Minimum() const { return m_minimum; }
     double Maximum() const { return m_maximum; }
     /// Sum over count; not a number without samples.
     double Mean() const { return m_sum / static_cast<double>(m_count); }
     /// Population form; not a number without samples.
     double StandardDeviation() const;
+    /// Sum of the squared deviations from the mean.
+    double Squares() const { return m_squares; }
 
   private:
     std::int64_t m_count = 0;
