@@ -48,14 +48,15 @@ TEST(SurfaceUnion, ABowTieBecomesItsTwoTriangles) {
 }
 
 TEST(SurfaceUnion, TheMiddleOfAStarIsOutside) {
-    std::string wkt;
-    for (int i = 0; i <= 5; ++i) {
+    OGRLinearRing ring;
+    for (int i = 0; i < 5; ++i) {
         const double angle = 4 * 3.141592653589793 * i / 5;
-        wkt += (i == 0 ? "POLYGON ((" : ",") +
-               std::to_string(10 * std::sin(i % 5 == 0 ? 0 : angle)) + " " +
-               std::to_string(10 * std::cos(i % 5 == 0 ? 0 : angle));
+        ring.addPoint(10 * std::sin(angle), 10 * std::cos(angle));
     }
-    const auto star = Unite(wkt + "))");
+    ring.closeRings();
+    OGRPolygon polygon;
+    polygon.addRing(&ring);
+    const auto star = zelto::UniteSurfaces(polygon);
     EXPECT_FALSE(OGRPoint(0, 0).Within(star.get()));
     EXPECT_TRUE(OGRPoint(0, 8).Within(star.get()));
 }

@@ -14,5 +14,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "the locale %s is not available\n", locale);
         return 1;
     }
+    // What the system says of a failure is compared word by word.
+    std::setlocale(LC_MESSAGES, "C");
     return RUN_ALL_TESTS();
 }

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <system_error>
 
 namespace zelto {
@@ -172,8 +173,9 @@ bool BuildPyramidBeside(GDALDataset& image, const PyramidOrder& order) {
     }
     {
         // Names without a doubt where another image's files have the usual ones.
-        const CPLConfigOptionSetter beside(
-            "USE_RRD", IsStemTaken(path) ? "NO" : CPLGetConfigOption("USE_RRD", "NO"), false);
+        std::optional<CPLConfigOptionSetter> ownName;
+        if (IsStemTaken(path))
+            ownName.emplace("USE_RRD", "NO", false);
         if (!BuildIn(folder.Path(), image, order))
             return false;
     }
