@@ -73,6 +73,8 @@ void Run(const Options& options) {
     if (!composed.GetShowData(&box, view.width, view.height, picture.pixels.data(), true))
         throw Failure(options.out.path,
                       "the box misses the images, or their pixels cannot be read");
+    if (!CGISDataSource::GetLastErrorText().empty()) // drawn without statistics of its bands
+        throw Failure(CGISDataSource::GetLastErrorText());
     WritePicture(picture, options.out, PicturePlace{view.box, composed.GetProjectionWKT()});
     std::cout << Printable(options.out.path) << ": " << view.width << " x " << view.height
               << " pixels\n";

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <iostream>
 #include <new>
@@ -85,6 +86,8 @@ int RunAndExplain(CLI::App& program, int argc, char** argv) {
 int RunProgram(int argc, char** argv) {
     TakeStandardStreams();
     ListenForInterrupts();
+    // A file that may not grow any more is a failure with a reason, not the end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
     // Long output goes through a buffer of its own, not piece by piece through C's.
     std::ios::sync_with_stdio(false);
     // What cannot be printed is a failure like any other, told by an exception.

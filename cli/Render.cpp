@@ -99,8 +99,10 @@ void ApplySettings(CRasterSource& source, const Options& options) {
     source.m_transparency = options.transparency;
 }
 
+/// Throws Failure where a drawing failed, or was done without the statistics of its bands, which
+/// could not be taken: that picture would be another one.
 void FailWithoutPixels(bool drawn, const std::string& path) {
-    if (!drawn)
+    if (!drawn || !CGISDataSource::GetLastErrorText().empty())
         throw Failure(path, LastReason("its pixels cannot be read"));
 }
 

@@ -13,13 +13,18 @@
 #include "tests/faults/ProgramRun.h"
 #include "tests/faults/Tally.h"
 #include "tests/support/DisturbedProcess.h"
+#include "tests/support/SmallDisk.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <set>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -96,6 +101,15 @@ class FaultedOperation : public testing::TestWithParam<Operation> {
         std::ofstream(CommonFun::U2M(other.GetTemporaryPath())) << "new";
         EXPECT_TRUE(other.Commit());
         std::filesystem::remove(m_folder.File("other.txt"));
+    }
+
+    /// Leaves so much room on the disk of the folder.
+    void FillDisk(int kilobytes) const {
+        const std::uintmax_t room = std::filesystem::space(m_folder.Path()).available;
+        const std::uintmax_t left = std::uintmax_t(kilobytes) << 10;
+        const int file = open(m_folder.File("filling").c_str(), O_WRONLY | O_CREAT, 0600);
+        EXPECT_TRUE(room < left || posix_fallocate(file, 0, off_t(room - left)) == 0);
+        close(file);
     }
 
     void RefuseEvery(FailingCall call, const char* name) {
@@ -189,6 +203,55 @@ TEST_P(FaultedOperation, SurvivesKillsAtRandomMoments) {
                      " microseconds");
         Check(end.exitStatus);
         Count("kills at random moments");
+    }
+}
+
+TEST_P(FaultedOperation, SurvivesALimitOfTheSizeOfFiles) {
+    for (const rlim_t bytes : {2'000, 10'000, 50'000, 250'000, 280'000}) {
+        SCOPED_TRACE(std::to_string(bytes) + " bytes");
+        Prepare();
+        const ProgramEnd end = m_program->RunUnder([bytes] {
+            const rlimit limit = {bytes, bytes};
+            setrlimit(RLIMIT_FSIZE, &limit);
+        });
+        SCOPED_TRACE(end.errors);
+        EXPECT_TRUE(end.exitStatus == 0 || end.exitStatus == 1)
+            << end.exitStatus << ", signal " << end.endSignal;
+        Check(end.exitStatus);
+        Count("limits of the size of files");
+    }
+}
+
+TEST_P(FaultedOperation, SurvivesAFolderThatMayNotBeWritten) {
+    constexpr uid_t NOBODY = 65534;
+    Prepare();
+    std::filesystem::permissions(Folder(), std::filesystem::perms(0555));
+    const ProgramEnd end = m_program->RunUnder([] {
+        if (geteuid() == 0 && seteuid(NOBODY) != 0)
+            _exit(126);
+    });
+    std::filesystem::permissions(Folder(), std::filesystem::perms(0755));
+    EXPECT_EQ(end.exitStatus, 1) << end.errors;
+    EXPECT_EQ(std::count(end.errors.begin(), end.errors.end(), '\n'), 1) << end.errors;
+    Check(end.exitStatus);
+    Count("folders that may not be written");
+}
+
+TEST_P(FaultedOperation, SurvivesAFullDisk) {
+    const SmallDisk disk(m_folder.Path());
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount a small file system";
+    for (int kilobytes = 0; kilobytes <= 320; kilobytes += IsLongRun() ? 8 : 64) {
+        SCOPED_TRACE(std::to_string(kilobytes) + " KiB free");
+        Prepare();
+        FillDisk(kilobytes);
+        const ProgramEnd end = m_program->Run();
+        std::filesystem::remove(m_folder.File("filling"));
+        SCOPED_TRACE(end.errors);
+        EXPECT_TRUE(end.exitStatus == 0 || end.exitStatus == 1)
+            << end.exitStatus << ", signal " << end.endSignal;
+        Check(end.exitStatus);
+        Count("full disks");
     }
 }
 

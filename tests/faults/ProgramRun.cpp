@@ -81,6 +81,16 @@ ProgramEnd ProgramRun::Run() {
     return Run(none);
 }
 
+ProgramEnd ProgramRun::RunUnder(const std::function<void()>& circumstances) {
+    ForgetErrors();
+    const pid_t child = fork();
+    if (child == 0) {
+        circumstances();
+        Become();
+    }
+    return Wait(child);
+}
+
 ProgramEnd ProgramRun::RunAndKill(std::chrono::microseconds after) {
     ForgetErrors();
     const pid_t child = fork();

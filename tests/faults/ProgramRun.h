@@ -3,6 +3,7 @@
 #include "tests/faults/Shim.h"
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,8 @@ class ProgramRun {
     /// Runs it under a fault; `seen` in there counts.
     ProgramEnd Run(Fault& fault);
     ProgramEnd Run();
+    /// @param circumstances called in the copy before it becomes the program
+    ProgramEnd RunUnder(const std::function<void()>& circumstances);
     /// Runs it and kills it after a while.
     ProgramEnd RunAndKill(std::chrono::microseconds after);
     /// In a copy of this process: becomes the program and does not come back.

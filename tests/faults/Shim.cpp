@@ -197,11 +197,6 @@ ssize_t writev(int descriptor, const iovec* parts, int count) {
     return Fails(FailingCall::Write, descriptor, ENOSPC) ? -1 : real(descriptor, parts, count);
 }
 
-size_t fwrite(const void* data, size_t size, size_t count, FILE* file) {
-    static auto* const real = Real<size_t(const void*, size_t, size_t, FILE*)>("fwrite");
-    return Fails(FailingCall::Write, fileno(file), ENOSPC) ? 0 : real(data, size, count, file);
-}
-
 int rename(const char* from, const char* to) {
     static auto* const real = Real<int(const char*, const char*)>("rename");
     if (Fails(FailingCall::Rename)) {

@@ -5,7 +5,8 @@
 namespace zelto::test {
 
 /// Calls that can be made to fail. Allocations are those that the library and the program make
-/// themselves: some that other libraries make end the process when they fail.
+/// themselves: some that other libraries make end the process when they fail. Writes are those of
+/// descriptors: what goes through the C library's buffers is written out of the shim's reach.
 enum class FailingCall { None, Allocation, Write, Rename, Sync, Close };
 
 /// What the shim shall do, and what it has seen. Lies in memory that a process shares with its

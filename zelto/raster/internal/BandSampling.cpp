@@ -1,5 +1,6 @@
 #include "zelto/raster/internal/BandSampling.h"
 
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/SampleStatistics.h"
@@ -24,7 +25,12 @@ bool AddSamples(GDALRasterBand& band, StatisticsGrid grid, GDALDataType type,
         return band.RasterIO(GF_Read, 0, 0, band.GetXSize(), band.GetYSize(), samples.get(),
                              grid.columns, grid.rows, type, 0, 0, nullptr);
     };
-    if (!samples || !Reads(band, read))
+    if (!samples) {
+        // Whoever does with the type's range instead must be able to tell.
+        SetLastError(FileOf(band) + ": not enough memory for its statistics");
+        return false;
+    }
+    if (!Reads(band, read))
         return false;
     statistics.Add(samples.get(), count);
     return true;
