@@ -1,6 +1,7 @@
 #include "cli/support/NewVector.h"
 
 #include "zelto/datasource/GISDataSource.h"
+#include "zelto/vector/internal/ReadableFeatures.h"
 
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
@@ -70,10 +71,14 @@ OGRLayer& NewVector::MakeLayer(const std::string& srs, OGRwkbGeometryType type) 
 }
 
 void NewVector::Finish() {
+    const bool isShapefile = m_dataset && EQUAL(m_dataset->GetDriverName(), "ESRI Shapefile");
+    const GIntBig made = isShapefile ? m_dataset->GetLayer(0)->GetFeatureCount() : 0;
     // What is still in memory is written now; closing reports no result.
     m_dataset.reset();
     if (m_watch.HasError())
         throw Failure(m_path, m_watch.Error());
+    if (isShapefile && CountReadableFeatures(TemporaryPath()) != made)
+        throw Failure(m_path, "was not written whole");
     if (!GDALDatasetUniquePtr(GDALDataset::Open(TemporaryPath().c_str(), GDAL_OF_VECTOR)))
         throw Failure(m_path, LastReason("was written, but cannot be read"));
     EndIfInterrupted();

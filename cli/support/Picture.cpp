@@ -95,6 +95,26 @@ void SetPlace(GDALDataset& dataset, const Picture& picture, const PicturePlace& 
         dataset.SetProjection(place.wkt.c_str());
 }
 
+/// Whether a picture can be read to its end. The drivers do not tell of every write that fails.
+bool IsWhole(const std::string& path) {
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const GDALDatasetUniquePtr picture(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    if (!picture)
+        return false;
+    const int width = picture->GetRasterXSize();
+    const int height = picture->GetRasterYSize();
+    const int bands = picture->GetRasterCount();
+    constexpr int STRIP = 64;
+    std::vector<unsigned char> strip(std::size_t{STRIP} * width * bands);
+    for (int row = 0; row < height; row += STRIP) {
+        const int rows = std::min(STRIP, height - row);
+        if (picture->RasterIO(GF_Read, 0, row, width, rows, strip.data(), width, rows, GDT_Byte,
+                              bands, nullptr, bands, bands * width, 1, nullptr) != CE_None)
+            return false;
+    }
+    return true;
+}
+
 /// Throws Failure naming `path`.
 /// @param target where the file is made
 void Write(GDALDriver& driver, GDALDataset& dataset, const Format& format,
@@ -110,6 +130,8 @@ void Write(GDALDriver& driver, GDALDataset& dataset, const Format& format,
     written.reset();
     if (!watch.Succeeded(made, path))
         throw Failure(path, watch.HasError() ? watch.Error() : "cannot be written");
+    if (!IsWhole(target))
+        throw Failure(path, "was not written whole");
 }
 
 } // namespace

@@ -132,10 +132,11 @@ void FileSetBackup::PutBack(const fs::path& folder) {
     if (!leftover.IsMade())
         return;
     const FileSetNames names = ReadList(folder);
-    std::error_code ignored;
-    const bool isWhole =
-        !names.empty() && fs::exists(folder.parent_path() / names.front(), ignored);
-    if (isWhole || BringBack(folder))
+    std::error_code error;
+    const bool isWhole = !names.empty() && fs::exists(folder.parent_path() / names.front(), error);
+    // The list was there before the folder got its name.
+    const bool isBeingRemoved = !fs::exists(folder / LIST, error) && !error;
+    if (isWhole || isBeingRemoved || BringBack(folder))
         leftover.Remove();
     else
         leftover.Leave();

@@ -1,6 +1,8 @@
 #include "zelto/vector/internal/NewShapefile.h"
 
 #include "zelto/baselib/CommonFun.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/vector/internal/ReadableFeatures.h"
 
 #include <cpl_error.h>
 
@@ -61,9 +63,17 @@ OGRLayer* NewShapefile::CreateLayer(const char* name, OGRwkbGeometryType type) {
 bool NewShapefile::Commit() {
     if (m_dataset == nullptr)
         return false;
+    const GIntBig made =
+        m_dataset->GetLayerCount() > 0 ? m_dataset->GetLayer(0)->GetFeatureCount() : 0;
     // Blocks still in memory are written when the data set closes, which reports no result.
     m_dataset.reset();
-    return m_watch.Succeeded(true, m_path) && m_files.Commit(SideFiles(m_path));
+    if (!m_watch.Succeeded(true, m_path))
+        return false;
+    if (CountReadableFeatures(CommonFun::U2M(m_files.GetTemporaryPath())) != made) {
+        SetLastError(m_path + ": was not written whole");
+        return false;
+    }
+    return m_files.Commit(SideFiles(m_path));
 }
 
 } // namespace zelto
