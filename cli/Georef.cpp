@@ -13,11 +13,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <unistd.h>
 
 namespace zelto::cli {
 
@@ -125,10 +129,15 @@ void RequireSoundHeader(const CRasterSource& raster, const std::string& path) {
         throw Failure(path, "its header tells of more pixels than it can hold");
 }
 
-/// Throws Failure where the raster cannot be opened for a change.
+/// Throws Failure where the raster cannot be opened for a change. The engine opens what is
+/// protected for reading.
 void RequireChangeable(const std::string& path) {
     CRasterSource raster;
     OpenOrFail(raster, path, GIS_UPDATE);
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored) &&
+        faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
+        throw Failure(path, std::strerror(errno));
     RequireSoundHeader(raster, path);
 }
 

@@ -1,5 +1,6 @@
 #include "zelto/raster/internal/PyramidBuild.h"
 
+#include "zelto/baselib/internal/FilePaths.h"
 #include "zelto/baselib/internal/FilesAside.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/PyramidBeside.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -66,8 +68,39 @@ std::vector<fs::path> LevelsOfAnother(GDALDataset& image) {
     return {fs::path(path).replace_extension(".rrd")};
 }
 
+/// Bytes that a pyramid takes in an ERDAS Imagine file, whose blocks have 64 × 64 pixels.
+std::uint64_t BytesOfLevels(GDALDataset& image, const PyramidOrder& order) {
+    constexpr std::uint64_t SIDE = 64;
+    constexpr std::uint64_t HEADERS = 1U << 16U;
+    std::uint64_t pixels = 0;
+    for (const int level : order.levels) {
+        const auto blocks = [level](int size) {
+            return static_cast<std::uint64_t>(size) / level / SIDE + 1;
+        };
+        pixels += blocks(image.GetRasterXSize()) * blocks(image.GetRasterYSize()) * SIDE * SIDE;
+    }
+    std::uint64_t bytes = HEADERS;
+    for (int number = 1; number <= image.GetRasterCount(); ++number)
+        bytes += pixels * static_cast<std::uint64_t>(GDALGetDataTypeSizeBytes(
+                              image.GetRasterBand(number)->GetRasterDataType()));
+    return bytes;
+}
+
+/// GDAL's driver of ERDAS Imagine files does not outlive a disk that fills up meanwhile.
+bool HasRoomForLevels(GDALDataset& image, const PyramidOrder& order) {
+    if (!IsDriver(image, "HFA"))
+        return true;
+    std::error_code error;
+    const fs::space_info space = fs::space(FolderOf(image.GetDescription()), error);
+    return error || space.available >= BytesOfLevels(image, order);
+}
+
 bool BuildInside(GDALDataset& image, const PyramidOrder& order) {
     const std::string path = image.GetDescription();
+    if (!HasRoomForLevels(image, order)) {
+        SetLastError(path + ": there is no room for its pyramid");
+        return false;
+    }
     const InsideSettings settings(image);
     const bool looksBeside = CanHavePyramidBeside(image);
     const FilesSetAside another(LevelsOfAnother(image));
