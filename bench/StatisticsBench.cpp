@@ -1,5 +1,6 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/algorithm/RegionStatistics.h"
+#include "zelto/algorithm/ZonalStatistics.h"
 #include "zelto/algorithm/internal/RegionWindow.h"
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/DrawPolygon.h"
@@ -11,6 +12,7 @@
 #include "bench/support/Scene.h"
 
 #include <gdal_priv.h>
+#include <ogr_geometry.h>
 
 #include <cmath>
 #include <memory>
@@ -155,6 +157,24 @@ void ComputeSmallPolygons() {
     }
 }
 
+/// The same polygons as zones of one pass.
+void MeasureZones(CZonalStatistics::Weights weights) {
+    CZonalStatistics statistics(&TheScene());
+    statistics.SetWeights(weights);
+    for (const auto& polygon : SmallPolygons()) {
+        OGRLinearRing ring;
+        for (const CPoint2D& vertex : polygon->m_vertices)
+            ring.addPoint(vertex.x, vertex.y);
+        ring.closeRings();
+        OGRPolygon zone;
+        zone.addRing(&ring);
+        if (!statistics.AddZone(&zone))
+            throw std::runtime_error("no zone");
+    }
+    if (statistics.Compute(nullptr) != GIS_SUCCESS || statistics.GetZone(0)[0].count == 0)
+        throw std::runtime_error("no statistics");
+}
+
 void ReadSmallPolygons() {
     for (const auto& polygon : SmallPolygons()) {
         const auto window = WindowInside(TheScene(), polygon->m_extent);
@@ -197,6 +217,12 @@ void Register() {
         });
     Add("statistics of 100 polygons of 50 vertices / raw reads", 1.5, ComputeSmallPolygons,
         ReadSmallPolygons);
+    Add(
+        "zonal statistics of 100 polygons by centres, one pass / raw reads", 1.5,
+        [] { MeasureZones(CZonalStatistics::Weights::Center); }, ReadSmallPolygons);
+    Add(
+        "zonal statistics of 100 polygons by coverage, one pass / raw reads", 1.5,
+        [] { MeasureZones(CZonalStatistics::Weights::Coverage); }, ReadSmallPolygons);
 }
 
 } // namespace zelto::bench

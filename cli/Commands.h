@@ -26,5 +26,6 @@ void AddSamples(CLI::App& program);
 void AddSrs(CLI::App& program);
 void AddStats(CLI::App& program);
 void AddVector(CLI::App& program);
+void AddZonal(CLI::App& program);
 
 } // namespace zelto::cli

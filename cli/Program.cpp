@@ -40,6 +40,7 @@ void AddCommands(CLI::App& program) {
     AddSrs(program);
     AddStats(program);
     AddVector(program);
+    AddZonal(program);
 }
 
 int Fail(const std::string& line, int status = EXIT_FAILED) {

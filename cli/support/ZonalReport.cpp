@@ -1,0 +1,225 @@
+#include "cli/support/ZonalReport.h"
+
+#include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
+#include "cli/support/Json.h"
+#include "cli/support/NewVector.h"
+#include "cli/support/Open.h"
+#include "cli/support/Printable.h"
+#include "cli/support/Table.h"
+#include "cli/support/Text.h"
+#include "cli/support/Zones.h"
+
+#include <ogrsf_frmts.h>
+
+#include <charconv>
+#include <cmath>
+#include <functional>
+#include <iostream>
+#include <optional>
+
+namespace zelto::cli {
+
+namespace {
+
+using Band = CZonalStatistics::Band;
+
+/// Ten digits: more than the data have, few enough to read.
+std::string ForPeople(double value) {
+    if (!std::isfinite(value))
+        return FormatNumber(value);
+    char text[40];
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 10);
+    return {text, end.ptr};
+}
+
+/// A number of a zone by its names in tables and fields.
+struct Column {
+    std::string name;
+    std::string field;
+    std::function<double(const Band&)> value;
+};
+
+std::vector<Column> ColumnsOf(const ZonalReport& report) {
+    std::vector<Column> columns = {
+        {"count", "count", [](const Band& band) { return static_cast<double>(band.count); }}};
+    if (report.hasCoverage)
+        columns.push_back({"weight", "weight", [](const Band& band) { return band.weight; }});
+    columns.insert(
+        columns.end(),
+        {{"minimum", "min", [](const Band& band) { return band.minimum; }},
+         {"maximum", "max", [](const Band& band) { return band.maximum; }},
+         {"sum", "sum", [](const Band& band) { return band.sum; }},
+         {"mean", "mean", [](const Band& band) { return band.mean; }},
+         {"standardDeviation", "stddev", [](const Band& band) { return band.standardDeviation; }}});
+    for (std::size_t i = 0; i < report.percentages.size(); ++i) {
+        const std::string percent = FormatNumber(report.percentages[i]);
+        columns.push_back({"percentile" + percent, "p" + percent,
+                           [i](const Band& band) { return band.quantiles[i]; }});
+    }
+    return columns;
+}
+
+/// Calls use(cells) for the header and for every zone and band.
+template <typename Use>
+void VisitRows(const ZonalReport& report, const std::function<std::string(double)>& format,
+               Use use) {
+    const std::vector<Column> columns = ColumnsOf(report);
+    std::vector<std::string> header = {report.zones.IdName()};
+    const auto& fields = report.zones.FieldNames();
+    header.insert(header.end(), fields.begin(), fields.end());
+    header.emplace_back("band");
+    for (const Column& column : columns)
+        header.push_back(column.name);
+    use(header);
+    int number = 0;
+    for (const Zone& zone : report.zones.List()) {
+        for (const Band& band : report.statistics.GetZone(number)) {
+            std::vector<std::string> cells = {zone.id};
+            cells.insert(cells.end(), zone.fields.begin(), zone.fields.end());
+            cells.push_back(std::to_string(band.index + 1));
+            for (const Column& column : columns)
+                cells.push_back(format(column.value(band)));
+            use(cells);
+        }
+        ++number;
+    }
+}
+
+std::string Quoted(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos)
+        return text;
+    std::string quoted = "\"";
+    for (const char letter : text) {
+        quoted += letter;
+        if (letter == '"')
+            quoted += letter;
+    }
+    return quoted + '"';
+}
+
+std::string FieldName(const Band& band, const Column& column) {
+    return "b" + std::to_string(band.index + 1) + "_" + column.field;
+}
+
+/// The fields of the zones and those of the results, in this order.
+void MakeFields(OGRLayer& layer, const ZonalReport& report, const std::string& path) {
+    const OGRFeatureDefn& definition = *report.zones.Layer().GetLayerDefn();
+    const auto add = [&](OGRFieldDefn& field) {
+        ForgetReasons();
+        if (layer.CreateField(&field) != OGRERR_NONE)
+            throw Failure(
+                path, LastReason("cannot have a field '" + std::string(field.GetNameRef()) + "'"));
+    };
+    for (int i = 0; i < definition.GetFieldCount(); ++i) {
+        OGRFieldDefn copy(definition.GetFieldDefn(i));
+        add(copy);
+    }
+    for (const Band& band : report.statistics.GetZone(0)) {
+        for (const Column& column : ColumnsOf(report)) {
+            const std::string name = FieldName(band, column);
+            if (definition.GetFieldIndex(name.c_str()) >= 0)
+                throw Failure(path, "the zones have a field '" + name + "' already");
+            OGRFieldDefn field(name.c_str(), column.name == "count" ? OFTInteger64 : OFTReal);
+            add(field);
+        }
+    }
+}
+
+/// The feature with the results; what is no number stays empty.
+OGRFeatureUniquePtr CopyOf(const Zone& zone, const std::vector<Band>& bands, OGRLayer& layer,
+                           const std::vector<Column>& columns) {
+    OGRFeatureUniquePtr copy(OGRFeature::CreateFeature(layer.GetLayerDefn()));
+    const int own = zone.feature->GetFieldCount();
+    std::vector<int> places(static_cast<std::size_t>(own));
+    for (int i = 0; i < own; ++i)
+        places[static_cast<std::size_t>(i)] = i;
+    copy->SetFieldsFrom(zone.feature.get(), places.data(), TRUE);
+    copy->SetGeometry(zone.feature->GetGeometryRef());
+    int field = own;
+    for (const Band& band : bands) {
+        for (const Column& column : columns) {
+            const double value = column.value(band);
+            if (std::isfinite(value))
+                copy->SetField(field, value);
+            ++field;
+        }
+    }
+    return copy;
+}
+
+std::string WktOf(const OGRSpatialReference* reference) {
+    char* text = nullptr;
+    if (reference != nullptr)
+        reference->exportToWkt(&text);
+    const std::string wkt = text != nullptr ? text : "";
+    CPLFree(text);
+    return wkt;
+}
+
+} // namespace
+
+void PrintZoneTable(const ZonalReport& report) {
+    std::optional<Table> table;
+    VisitRows(report, ForPeople, [&](const std::vector<std::string>& cells) {
+        if (table)
+            table->AddRow(cells);
+        else
+            table.emplace(cells);
+    });
+    table->Print();
+}
+
+void PrintZoneCsv(const ZonalReport& report) {
+    VisitRows(report, FormatNumber, [](const std::vector<std::string>& cells) {
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            std::cout << (i > 0 ? "," : "") << Quoted(Printable(cells[i]));
+        std::cout << '\n';
+    });
+}
+
+void PrintZoneJson(const ZonalReport& report) {
+    const std::vector<Column> columns = ColumnsOf(report);
+    Json zones = Json::array();
+    int number = 0;
+    for (const Zone& zone : report.zones.List()) {
+        Json entry = {{"id", zone.id}};
+        if (!zone.fields.empty())
+            entry["fields"] = Json::object();
+        for (std::size_t i = 0; i < zone.fields.size(); ++i)
+            entry["fields"][report.zones.FieldNames()[i]] = zone.fields[i];
+        entry["bands"] = Json::array();
+        for (const Band& band : report.statistics.GetZone(number)) {
+            Json values = {{"band", band.index + 1}, {"count", band.count}};
+            for (std::size_t i = 1; i < columns.size(); ++i)
+                values[columns[i].name] = JsonNumber(columns[i].value(band));
+            entry["bands"].push_back(std::move(values));
+        }
+        zones.push_back(std::move(entry));
+        ++number;
+    }
+    PrintJson({{"weights", report.hasCoverage ? "coverage" : "center"}, {"zones", zones}});
+}
+
+void WriteZones(const ZonalReport& report, const std::string& path) {
+    NewVector file(path);
+    OGRLayer& source = report.zones.Layer();
+    OGRLayer& layer = file.MakeLayer(WktOf(source.GetSpatialRef()), source.GetGeomType());
+    MakeFields(layer, report, path);
+    const std::vector<Column> columns = ColumnsOf(report);
+    // Databases would otherwise secure every feature on the disk by itself.
+    const bool inTransaction = layer.StartTransaction() == OGRERR_NONE;
+    int number = 0;
+    for (const Zone& zone : report.zones.List()) {
+        EndIfInterrupted();
+        const auto copy = CopyOf(zone, report.statistics.GetZone(number++), layer, columns);
+        ForgetReasons();
+        if (layer.CreateFeature(copy.get()) != OGRERR_NONE)
+            throw Failure(path, LastReason("cannot be written"));
+    }
+    if (inTransaction && layer.CommitTransaction() != OGRERR_NONE)
+        throw Failure(path, LastReason("cannot be written"));
+    file.Finish();
+}
+
+} // namespace zelto::cli
