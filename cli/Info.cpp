@@ -1,14 +1,13 @@
 #include "cli/Commands.h"
-#include "cli/support/Failure.h"
-#include "cli/support/GdalUse.h"
-#include "cli/support/Message.h"
-#include "cli/support/Progress.h"
+#include "cli/support/ManyFiles.h"
 #include "cli/support/RasterReport.h"
 
 #include <CLI/CLI.hpp>
 
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace zelto::cli {
 
@@ -19,21 +18,20 @@ struct Options {
     bool json = false;
     ValueFacts values;
     bool reference = false;
+    int jobs = 0;
 };
 
-/// Every file that can be described is; the failures of the others are told at the end.
-std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<Failure>& failures) {
+/// Every file that can be described is, in the order given.
+std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<std::string>& failures) {
+    std::vector<std::optional<RasterFacts>> found(options.files.size());
+    failures =
+        ForEachFile(options.files, options.jobs, [&](std::size_t file, CDataProgress& progress) {
+            found[file] = DescribeRaster(options.files[file], options.values, progress);
+        });
     std::vector<RasterFacts> described;
-    const GdalUse drivers; // registered once, not again for every file
-    TerminalProgress progress;
-    for (const std::string& file : options.files) {
-        EndIfInterrupted();
-        try {
-            described.push_back(DescribeRaster(file, options.values, progress));
-        } catch (const Failure& failure) {
-            failures.push_back(failure);
-        }
-    }
+    for (auto& facts : found)
+        if (facts)
+            described.push_back(std::move(*facts));
     return described;
 }
 
@@ -57,14 +55,9 @@ void PrintAll(const std::vector<RasterFacts>& described, const Options& options)
 }
 
 void Run(const Options& options) {
-    std::vector<Failure> failures;
+    std::vector<std::string> failures;
     PrintAll(DescribeAll(options, failures), options);
-    if (failures.empty())
-        return;
-    std::cout.flush();
-    for (std::size_t i = 0; i + 1 < failures.size(); ++i)
-        Tell(failures[i].what());
-    throw failures.back();
+    TellFailures(failures);
 }
 
 } // namespace
@@ -80,6 +73,7 @@ void AddInfo(CLI::App& program) {
         "--sample", options->values.sampled,
         "what a display takes from its sample: its range and, without --stats, statistics");
     info->add_flag("--srs", options->reference, "the reference system as WKT");
+    AddJobsOption(*info, options->jobs);
     info->footer(
         "No pixel is read unless --stats or --sample is given. Minimum, maximum, mean and\n"
         "(population) standard deviation leave out no-data values. With --stats every pixel is\n"

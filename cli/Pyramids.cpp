@@ -5,16 +5,18 @@
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
 #include "cli/support/Json.h"
+#include "cli/support/ManyFiles.h"
 #include "cli/support/Open.h"
-#include "cli/support/Progress.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <system_error>
+#include <utility>
 
 namespace zelto::cli {
 
@@ -25,6 +27,7 @@ struct Options {
     std::string resampling = "NEAREST";
     std::string bands;
     bool json = false;
+    int jobs = 0;
 };
 
 /// The pyramid that a file has, as the first band tells.
@@ -66,7 +69,7 @@ void Print(const std::vector<Pyramid>& pyramids, bool asJson) {
     table.Print();
 }
 
-void BuildOne(const std::string& path, const Options& options) {
+void BuildOne(const std::string& path, const Options& options, CDataProgress& progress) {
     std::optional<ChangeInPlace> change; // until the file is closed
     CRasterSource source;
     OpenOrFail(source, path, GIS_UPDATE);
@@ -76,7 +79,6 @@ void BuildOne(const std::string& path, const Options& options) {
         bands = ParseBands("--bands", options.bands, source.GetBandCount());
     for (int& band : bands)
         ++band; // the engine numbers them from 1 here
-    TerminalProgress progress;
     progress.BeginProgress(Wide(path).c_str(), 100);
     const auto build = [&] {
         ForgetReasons();
@@ -95,27 +97,51 @@ void BuildOne(const std::string& path, const Options& options) {
                       Interrupted() ? "interrupted" : LastReason("its pyramid cannot be built"));
 }
 
+/// Throws UsageError for a file that is there twice: both would be changed at once.
+void RequireDifferent(const std::vector<std::string>& paths) {
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        for (std::size_t k = 0; k < i; ++k) {
+            std::error_code ignored;
+            if (paths[i] == paths[k] || std::filesystem::equivalent(paths[i], paths[k], ignored))
+                throw UsageError(paths[i] + " is the same file as " + paths[k]);
+        }
+}
+
+/// Those that could be described, in order.
+std::vector<Pyramid> Known(std::vector<std::optional<Pyramid>> pyramids) {
+    std::vector<Pyramid> known;
+    for (auto& pyramid : pyramids)
+        if (pyramid)
+            known.push_back(std::move(*pyramid));
+    return known;
+}
+
 void Build(const Options& options) {
-    std::vector<Pyramid> pyramids;
-    for (const std::string& path : options.paths) {
-        BuildOne(path, options);
-        pyramids.push_back(Describe(path));
-    }
-    Print(pyramids, options.json);
+    RequireDifferent(options.paths);
+    std::vector<std::optional<Pyramid>> pyramids(options.paths.size());
+    const auto failures =
+        ForEachFile(options.paths, options.jobs, [&](std::size_t file, CDataProgress& progress) {
+            BuildOne(options.paths[file], options, progress);
+            pyramids[file] = Describe(options.paths[file]);
+        });
+    if (failures.size() < options.paths.size())
+        Print(Known(std::move(pyramids)), options.json);
+    TellFailures(failures);
 }
 
 void Check(const Options& options) {
-    std::vector<Pyramid> pyramids;
-    std::string missing;
-    for (const std::string& path : options.paths) {
-        pyramids.push_back(Describe(path));
-        if (!pyramids.back().valid && missing.empty())
-            missing = path;
-    }
-    Print(pyramids, options.json);
-    std::cout.flush();
-    if (!missing.empty())
-        throw Failure(missing, "it is large and has no pyramid");
+    std::vector<std::optional<Pyramid>> found(options.paths.size());
+    auto failures = ForEachFile(options.paths, options.jobs,
+                                [&](std::size_t file, CDataProgress& /*progress*/) {
+                                    found[file] = Describe(options.paths[file]);
+                                });
+    const std::vector<Pyramid> pyramids = Known(std::move(found));
+    if (failures.size() < options.paths.size())
+        Print(pyramids, options.json);
+    for (const Pyramid& pyramid : pyramids)
+        if (!pyramid.valid)
+            failures.push_back(pyramid.path + ": it is large and has no pyramid");
+    TellFailures(failures);
 }
 
 } // namespace
@@ -131,11 +157,13 @@ void AddPyramids(CLI::App& program) {
                       "NEAREST (default), AVERAGE, GAUSS, CUBIC, MODE …");
     build->add_option("--bands", options->bands, "bands to build for (all)");
     build->add_flag("--json", options->json, "print JSON");
+    AddJobsOption(*build, options->jobs);
     build->callback([options] { Build(*options); });
 
     auto* check = pyramids->add_subcommand("check", "whether each file has the pyramid it needs");
     check->add_option("FILE", options->paths)->required();
     check->add_flag("--json", options->json, "print JSON");
+    AddJobsOption(*check, options->jobs);
     check->callback([options] { Check(*options); });
 }
 

@@ -1,9 +1,10 @@
 #include "cli/AoiFile.h"
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
+#include "cli/support/ManyFiles.h"
 #include "cli/support/Message.h"
 #include "cli/support/Open.h"
-#include "cli/support/Progress.h"
 #include "cli/support/Region.h"
 #include "cli/support/StatisticsReport.h"
 #include "cli/support/Text.h"
@@ -12,13 +13,14 @@
 
 #include <iostream>
 #include <memory>
+#include <optional>
 
 namespace zelto::cli {
 
 namespace {
 
 struct Options {
-    std::string file;
+    std::vector<std::string> files;
     RegionOptions region;
     std::string bands;
     std::string percentiles;
@@ -27,6 +29,7 @@ struct Options {
     bool each = false;
     bool json = false;
     bool csv = false;
+    int jobs = 0;
 };
 
 /// The two percentiles asked for.
@@ -42,22 +45,23 @@ PercentileRange ParsePercentiles(const std::string& text) {
     return {numbers[0], numbers[1]};
 }
 
-void Require(GISError error, const Options& options) {
-    if (error != GIS_SUCCESS)
-        throw Failure(options.file, Interrupted() ? "interrupted" : LastReason("cannot be read"));
-}
-
-RegionReport Measure(CRegionStatistics& statistics, const Options& options,
+RegionReport Measure(CRegionStatistics& statistics, const std::string& file, const Options& options,
                      CDataProgress& progress) {
+    const auto require = [&](GISError error) {
+        if (error != GIS_SUCCESS)
+            throw Failure(file, Interrupted() ? "interrupted" : LastReason("cannot be read"));
+    };
     RegionReport report;
-    Require(statistics.Compute(&progress), options);
+    if (options.files.size() > 1)
+        report.path = file;
+    require(statistics.Compute(&progress));
     if (!options.percentiles.empty()) {
         const PercentileRange range = ParsePercentiles(options.percentiles);
-        Require(statistics.ComputePercentiles(range.low, range.high, &progress), options);
+        require(statistics.ComputePercentiles(range.low, range.high, &progress));
         report.hasPercentiles = true;
     }
     if (options.covariance) {
-        Require(statistics.ComputeCovariance(&progress), options);
+        require(statistics.ComputeCovariance(&progress));
         report.covariance = statistics.GetCovariance();
         report.covarianceCount = statistics.GetCovarianceCount();
     }
@@ -66,67 +70,103 @@ RegionReport Measure(CRegionStatistics& statistics, const Options& options,
     return report;
 }
 
-std::vector<RegionReport> MeasureAll(CRasterSource& raster, CAOISource* region,
-                                     const Options& options) {
-    TerminalProgress progress;
+/// The region of a file, or each of its shapes.
+std::vector<RegionReport> MeasureFile(const std::string& file, const Options& options,
+                                      CDataProgress& progress) {
+    CRasterSource raster;
+    OpenForRegion(raster, file, options.region);
+    const auto region = MakeRegion(options.region, raster);
     CRegionStatistics statistics(&raster);
     if (!options.bands.empty())
         statistics.SetBands(ParseBands("--bands", options.bands, raster.GetBandCount()));
     statistics.SetApprox(options.approx);
     if (!options.each) {
-        statistics.SetAOI(region);
-        return {Measure(statistics, options, progress)};
+        statistics.SetAOI(region.get());
+        return {Measure(statistics, file, options, progress)};
     }
     std::vector<RegionReport> reports;
     for (int i = 0; i < region->GetDrawShapeCount(); ++i) {
         CDrawShape* const shape = region->GetDrawShape(i);
         statistics.SetShape(shape);
-        reports.push_back(Measure(statistics, options, progress));
+        reports.push_back(Measure(statistics, file, options, progress));
         reports.back().shape = std::to_string(i + 1) + " " + KindName(*shape);
     }
     return reports;
 }
 
-void Print(const std::vector<RegionReport>& reports, const Options& options) {
-    if (options.csv) {
-        PrintCsv(reports);
-    } else if (!options.json) {
-        PrintTables(reports);
-    } else if (!options.each) {
-        PrintJson(ToJson(reports.front()));
-    } else {
-        Json shapes = Json::array();
-        for (const RegionReport& report : reports)
-            shapes.push_back(ToJson(report));
-        PrintJson({{"shapes", shapes}});
+Json JsonOf(const std::vector<RegionReport>& reports, const Options& options) {
+    if (!options.each)
+        return ToJson(reports.front());
+    Json shapes = Json::array();
+    Json json = Json::object();
+    for (const RegionReport& report : reports) {
+        if (!report.path.empty())
+            json["path"] = report.path;
+        shapes.push_back(ToJson(report));
+        shapes.back().erase("path");
     }
+    json["shapes"] = shapes;
+    return json;
+}
+
+/// @param files the reports of every file that could be measured
+void Print(const std::vector<std::vector<RegionReport>>& files, const Options& options) {
+    if (options.json) {
+        Json all = Json::array();
+        for (const auto& reports : files)
+            all.push_back(JsonOf(reports, options));
+        PrintJson(options.files.size() == 1 ? all.front() : all);
+        return;
+    }
+    std::vector<RegionReport> all;
+    for (const auto& reports : files)
+        all.insert(all.end(), reports.begin(), reports.end());
+    if (options.csv)
+        PrintCsv(all);
+    else
+        PrintTables(all);
 }
 
 /// What a reader of the numbers must know, on standard error.
-void PrintRemarks(const std::vector<RegionReport>& reports, const Options& options) {
+void PrintRemarks(const std::string& file, const std::vector<RegionReport>& reports) {
     bool sampled = false;
     for (const RegionReport& report : reports) {
         sampled = sampled || report.sampled;
         if (report.Count() == 0)
-            Tell(options.file + ": no values in " +
+            Tell(file + ": no values in " +
                  (report.shape.empty() ? "the region" : "shape " + report.shape));
     }
     if (sampled)
-        Tell(options.file + ": a sample was taken; the counts are those of the sample");
+        Tell(file + ": a sample was taken; the counts are those of the sample");
 }
 
-void Run(const Options& options) {
+void CheckOptions(const Options& options) {
     if (options.each && options.region.aoi.empty())
         throw UsageError("--each: needs --aoi");
     if (!options.percentiles.empty())
         ParsePercentiles(options.percentiles);
-    CRasterSource raster;
-    OpenForRegion(raster, options.file, options.region);
-    const auto region = MakeRegion(options.region, raster);
-    const auto reports = MeasureAll(raster, region.get(), options);
-    Print(reports, options);
+    if (options.covariance && options.csv && options.files.size() > 1)
+        throw UsageError("--covariance: as --csv it is for a single file");
+}
+
+void Run(const Options& options) {
+    CheckOptions(options);
+    std::vector<std::optional<std::vector<RegionReport>>> reports(options.files.size());
+    const auto failures =
+        ForEachFile(options.files, options.jobs, [&](std::size_t file, CDataProgress& progress) {
+            reports[file] = MeasureFile(options.files[file], options, progress);
+        });
+    std::vector<std::vector<RegionReport>> measured;
+    for (const auto& each : reports)
+        if (each)
+            measured.push_back(*each);
+    if (failures.size() < options.files.size())
+        Print(measured, options);
     std::cout.flush();
-    PrintRemarks(reports, options);
+    for (std::size_t i = 0; i < reports.size(); ++i)
+        if (reports[i])
+            PrintRemarks(options.files[i], *reports[i]);
+    TellFailures(failures);
 }
 
 constexpr const char* FOOTER =
@@ -144,7 +184,7 @@ constexpr const char* FOOTER =
 void AddStats(CLI::App& program) {
     auto* stats = program.add_subcommand("stats", "count, range, mean and deviation of a region");
     auto options = std::make_shared<Options>();
-    stats->add_option("FILE", options->file, "raster file")->required();
+    stats->add_option("FILE", options->files, "raster files")->required();
     AddRegionOptions(*stats, options->region);
     stats->add_option("--bands", options->bands, "bands, as 4,3,2; all when not given");
     stats->add_flag("--approx", options->approx,
@@ -155,6 +195,7 @@ void AddStats(CLI::App& program) {
     stats->add_flag("--each", options->each, "every shape of the area by itself");
     auto* json = stats->add_flag("--json", options->json, "print JSON");
     stats->add_flag("--csv", options->csv, "print comma-separated values")->excludes(json);
+    AddJobsOption(*stats, options->jobs);
     stats->footer(FOOTER);
     stats->callback([options] { Run(*options); });
 }

@@ -37,20 +37,34 @@ std::vector<std::string> CellsOf(const Band& band, bool percentiles,
     return cells;
 }
 
+/// Puts what tells a report from others before its cells.
+void PrependNames(std::vector<std::string>& cells, const RegionReport& report) {
+    if (!report.shape.empty())
+        cells.insert(cells.begin(), report.shape);
+    if (!report.path.empty())
+        cells.insert(cells.begin(), report.path);
+}
+
+/// The same for the header.
+void PrependTitles(std::vector<std::string>& header, const RegionReport& report) {
+    if (!report.shape.empty())
+        header.insert(header.begin(), "shape");
+    if (!report.path.empty())
+        header.insert(header.begin(), "path");
+}
+
 void PrintBandTable(const std::vector<RegionReport>& reports) {
     std::vector<std::string> header = {"band",    "count", "minimum",
                                        "maximum", "mean",  "standard deviation"};
     const RegionReport& first = reports.front();
     if (first.hasPercentiles)
         header.insert(header.end(), {"low percentile", "high percentile"});
-    if (!first.shape.empty())
-        header.insert(header.begin(), "shape");
+    PrependTitles(header, first);
     Table table(header);
     for (const RegionReport& report : reports) {
         for (const Band& band : report.bands) {
             auto cells = CellsOf(band, report.hasPercentiles, ForPeople);
-            if (!report.shape.empty())
-                cells.insert(cells.begin(), report.shape);
+            PrependNames(cells, report);
             table.AddRow(cells);
         }
     }
@@ -111,7 +125,10 @@ void PrintTables(const std::vector<RegionReport>& reports) {
     for (const RegionReport& report : reports) {
         if (report.covariance.empty())
             continue;
-        const std::string of = report.shape.empty() ? "" : " (" + report.shape + ")";
+        std::string of = report.path;
+        if (!report.shape.empty())
+            of += (of.empty() ? "" : ", ") + report.shape;
+        of = of.empty() ? "" : " (" + of + ")";
         PrintMatrix(report, "covariance" + of, [&](std::size_t a, std::size_t b) {
             return report.covariance[a * report.bands.size() + b];
         });
@@ -131,8 +148,7 @@ void PrintCsv(const std::vector<RegionReport>& reports) {
     if (!first.covariance.empty())
         for (const Band& band : first.bands)
             header.push_back("covariance" + std::to_string(band.index + 1));
-    if (!first.shape.empty())
-        header.insert(header.begin(), "shape");
+    PrependTitles(header, first);
     PrintCsvLine(header);
     for (const RegionReport& report : reports) {
         const std::size_t n = report.bands.size();
@@ -140,8 +156,7 @@ void PrintCsv(const std::vector<RegionReport>& reports) {
             auto cells = CellsOf(report.bands[a], report.hasPercentiles, FormatNumber);
             for (std::size_t b = 0; !report.covariance.empty() && b < n; ++b)
                 cells.push_back(FormatNumber(report.covariance[a * n + b]));
-            if (!report.shape.empty())
-                cells.insert(cells.begin(), report.shape);
+            PrependNames(cells, report);
             PrintCsvLine(cells);
         }
     }
@@ -149,6 +164,8 @@ void PrintCsv(const std::vector<RegionReport>& reports) {
 
 Json ToJson(const RegionReport& report) {
     Json json = Json::object();
+    if (!report.path.empty())
+        json["path"] = report.path;
     if (!report.shape.empty())
         json["shape"] = report.shape;
     json["count"] = report.Count();

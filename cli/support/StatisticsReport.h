@@ -11,6 +11,7 @@ namespace zelto::cli {
 
 /// The statistics of one region, ready to be printed.
 struct RegionReport {
+    std::string path;  ///< of the file where files are told apart, else empty
     std::string shape; ///< "1 polygon" where shapes are told apart, else empty
     bool sampled = false;
     bool hasPercentiles = false;
