@@ -88,11 +88,21 @@ void CRegionStatistics::SetBox(const CBoundingBox& box) {
     SetShape(m_box.get());
 }
 
-zelto::RegionScan CRegionStatistics::MakeScan() const {
+void CRegionStatistics::SetRows(int first, int count) {
+    m_firstRow = first;
+    m_rowCount = count;
+    m_values.clear();
+}
+
+std::vector<int> CRegionStatistics::BandIndices() const {
     std::vector<int> bands;
     for (const Band& band : m_bands)
         bands.push_back(band.index);
-    return MakeScan(bands);
+    return bands;
+}
+
+zelto::RegionScan CRegionStatistics::MakeScan() const {
+    return MakeScan(BandIndices());
 }
 
 zelto::RegionScan CRegionStatistics::MakeScan(const std::vector<int>& bands) const {
@@ -102,9 +112,12 @@ zelto::RegionScan CRegionStatistics::MakeScan(const std::vector<int>& bands) con
         const auto bandCount = std::max<std::int64_t>(std::ssize(bands), 1);
         most = std::max<std::int64_t>(all / bandCount, 1);
     }
+    std::optional<zelto::RowLimits> rows;
+    if (m_rowCount > 0)
+        rows = zelto::RowLimits{m_firstRow, m_rowCount};
     if (m_wholeRaster)
-        return {*m_source, bands, std::nullopt, most};
-    return {*m_source, bands, m_shapes, most};
+        return {*m_source, bands, std::nullopt, most, rows};
+    return {*m_source, bands, m_shapes, most, rows};
 }
 
 GISError CRegionStatistics::Compute(CDataProgress* progress) {

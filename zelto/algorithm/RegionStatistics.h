@@ -47,6 +47,29 @@ class ZELTO_API CRegionStatistics {
         double highPercentile = 0.0;    ///< after ComputePercentiles()
     };
 
+    /// A sum of a band's values without any rounding: a whole number of units of 2^−2148 in two's
+    /// complement, least significant byte first. Sums of parts of a region, of rasters, of other
+    /// machines' work are added as such numbers, and whatever is computed from the total does not
+    /// depend on the parts.
+    using ExactSum = std::vector<unsigned char>;
+
+    /// What ComputeSums() finds out about a band.
+    struct Sums {
+        int index = 0; ///< counted from 0
+        __int64 count = 0;
+        double minimum = 0.0; ///< without values not a number
+        double maximum = 0.0; ///< the same
+        ExactSum sum;
+        ExactSum squares; ///< of the values' squares
+    };
+
+    /// What ComputeProducts() finds out about the pixels that have a value in every band.
+    struct Products {
+        __int64 count = 0;
+        std::vector<ExactSum> sums;     ///< per band
+        std::vector<ExactSum> products; ///< of bands (0, 0), (1, 0), (1, 1), (2, 0) …
+    };
+
     /// The whole of an open raster, all bands, until told otherwise.
     explicit CRegionStatistics(CRasterSource* source);
     ~CRegionStatistics();
@@ -62,6 +85,9 @@ class ZELTO_API CRegionStatistics {
     void SetShape(CDrawShape* shape);
     /// A box in ground units.
     void SetBox(const CBoundingBox& box);
+    /// Leaves out what lies in other rows of the raster, until told otherwise.
+    /// @param count 0 or less: no row is left out
+    void SetRows(int first, int count);
     /// Regions of more than 2^24 values over all bands are sampled instead of read whole.
     void SetApprox(bool approx) { m_approx = approx; }
     /// Regions of more than `values` values over all bands are sampled to about that many. The
@@ -93,6 +119,21 @@ class ZELTO_API CRegionStatistics {
     GISError ComputeHistogram(int position, double low, double width, std::vector<__int64>& counts,
                               CDataProgress* progress);
 
+    /// Exact sums of every band's values, for results that parts are merged to.
+    /// @param sums one per band; what it held is replaced
+    /// @return as Compute()
+    GISError ComputeSums(std::vector<Sums>& sums, CDataProgress* progress) const;
+    /// Exact sums of products, from which a covariance is merged. Costs several times
+    /// ComputeCovariance().
+    /// @return as Compute()
+    GISError ComputeProducts(Products& products, CDataProgress* progress) const;
+
+    /// Tells which pixels belong to the region, whatever their values; none is read. SetRows()
+    /// and SetApprox() do not matter.
+    /// @param inside rowCount full rows of the raster, one byte a pixel; receives 1 and 0
+    /// @return GIS_FAILED for null, for rows that the raster does not have and without memory
+    GISError FillMask(int firstRow, int rowCount, unsigned char* inside) const;
+
     const std::vector<Band>& GetBands() const { return m_bands; }
     /// bands × bands, row by row; empty before ComputeCovariance().
     const std::vector<double>& GetCovariance() const { return m_covariance; }
@@ -105,6 +146,7 @@ class ZELTO_API CRegionStatistics {
     bool IsUsable() const;
     zelto::RegionScan MakeScan() const;
     zelto::RegionScan MakeScan(const std::vector<int>& bands) const;
+    std::vector<int> BandIndices() const;
 
     CRasterSource* m_source;
     std::vector<CDrawShape*> m_shapes;     ///< not owned
@@ -117,4 +159,6 @@ class ZELTO_API CRegionStatistics {
     std::vector<Band> m_bands;
     std::vector<double> m_covariance;
     __int64 m_covarianceCount = 0;
+    int m_firstRow = 0;
+    int m_rowCount = 0; ///< 0: all rows
 };

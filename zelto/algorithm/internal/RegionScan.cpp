@@ -55,7 +55,7 @@ PixelWindow WindowAround(const CRasterSource& source, const CBoundingBox& box) {
 
 RegionScan::RegionScan(const CRasterSource& source, const std::vector<int>& bands,
                        std::optional<std::span<CDrawShape* const>> shapes,
-                       std::optional<std::int64_t> mostSamples)
+                       std::optional<std::int64_t> mostSamples, std::optional<RowLimits> rows)
     : m_source(&source) {
     for (const int band : bands)
         m_bands.push_back(source.GetRasterBand(band));
@@ -64,12 +64,21 @@ RegionScan::RegionScan(const CRasterSource& source, const std::vector<int>& band
         m_shapes.emplace(shapes->begin(), shapes->end());
         m_window = m_shapes->empty() ? PixelWindow() : WindowAround(source, ExtentOf(*m_shapes));
     }
+    if (rows)
+        LimitRows(*rows);
     if (IsEmpty())
         return;
     const int bandCount = std::max(static_cast<int>(m_bands.size()), 1);
     m_grid = LimitedGrid(m_window.width, m_window.height,
                          mostSamples.value_or(std::numeric_limits<std::int64_t>::max()));
     m_maximumRows = std::max(READ_BUDGET_SAMPLES / m_window.width / bandCount, 1);
+}
+
+void RegionScan::LimitRows(const RowLimits& rows) {
+    const std::int64_t end = std::min<std::int64_t>(m_window.top + m_window.height,
+                                                    std::int64_t{rows.first} + rows.count);
+    m_window.top = std::max(m_window.top, rows.first);
+    m_window.height = static_cast<int>(std::max<std::int64_t>(end - m_window.top, 0));
 }
 
 std::unique_ptr<RegionRows> RegionScan::MakeRows() const {
@@ -110,6 +119,24 @@ bool RegionScan::VisitValues(
         });
     };
     return Visit(title, progress, visitStrip);
+}
+
+void RegionScan::Mark(int firstRow, std::span<unsigned char> inside) const {
+    if (IsEmpty())
+        return;
+    const auto region = MakeRows();
+    const auto rowSize = static_cast<std::size_t>(m_source->GetWidth());
+    std::vector<ColumnSpan> spans;
+    for (int row = 0; row < m_grid.height; ++row) {
+        spans.clear();
+        region->AppendSpans(row, spans);
+        const auto rowStart = static_cast<std::size_t>(m_window.top + row - firstRow) * rowSize;
+        for (const ColumnSpan& span : spans) {
+            const auto begin = rowStart + static_cast<std::size_t>(m_window.left + span.begin);
+            std::fill_n(inside.begin() + static_cast<std::ptrdiff_t>(begin), span.end - span.begin,
+                        1);
+        }
+    }
 }
 
 } // namespace zelto

@@ -13,15 +13,23 @@ class CDataProgress;
 
 namespace zelto {
 
+/// Rows first … first + count − 1 of a raster.
+struct RowLimits {
+    int first = 0;
+    int count = 0;
+};
+
 /// Reads the pixels of a region, strip by strip and as often as asked, with progress.
 class RegionScan {
   public:
     /// @param bands counted from 0, valid ones
     /// @param shapes the region; nothing: the whole raster
     /// @param mostSamples of a band, beyond which a regular sample is read; nothing: every pixel
+    /// @param rows what lies in other rows is left out; nothing: no row is
     RegionScan(const CRasterSource& source, const std::vector<int>& bands,
                std::optional<std::span<CDrawShape* const>> shapes,
-               std::optional<std::int64_t> mostSamples);
+               std::optional<std::int64_t> mostSamples,
+               std::optional<RowLimits> rows = std::nullopt);
 
     const std::vector<CRasterBand*>& Bands() const { return m_bands; }
     bool IsEmpty() const { return m_window.width < 1 || m_window.height < 1; }
@@ -39,7 +47,12 @@ class RegionScan {
         const wchar_t* title, CDataProgress* progress,
         const std::function<void(std::size_t band, std::span<const double> values)>& visit) const;
 
+    /// Sets the region's pixels in `inside` to 1, without reading any.
+    /// @param inside the raster's rows from `firstRow` on, full rows from left to right
+    void Mark(int firstRow, std::span<unsigned char> inside) const;
+
   private:
+    void LimitRows(const RowLimits& rows);
     std::unique_ptr<RegionRows> MakeRows() const;
 
     const CRasterSource* m_source;
