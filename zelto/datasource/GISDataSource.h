@@ -112,6 +112,11 @@ class ZELTO_API CGISDataSource {
     /// module, or of the running executable when there is none; GDAL's support files are
     /// expected in D/data and its errors are logged to D/logs/gdal.log.
     static void SetGDALConfigOption();
+    /// Says that the process has no installation folder, for hosts that run inside a program of
+    /// others, such as an interpreter: GDAL finds its support files by itself and no log is
+    /// written. Call it before the first source is constructed. An addition to the fixed
+    /// interface.
+    static void UseNoInstallationFolder();
 
   protected:
     GISDataAccess m_access = GIS_READONLY;

@@ -23,6 +23,25 @@ Registrations& TheRegistrations() {
     return *registrations;
 }
 
+bool g_hasInstallationFolder = true;
+
+/// What is found or written in the installation folder.
+void UseInstallationFolder(const std::string& installation) {
+    const std::string data = installation + "/data";
+    const std::string logs = installation + "/logs";
+    std::error_code ignored;
+    std::filesystem::create_directory(logs, ignored);
+
+    CPLSetConfigOption("GDAL_DATA", data.c_str());
+    CPLSetConfigOption("CPL_LOG_ERRORS", "ON");
+    CPLSetConfigOption("CPL_TIMESTAMP", "ON");
+    CPLSetConfigOption("CPL_LOG", (logs + "/gdal.log").c_str());
+
+    // A program installed without a data folder of its own still finds GDAL's support files.
+    if (!std::filesystem::exists(data, ignored))
+        CPLPushFinderLocation(ZELTO_GDAL_DATADIR);
+}
+
 } // namespace
 
 void CGISDataSource::RegisterGDAL() {
@@ -50,24 +69,16 @@ void CGISDataSource::DestroyGDAL() {
     zelto::RemoveGdalLog();
 }
 
-void CGISDataSource::SetGDALConfigOption() {
-    const std::string installation = zelto::InstallationFolder();
-    const std::string data = installation + "/data";
-    const std::string logs = installation + "/logs";
-    std::error_code ignored;
-    std::filesystem::create_directory(logs, ignored);
+void CGISDataSource::UseNoInstallationFolder() {
+    g_hasInstallationFolder = false;
+}
 
-    CPLSetConfigOption("GDAL_DATA", data.c_str());
-    CPLSetConfigOption("CPL_LOG_ERRORS", "ON");
-    CPLSetConfigOption("CPL_TIMESTAMP", "ON");
-    CPLSetConfigOption("CPL_LOG", (logs + "/gdal.log").c_str());
+void CGISDataSource::SetGDALConfigOption() {
+    if (g_hasInstallationFolder)
+        UseInstallationFolder(zelto::InstallationFolder());
     CPLSetConfigOption("HFA_USE_RRD", "YES");
     CPLSetConfigOption("USE_RRD", "YES");
     CPLSetConfigOption("GDAL_FILENAME_IS_UTF8", "NO");
     CPLSetConfigOption("SHAPE_ENCODING", "");
     CPLSetConfigOption("GDAL_CACHEMAX", "256");
-
-    // A program installed without a data folder of its own still finds GDAL's support files.
-    if (!std::filesystem::exists(data, ignored))
-        CPLPushFinderLocation(ZELTO_GDAL_DATADIR);
 }
