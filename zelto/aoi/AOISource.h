@@ -62,6 +62,13 @@ class ZELTO_API CAOISource : public CVectorSource {
     /// @return GIS_OPEN_FAILED when there is no transformation; the shapes are then as read
     GISError OpenAndWarped(const wchar_t* path, GISDataAccess access, const char* targetWkt);
 
+    /// Transforms the shapes into the system `targetWkt` as OpenAndWarped() does. The file that
+    /// they were read from stays open as it is. An addition to the fixed interface.
+    /// @param targetWkt any form GDAL takes, not null
+    /// @return GIS_OPEN_FAILED when there is no transformation: the shapes stay as they are;
+    ///         GIS_FAILED without memory: the source is then closed
+    GISError TransformTo(const char* targetWkt);
+
     /// Appends a complete rectangle, ellipse or polygon and takes ownership.
     /// @return false, ownership staying with the caller, for every other shape, null and without
     ///         memory

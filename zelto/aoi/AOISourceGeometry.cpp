@@ -118,8 +118,12 @@ OGRGeometry* CAOISource::GetOGRGeometries() {
 GISError CAOISource::OpenAndWarped(const wchar_t* path, GISDataAccess access,
                                    const char* targetWkt) {
     const GISError error = Open(path, access, true);
-    if (error != GIS_SUCCESS || targetWkt == nullptr)
-        return error;
+    return error != GIS_SUCCESS || targetWkt == nullptr ? error : TransformTo(targetWkt);
+}
+
+GISError CAOISource::TransformTo(const char* targetWkt) {
+    if (targetWkt == nullptr)
+        return zelto::FailWith(GIS_OPEN_FAILED, m_filePath, "no reference system to transform to");
     const GISError warped = zelto::NoThrow(GIS_FAILED, [&] { return WarpShapes(targetWkt); });
     // Shapes of which memory has left some in one system and some in the other are of no use.
     if (warped == GIS_FAILED)
