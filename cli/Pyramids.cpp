@@ -3,16 +3,16 @@
 
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
-#include "cli/support/Interrupts.h"
 #include "cli/support/Json.h"
 #include "cli/support/ManyFiles.h"
 #include "cli/support/Open.h"
+#include "cli/support/PyramidBuild.h"
 #include "cli/support/Table.h"
-#include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -70,31 +70,12 @@ void Print(const std::vector<Pyramid>& pyramids, bool asJson) {
 }
 
 void BuildOne(const std::string& path, const Options& options, CDataProgress& progress) {
-    std::optional<ChangeInPlace> change; // until the file is closed
-    CRasterSource source;
-    OpenOrFail(source, path, GIS_UPDATE);
-    change.emplace();
     std::vector<int> bands;
     if (!options.bands.empty())
-        bands = ParseBands("--bands", options.bands, source.GetBandCount());
+        bands = ParseBands("--bands", options.bands, std::numeric_limits<int>::max());
     for (int& band : bands)
         ++band; // the engine numbers them from 1 here
-    progress.BeginProgress(Wide(path).c_str(), 100);
-    const auto build = [&] {
-        ForgetReasons();
-        return source.BuildOverviews(options.resampling.c_str(), static_cast<int>(bands.size()),
-                                     bands.data(), &progress) == GIS_SUCCESS;
-    };
-    if (build())
-        return;
-    // GDAL cannot read some GeoTIFFs any more once it has removed the levels inside; opened
-    // again, it can.
-    const bool again = !Interrupted() && source.GetRasterBand(0) != nullptr &&
-                       source.Reopen(GIS_UPDATE, false) == GIS_SUCCESS &&
-                       source.GetRasterBand(0)->GetOverviewCount() == 0;
-    if (!again || !build())
-        throw Failure(path,
-                      Interrupted() ? "interrupted" : LastReason("its pyramid cannot be built"));
+    BuildPyramid(path, options.resampling, bands, progress);
 }
 
 /// Throws UsageError for a file that is there twice: both would be changed at once.

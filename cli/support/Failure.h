@@ -16,9 +16,15 @@ inline std::string WithoutName(const std::string& file, const std::string& reaso
 class Failure : public std::runtime_error {
   public:
     Failure(const std::string& file, const std::string& reason)
-        : std::runtime_error(file + ": " + WithoutName(file, reason)) {}
+        : std::runtime_error(file + ": " + WithoutName(file, reason)), m_file(file) {}
     /// @param line names the file already, as CGISDataSource::GetLastErrorText() does
     explicit Failure(const std::string& line) : std::runtime_error(line) {}
+
+    /// Empty where the line alone names it.
+    const std::string& File() const { return m_file; }
+
+  private:
+    std::string m_file;
 };
 
 /// The options make no sense together; the program prints it and exits with 2.

@@ -1,0 +1,82 @@
+#include "cli/support/PolygonBuild.h"
+
+#include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
+#include "zelto/vector/VectorLayer.h"
+
+#include "cli/support/Failure.h"
+#include "cli/support/Interrupts.h"
+#include "cli/support/NewVector.h"
+#include "cli/support/Open.h"
+
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
+
+#include <memory>
+
+namespace zelto::cli {
+
+namespace {
+
+CRasterBand& BandNumbered(const CRasterSource& raster, int number, const char* option) {
+    CRasterBand* const band = raster.GetRasterBand(number - 1);
+    if (band == nullptr)
+        throw UsageError(std::string(option) + ": bands are numbered from 1 to " +
+                         std::to_string(raster.GetBandCount()));
+    return *band;
+}
+
+OGRLayer& MakeLayer(NewVector& file, const CRasterSource& raster, PixelDataType type,
+                    const std::string& field) {
+    OGRLayer& layer = file.MakeLayer(raster.GetProjectionWKT(), wkbPolygon);
+    OGRFieldDefn definition(field.c_str(), type == PDT_UInt32 ? OFTInteger64 : OFTInteger);
+    if (layer.CreateField(&definition) != OGRERR_NONE)
+        throw Failure(file.Path(), LastReason("cannot have a field '" + field + "'"));
+    return layer;
+}
+
+/// The pixels that have data, as GDAL tells them; null where all have.
+std::unique_ptr<CRasterBand> DataMask(const CRasterBand& band) {
+    if (!band.IsHaveNoData())
+        return nullptr;
+    return std::make_unique<CRasterBand>(false, band.GetGDALBand()->GetMaskBand());
+}
+
+/// Asked of the finished file: not every format can count while it is written.
+GIntBig CountFeatures(const std::string& path) {
+    const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_VECTOR));
+    return dataset && dataset->GetLayerCount() > 0 ? dataset->GetLayer(0)->GetFeatureCount() : 0;
+}
+
+} // namespace
+
+std::int64_t BuildPolygons(CRasterSource& raster, const std::string& path, const std::string& out,
+                           const PolygonOptions& options, CDataProgress& progress) {
+    CRasterBand& band = BandNumbered(raster, options.band, "--band");
+    std::unique_ptr<CRasterBand> dataMask;
+    CRasterBand* mask = nullptr;
+    if (options.mask != 0) {
+        mask = &BandNumbered(raster, options.mask, "--mask");
+    } else if (!options.keepNoData) {
+        dataMask = DataMask(band);
+        mask = dataMask.get();
+    }
+    NewVector file(out);
+    OGRLayer& ogrLayer = MakeLayer(file, raster, band.GetDataType(), options.field);
+    CVectorLayer layer(&ogrLayer);
+    char eight[] = "8CONNECTED=8";
+    char* gdalOptions[] = {options.eight ? eight : nullptr, nullptr};
+    // Databases would otherwise secure every polygon on the disk by itself.
+    const bool inTransaction = ogrLayer.StartTransaction() == OGRERR_NONE;
+    ForgetReasons();
+    if (CRasterAlgorithm::RasterPolygonize(&band, mask, &layer, 0, gdalOptions, &progress, L"") !=
+        GIS_SUCCESS)
+        throw Failure(path, Interrupted() ? "interrupted" : LastReason("cannot be polygonized"));
+    if (inTransaction && ogrLayer.CommitTransaction() != OGRERR_NONE)
+        throw Failure(out, LastReason("cannot be written"));
+    file.Finish();
+    return CountFeatures(out);
+}
+
+} // namespace zelto::cli
