@@ -1,0 +1,167 @@
+#include "python/src/Area.h"
+
+#include "cli/AoiFile.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Open.h"
+#include "python/src/Arrays.h"
+#include "python/src/Bind.h"
+#include "python/src/Errors.h"
+
+#include <array>
+#include <pybind11/stl.h>
+
+namespace py = pybind11;
+
+namespace zelto::python {
+
+Area::Area(const std::string& path) : Area() {
+    WideText(path);
+    Run([&] { cli::OpenAoiOrFail(*m_source, path); });
+}
+
+CAOISource& Area::In(const std::string& wkt) {
+    if (wkt.empty() || m_source->GetSpatialReferenceWKT().empty())
+        return *m_source;
+    if (m_transformed != nullptr && m_transformedTo == wkt)
+        return *m_transformed;
+    auto copy = CopyOf(*m_source);
+    cli::ForgetReasons();
+    if (copy == nullptr || copy->TransformTo(wkt.c_str()) != GIS_SUCCESS)
+        throw cli::Failure(
+            cli::LastReason("the area cannot be transformed to the raster's system"));
+    m_transformed = std::move(copy);
+    m_transformedTo = wkt;
+    return *m_transformed;
+}
+
+std::shared_ptr<Area> AreaOrNone(const py::object& argument) {
+    return argument.is_none() ? nullptr : argument.cast<std::shared_ptr<Area>>();
+}
+
+std::unique_ptr<CAOISource> CopyOf(const CAOISource& area) {
+    auto copy = std::make_unique<CAOISource>();
+    for (int i = 0; i < area.GetDrawShapeCount(); ++i) {
+        std::unique_ptr<CDrawShape> shape(CDrawShape::CreateCopy(area.GetDrawShape(i)));
+        if (!copy->AddDrawShape(shape.get()))
+            return nullptr;
+        static_cast<void>(shape.release());
+    }
+    copy->SetSpatialReferenceWKT(area.GetSpatialReferenceWKT().c_str());
+    return copy;
+}
+
+namespace {
+
+/// Appends shapes given as kind and numbers.
+void AddShapes(Area& area, const std::vector<std::pair<std::string, std::vector<double>>>& shapes) {
+    const Turn turn = area.Use();
+    area.Changed();
+    for (const auto& [kind, numbers] : shapes) {
+        auto shape = MakeShape(kind, numbers);
+        if (!area.Source().AddDrawShape(shape.get()))
+            throw py::value_error("an area is made of polygons, rectangles and ellipses");
+        static_cast<void>(shape.release());
+    }
+}
+
+py::list ShapesOf(Area& area) {
+    const Turn turn = area.Use();
+    py::list shapes;
+    for (int i = 0; i < area.Source().GetDrawShapeCount(); ++i)
+        shapes.append(ShapeAsTuple(*area.Source().GetDrawShape(i)));
+    return shapes;
+}
+
+std::array<double, 4> ExtentOf(Area& area) {
+    const Turn turn = area.Use();
+    const CBoundingBox extent = area.Source().GetExtent();
+    return {extent.GetLeft(), extent.GetTop(), extent.GetRight(), extent.GetBottom()};
+}
+
+/// Calls test(x, y) for every point and gathers the answers; ends early when interrupted.
+template <typename Test>
+py::array_t<bool> TestPoints(const Doubles& xs, const Doubles& ys, Test test) {
+    if (xs.ndim() != 1 || ys.ndim() != 1 || xs.size() != ys.size())
+        throw py::value_error("x and y are two rows of as many numbers");
+    constexpr py::ssize_t STEP = 1 << 16;
+    py::array_t<bool> inside(xs.size());
+    const double* const x = xs.data();
+    const double* const y = ys.data();
+    bool* const out = inside.mutable_data();
+    const py::ssize_t count = xs.size();
+    CallProgress progress{py::none()};
+    Run(progress, [&] {
+        for (py::ssize_t first = 0; first < count; first += STEP) {
+            const py::ssize_t end = std::min(first + STEP, count);
+            for (py::ssize_t i = first; i < end; ++i)
+                out[i] = test(x[i], y[i]);
+            if (!progress.StepProgress(0, L""))
+                return false;
+        }
+        return true;
+    });
+    return inside;
+}
+
+py::array_t<bool> Contains(Area& area, const Doubles& xs, const Doubles& ys) {
+    const Turn turn = area.Use();
+    CAOISource& source = area.Source();
+    return TestPoints(xs, ys, [&](double x, double y) {
+        return source.TopoRelationWithPoint(x, y) == TOPO_CONTAIN;
+    });
+}
+
+py::array_t<bool> ShapeContains(const std::string& kind, const std::vector<double>& numbers,
+                                const Doubles& xs, const Doubles& ys, double tolerance) {
+    const auto shape = MakeShape(kind, numbers);
+    return TestPoints(xs, ys, [&](double x, double y) {
+        return shape->TopoRelationWithPoint({x, y}, tolerance, 1) != TOPO_DISJOINT;
+    });
+}
+
+void Save(Area& area, const std::string& path) {
+    const Turn turn = area.Use();
+    WideText(path);
+    Run([&] {
+        cli::RequireAoiFormat(path);
+        cli::SaveAoiOrFail(area.Source(), path);
+    });
+}
+
+void Transform(Area& area, const std::string& srs) {
+    const Turn turn = area.Use();
+    area.Changed();
+    const GISError error = Run([&] {
+        cli::ForgetReasons();
+        return area.Source().TransformTo(srs.c_str());
+    });
+    if (error != GIS_SUCCESS)
+        throw cli::Failure(cli::LastReason("the area cannot be transformed"));
+}
+
+} // namespace
+
+void BindArea(py::module_& module) {
+    py::class_<Area, std::shared_ptr<Area>>(module, "Area")
+        .def(py::init<>())
+        .def(py::init<const std::string&>(), py::arg("path"))
+        .def("add", &AddShapes, py::arg("shapes"))
+        .def("shapes", &ShapesOf)
+        .def("extent", &ExtentOf)
+        .def("contains", &Contains, py::arg("xs"), py::arg("ys"))
+        .def("save", &Save, py::arg("path"))
+        .def("transform", &Transform, py::arg("srs"))
+        .def_property_readonly("count",
+                               [](Area& area) { return area.Source().GetDrawShapeCount(); })
+        .def_property(
+            "wkt", [](Area& area) { return Text(area.Source().GetSpatialReferenceWKT()); },
+            [](Area& area, const std::string& wkt) {
+                const Turn turn = area.Use();
+                area.Changed();
+                area.Source().SetSpatialReferenceWKT(wkt.c_str());
+            });
+    module.def("shape_contains", &ShapeContains, py::arg("kind"), py::arg("numbers"), py::arg("xs"),
+               py::arg("ys"), py::arg("tolerance"));
+}
+
+} // namespace zelto::python

@@ -1,0 +1,51 @@
+"""Zelto: an image engine for remote sensing.
+
+>>> import zelto
+>>> with zelto.open("L7_ETMs.tif") as scene:
+...     picture = scene.render(bands=(4, 3, 2), size=(512, 512), stretch="percent")
+>>> picture.shape
+(512, 512, 4)
+
+Rasters are opened with :func:`open`, made with :func:`create`; areas are
+:class:`AreaOfInterest`; numbers come from :func:`statistics`, :func:`covariance` and
+:func:`histogram`. Many scenes at once, on one machine or a cluster, are in :mod:`zelto.many`.
+"""
+
+from ._area import AreaOfInterest, Ellipse, Line, Point, Polygon, Rectangle, Shape
+from ._arguments import Bounds
+from ._compose import Composition, compose
+from ._coordinates import (
+    CoordinateTransformation,
+    CrsDescription,
+    GeoGrid,
+    Residuals,
+    describe_crs,
+    gauss_kruger,
+    is_same_crs,
+)
+from ._errors import Error
+from ._looks import ClassColor
+from ._polygons import polygonize
+from ._raster import Affine, Band, Raster, Sampled, Subdataset, copy, create, open, save_picture
+from ._samples import (
+    ClassEntry,
+    ClassFile,
+    SampleClass,
+    SampleFile,
+    SamplePixels,
+    sample_pixels,
+)
+from ._statistics import (
+    BandStatistics,
+    Covariance,
+    Histogram,
+    RegionStatistics,
+    StatisticsTable,
+    covariance,
+    histogram,
+    statistics,
+)
+
+__version__ = "1.0.0"
+
+__all__ = [name for name in dir() if not name.startswith("_") and name not in ("annotations",)]

@@ -1,0 +1,83 @@
+"""Bands of three rasters as one picture."""
+
+from __future__ import annotations
+
+from typing import Any, Optional, Sequence, Tuple, Union
+
+import numpy as np
+
+from . import _engine
+from ._arguments import Bounds, Box, PathLike, encoded, engine_box, whole
+from ._looks import as_settings
+from ._progress import Progress, as_callable
+from ._raster import Bytes, Raster, _check_look
+from ._views import Size, choose_view
+
+Colour = Tuple[Union[Raster, PathLike], int]
+
+
+class Composition:
+    """Three bands of up to three rasters, which may differ in grid and resolution but lie in one
+    reference system. It covers the ground that they have in common; see :func:`compose`."""
+
+    def __init__(self, red: Colour, green: Colour, blue: Colour) -> None:
+        self._native = _engine.Composition([_color(color) for color in (red, green, blue)])
+        self._facts = self._native.describe()
+
+    @property
+    def shape(self) -> Tuple[int, int]:
+        return (self._facts["height"], self._facts["width"])
+
+    @property
+    def bounds(self) -> Bounds:
+        left, top, right, bottom = self._facts["extent"]
+        return Bounds(left, bottom, right, top)
+
+    @property
+    def crs(self) -> str:
+        return str(self._facts["wkt"])
+
+    def render(
+        self,
+        *,
+        box: Optional[Box] = None,
+        center: Optional[Sequence[float]] = None,
+        scale: Optional[float] = None,
+        size: Optional[Size] = None,
+        progress: Progress = None,
+        **look: Any,
+    ) -> Bytes:
+        """Rows × columns × (red, green, blue, alpha) of uint8.
+
+        :param look: the stretches of :meth:`zelto.Raster.render`, which every band has by itself;
+            all but wallis
+        """
+        _check_look(look)
+        for name in ("bands", "ramp", "classes"):
+            if look.get(name) is not None:
+                raise TypeError(f"a composition has no {name}")
+        pixel = (self.bounds.right - self.bounds.left) / self.shape[1]
+        view = choose_view(self.bounds, self.shape, pixel, box, center, scale, size)
+        picture = np.empty((view.height, view.width, 4), dtype=np.uint8)
+        self._native.render(
+            picture, engine_box(view.box), as_settings(look), as_callable(progress)
+        )
+        return picture
+
+
+def _color(color: Colour) -> Tuple[bytes, int]:
+    source, band = color
+    path = source.path if isinstance(source, Raster) else source
+    return (encoded(path) if not isinstance(path, bytes) else path, whole("a band", band, 1))
+
+
+def compose(red: Colour, green: Colour, blue: Colour) -> Composition:
+    """Bands of three rasters as one picture, without writing a file.
+
+    :param red: a raster or its path, and the number of the band; so are the others
+
+    >>> scene = "L7_ETMs.tif"
+    >>> zelto.compose((scene, 4), (scene, 3), (scene, 2)).render(size=(200, 100)).shape
+    (100, 200, 4)
+    """
+    return Composition(red, green, blue)
