@@ -8,6 +8,7 @@
 #include "cli/support/Open.h"
 #include "cli/support/PyramidBuild.h"
 #include "cli/support/Table.h"
+#include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
 
