@@ -1,0 +1,89 @@
+// The engine's own calls, timed as C++ makes them, for the Python package to be compared with:
+//
+//   zelto_python_call_times SCENE
+//
+// prints a name and the least milliseconds of each.
+
+#include "zelto/aoi/AOISource.h"
+#include "zelto/aoi/DrawPolygon.h"
+#include "zelto/baselib/CommonFun.h"
+#include "zelto/raster/RasterSource.h"
+
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <vector>
+
+namespace {
+
+constexpr int SIDE = 1024;
+constexpr std::size_t POINTS = 10'000'000;
+
+template <typename Work>
+void Report(const char* name, int repeats, Work work) {
+    double least = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < repeats; ++i) {
+        const auto begin = std::chrono::steady_clock::now();
+        work();
+        const std::chrono::duration<double, std::milli> spent =
+            std::chrono::steady_clock::now() - begin;
+        least = std::min(least, spent.count());
+    }
+    std::printf("%s %.3f\n", name, least);
+}
+
+/// The polygon of 100 vertices that the Python side tests as well.
+void AddStar(CAOISource& area) {
+    auto star = std::make_unique<CDrawPolygon>();
+    for (int i = 0; i < 100; ++i) {
+        const double radius = i % 2 == 0 ? 1.0 : 0.6;
+        star->AddVertex({radius * std::cos(i * 0.06283185307179587),
+                         radius * std::sin(i * 0.06283185307179587)});
+    }
+    star->m_complete = true;
+    if (area.AddDrawShape(star.get()))
+        static_cast<void>(star.release());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2)
+        return 2;
+    CRasterSource scene;
+    scene.SetForDisplay(true);
+    if (scene.Open(CommonFun::M2U(argv[1]).c_str(), GIS_READONLY, true) != GIS_SUCCESS)
+        return 1;
+    scene.SetStretchType(StretchStdDev);
+    CBoundingBox box = scene.GetExtent();
+    std::vector<unsigned char> picture(std::size_t{SIDE} * SIDE * 4);
+    Report("render", 30, [&] {
+        scene.GetShowData(&box, SIDE, SIDE, picture.data(), true);
+        scene.ApplyShowDataHISC(SIDE, SIDE, picture.data());
+    });
+    int bands[] = {1, 2, 3};
+    Report("read", 30, [&] {
+        static_cast<void>(scene.GetGDALDataset()->RasterIO(GF_Read, 0, 0, SIDE, SIDE,
+                                                           picture.data(), SIDE, SIDE, GDT_Byte, 3,
+                                                           bands, 0, 0, 0, nullptr));
+    });
+
+    CAOISource area;
+    AddStar(area);
+    std::vector<double> x(POINTS);
+    std::vector<double> y(POINTS);
+    for (std::size_t i = 0; i < POINTS; ++i) {
+        x[i] = -1.0 + 2.0 * static_cast<double>(i * 7919 % POINTS) / POINTS;
+        y[i] = -1.0 + 2.0 * static_cast<double>(i * 104729 % POINTS) / POINTS;
+    }
+    std::vector<unsigned char> inside(POINTS);
+    Report("contains", 3, [&] {
+        for (std::size_t i = 0; i < POINTS; ++i)
+            inside[i] = area.TopoRelationWithPoint(x[i], y[i]) == TOPO_CONTAIN;
+    });
+    return 0;
+}
