@@ -1,5 +1,6 @@
 #include "cli/Program.h"
 
+#include "cli/Cluster.h"
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
@@ -86,6 +87,8 @@ int RunAndExplain(CLI::App& program, int argc, char** argv) {
 
 int RunProgram(int argc, char** argv) {
     TakeStandardStreams();
+    if (IsForCluster(argc, argv))
+        return HandOverToPython(argc, argv);
     ListenForInterrupts();
     // A file that may not grow any more is a failure with a reason, not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -96,7 +99,10 @@ int RunProgram(int argc, char** argv) {
     CLI::App program("zelto: look into, draw, measure, reproject and make raster images.\n"
                      "Bands are numbered from 1; boxes are left,top,right,bottom in ground units.");
     program.set_version_flag("--version", ZELTO_VERSION);
-    program.footer("zelto COMMAND --help explains a command.");
+    program.footer(
+        "zelto COMMAND --help explains a command. With --cluster ADDRESS, that of a Dask\n"
+        "scheduler, stats, render and pyramids work on many files there; zelto stats\n"
+        "--cluster ADDRESS --help explains that.");
     AddCommands(program);
     const int status = RunAndExplain(program, argc, argv);
     StopListening();
