@@ -170,7 +170,8 @@ void Show(const Options& options) {
     Table table({"class", "values", "shapes", "band", "first", "second", "third"});
     for (int i = 0; file.GetClass(i) != nullptr; ++i) {
         const ClassRecord& record = *file.GetClass(i);
-        classes.push_back(RecordAsJson(record));
+        if (options.json)
+            classes.push_back(RecordAsJson(record));
         const std::string values = std::to_string(record.m_values[0]) + ", " +
                                    std::to_string(record.m_values[1]) + ", " +
                                    std::to_string(record.m_values[2]);

@@ -184,3 +184,18 @@ TEST_F(SampleFileRead, PolygonsOfAnyLengthStayInStep) {
     EXPECT_EQ(shapes[2]->m_vertices.size(), 0U);
     EXPECT_EQ(shapes[3]->m_vertices.size(), 3U);
 }
+
+TEST_F(SampleFileRead, MoreThanAMillionShapesAreRefused) {
+    constexpr int MOST = 1'000'000;
+    Bytes bytes = SampleHeader(1);
+    bytes += SampleClass("crops", 0, 1, MOST + 1);
+    const std::string polygon = SamplePolygon({}).Str();
+    std::string text = bytes.Str();
+    for (int i = 0; i <= MOST; ++i)
+        text += polygon;
+    zelto::test::WriteFile(m_folder.File("samples"), text);
+    EXPECT_EQ(m_file.ReadClassifySampleFile(m_folder.WideFile("samples")), 0);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_folder.File("samples") + ": has more than 1000000 shapes");
+    EXPECT_EQ(m_file.GetClassCount(), 0);
+}

@@ -37,9 +37,12 @@ void Parse(int kind, const std::string& text) {
     case 7:
         zelto::cli::CheckCreationOptions({text}, RDF_GTiff);
         break;
-    case 8:
-        zelto::cli::CheckStretch({.name = text}, false);
+    case 8: {
+        zelto::cli::StretchOptions options;
+        options.name = text;
+        zelto::cli::CheckStretch(options, false);
         break;
+    }
     case 9:
         zelto::cli::MakeRamp(text);
         break;

@@ -251,3 +251,51 @@ TEST(Container, RealContainersOpen) {
             EXPECT_EQ(source.GetSubRaster(i)->GetWidth(), file.width) << file.path;
     }
 }
+
+namespace {
+
+/// A TIFF of so many pages of one pixel each, which GDAL shows as sub-data-sets.
+std::string Pages(int count) {
+    std::string bytes("II*\0\0\0\0\0", 8);
+    const auto number = [](std::uint32_t value, int size) {
+        std::string text;
+        for (int i = 0; i < size; ++i)
+            text += static_cast<char>(value >> (8 * i));
+        return text;
+    };
+    std::size_t link = 4; // where the place of the next directory stands
+    for (int page = 0; page < count; ++page) {
+        const auto pixel = static_cast<std::uint32_t>(bytes.size());
+        bytes += number(7, 2);
+        bytes.replace(link, 4, number(static_cast<std::uint32_t>(bytes.size()), 4));
+        // Width, height, bits, compression, photometric, offsets, samples, rows, byte counts.
+        const std::pair<std::uint32_t, std::uint32_t> tags[] = {{256, 1}, {257, 1}, {258, 8},
+                                                                {259, 1}, {262, 1}, {273, pixel},
+                                                                {277, 1}, {278, 1}, {279, 1}};
+        bytes += number(static_cast<std::uint32_t>(std::size(tags)), 2);
+        constexpr std::uint32_t LONG = 4;
+        for (const auto& [tag, value] : tags)
+            bytes += number(tag, 2) + number(LONG, 2) + number(1, 4) + number(value, 4);
+        link = bytes.size();
+        bytes += number(0, 4);
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST(Container, ThatHasThousandsOfSubDataSetsIsNotOpenedAsAWhole) {
+    const TemporaryFolder folder;
+    WriteFile(folder.File("few.tif"), Pages(20));
+    WriteFile(folder.File("many.tif"), Pages(1001));
+    CRasterSource source;
+    EXPECT_EQ(source.OpenAsDataset(folder.WideFile("few.tif").c_str(), GIS_READONLY), GIS_SUCCESS);
+    EXPECT_EQ(source.GetSubRasterCount(), 20);
+    EXPECT_EQ(source.OpenAsDataset(folder.WideFile("many.tif").c_str(), GIS_READONLY),
+              GIS_OPEN_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              folder.File("many.tif") + ": has more than 1000 sub-data-sets");
+    EXPECT_FALSE(source.IsOpened());
+    // Its first one opens all the same.
+    EXPECT_EQ(source.Open(folder.WideFile("many.tif").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+}

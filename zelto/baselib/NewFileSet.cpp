@@ -175,14 +175,18 @@ bool CNewFileSet::Commit(const std::vector<std::wstring>& oldFiles) {
         return false;
     FileSetNames newNames;
     FileSetNames oldNames = {m_files->main.filename().string()};
+    // Each once, whoever names it.
+    const auto add = [&oldNames](const std::string& name) {
+        if (std::find(oldNames.begin(), oldNames.end(), name) == oldNames.end())
+            oldNames.push_back(name);
+    };
     for (const std::wstring& name : oldFiles)
-        oldNames.push_back(CommonFun::U2M(name));
+        add(CommonFun::U2M(name));
     if (!m_files->ReadNames(newNames) || !m_files->Complete(newNames))
         return m_files->Fail();
     // Side files that come into the place of others belong to what is replaced.
     for (const std::string& name : newNames)
-        if (std::find(oldNames.begin(), oldNames.end(), name) == oldNames.end())
-            oldNames.push_back(name);
+        add(name);
     if (!m_files->Place(oldNames, newNames))
         return m_files->Fail();
     m_files->folder.Remove();

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <fstream>
 #include <new>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 using zelto::BinaryReader;
@@ -57,11 +59,18 @@ void Append(std::vector<CDrawShape*>& shapes, std::unique_ptr<CDrawShape> shape)
     shapes.back() = shape.release();
 }
 
-bool ReadShapes(BinaryReader& reader, ClassRecord& record) {
+/// Shapes of all classes together. A polygon without vertices is five bytes in the file and some
+/// hundred in memory.
+constexpr int MOST_SHAPES = 1'000'000;
+
+/// @param shapesLeft how many the file may still hold; throws std::length_error beyond
+bool ReadShapes(BinaryReader& reader, ClassRecord& record, int& shapesLeft) {
     if (record.m_hasSamples == 0)
         return true;
     for (std::int32_t i = 0; i < record.m_sampleShapeCount; ++i) {
         auto shape = zelto::ReadShapeRecord(reader, zelto::ShapeRecordUse::SAMPLE);
+        if (shape && --shapesLeft < 0)
+            throw std::length_error("has more than " + std::to_string(MOST_SHAPES) + " shapes");
         if (shape) {
             Append(record.m_sampleShapes, std::move(shape));
         } else if (!reader.IsGood()) {
@@ -73,7 +82,8 @@ bool ReadShapes(BinaryReader& reader, ClassRecord& record) {
 }
 
 /// @return null when the file ends within name and integers; a class cut after them is kept
-std::unique_ptr<ClassRecord> ReadClass(BinaryReader& reader) {
+/// @param shapesLeft as ReadShapes() takes it
+std::unique_ptr<ClassRecord> ReadClass(BinaryReader& reader, int& shapesLeft) {
     auto record = std::make_unique<ClassRecord>();
     if (!reader.Read(record->m_nameField))
         return nullptr;
@@ -86,7 +96,7 @@ std::unique_ptr<ClassRecord> ReadClass(BinaryReader& reader) {
     if (ReadBandArrays(reader, *record) && reader.Read(record->m_moreValues[0]) &&
         reader.Read(record->m_moreValues[1]) && ReadMatrix(reader, *record) &&
         reader.Read(record->m_hasSamples) && reader.Read(record->m_sampleShapeCount))
-        ReadShapes(reader, *record);
+        ReadShapes(reader, *record, shapesLeft);
     return record;
 }
 
@@ -137,9 +147,10 @@ int CClassifySampleFile::ReadClassifySampleFile(std::wstring path) {
         if (!reader.Read(file.m_header) || file.GetTag() != FILE_TAG)
             return Fail(name, "is no sample file");
         const std::int32_t count = file.GetClassCount();
+        int shapesLeft = MOST_SHAPES;
         while (reader.IsGood() &&
                file.m_classes.size() < static_cast<std::size_t>(std::max(count, 0)))
-            if (auto record = ReadClass(reader))
+            if (auto record = ReadClass(reader, shapesLeft))
                 file.m_classes.push_back(std::move(record));
         if (!reader.IsGood())
             file.UpdateClassCount();
@@ -148,6 +159,8 @@ int CClassifySampleFile::ReadClassifySampleFile(std::wstring path) {
         return 1;
     } catch (const std::bad_alloc&) {
         return Fail(name, "too large for the memory");
+    } catch (const std::length_error& tooMany) {
+        return Fail(name, tooMany.what());
     }
 }
 

@@ -1,3 +1,4 @@
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/baselib/internal/Operation.h"
 #include "zelto/baselib/internal/Truncate.h"
 #include "zelto/display/ImgEnhance.h"
@@ -23,7 +24,7 @@ bool ReplaceHistogram(CRasterHistogram*& owned, double min, double max, int buck
     if (owned == nullptr)
         return zelto::FailWith(false, L"", "not enough memory for the histogram");
     owned->SetHistogramMap(0); // it counts its own
-    return true;
+    return zelto::LastError().empty(); // without memory there is no map
 }
 
 } // namespace

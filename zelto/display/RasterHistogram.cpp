@@ -1,5 +1,6 @@
 #include "zelto/display/RasterHistogram.h"
 
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/display/internal/HistogramLookup.h"
 
 #include <atomic>
@@ -62,6 +63,8 @@ bool CRasterHistogram::ReplaceMap() {
     // An empty map would leave the lookups without an entry to answer from: no map at all.
     m_map.reset(m_buckets < 1 ? nullptr
                               : new (std::nothrow) double[static_cast<std::size_t>(m_buckets)]);
+    if (m_map == nullptr && m_buckets > 0)
+        zelto::SetLastError("not enough memory for the histogram");
     return m_map != nullptr;
 }
 

@@ -24,12 +24,18 @@ namespace {
 /// Deeper nesting of containers than this is taken for a loop. Real ones hold rasters directly.
 constexpr std::size_t DEEPEST_NESTING = 4;
 
+/// Containers with more sub-data-sets than this, those inside them counted too, are not opened as a
+/// whole: each takes memory and a place among the open files, whatever the container holds.
+constexpr int MOST_SUB_DATASETS = 1000;
+
 /// Marks a path as being opened on this thread. A container may list any text as its
 /// sub-data-sets, also itself; such a loop must end as a failed open.
 class OpeningPath {
   public:
     explicit OpeningPath(const wchar_t* path) {
         const std::wstring name = path != nullptr ? path : L"";
+        if (s_paths.empty())
+            s_subDatasets = 0;
         m_entered = s_paths.size() < DEEPEST_NESTING &&
                     std::find(s_paths.begin(), s_paths.end(), name) == s_paths.end();
         if (m_entered)
@@ -38,6 +44,15 @@ class OpeningPath {
     ~OpeningPath() {
         if (m_entered)
             s_paths.pop_back();
+    }
+    /// Whether so many more sub-data-sets may be opened within the path that was opened first; the
+    /// reason is otherwise left.
+    static bool Admits(int subDatasets, const std::wstring& path) {
+        s_subDatasets += subDatasets;
+        if (s_subDatasets > MOST_SUB_DATASETS)
+            zelto::SetLastError(path, "has more than " + std::to_string(MOST_SUB_DATASETS) +
+                                          " sub-data-sets");
+        return s_subDatasets <= MOST_SUB_DATASETS;
     }
     OpeningPath(const OpeningPath&) = delete;
     OpeningPath& operator=(const OpeningPath&) = delete;
@@ -51,10 +66,12 @@ class OpeningPath {
 
   private:
     static thread_local std::vector<std::wstring> s_paths;
+    static thread_local int s_subDatasets; ///< opened within the first of the paths
     bool m_entered = false;
 };
 
 thread_local std::vector<std::wstring> OpeningPath::s_paths;
+thread_local int OpeningPath::s_subDatasets = 0;
 
 /// @param reason GDAL's where nothing opens
 GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag, std::string& reason) {
@@ -233,6 +250,8 @@ GISError CRasterSource::OpenAsDataset(const wchar_t* path, GISDataAccess access)
         // There are two entries for each sub-data-set, so the second half of the numbers finds
         // none.
         const int entries = SubDatasetEntryCount(*m_dataset);
+        if (!OpeningPath::Admits(entries / 2, m_filePath))
+            return GIS_OPEN_FAILED;
         for (int number = 1; number <= entries; ++number) {
             const std::wstring name = SubDatasetName(*m_dataset, number);
             if (name.empty())
