@@ -53,6 +53,8 @@ bool HasFiniteVertices(const CDrawShape& shape) {
 void AddGeoJson(CAOISource& aoi, const std::string& fileOrText) {
     CAOISource source;
     OpenOrFail(source, fileOrText);
+    if (source.GetDrawShapeCount() == 0)
+        throw Failure(fileOrText, "holds no polygons");
     if (aoi.GetSpatialReferenceWKT().empty())
         aoi.SetSpatialReferenceWKT(source.GetSpatialReferenceWKT().c_str());
     for (int i = 0; i < source.GetDrawShapeCount(); ++i) {

@@ -87,7 +87,10 @@ View ChooseView(const CRasterSource& source, const ViewOptions& options) {
         throw UsageError("--scale goes with --center");
     const CBoundingBox box =
         options.box.empty() ? source.GetExtent() : ParseBox("--box", options.box);
-    if (box.GetLeft() >= box.GetRight() || box.GetBottom() >= box.GetTop())
+    const bool hasArea = box.GetLeft() < box.GetRight() && box.GetBottom() < box.GetTop();
+    if (!hasArea && options.box.empty())
+        throw Failure(Narrow(source.GetFilePath()), "its place has no area");
+    if (!hasArea)
         throw UsageError("--box: left must be less than right and bottom less than top");
     const int longest = std::max(source.GetWidth(), source.GetHeight());
     const int side = options.box.empty() ? std::min(longest, DEFAULT_SIDE) : DEFAULT_SIDE;

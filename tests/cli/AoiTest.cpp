@@ -71,6 +71,13 @@ TEST_F(AoiCommand, NewTakesGeoJsonAsFileAndAsText) {
     EXPECT_EQ(info["coordinateSystem"], "WGS 84 (WGS_1984/WGS 84)");
 }
 
+TEST_F(AoiCommand, NewFailsForAFileWithoutPolygons) {
+    WriteVector(File("p.shp"), {.type = wkbPoint}, {"POINT (1 1)"});
+    const auto run = RunZelto({"aoi", "new", File("a.aif"), "--geojson", File("p.shp")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors, "zelto: " + File("p.shp") + ": holds no polygons\n");
+}
+
 TEST_F(AoiCommand, NewRefusesWhatIsNoShape) {
     const std::vector<std::vector<std::string>> wrong = {{},
                                                          {"--rect", "0,10,10"},

@@ -321,3 +321,13 @@ TEST(ComposeCommand, SourcesThatDoNotMeetAndUnknownBandsAreRefused) {
     EXPECT_EQ(RunZelto({"compose", here, here + ":2", here + ":3", out}).exitStatus, 2);
     EXPECT_EQ(RunZelto({"compose", here + ":1", here + ":2", out}).exitStatus, 2);
 }
+
+TEST(RenderCommand, AnImageWhosePlaceHasNoAreaIsAFailureOfTheImage) {
+    const zelto::test::TemporaryFolder folder;
+    zelto::test::RasterSpec spec = {.width = 2, .height = 2};
+    spec.geoTransform = std::array<double, 6>{5.0, 0.0, 0.0, 5.0, 0.0, 0.0};
+    zelto::test::WriteRaster(folder.File("a.tif"), spec, {zelto::test::Pixels(4, 1.0)});
+    const auto run = zelto::test::RunZelto({"render", folder.File("a.tif"), folder.File("a.png")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors, "zelto: " + folder.File("a.tif") + ": its place has no area\n");
+}

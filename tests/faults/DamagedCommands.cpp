@@ -47,6 +47,7 @@ const std::vector<std::vector<std::string>>& VectorCommands() {
         {"stats", "SCENE", "--aoi", "FILE"},
         {"samples", "collect", "SCENE", "--aoi", "FILE", "-o", "OUT.smp"},
         {"render", "SCENE", "OUT.png", "--aoi", "FILE"},
+        {"zonal", "SCENE", "FILE"},
     };
     return commands;
 }

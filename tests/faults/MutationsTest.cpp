@@ -128,7 +128,7 @@ class Mutations : public testing::TestWithParam<const char*> {
         for (std::string text; std::getline(lines, text); ++count)
             EXPECT_EQ(text.rfind("zelto: ", 0), 0U) << text;
         EXPECT_TRUE(end.exitStatus == 0 || count == 1);
-        EXPECT_LT(end.seconds, LONGEST_SECONDS);
+        EXPECT_LT(end.work, LONGEST_SECONDS); // whatever else the machine does
         EXPECT_LT(end.mostMemory, MOST_MEMORY) << "KiB";
         Count("commands on damaged files");
     }

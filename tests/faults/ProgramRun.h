@@ -14,8 +14,9 @@ struct ProgramEnd {
     int exitStatus = -1; ///< −1: it did not end by itself
     int endSignal = 0;   ///< what ended it; 0: nothing did
     long mostMemory = 0; ///< resident at one time, KiB
-    double seconds = 0;
-    std::string errors; ///< standard error
+    double seconds = 0;  ///< from begin to end
+    double work = 0;     ///< seconds of processors
+    std::string errors;  ///< standard error
 };
 
 /// Runs the command line in copies of this process, which has set everything up already: thousands

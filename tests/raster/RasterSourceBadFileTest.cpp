@@ -1,6 +1,7 @@
 #include "tests/raster/ExposedRasterSource.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestData.h"
 #include "tests/support/Text.h"
 
 #include <gtest/gtest.h>
@@ -89,4 +90,22 @@ TEST(OpenBadFile, OnlyPathNameAndFormatChangeWhenNothingOpens) {
     EXPECT_EQ(source.GetWidth(), 2);
     EXPECT_TRUE(source.IsGeographic());
     EXPECT_EQ(source.GetRasterBand(0), nullptr);
+}
+
+TEST(OpenBadFile, AZippedElevationTileThatItsArchiveDoesNotGiveFails) {
+    ZELTO_REQUIRE_TEST_DATA();
+    const TemporaryFolder folder;
+    std::string archive = ReadFile(zelto::test::TestDataFile("raster/src/N10W110.hgt.zip"));
+    WriteFile(folder.File("N10W110.hgt.zip"), archive);
+    CRasterSource source;
+    EXPECT_EQ(source.OpenSimple(folder.WideFile("N10W110.hgt.zip").c_str(), GIS_READONLY, false),
+              GIS_SUCCESS);
+    source.Close();
+    archive.replace(0, 4, "what"); // no file begins where the archive's list says
+    WriteFile(folder.File("N10W110.hgt.zip"), archive);
+    CRasterSource damaged;
+    EXPECT_EQ(damaged.OpenSimple(folder.WideFile("N10W110.hgt.zip").c_str(), GIS_READONLY, false),
+              GIS_OPEN_FAILED);
+    unsigned char value = 0;
+    EXPECT_NE(damaged.GetPixel(&value, 0, 0, PDT_Byte), GIS_SUCCESS);
 }

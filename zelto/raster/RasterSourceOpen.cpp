@@ -17,6 +17,7 @@
 #include <gdal_priv.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 
 namespace {
@@ -73,6 +74,22 @@ class OpeningPath {
 thread_local std::vector<std::wstring> OpeningPath::s_paths;
 thread_local int OpeningPath::s_subDatasets = 0;
 
+/// Whether a zipped elevation tile can be got out of its archive: GDAL's driver opens the archive
+/// all the same, and does not survive the first reading.
+bool HoldsItsTile(GDALDataset& dataset, const std::string& path) {
+    const std::string name = std::filesystem::path(path).filename().string();
+    constexpr std::size_t TILE_NAME = 7; // as N10W110
+    if (dataset.GetDriver() == nullptr ||
+        !EQUAL(dataset.GetDriver()->GetDescription(), "SRTMHGT") ||
+        std::filesystem::path(path).extension() != ".zip" || name.size() < TILE_NAME)
+        return true;
+    const std::string tile = "/vsizip/" + path + "/" + name.substr(0, TILE_NAME) + ".hgt";
+    VSILFILE* const file = VSIFOpenL(tile.c_str(), "rb");
+    if (file != nullptr)
+        VSIFCloseL(file);
+    return file != nullptr;
+}
+
 /// @param reason GDAL's where nothing opens
 GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag, std::string& reason) {
     const zelto::GdalWatch watch;
@@ -80,6 +97,11 @@ GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag, std::s
         GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | accessFlag);
     if (dataset == nullptr) {
         reason = watch.HasError() ? watch.Error() : "it cannot be opened as a raster";
+        return nullptr;
+    }
+    if (!HoldsItsTile(*dataset, path)) {
+        GDALClose(dataset);
+        reason = "its tile cannot be read from the archive";
         return nullptr;
     }
     zelto::HideForeignPyramid(*dataset);
