@@ -192,7 +192,8 @@ void ApplyStretch(CRasterSource& source, const StretchOptions& options, const St
     if (!stretch.SuitsShownBands())
         throw UsageError("--stretch wallis: it takes three bands, and one is shown");
     TerminalProgress progress;
-    if (stretch.Apply(&progress) != GIS_SUCCESS)
+    // Statistics that cannot be taken leave a reason, and another picture.
+    if (stretch.Apply(&progress) != GIS_SUCCESS || !CGISDataSource::GetLastErrorText().empty())
         throw Failure(path, LastReason("its pixels cannot be read"));
 }
 
