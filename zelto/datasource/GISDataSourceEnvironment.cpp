@@ -56,6 +56,9 @@ void CGISDataSource::RegisterGDAL() {
     zelto::InstallGdalLog();
     GDALAllRegister();
     OGRRegisterAll();
+    // GDAL gives up the lock of its block cache when it is torn down, and makes another one only
+    // here; without it threads would break the cache.
+    GDALSetCacheMax64(GDALGetCacheMax64());
 }
 
 void CGISDataSource::DestroyGDAL() {

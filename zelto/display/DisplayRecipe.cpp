@@ -122,7 +122,7 @@ bool CDisplayRecipe::Write(const wchar_t* path) const {
         recipe.Stream() << zelto::ToJson(content);
         if (recipe.Commit())
             return true;
-        const std::string reason = zelto::LastError();
+        const std::string& reason = zelto::LastError();
         throw std::runtime_error(!reason.empty() ? reason : std::strerror(errno));
     });
 }

@@ -26,15 +26,15 @@ struct NamedStretch {
 
 constexpr unsigned region = Bit(Setting::Region);
 constexpr unsigned curve = region | Bit(Setting::Gamma);
-constexpr unsigned ranges = curve | Bit(Setting::Ranges);
+constexpr unsigned curveAndRanges = curve | Bit(Setting::Ranges);
 constexpr unsigned percentages = curve | Bit(Setting::Clip);
 constexpr unsigned bounds = region | Bit(Setting::Bounds);
 
 /// The engine's own in the order of their types, then those made of them.
 constexpr std::array<NamedStretch, 12> stretches = {{
     {"none", StretchNone, 0},
-    {"table", StretchEnhanceTable, ranges},
-    {"linear", StretchLinear, ranges},
+    {"table", StretchEnhanceTable, curveAndRanges},
+    {"linear", StretchLinear, curveAndRanges},
     {"stddev", StretchStdDev, curve},
     {"equalize", StretchHistEqualize, region},
     {"autolevels", StretchAutoLevels, region | Bit(Setting::Threshold)},
@@ -71,6 +71,7 @@ CStretchPreparation::CStretchPreparation(CRasterSource* source) : m_source(sourc
 
 std::vector<std::string> CStretchPreparation::GetStretchNames() {
     std::vector<std::string> names;
+    names.reserve(stretches.size());
     for (const NamedStretch& stretch : stretches)
         names.emplace_back(stretch.name);
     return names;

@@ -7,7 +7,7 @@ import json
 import sys
 from typing import Any, List, Sequence
 
-from .. import Error
+from .._errors import Error
 from .._statistics import StatisticsTable, RegionStatistics
 from . import SceneResult, pyramids, render_all, statistics
 

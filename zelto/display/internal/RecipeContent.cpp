@@ -114,6 +114,7 @@ RecipeBand BandOf(const CRasterBand& band, int number, bool isStretched) {
 
 std::vector<CClassifyDisplayItem> ItemsOf(const CClassifyDisplayTable& table) {
     std::vector<CClassifyDisplayItem> items;
+    items.reserve(static_cast<std::size_t>(table.GetItemCount()));
     for (int i = 0; i < table.GetItemCount(); ++i)
         items.push_back(*table.GetItem(i));
     return items;
