@@ -19,5 +19,6 @@ void BindClassFiles(pybind11::module_& module);
 void BindComposition(pybind11::module_& module);
 void BindCoordinates(pybind11::module_& module);
 void BindGeoGrid(pybind11::module_& module);
+void BindZones(pybind11::module_& module);
 
 } // namespace zelto::python

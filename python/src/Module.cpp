@@ -30,6 +30,7 @@ PYBIND11_MODULE(_engine, module) {
     BindComposition(module);
     BindCoordinates(module);
     BindGeoGrid(module);
+    BindZones(module);
 }
 
 } // namespace zelto::python

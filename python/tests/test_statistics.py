@@ -101,3 +101,27 @@ def test_the_peers_numbers_agree_on_real_scenes(scene_path, data):
         assert band.count == plane.count()
         assert band.mean == pytest.approx(plane.mean(dtype=float), rel=1e-12)
         assert band.standard_deviation == pytest.approx(plane.std(dtype=float), rel=1e-9)
+
+
+def test_zones_in_one_pass(random_raster):
+    values, path = random_raster
+    ring = [(500055, 3999950), (500700, 3999900), (500610, 3999400), (500055, 3999950)]
+    hole = [(500400, 3999800), (500500, 3999780), (500480, 3999700), (500400, 3999800)]
+    polygon = {"type": "Polygon", "coordinates": [ring, hole]}
+    multi = {"type": "MultiPolygon", "coordinates": [
+        [ring], [[(500100, 3999500), (500200, 3999500), (500150, 3999400), (500100, 3999500)]]]}
+    found = zelto.zonal_statistics(path, [polygon, multi], quantiles=(0.5,))
+    for geometry, zone in zip((polygon, multi), found):
+        inside = zelto.AreaOfInterest(geometry).mask(path)
+        for plane, band in zip(values, zone):
+            kept = counted(plane[inside])
+            assert band.count == kept.size == band.weight
+            assert band.mean == pytest.approx(kept.mean(), rel=1e-12)
+            assert band.quantiles[0] == pytest.approx(np.median(kept), rel=1e-12)
+    box = zelto.Rectangle(500005, 3999970, 500025, 4000000)
+    (zone,) = zelto.zonal_statistics(path, box, bands=2, weights="coverage")
+    weights = np.array([0.5, 1.0, 0.5])
+    assert zone[0].weight == pytest.approx(6.0)
+    assert zone[0].mean == pytest.approx((values[1, :3, :3] * weights).sum() / 6.0)
+    with pytest.raises(ValueError):
+        zelto.zonal_statistics(path, {"type": "Point", "coordinates": (0, 0)})

@@ -46,6 +46,8 @@ from ._statistics import (
     statistics,
 )
 
+from ._zones import ZoneBand, zonal_statistics
+
 __version__ = "1.0.0"
 
 __all__ = [name for name in dir() if not name.startswith("_") and name not in ("annotations",)]

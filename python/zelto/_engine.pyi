@@ -178,6 +178,14 @@ def polygonize(
     eight: bool,
     progress: Optional[ProgressCallable],
 ) -> int: ...
+def zonal_statistics(
+    raster: Raster,
+    zones: Sequence[bytes],
+    bands: Sequence[int],
+    coverage: bool,
+    quantiles: Sequence[float],
+    progress: Optional[ProgressCallable],
+) -> List[List[Tuple[Any, ...]]]: ...
 def read_class_file(path: bytes) -> Dict[str, Any]: ...
 def write_class_file(
     path: bytes,
