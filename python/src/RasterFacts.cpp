@@ -1,3 +1,5 @@
+#include "cli/support/RasterFacts.h"
+
 #include "zelto/baselib/ClassifyDisplayTable.h"
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/raster/RasterBand.h"
@@ -57,19 +59,6 @@ py::list ClassesOf(const CClassifyDisplayTable* table) {
     return classes;
 }
 
-py::list SubdatasetsOf(GDALDataset* dataset) {
-    py::list found;
-    char** const list = dataset != nullptr ? dataset->GetMetadata("SUBDATASETS") : nullptr;
-    for (int number = 1;; ++number) {
-        const std::string key = "SUBDATASET_" + std::to_string(number);
-        const char* const name = CSLFetchNameValue(list, (key + "_NAME").c_str());
-        if (name == nullptr)
-            return found;
-        found.append(py::make_tuple(Text(name),
-                                    Text(CSLFetchNameValueDef(list, (key + "_DESC").c_str(), ""))));
-    }
-}
-
 /// What costs no pixel.
 py::dict Describe(Raster& raster) {
     const Turn turn = raster.Use();
@@ -101,11 +90,14 @@ py::dict Describe(Raster& raster) {
 }
 
 py::list Subdatasets(const std::string& path) {
-    // Opened as a container the raster itself stays open; opened as a raster its first part is.
-    CRasterSource source;
-    const std::wstring wide = WideText(path);
-    Run([&] { return source.OpenAsDataset(wide.c_str(), GIS_READONLY); });
-    return SubdatasetsOf(source.GetGDALDataset());
+    WideText(path);
+    CallProgress progress{py::none()};
+    const cli::RasterFacts facts =
+        Run(progress, [&] { return cli::DescribeRaster(path, {}, progress); });
+    py::list found;
+    for (const cli::SubdatasetFacts& subdataset : facts.subdatasets)
+        found.append(py::make_tuple(Text(subdataset.name), Text(subdataset.description)));
+    return found;
 }
 
 /// What a display takes from its sample: minimum, maximum, mean, deviation, and the bounds of the
