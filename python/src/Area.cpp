@@ -119,6 +119,22 @@ py::array_t<bool> ShapeContains(const std::string& kind, const std::vector<doubl
     });
 }
 
+int CountShapes(Area& area) {
+    const Turn turn = area.Use();
+    return area.Source().GetDrawShapeCount();
+}
+
+py::str GetWkt(Area& area) {
+    const Turn turn = area.Use();
+    return Text(area.Source().GetSpatialReferenceWKT());
+}
+
+void SetWkt(Area& area, const std::string& wkt) {
+    const Turn turn = area.Use();
+    area.Changed();
+    area.Source().SetSpatialReferenceWKT(wkt.c_str());
+}
+
 void Save(Area& area, const std::string& path) {
     const Turn turn = area.Use();
     WideText(path);
@@ -151,15 +167,8 @@ void BindArea(py::module_& module) {
         .def("contains", &Contains, py::arg("xs"), py::arg("ys"))
         .def("save", &Save, py::arg("path"))
         .def("transform", &Transform, py::arg("srs"))
-        .def_property_readonly("count",
-                               [](Area& area) { return area.Source().GetDrawShapeCount(); })
-        .def_property(
-            "wkt", [](Area& area) { return Text(area.Source().GetSpatialReferenceWKT()); },
-            [](Area& area, const std::string& wkt) {
-                const Turn turn = area.Use();
-                area.Changed();
-                area.Source().SetSpatialReferenceWKT(wkt.c_str());
-            });
+        .def_property_readonly("count", &CountShapes)
+        .def_property("wkt", &GetWkt, &SetWkt);
     module.def("shape_contains", &ShapeContains, py::arg("kind"), py::arg("numbers"), py::arg("xs"),
                py::arg("ys"), py::arg("tolerance"));
 }
