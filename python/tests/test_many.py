@@ -246,3 +246,14 @@ def test_a_cluster_gives_the_same_numbers(scenes, cluster, tmp_path):
     assert lost
     pictures = many.render_all(scenes, tmp_path / "out", size=20, client=client)
     assert all(os.path.exists(result.value) for result in pictures)
+
+
+def test_results_travel(scene_path):
+    import pickle
+
+    table = zelto.statistics(scene_path, covariance=True)
+    again = pickle.loads(pickle.dumps(table))
+    assert again.rows() == table.rows()
+    assert np.array_equal(again[0].covariance.matrix, table[0].covariance.matrix)
+    found = many.histogram(scene_path, jobs=1)
+    assert pickle.loads(pickle.dumps(found)).to_dict() == found.to_dict()
