@@ -3,6 +3,7 @@
 #include "tests/algorithm/RegionFixture.h"
 #include "tests/support/RecordingProgress.h"
 
+#include <cpl_string.h>
 #include <ogr_geometry.h>
 
 #include <algorithm>
@@ -182,8 +183,8 @@ std::string RandomStar(std::minstd_rand& random, double size) {
             const double angle = 6.283185307179586 * i / count;
             const double radius = (low + unit(random) * (high - low)) * size;
             char point[80];
-            std::snprintf(point, sizeof point, "%.17g %.17g", x + radius * std::cos(angle),
-                          y + radius * std::sin(angle));
+            CPLsnprintf(point, sizeof point, "%.17g %.17g", x + radius * std::cos(angle),
+                        y + radius * std::sin(angle));
             text += std::string(point) + ",";
             first = i == 0 ? point : first;
         }
