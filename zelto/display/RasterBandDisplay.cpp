@@ -23,7 +23,7 @@ bool ReplaceHistogram(CRasterHistogram*& owned, double min, double max, int buck
     owned = new (std::nothrow) CRasterHistogram(min, max, buckets, counts, false, true);
     if (owned == nullptr)
         return zelto::FailWith(false, L"", "not enough memory for the histogram");
-    owned->SetHistogramMap(0); // it counts its own
+    owned->SetHistogramMap(0);         // it counts its own
     return zelto::LastError().empty(); // without memory there is no map
 }
 

@@ -137,8 +137,7 @@ class Transfer {
             return false;
         CNewFileSet made(CommonFun::M2U(m_to.string()));
         return made.IsOpen() && Make(CommonFun::U2M(made.GetTemporaryPath())) &&
-               made.Commit(NamesReplaced(m_to)) &&
-               (m_kind == TransferKind::COPY || RemoveOrigin());
+               made.Commit(NamesReplaced(m_to)) && (m_kind == TransferKind::COPY || RemoveOrigin());
     }
 
   private:
