@@ -24,26 +24,26 @@ struct NamedStretch {
     unsigned settings; ///< one bit for each
 };
 
-constexpr unsigned region = Bit(Setting::Region);
-constexpr unsigned curve = region | Bit(Setting::Gamma);
-constexpr unsigned curveAndRanges = curve | Bit(Setting::Ranges);
-constexpr unsigned percentages = curve | Bit(Setting::Clip);
-constexpr unsigned bounds = region | Bit(Setting::Bounds);
+constexpr unsigned takesRegion = Bit(Setting::Region);
+constexpr unsigned takesGamma = takesRegion | Bit(Setting::Gamma);
+constexpr unsigned takesRanges = takesGamma | Bit(Setting::Ranges);
+constexpr unsigned takesClip = takesGamma | Bit(Setting::Clip);
+constexpr unsigned takesBounds = takesRegion | Bit(Setting::Bounds);
 
 /// The engine's own in the order of their types, then those made of them.
 constexpr std::array<NamedStretch, 12> stretches = {{
     {"none", StretchNone, 0},
-    {"table", StretchEnhanceTable, curveAndRanges},
-    {"linear", StretchLinear, curveAndRanges},
-    {"stddev", StretchStdDev, curve},
-    {"equalize", StretchHistEqualize, region},
-    {"autolevels", StretchAutoLevels, region | Bit(Setting::Threshold)},
-    {"zoom002", StretchZoomLinear002, bounds},
+    {"table", StretchEnhanceTable, takesRanges},
+    {"linear", StretchLinear, takesRanges},
+    {"stddev", StretchStdDev, takesGamma},
+    {"equalize", StretchHistEqualize, takesRegion},
+    {"autolevels", StretchAutoLevels, takesRegion | Bit(Setting::Threshold)},
+    {"zoom002", StretchZoomLinear002, takesBounds},
     {"wallis", StretchWallis, Bit(Setting::WallisModel)},
-    {"zoom", StretchZoomLinear, bounds},
-    {"custom-equalize", StretchCustomHistEqualize, bounds},
-    {"percent", StretchLinear, percentages},
-    {"auto", StretchLinear, percentages},
+    {"zoom", StretchZoomLinear, takesBounds},
+    {"custom-equalize", StretchCustomHistEqualize, takesBounds},
+    {"percent", StretchLinear, takesClip},
+    {"auto", StretchLinear, takesClip},
 }};
 
 const NamedStretch* Find(const std::string& name) {

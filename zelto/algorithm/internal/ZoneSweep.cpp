@@ -13,7 +13,7 @@ namespace zelto {
 namespace {
 
 constexpr const wchar_t* TITLE = L"计算统计信息";
-constexpr int PROGRESS_TOTAL = 100;
+constexpr int SWEEP_STEPS = 100;
 
 /// Three gigabytes of values with their weights and places.
 constexpr std::size_t MOST_VALUES_KEPT = std::size_t{1} << 27;
@@ -60,7 +60,7 @@ ZoneSweep::MakeGroups(std::span<const std::unique_ptr<ZoneOutline>> zones) const
 bool ZoneSweep::Run(std::span<const std::unique_ptr<ZoneOutline>> zones, CDataProgress* progress) {
     m_progress = progress;
     if (progress != nullptr)
-        progress->BeginProgress(TITLE, PROGRESS_TOTAL);
+        progress->BeginProgress(TITLE, SWEEP_STEPS);
     // Zones beside the raster keep these.
     const std::vector<CZonalStatistics::Band> nothing(m_bands.size(),
                                                       ZoneValues(false).Finish(m_shares));
@@ -137,7 +137,7 @@ void ZoneSweep::Close(OpenZone& zone) {
 
 bool ZoneSweep::Step(int rows) {
     m_rowsDone += rows;
-    const auto percent = PROGRESS_TOTAL * m_rowsDone / m_rowsInAll;
+    const auto percent = SWEEP_STEPS * m_rowsDone / m_rowsInAll;
     return m_progress == nullptr || m_progress->StepProgress(static_cast<int>(percent), TITLE);
 }
 

@@ -10,10 +10,6 @@ namespace zelto {
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& name, const std::string& reason) {
-    throw std::runtime_error(name.empty() ? reason : name + ": " + reason);
-}
-
 bool IsPlainList(const Json& value) {
     return value.is_array() && std::none_of(value.begin(), value.end(),
                                             [](const Json& each) { return each.is_structured(); });
@@ -48,6 +44,10 @@ void Append(std::string& text, const Json& value, const std::string& indent) {
 
 } // namespace
 
+void RefuseMember(const std::string& name, const std::string& reason) {
+    throw std::runtime_error(name.empty() ? reason : name + ": " + reason);
+}
+
 Json JsonNumber(double value) {
     if (std::isnan(value))
         return "NaN";
@@ -66,7 +66,7 @@ double NumberOf(const Json& value, const std::string& name) {
         return infinity;
     if (value == "-Infinity")
         return -infinity;
-    Fail(name, "it is no number");
+    RefuseMember(name, "it is no number");
 }
 
 int IntegerOf(const Json& value, int lowest, int highest, const std::string& name) {
@@ -76,8 +76,8 @@ int IntegerOf(const Json& value, int lowest, int highest, const std::string& nam
                         value.get<std::uint64_t>() > std::numeric_limits<std::int32_t>::max()) &&
                       value.get<std::int64_t>() >= lowest && value.get<std::int64_t>() <= highest;
     if (!fits)
-        Fail(name, "it is no whole number from " + std::to_string(lowest) + " to " +
-                       std::to_string(highest));
+        RefuseMember(name, "it is no whole number from " + std::to_string(lowest) + " to " +
+                               std::to_string(highest));
     return value.get<int>();
 }
 
@@ -101,7 +101,7 @@ std::string PrintJson(const Json& value) {
 JsonObject::JsonObject(const Json& value, std::string name)
     : m_value(value), m_name(std::move(name)) {
     if (!value.is_object())
-        Fail(m_name, "it is no object");
+        RefuseMember(m_name, "it is no object");
 }
 
 std::string JsonObject::NameOf(const std::string& member) const {
@@ -112,28 +112,29 @@ const Json& JsonObject::Get(const char* member) {
     m_asked.insert(member);
     const auto found = m_value.find(member);
     if (found == m_value.end())
-        Fail(NameOf(member), "it is missing");
+        RefuseMember(NameOf(member), "it is missing");
     return *found;
 }
 
 std::string JsonObject::Text(const char* member) {
     const Json& value = Get(member);
     if (!value.is_string())
-        Fail(NameOf(member), "it is no text");
+        RefuseMember(NameOf(member), "it is no text");
     return value.get<std::string>();
 }
 
 const Json& JsonObject::List(const char* member, std::size_t most) {
     const Json& value = Get(member);
     if (!value.is_array() || value.size() > most)
-        Fail(NameOf(member), "it is no list of at most " + std::to_string(most) + " elements");
+        RefuseMember(NameOf(member),
+                     "it is no list of at most " + std::to_string(most) + " elements");
     return value;
 }
 
 void JsonObject::RequireNoOthers() const {
     for (const auto& [name, value] : m_value.items())
         if (m_asked.count(name) == 0)
-            Fail(NameOf(name), "a recipe has no such member");
+            RefuseMember(NameOf(name), "a recipe has no such member");
 }
 
 } // namespace zelto

@@ -10,6 +10,9 @@ namespace zelto {
 /// JSON whose members stay in the order they were written.
 using Json = nlohmann::ordered_json;
 
+/// Throws std::runtime_error with the name of a member in front of the reason.
+[[noreturn]] void RefuseMember(const std::string& name, const std::string& reason);
+
 /// A number; JSON has none for the special values, which become the strings "NaN", "Infinity" and
 /// "-Infinity".
 Json JsonNumber(double value);

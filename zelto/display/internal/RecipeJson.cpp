@@ -19,10 +19,6 @@ constexpr std::size_t MOST_BUCKETS = 65'536;
 constexpr std::size_t MOST_CLASSES = 65'536;
 constexpr int LARGEST_SIDE = 65'500;
 
-[[noreturn]] void Fail(const std::string& name, const std::string& reason) {
-    throw std::runtime_error(name + ": " + reason);
-}
-
 /// The adjustments are single precision: the shortest number that reads back to the same.
 double Shortest(double value) {
     char text[32];
@@ -111,7 +107,8 @@ StretchType StretchOf(JsonObject& object, bool isFunction) {
         if (name == CStretchPreparation::GetStretchName(stretch) && (hasFunction || !isFunction))
             return stretch;
     }
-    Fail(object.NameOf("stretch"), "'" + name + "' is not the name of a stretch that can be here");
+    RefuseMember(object.NameOf("stretch"),
+                 "'" + name + "' is not the name of a stretch that can be here");
 }
 
 BandSummary StatisticsOf(JsonObject object) {
@@ -146,7 +143,7 @@ std::array<unsigned char, 256> TableOf(JsonObject& object) {
     std::array<unsigned char, 256> table;
     const Json& list = object.List("table", table.size());
     if (list.size() != table.size())
-        Fail(object.NameOf("table"), "it has not 256 elements");
+        RefuseMember(object.NameOf("table"), "it has not 256 elements");
     for (std::size_t i = 0; i < table.size(); ++i)
         table[i] = static_cast<unsigned char>(
             IntegerOf(list[i], 0, 255, object.NameOf("table[" + std::to_string(i) + "]")));
@@ -158,7 +155,8 @@ void RequireWhole(const JsonObject& object, const RecipeBand& band) {
     const StretchType type = band.stretch;
     const auto require = [&](const char* member, bool wanted) {
         if (object.Has(member) != wanted)
-            Fail(object.NameOf(member), wanted ? "it is missing" : "the stretch has no use for it");
+            RefuseMember(object.NameOf(member),
+                         wanted ? "it is missing" : "the stretch has no use for it");
     };
     require("histogram", type == StretchHistEqualize || type == StretchAutoLevels ||
                              type == StretchCustomHistEqualize);
@@ -191,7 +189,7 @@ RecipeColors ColorsOf(JsonObject object) {
     const auto share = [&](const char* name, double lowest) {
         const double value = object.Number(name);
         if (!(value >= lowest && value <= 1))
-            Fail(object.NameOf(name), "it is not within its bounds");
+            RefuseMember(object.NameOf(name), "it is not within its bounds");
         return value;
     };
     const RecipeColors colors = {share("hue", -1), share("intensity", -1), share("saturation", -1),
@@ -207,7 +205,7 @@ CRgbaColor RampColorOf(const Json& value, const std::string& name) {
     const bool isColor = text.size() == 7 && text[0] == '#' &&
                          std::from_chars(text.data() + 1, end, number, 16).ptr == end;
     if (!isColor)
-        Fail(name, "it is no colour as #rrggbb");
+        RefuseMember(name, "it is no colour as #rrggbb");
     return {static_cast<unsigned char>(number >> 16), static_cast<unsigned char>(number >> 8),
             static_cast<unsigned char>(number), 255};
 }
@@ -216,7 +214,7 @@ CColorRamp RampOf(JsonObject& object) {
     CColorRamp ramp;
     const Json& list = object.List("ramp", 256);
     if (list.size() != 256)
-        Fail(object.NameOf("ramp"), "it has not 256 elements");
+        RefuseMember(object.NameOf("ramp"), "it has not 256 elements");
     for (std::size_t i = 0; i < 256; ++i)
         ramp.SetColor(static_cast<unsigned char>(i),
                       RampColorOf(list[i], object.NameOf("ramp[" + std::to_string(i) + "]")));
@@ -230,7 +228,7 @@ CClassifyDisplayItem ClassOf(JsonObject object) {
     item.m_name = CommonFun::M2U(object.Text("name"));
     const Json& color = object.List("color", 4);
     if (color.size() != 4)
-        Fail(object.NameOf("color"), "it has not four elements");
+        RefuseMember(object.NameOf("color"), "it has not four elements");
     const auto byte = [&](std::size_t i) {
         return static_cast<unsigned char>(
             IntegerOf(color[i], 0, 255, object.NameOf("color[" + std::to_string(i) + "]")));
@@ -249,7 +247,7 @@ CDisplayRecipe::View ViewOf(JsonObject object) {
                          view.box.GetBottom() < view.box.GetTop() &&
                          std::isfinite(view.box.GetRight()) && std::isfinite(view.box.GetBottom());
     if (!hasArea)
-        Fail(object.NameOf("left"), "the box has no area");
+        RefuseMember(object.NameOf("left"), "the box has no area");
     view.width = object.Integer("width", 1, LARGEST_SIDE);
     view.height = object.Integer("height", 1, LARGEST_SIDE);
     if (object.Has("srs"))
@@ -263,7 +261,7 @@ CDisplayRecipe::Mask MaskOf(JsonObject object) {
     mask.area = CommonFun::M2U(object.Text("area"));
     const std::string outside = object.Text("outside");
     if (outside != "transparent" && outside != "black")
-        Fail(object.NameOf("outside"), "it is neither transparent nor black");
+        RefuseMember(object.NameOf("outside"), "it is neither transparent nor black");
     mask.isBlack = outside == "black";
     object.RequireNoOthers();
     return mask;
@@ -271,9 +269,9 @@ CDisplayRecipe::Mask MaskOf(JsonObject object) {
 
 void RequireVersion(JsonObject& object) {
     if (object.Text("format") != FORMAT)
-        Fail("format", "it is not that of a display recipe");
+        RefuseMember("format", "it is not that of a display recipe");
     if (object.Integer("version", 0, INT_MAX) != VERSION)
-        Fail("version", "it is not " + std::to_string(VERSION));
+        RefuseMember("version", "it is not " + std::to_string(VERSION));
 }
 
 } // namespace
@@ -310,18 +308,18 @@ RecipeContent FromJson(const std::string& text) {
     RecipeContent content;
     const Json& bands = object.List("bands", 3);
     if (bands.size() != 1 && bands.size() != 3)
-        Fail("bands", "one band is shown, or three are");
+        RefuseMember("bands", "one band is shown, or three are");
     for (std::size_t i = 0; i < bands.size(); ++i)
         content.bands.push_back(BandOf({bands[i], "bands[" + std::to_string(i) + "]"}));
     content.colors = ColorsOf(object.Object("colors"));
     for (const char* ofOne : {"ramp", "classes"})
         if (object.Has(ofOne) && bands.size() != 1)
-            Fail(ofOne, "it is for a single band");
+            RefuseMember(ofOne, "it is for a single band");
     if (object.Has("ramp"))
         content.ramp = RampOf(object);
     if (object.Has("classes")) {
         if (content.ramp)
-            Fail("classes", "they and a ramp contradict each other");
+            RefuseMember("classes", "they and a ramp contradict each other");
         std::size_t place = 0;
         content.classes.emplace();
         for (const Json& item : object.List("classes", MOST_CLASSES))

@@ -49,13 +49,13 @@ bool BeginsWith(const std::string& text, const std::string& beginning) {
     return text.compare(0, beginning.size(), beginning) == 0;
 }
 
-bool IsVirtual(GDALDataset& dataset) {
+bool IsVirtualRaster(GDALDataset& dataset) {
     return dynamic_cast<VRTDataset*>(&dataset) != nullptr;
 }
 
 /// Whether a virtual raster names what it reads by paths that begin in its own folder.
 bool ReadsBesideItself(GDALDataset& dataset) {
-    char** const xml = IsVirtual(dataset) ? dataset.GetMetadata("xml:VRT") : nullptr;
+    char** const xml = IsVirtualRaster(dataset) ? dataset.GetMetadata("xml:VRT") : nullptr;
     return xml != nullptr && *xml != nullptr && std::strstr(*xml, "relativeToVRT=\"1\"") != nullptr;
 }
 
@@ -70,7 +70,8 @@ Files FilesOf(GDALDataset& dataset, const fs::path& path) {
         fs::path file = listed[i];
         if (IsSameFile(FolderOf(file), FolderOf(path)))
             file = path.parent_path() / file.filename(); // however GDAL spells it
-        const bool isOwn = !IsVirtual(dataset) || BeginsWith(file.filename().string(), appended);
+        const bool isOwn =
+            !IsVirtualRaster(dataset) || BeginsWith(file.filename().string(), appended);
         if (isOwn && !Contains(files, file) && !Contains(others, file))
             files.push_back(file);
     }
