@@ -166,8 +166,7 @@ Picture DrawSheet(const View& view, const Options& options) {
             continue;
         try {
             ApplyStretch(source, StretchOfSheet(options.stretch, name), {view.box}, options.file);
-        } catch (const Failure& failure) {
-            EndIfInterrupted();
+        } catch (const UnsuitedStretch& failure) {
             Tell(std::string(failure.what()) + "; the sheet leaves " + name + " out");
             continue;
         }

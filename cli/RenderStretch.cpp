@@ -192,8 +192,11 @@ void ApplyStretch(CRasterSource& source, const StretchOptions& options, const St
     if (!stretch.SuitsShownBands())
         throw UsageError("--stretch wallis: it takes three bands, and one is shown");
     TerminalProgress progress;
+    const GISError result = stretch.Apply(&progress);
+    if (result == GIS_NOT_SUPPORTED)
+        throw UnsuitedStretch(path, LastReason("it does not suit the values"));
     // Statistics that cannot be taken leave a reason, and another picture.
-    if (stretch.Apply(&progress) != GIS_SUCCESS || !CGISDataSource::GetLastErrorText().empty())
+    if (result != GIS_SUCCESS || !CGISDataSource::GetLastErrorText().empty())
         throw Failure(path, LastReason("its pixels cannot be read"));
 }
 

@@ -2,6 +2,8 @@
 
 #include "zelto/geometry/BoundingBox.h"
 
+#include "cli/support/Failure.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,6 +37,12 @@ struct StretchPlaces {
     CAOISource* area = nullptr; ///< null without --aoi
 };
 
+/// The values of an image are not such that a stretch could show them.
+class UnsuitedStretch : public Failure {
+  public:
+    using Failure::Failure;
+};
+
 /// Adds --stretch and the options of the stretches.
 void AddStretchOptions(CLI::App& command, StretchOptions& options);
 
@@ -59,7 +67,7 @@ std::vector<std::string> StretchesOfSheet();
 bool ShowsBytesAsTheyAre(const StretchOptions& options);
 
 /// Sets the stretch on the source, with progress where it reads for long. Throws Failure naming
-/// `path`, and UsageError where the options do not fit the shown bands.
+/// `path`, UnsuitedStretch among them, and UsageError where the options do not fit the shown bands.
 void ApplyStretch(CRasterSource& source, const StretchOptions& options, const StretchPlaces& places,
                   const std::string& path);
 

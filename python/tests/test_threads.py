@@ -129,10 +129,11 @@ def test_ctrl_c_ends_the_work_and_leaves_nothing(slow_path, tmp_path, work):
     process.stdout.readline()
     time.sleep(0.3)
     process.send_signal(signal.SIGINT)
-    assert process.wait(30) in (0, 7)
+    # The work may be done before the signal comes, which then meets the interpreter at its end.
+    assert process.wait(30) in (0, 7, -signal.SIGINT)
     left = set(os.listdir(tmp_path)) - {"slow.tif"}
     if process.returncode == 7:
-        assert left <= {"c.tif"}, left
+        assert left <= {"c.tif", "c.tfw"}, left
 
 
 def resident():

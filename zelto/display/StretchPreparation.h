@@ -132,10 +132,12 @@ class ZELTO_API CStretchPreparation {
 
     /// Finds what the stretch needs and sets it on the source and its shown bands.
     /// @param progress may be null; reports and cancels reading a region
-    /// @return GIS_FAILED for a setting that the stretch does not take, for bands that it does not
-    ///         suit, for a region without values, when a band cannot be read or when cancelled;
-    ///         CGISDataSource::GetLastErrorText() tells which. The stretch of the source is then
-    ///         the former one, though the bands may have their own statistics back.
+    /// @return GIS_NOT_SUPPORTED for values that lie too close together for the stretches
+    ///         that go by a histogram; GIS_FAILED for a setting that the stretch does not take, for
+    ///         bands that it does not suit, for a region without values, when a band cannot be read
+    ///         or when cancelled; CGISDataSource::GetLastErrorText() tells which. The stretch of
+    ///         the source is then the former one, though the bands may have their own statistics
+    ///         back.
     GISError Apply(CDataProgress* progress);
 
     /// The stretch that Apply() has set; differs from GetStretch() for `auto`.
@@ -152,6 +154,7 @@ class ZELTO_API CStretchPreparation {
     bool CheckSettings() const;
     Plan MakePlan() const;
     bool GoesByRegion(const Plan& plan) const;
+    static bool IsUnsuited(const Plan& plan);
     bool Measure(Plan& plan, CDataProgress* progress) const;
     bool CountBuckets(Plan& plan, CRegionStatistics& region, CDataProgress* progress) const;
     bool Commit(const Plan& plan, CDataProgress* progress) const;

@@ -80,6 +80,11 @@ void SetZoom(CRasterBand& band, StretchType type, std::optional<double> low,
     band.SetStretchData(type, 0.0, 0.0, from, to, 0.0, 0.0);
 }
 
+/// Whether a band's values lie too close together for a histogram.
+bool LacksRange(const CRasterBand& band) {
+    return !(band.GetMaximum() - band.GetMinimum() >= 1.0);
+}
+
 /// Counts the whole band where no region has been counted; the counts are answered from the
 /// band's last ones where they are the same.
 bool EqualizeBand(CRasterBand& band, const BandPlan& plan) {
@@ -87,10 +92,10 @@ bool EqualizeBand(CRasterBand& band, const BandPlan& plan) {
         return band.SetHistogram(plan.histogram->range.low, plan.histogram->range.high,
                                  static_cast<int>(plan.histogram->counts.size()),
                                  plan.histogram->counts.data());
-    const double range = band.GetMaximum() - band.GetMinimum();
-    if (!(range >= 1.0))
+    if (LacksRange(band))
         return zelto::FailWith(false, L"",
                                "the values of a band lie too close together for a histogram");
+    const double range = band.GetMaximum() - band.GetMinimum();
     std::array<int, 256> counts{};
     const int buckets = range > 256.0 ? 256 : static_cast<int>(range);
     return band.GetHistogram(band.GetMinimum(), band.GetMaximum(), buckets, counts.data(), false,
@@ -327,6 +332,14 @@ bool CStretchPreparation::SetBand(const Plan& plan, const BandPlan& found, bool 
     }
 }
 
+/// Whether what fails does so because of the values, and not of reading them.
+bool CStretchPreparation::IsUnsuited(const Plan& plan) {
+    return IsHistogramType(plan.type) &&
+           std::any_of(plan.bands.begin(), plan.bands.end(), [](const BandPlan& band) {
+               return !band.histogram && LacksRange(*band.band);
+           });
+}
+
 GISError CStretchPreparation::Apply(CDataProgress* progress) {
     return zelto::Operation(GIS_FAILED, [&] {
         if (!IsUsable() || !CheckSettings())
@@ -341,6 +354,6 @@ GISError CStretchPreparation::Apply(CDataProgress* progress) {
             return GIS_SUCCESS;
         }
         zelto::NameFileOfLastError(m_source->GetFilePath());
-        return GIS_FAILED;
+        return IsUnsuited(plan) ? GIS_NOT_SUPPORTED : GIS_FAILED;
     });
 }
