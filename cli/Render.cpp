@@ -5,6 +5,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
+#include "cli/RenderMany.h"
 #include "cli/RenderRamps.h"
 #include "cli/RenderRecipe.h"
 #include "cli/RenderSheet.h"
@@ -12,6 +13,7 @@
 #include "cli/RenderView.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
+#include "cli/support/ManyFiles.h"
 #include "cli/support/Message.h"
 #include "cli/support/Open.h"
 #include "cli/support/Picture.h"
@@ -51,6 +53,7 @@ struct Options {
     std::string srs;
     bool contactSheet = false;
     RecipeOptions recipe;
+    ManyPictures many;
 };
 
 void OpenForDisplay(CRasterSource& source, const std::string& path, const std::string& srs) {
@@ -249,7 +252,9 @@ View ViewOf(const CRasterSource& source, const CDisplayRecipe* recipe, const Opt
     return ChooseView(source, view);
 }
 
-void Run(const Options& given) {
+/// Draws one image.
+/// @return what was made, in a line
+std::string RenderOne(const Options& given) {
     CheckOptions(given);
     std::optional<CDisplayRecipe> recipe;
     if (!given.recipe.from.empty())
@@ -266,10 +271,42 @@ void Run(const Options& given) {
         WritePicture(DrawSheet(view, options), options.out);
     else
         DrawPicture(source, view, recipe ? &*recipe : nullptr, options);
-    std::cout << Printable(options.out.path) << ": " << view.width << " x " << view.height
-              << (options.contactSheet ? " pixels a picture\n" : " pixels\n");
-    if (ReadsWhole(source, view, options))
+    if (options.many.folder.empty() && ReadsWhole(source, view, options))
         HintAtPyramid(source, options.file);
+    return Printable(options.out.path) + ": " + std::to_string(view.width) + " x " +
+           std::to_string(view.height) + (options.contactSheet ? " pixels a picture" : " pixels");
+}
+
+void RenderMany(const Options& options) {
+    if (!options.recipe.to.empty())
+        throw UsageError("--save-recipe: a recipe is for one picture, not for those of --into");
+    std::vector<std::string> images = {options.file};
+    if (!options.out.path.empty())
+        images.push_back(options.out.path);
+    images.insert(images.end(), options.many.more.begin(), options.many.more.end());
+    const std::vector<std::string> paths = PathsOfPictures(images, options.many);
+    std::vector<std::string> lines(images.size());
+    const auto failures =
+        ForEachFile(images, options.many.jobs, [&](std::size_t image, CDataProgress& /*progress*/) {
+            Options one = options;
+            one.file = images[image];
+            one.out.path = paths[image];
+            lines[image] = RenderOne(one);
+        });
+    for (const std::string& line : lines)
+        if (!line.empty())
+            std::cout << line << '\n';
+    TellFailures(failures);
+}
+
+void Run(const Options& options) {
+    if (!options.many.folder.empty())
+        return RenderMany(options);
+    if (options.out.path.empty())
+        throw UsageError("render: OUT is required");
+    if (!options.many.more.empty())
+        throw UsageError("render: one image makes one picture; --into FOLDER takes several");
+    std::cout << RenderOne(options) << '\n';
 }
 
 void AddViewOptions(CLI::App& render, Options& options) {
@@ -309,8 +346,7 @@ void AddRender(CLI::App& program) {
     auto* render = program.add_subcommand("render", "draw a raster as a picture");
     auto options = std::make_shared<Options>();
     render->add_option("FILE", options->file, "raster file")->required();
-    render->add_option("OUT", options->out.path, "picture: .png, .jpg or .tif (georeferenced)")
-        ->required();
+    render->add_option("OUT", options->out.path, "picture: .png, .jpg or .tif (georeferenced)");
     AddViewOptions(*render, *options);
     AddColorOptions(*render, *options);
     AddStretchOptions(*render, options->stretch);
@@ -318,6 +354,7 @@ void AddRender(CLI::App& program) {
                      "one labelled sheet of all stretches that suit the bands; --size is that of "
                      "one picture");
     AddPictureOptions(*render, options->out);
+    AddManyOptions(*render, options->many);
     AddRecipeOptions(*render, options->recipe);
     render->footer(
         "Stretches: none shows 8-bit values as they are, others from minimum to maximum;\n"
