@@ -3,13 +3,16 @@
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
+#include "cli/support/JsonReference.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
 
 #include <iostream>
+#include <map>
 #include <memory>
 #include <numeric>
 
@@ -22,6 +25,8 @@ struct Options {
     std::string out;
     std::string srs;
     std::string point;
+    double tolerance = 0.0;
+    bool overwrite = false;
     bool json = false;
 };
 
@@ -81,12 +86,12 @@ void Info(const Options& options) {
     const std::string system = Narrow(aoi.GetCoordinateNameNew());
     const auto all = AllShapes(aoi);
     if (options.json) {
-        PrintJson({{"file", options.file},
-                   {"count", all.size()},
-                   {"extent", all.empty() ? Json() : JsonBox(aoi.GetExtent())},
-                   {"coordinateSystem", system},
-                   {"wkt", aoi.GetSpatialReferenceWKT()},
-                   {"shapes", ShapesJson(aoi, all)}});
+        Json json = {{"path", options.file},
+                     {"count", all.size()},
+                     {"extent", all.empty() ? Json() : JsonBox(aoi.GetExtent())}};
+        json.update(JsonReference(system, aoi.GetSpatialReferenceWKT()));
+        json["shapes"] = ShapesJson(aoi, all);
+        PrintJson(json);
         return;
     }
     Table table({"file", options.file});
@@ -104,12 +109,13 @@ void Info(const Options& options) {
 }
 
 void Convert(const Options& options) {
-    RequireAoiFormat(options.out);
+    RequireAoiFormat(options.out, options.tolerance);
     CAOISource aoi;
     OpenAoiOrFail(aoi, options.file, options.srs);
     if (aoi.GetDrawShapeCount() == 0)
         throw Failure(options.file, "holds no polygons");
-    SaveAoiOrFail(aoi, options.out);
+    RequireFreePath(options.out, options.overwrite, {options.file});
+    SaveAoiOrFail(aoi, options.out, options.tolerance);
 }
 
 void Hit(const Options& options) {
@@ -118,7 +124,8 @@ void Hit(const Options& options) {
     OpenAoiOrFail(aoi, options.file);
     const auto hit = ShapesAt(aoi, {xy[0], xy[1]});
     if (options.json)
-        PrintJson({{"point", {JsonNumber(xy[0]), JsonNumber(xy[1])}},
+        PrintJson({{"path", options.file},
+                   {"point", {{"x", JsonNumber(xy[0])}, {"y", JsonNumber(xy[1])}}},
                    {"inside", !hit.empty()},
                    {"shapes", ShapesJson(aoi, hit)}});
     else if (hit.empty())
@@ -136,6 +143,33 @@ auto Quietly(Run run, std::shared_ptr<Given> options) {
     };
 }
 
+constexpr const char* AOI_FORMATS = ".aif, .shp, .gpkg or .geojson";
+
+void AddToleranceOption(CLI::App& command, double& tolerance) {
+    command
+        .add_option("--tolerance", tolerance,
+                    "of vector files: largest distance of an ellipse's outline from its curve in "
+                    "ground units, a tenth of a pixel, say (default: 0.00001 of its longer side)")
+        ->check(CLI::PositiveNumber);
+}
+
+/// An option that may be given any number of times.
+void AddShapeOption(CLI::App& command, const std::string& name, const std::string& description) {
+    command.add_option("--" + name, description)->expected(1)->take_all();
+}
+
+/// The shapes of all options in the order of the command line.
+std::vector<ShapeText> ShapesInOrder(const CLI::App& command) {
+    std::map<const CLI::Option*, std::size_t> seen;
+    std::vector<ShapeText> shapes;
+    for (const CLI::Option* option : command.parse_order()) {
+        const std::string name = option->get_single_name();
+        if (name == "rect" || name == "ellipse" || name == "polygon" || name == "geojson")
+            shapes.push_back({name, option->results()[seen[option]++]});
+    }
+    return shapes;
+}
+
 void AddInfoOfAoi(CLI::App& aoi) {
     auto options = std::make_shared<Options>();
     auto* info = aoi.add_subcommand("info", "which shapes a file holds");
@@ -148,30 +182,34 @@ void AddConvertOfAoi(CLI::App& aoi) {
     auto options = std::make_shared<Options>();
     auto* convert = aoi.add_subcommand("convert", "write an area of interest in another format");
     convert->add_option("IN", options->file, ".aif or any vector file")->required();
-    convert->add_option("OUT", options->out, ".aif or .shp; replaced if it exists")->required();
+    convert->add_option("OUT", options->out, AOI_FORMATS)->required();
     convert->add_option("--srs", options->srs, "transform to this reference system");
+    AddToleranceOption(*convert, options->tolerance);
+    AddOverwriteOption(*convert, options->overwrite);
     convert->callback(Quietly(Convert, options));
 }
 
 void AddNewAoi(CLI::App& aoi) {
     auto options = std::make_shared<AoiNewOptions>();
     auto* create = aoi.add_subcommand("new", "make an area of interest from shapes given as text");
-    create->add_option("OUT", options->out, ".aif or .shp; replaced if it exists")->required();
-    create->add_option("--rect", options->rectangles, "left,top,right,bottom; repeat for more")
-        ->expected(1)
-        ->take_all();
-    create->add_option("--ellipse", options->ellipses, "left,top,right,bottom around an ellipse")
-        ->expected(1)
-        ->take_all();
-    create->add_option("--polygon", options->polygons, "x,y,x,y,x,y,… of a polygon's vertices")
-        ->expected(1)
-        ->take_all();
-    create->add_option("--geojson", options->geojson, "polygons of a GeoJSON file or text")
-        ->expected(1)
-        ->take_all();
+    create->add_option("OUT", options->out, AOI_FORMATS)->required();
+    AddShapeOption(*create, "rect", "left,top,right,bottom; repeat for more");
+    AddShapeOption(*create, "ellipse", "left,top,right,bottom around an ellipse");
+    AddShapeOption(*create, "polygon", "x,y,x,y,x,y,… of a polygon's vertices");
+    AddShapeOption(*create, "geojson", "polygons of a GeoJSON file or text");
     create->add_option("--srs", options->srs,
-                       "the shapes' reference system; otherwise that of the first GeoJSON");
-    create->callback(Quietly(CreateAoi, options));
+                       "reference system of the area and of the shapes given as text; otherwise "
+                       "that of the first GeoJSON");
+    AddToleranceOption(*create, options->tolerance);
+    AddOverwriteOption(*create, options->overwrite);
+    create->footer("The shapes keep the order of the command line. Those of a GeoJSON are brought\n"
+                   "into the area's reference system; GeoJSON is in longitude and latitude unless\n"
+                   "it says otherwise.");
+    create->callback([create, options] {
+        const QuietGdalUse gdal;
+        options->shapes = ShapesInOrder(*create);
+        CreateAoi(*options);
+    });
 }
 
 void AddMaskOfAoi(CLI::App& aoi) {
@@ -180,6 +218,7 @@ void AddMaskOfAoi(CLI::App& aoi) {
     mask->add_option("AOI", options->aoi, ".aif or any vector file")->required();
     mask->add_option("IMAGE", options->image, "the image that gives the grid")->required();
     mask->add_option("OUT", options->out, "GeoTIFF to write: 1 inside, 0 outside")->required();
+    AddOverwriteOption(*mask, options->overwrite);
     mask->add_flag("--json", options->json, "print JSON");
     mask->footer("A pixel is inside when its centre is, or when it touches one that is. An area\n"
                  "in another reference system is transformed to the image's.");

@@ -5,26 +5,112 @@
 #include "zelto/baselib/NewFileSet.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/NewVector.h"
 #include "cli/support/Open.h"
-#include "cli/support/RasterFiles.h"
 #include "cli/support/Reference.h"
 #include "cli/support/Text.h"
 
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <ogr_spatialref.h>
+#include <ogrsf_frmts.h>
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 
 namespace zelto::cli {
 
 namespace {
 
-VectorDataFormat FormatOf(const std::string& path) {
-    const std::wstring extension = CommonFun::GetExtensionName(Wide(path));
-    if (extension == L"aif")
-        return VDF_AOI;
-    return extension == L"shp" ? VDF_SHAPEFILE : VectorDataFormat(0);
+std::string ExtensionOf(const std::string& path) {
+    return Narrow(CommonFun::GetExtensionName(Wide(path)));
+}
+
+bool IsVectorFile(const std::string& path) {
+    const std::string extension = ExtensionOf(path);
+    return extension == "shp" || extension == "gpkg" || extension == "geojson" ||
+           extension == "json";
+}
+
+/// Of an ellipse whose longer side is 1.
+constexpr double USUAL_TOLERANCE = 0.00001;
+
+/// How many vertices, evenly around an ellipse, leave no chord farther from it than the tolerance:
+/// an ellipse is a circle that is pressed in one direction, which brings chords nearer.
+int VertexCount(double longerAxis, double tolerance) {
+    constexpr int MOST = 1'000'000;
+    const double cosine = 1.0 - tolerance / longerAxis;
+    if (!(cosine > 0.0))
+        return 8;
+    const double count = std::ceil(std::numbers::pi / std::acos(cosine) / 4.0) * 4.0;
+    return static_cast<int>(std::clamp(count, 8.0, static_cast<double>(MOST)));
+}
+
+void AddEllipse(OGRLinearRing& ring, const CDrawRectangle& ellipse, double tolerance) {
+    const double a = ellipse.m_width / 2;
+    const double b = ellipse.m_height / 2;
+    const double longer = std::max(a, b);
+    const int count =
+        VertexCount(longer, tolerance > 0.0 ? tolerance : 2 * longer * USUAL_TOLERANCE);
+    for (int i = 0; i < count; ++i) {
+        const double angle = 2 * std::numbers::pi * i / count;
+        ring.addPoint(ellipse.m_topLeft.x + a + a * std::cos(angle),
+                      ellipse.m_topLeft.y - b - b * std::sin(angle));
+    }
+}
+
+OGRPolygon ToPolygon(const CDrawShape& shape, double tolerance) {
+    OGRLinearRing ring;
+    const auto* const cornered = dynamic_cast<const CDrawRectangle*>(&shape);
+    if (cornered != nullptr && shape.m_shapeKind == SHAPE_ELLIPSE) {
+        AddEllipse(ring, *cornered, tolerance);
+    } else if (cornered != nullptr) {
+        const auto [left, top] = cornered->m_topLeft;
+        const double right = left + cornered->m_width;
+        const double bottom = top - cornered->m_height;
+        for (const auto& [x, y] : {CPoint2D(left, top), CPoint2D(right, top),
+                                   CPoint2D(right, bottom), CPoint2D(left, bottom)})
+            ring.addPoint(x, y);
+    } else {
+        for (const CPoint2D& vertex : shape.m_vertices)
+            ring.addPoint(vertex.x, vertex.y);
+    }
+    OGRPolygon polygon;
+    polygon.addRing(&ring);
+    polygon.closeRings();
+    return polygon;
+}
+
+void SaveAsVector(CAOISource& aoi, const std::string& path, double tolerance) {
+    NewVector file(path);
+    if (file.IsGeoJson() && aoi.GetSpatialReferenceWKT().empty())
+        throw Failure(path, "GeoJSON is in longitude and latitude, and the area has no reference "
+                            "system");
+    OGRLayer& layer = file.MakeLayer(aoi.GetSpatialReferenceWKT(), wkbPolygon);
+    OGRFieldDefn kind("kind", OFTString);
+    bool written = layer.CreateField(&kind) == OGRERR_NONE;
+    for (int i = 0; written && i < aoi.GetDrawShapeCount(); ++i) {
+        const CDrawShape& shape = *aoi.GetDrawShape(i);
+        OGRFeature feature(layer.GetLayerDefn());
+        feature.SetField("kind", KindName(shape).c_str());
+        const OGRPolygon polygon = ToPolygon(shape, tolerance);
+        written = feature.SetGeometry(&polygon) == OGRERR_NONE &&
+                  layer.CreateFeature(&feature) == OGRERR_NONE;
+    }
+    if (!written)
+        throw Failure(path, LastReason("cannot be written"));
+    file.Finish();
+}
+
+void SaveAsAoi(CAOISource& aoi, const std::string& path) {
+    CNewFileSet files(Wide(path));
+    if (!files.IsOpen())
+        throw Failure(CGISDataSource::GetLastErrorText());
+    if (aoi.SaveAs(files.GetTemporaryPath().c_str(), VDF_AOI) != GIS_SUCCESS)
+        throw Failure(path, LastReason("cannot be written"));
+    if (!files.Commit())
+        throw Failure(CGISDataSource::GetLastErrorText());
 }
 
 } // namespace
@@ -43,6 +129,7 @@ std::string SrsAsWkt(const std::string& srs, const char* format) {
 
 void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs) {
     ForgetReasons();
+    TrustFileEncodings();
     const char* target = srs.empty() ? nullptr : srs.c_str();
     const GISError error = aoi.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, target);
     if (error == GIS_NOT_SUPPORTED)
@@ -68,29 +155,19 @@ void UseModerateRings(CAOISource& aoi) {
     aoi.SetResolution(longest / STEPS_PER_QUARTER);
 }
 
-void RequireAoiFormat(const std::string& path) {
-    if (FormatOf(path) == VectorDataFormat(0))
-        throw UsageError(path + ": areas of interest are written as .aif or .shp");
+void RequireAoiFormat(const std::string& path, double tolerance) {
+    if (ExtensionOf(path) != "aif" && !IsVectorFile(path))
+        throw UsageError(path + ": areas of interest are written as .aif, .shp, .gpkg or .geojson");
+    if (tolerance > 0.0 && !IsVectorFile(path))
+        throw UsageError("--tolerance: " + path + " keeps ellipses as they are");
 }
 
-void SaveAoiOrFail(CAOISource& aoi, const std::string& path) {
-    UseModerateRings(aoi);
+void SaveAoiOrFail(CAOISource& aoi, const std::string& path, double tolerance) {
     ForgetReasons();
-    const VectorDataFormat format = FormatOf(path);
-    CNewFileSet files(Wide(path));
-    if (!files.IsOpen())
-        throw Failure(CGISDataSource::GetLastErrorText());
-    const std::wstring made = files.GetTemporaryPath();
-    if (aoi.SaveAs(made.c_str(), format) != GIS_SUCCESS)
-        throw Failure(path, LastReason("cannot be written"));
-    const std::string prj = SrsAsWkt(aoi.GetSpatialReferenceWKT(), "FORMAT=WKT1_ESRI");
-    if (format == VDF_SHAPEFILE && !prj.empty()) {
-        const std::wstring stem = CommonFun::GetFilePahWithoutExtension(made);
-        CGISDataSource::WriteWkt(Narrow(stem + L".prj").c_str(), prj.c_str());
-    }
-    const bool isSet = format == VDF_SHAPEFILE;
-    if (!files.Commit(isSet ? SideFilesOf(path) : std::vector<std::wstring>()))
-        throw Failure(CGISDataSource::GetLastErrorText());
+    if (IsVectorFile(path))
+        SaveAsVector(aoi, path, tolerance);
+    else
+        SaveAsAoi(aoi, path);
 }
 
 std::string KindName(const CDrawShape& shape) {

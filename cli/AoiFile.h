@@ -11,16 +11,20 @@ namespace zelto::cli {
 /// @param srs reference system to show it in; empty: its own
 void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs = "");
 
-/// Writes an area of interest by the path's extension, "aif" or "shp"; a shapefile gets its
-/// reference system in a .prj file.
-void SaveAoiOrFail(CAOISource& aoi, const std::string& path);
+/// Writes an area of interest by the path's extension: "aif", "shp", "gpkg", "geojson" or "json".
+/// In vector files an ellipse becomes a polygon; GeoJSON is in longitude and latitude. Throws
+/// Failure.
+/// @param tolerance largest distance of such a polygon from its ellipse in ground units; 0: a
+///        hundred-thousandth of the ellipse's longer side
+void SaveAoiOrFail(CAOISource& aoi, const std::string& path, double tolerance = 0.0);
 
 /// Lets the largest ellipse become a ring of 20,000 points; the engine's own step of a
 /// thousandth of a ground unit would make millions of them.
 void UseModerateRings(CAOISource& aoi);
 
-/// Throws UsageError for a path that SaveAoiOrFail() has no format for.
-void RequireAoiFormat(const std::string& path);
+/// Throws UsageError for a path that SaveAoiOrFail() has no format for, and for a tolerance where
+/// the format keeps ellipses as they are.
+void RequireAoiFormat(const std::string& path, double tolerance = 0.0);
 
 /// A reference system as WKT; empty for none and for what cannot be read.
 /// @param format GDAL's export option: "FORMAT=WKT1_GDAL", or "FORMAT=WKT1_ESRI" as other
@@ -32,13 +36,18 @@ std::string KindName(const CDrawShape& shape);
 
 // What the subcommands of `aoi` do.
 
+/// Shapes as the command line gives them: the option's name, without dashes, and its text.
+struct ShapeText {
+    std::string option;
+    std::string text;
+};
+
 struct AoiNewOptions {
     std::string out;
-    std::vector<std::string> rectangles;
-    std::vector<std::string> ellipses;
-    std::vector<std::string> polygons;
-    std::vector<std::string> geojson;
+    std::vector<ShapeText> shapes; ///< in the order of the command line
     std::string srs;
+    double tolerance = 0.0;
+    bool overwrite = false;
 };
 void CreateAoi(const AoiNewOptions& options);
 
@@ -46,6 +55,7 @@ struct AoiMaskOptions {
     std::string aoi;
     std::string image;
     std::string out;
+    bool overwrite = false;
     bool json = false;
 };
 void WriteAoiMask(const AoiMaskOptions& options);

@@ -9,13 +9,11 @@
 #include "cli/support/Message.h"
 #include "cli/support/NewRaster.h"
 #include "cli/support/Open.h"
-#include "cli/support/Printable.h"
+#include "cli/support/Output.h"
 #include "cli/support/Progress.h"
 #include "cli/support/Text.h"
 
 #include <gdal_priv.h>
-
-#include <iostream>
 
 namespace zelto::cli {
 
@@ -65,13 +63,14 @@ std::int64_t WriteOrFail(CAOISource& aoi, CRasterSource& out, const AoiMaskOptio
     if (error != GIS_SUCCESS)
         throw Failure(options.out, LastReason("cannot be written"));
     if (const std::string reason = CGISDataSource::GetLastErrorText(); !reason.empty())
-        Tell(options.aoi + ": " + reason);
+        Remark(options.aoi + ": " + reason);
     return inside;
 }
 
 } // namespace
 
 void WriteAoiMask(const AoiMaskOptions& options) {
+    RequireFreePath(options.out, options.overwrite, {options.aoi, options.image});
     CRasterSource image;
     OpenGridOrFail(image, options.image);
     RequireFeasible(image, options.image);
@@ -86,10 +85,10 @@ void WriteAoiMask(const AoiMaskOptions& options) {
     out.Commit();
     const std::int64_t pixels = std::int64_t{image.GetWidth()} * image.GetHeight();
     if (options.json)
-        PrintJson({{"file", options.out}, {"inside", inside}, {"pixels", pixels}});
+        PrintJson({{"path", options.out}, {"inside", inside}, {"pixels", pixels}});
     else
-        std::cout << Printable(options.out) << ": " << inside << " of " << pixels
-                  << " pixels inside\n";
+        Confirm(options.out + ": " + std::to_string(inside) + " of " + std::to_string(pixels) +
+                " pixels inside");
 }
 
 } // namespace zelto::cli

@@ -3,7 +3,7 @@
 
 #include "cli/AoiFile.h"
 #include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Text.h"
 
 #include <algorithm>
@@ -49,14 +49,12 @@ bool HasFiniteVertices(const CDrawShape& shape) {
                        [](const CPoint2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); });
 }
 
-/// Takes copies of the polygons of a GeoJSON file or text.
+/// Takes copies of the polygons of a GeoJSON file or text, in the area's system.
 void AddGeoJson(CAOISource& aoi, const std::string& fileOrText) {
     CAOISource source;
-    OpenOrFail(source, fileOrText);
+    OpenAoiOrFail(source, fileOrText, aoi.GetSpatialReferenceWKT());
     if (source.GetDrawShapeCount() == 0)
         throw Failure(fileOrText, "holds no polygons");
-    if (aoi.GetSpatialReferenceWKT().empty())
-        aoi.SetSpatialReferenceWKT(source.GetSpatialReferenceWKT().c_str());
     for (int i = 0; i < source.GetDrawShapeCount(); ++i) {
         if (!HasFiniteVertices(*source.GetDrawShape(i)))
             throw Failure(fileOrText, "has a vertex that is not a finite number");
@@ -64,28 +62,56 @@ void AddGeoJson(CAOISource& aoi, const std::string& fileOrText) {
     }
 }
 
-} // namespace
-
-void CreateAoi(const AoiNewOptions& options) {
-    RequireAoiFormat(options.out);
-    CAOISource aoi;
+/// The system that --srs names, otherwise that of the first GeoJSON, otherwise none.
+std::string ChooseSystem(const AoiNewOptions& options) {
     if (!options.srs.empty()) {
         const std::string wkt = SrsAsWkt(options.srs, "FORMAT=WKT1_GDAL");
         if (wkt.empty())
             throw UsageError("--srs: '" + options.srs + "' is no reference system");
-        aoi.SetSpatialReferenceWKT(wkt.c_str());
+        return wkt;
     }
-    for (const std::string& text : options.rectangles)
-        AddBox<CDrawRectangle>(aoi, "--rect", text);
-    for (const std::string& text : options.ellipses)
-        AddBox<CDrawEllipse>(aoi, "--ellipse", text);
-    for (const std::string& text : options.polygons)
-        AddPolygon(aoi, text);
-    for (const std::string& text : options.geojson)
-        AddGeoJson(aoi, text);
-    if (aoi.GetDrawShapeCount() == 0)
+    const auto first = std::find_if(options.shapes.begin(), options.shapes.end(),
+                                    [](const ShapeText& s) { return s.option == "geojson"; });
+    if (first == options.shapes.end())
+        return {};
+    CAOISource source;
+    OpenAoiOrFail(source, first->text);
+    return source.GetSpatialReferenceWKT();
+}
+
+void AddShape(CAOISource& aoi, const ShapeText& shape) {
+    if (shape.option == "rect")
+        AddBox<CDrawRectangle>(aoi, "--rect", shape.text);
+    else if (shape.option == "ellipse")
+        AddBox<CDrawEllipse>(aoi, "--ellipse", shape.text);
+    else if (shape.option == "polygon")
+        AddPolygon(aoi, shape.text);
+    else
+        AddGeoJson(aoi, shape.text);
+}
+
+std::vector<std::string> GeoJsonFiles(const AoiNewOptions& options) {
+    std::vector<std::string> files;
+    for (const ShapeText& shape : options.shapes)
+        if (shape.option == "geojson")
+            files.push_back(shape.text);
+    return files;
+}
+
+} // namespace
+
+void CreateAoi(const AoiNewOptions& options) {
+    RequireAoiFormat(options.out, options.tolerance);
+    if (options.shapes.empty())
         throw UsageError("no shapes are given: --rect, --ellipse, --polygon or --geojson");
-    SaveAoiOrFail(aoi, options.out);
+    CAOISource aoi;
+    aoi.SetSpatialReferenceWKT(ChooseSystem(options).c_str());
+    for (const ShapeText& shape : options.shapes)
+        AddShape(aoi, shape);
+    if (aoi.GetDrawShapeCount() == 0)
+        throw Failure(options.out, "the GeoJSON holds no polygons");
+    RequireFreePath(options.out, options.overwrite, GeoJsonFiles(options));
+    SaveAoiOrFail(aoi, options.out, options.tolerance);
 }
 
 } // namespace zelto::cli

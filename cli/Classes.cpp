@@ -5,8 +5,11 @@
 #include "cli/Commands.h"
 #include "cli/support/ClassFacts.h"
 #include "cli/support/ClassTable.h"
+#include "cli/support/Csv.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Message.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Printable.h"
 #include "cli/support/Text.h"
 
@@ -15,6 +18,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <system_error>
 
 namespace zelto::cli {
 
@@ -24,6 +28,8 @@ struct Options {
     std::string file;
     std::string table;
     std::string image;
+    bool overwrite = false;
+    bool csv = false;
     bool json = false;
 };
 
@@ -43,10 +49,20 @@ CClassifiedAssistantFile Read(const std::string& path) {
     return file;
 }
 
+/// In the form that `classes write` reads.
+void PrintTable(const std::vector<ClassFacts>& classes) {
+    std::cout << "value,red,green,blue,name\n";
+    for (const ClassFacts& each : classes)
+        std::cout << FormatNumber(each.value) << ',' << each.color[0] << ',' << each.color[1] << ','
+                  << each.color[2] << ',' << CsvText(Printable(each.name)) << '\n';
+}
+
 void Show(const Options& options) {
     const auto classes = Facts(Read(options.file));
     if (options.json)
-        PrintJson(ToJson(classes));
+        PrintJson({{"path", options.file}, {"classes", ToJson(classes)}});
+    else if (options.csv)
+        PrintTable(classes);
     else
         PrintClasses(classes);
 }
@@ -64,30 +80,41 @@ void CheckWithImage(const std::string& image, std::size_t classCount) {
                                  " classes instead of " + std::to_string(classCount));
 }
 
-std::string AssistantPath(const Options& options) {
-    if (!options.file.empty())
-        return options.file;
-    return std::filesystem::path(options.image).replace_extension("acf").string();
+/// Where an image's classes are.
+std::string AssistantOf(const std::string& image) {
+    return std::filesystem::path(image).replace_extension("acf").string();
+}
+
+/// The file that --image is to be checked with is the one that is written, or none.
+void RequireAssistantOf(const Options& options) {
+    std::error_code ignored;
+    const std::filesystem::path expected = AssistantOf(options.image);
+    if (std::filesystem::weakly_canonical(options.file, ignored) !=
+        std::filesystem::weakly_canonical(expected, ignored))
+        throw UsageError("--image: '" + options.image + "' takes its classes from '" +
+                         expected.string() + "', not from '" + options.file + "'");
 }
 
 void Write(const Options& options) {
     if (options.file.empty() && options.image.empty())
         throw UsageError("classes write: give the assistant file or the image it belongs to");
-    const std::string path = AssistantPath(options);
+    if (!options.file.empty() && !options.image.empty())
+        RequireAssistantOf(options);
+    const std::string path = options.file.empty() ? AssistantOf(options.image) : options.file;
+    RequireFreePath(path, options.overwrite, {options.table, options.image});
     CClassifiedAssistantFile file;
     file.SetClasses(ReadClassTable(options.table));
     if (!file.WriteClssifiedAssistantFile(Wide(path)))
         throw Failure(path, "cannot be written");
     if (!options.image.empty())
         CheckWithImage(options.image, file.GetClasses().size());
-    std::cout << Printable(path) << ": " << file.GetClasses().size() << " classes\n";
+    Confirm(path + ": " + std::to_string(file.GetClasses().size()) + " classes");
 }
 
 void Check(const Options& options) {
-    const std::string path = AssistantPath(options);
-    const std::size_t count = Read(path).GetClasses().size();
+    const std::size_t count = Read(AssistantOf(options.image)).GetClasses().size();
     CheckWithImage(options.image, count);
-    std::cout << Printable(options.image) << ": opens with " << count << " classes\n";
+    Confirm(options.image + ": opens with " + std::to_string(count) + " classes");
 }
 
 } // namespace
@@ -102,13 +129,16 @@ void AddClasses(CLI::App& program) {
 
     auto* show = classes->add_subcommand("show", "the classes of an assistant file");
     show->add_option("ACF", options->file)->required();
-    show->add_flag("--json", options->json, "print JSON");
+    auto* json = show->add_flag("--json", options->json, "print JSON");
+    show->add_flag("--csv", options->csv, "print the table that `classes write` reads")
+        ->excludes(json);
     show->callback([options] { Show(*options); });
 
     auto* write = classes->add_subcommand("write", "make an assistant file from a CSV table");
     write->add_option("CSV", options->table, "lines of value,red,green,blue,name")->required();
     write->add_option("ACF", options->file, "default: the image's name with .acf");
     write->add_option("--image", options->image, "check that this image opens with the classes");
+    AddOverwriteOption(*write, options->overwrite);
     write->callback([options] { Write(*options); });
 
     auto* check = classes->add_subcommand("check", "whether an image opens with its classes");

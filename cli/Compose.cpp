@@ -2,17 +2,18 @@
 #include "zelto/raster/RasterBand.h"
 
 #include "cli/Commands.h"
+#include "cli/RenderOpacity.h"
 #include "cli/RenderStretch.h"
 #include "cli/RenderView.h"
 #include "cli/support/Failure.h"
+#include "cli/support/Message.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Picture.h"
-#include "cli/support/Printable.h"
 #include "cli/support/PyramidHint.h"
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
 #include <memory>
 
 namespace zelto::cli {
@@ -60,6 +61,7 @@ void Run(const Options& options) {
     ColorSource colors[3];
     for (std::size_t k = 0; k < 3; ++k) {
         OpenColor(colors[k], options.colors[k]);
+        RequireFreePath(options.out.path, options.out.overwrite, {colors[k].path});
         ApplyStretch(colors[k].source, options.stretch, {}, colors[k].path);
     }
     CComposedRaster composed;
@@ -75,9 +77,11 @@ void Run(const Options& options) {
                       "the box misses the images, or their pixels cannot be read");
     if (!CGISDataSource::GetLastErrorText().empty()) // drawn without statistics of its bands
         throw Failure(CGISDataSource::GetLastErrorText());
+    for (ColorSource& color : colors)
+        ApplyOpacity(picture, color.source, view, "");
     WritePicture(picture, options.out, PicturePlace{view.box, composed.GetProjectionWKT()});
-    std::cout << Printable(options.out.path) << ": " << view.width << " x " << view.height
-              << " pixels\n";
+    Confirm(options.out.path + ": " + std::to_string(view.width) + " x " +
+            std::to_string(view.height) + " pixels");
     for (const ColorSource& color : colors)
         HintAtPyramid(color.source, color.path);
 }

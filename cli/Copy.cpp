@@ -1,15 +1,19 @@
 #include "zelto/raster/RasterBand.h"
 
 #include "cli/Commands.h"
+#include "cli/CopyFacts.h"
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"
+#include "cli/support/Message.h"
 #include "cli/support/NewRaster.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/RasterChoice.h"
 #include "cli/support/Strips.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
+#include <cpl_conv.h>
 #include <gdal_priv.h>
 
 #include <algorithm>
@@ -31,17 +35,8 @@ struct Options {
     std::string box;
     std::string type;
     std::string format;
+    bool overwrite = false;
     std::vector<std::string> creation;
-};
-
-/// What is copied: some bands of a part of an image, as samples of a type.
-struct Selection {
-    std::vector<int> bands; ///< from 0
-    CRect window;
-    PixelDataType type = PDT_Byte;
-
-    int Width() const { return window.right - window.left; }
-    int Height() const { return window.bottom - window.top; }
 };
 
 CRect PixelWindow(const std::string& text) {
@@ -72,8 +67,8 @@ CRect ChooseWindow(const Options& options, CRasterSource& source) {
     return window;
 }
 
-Selection Select(const Options& options, CRasterSource& source) {
-    Selection selection;
+CopySelection Select(const Options& options, CRasterSource& source) {
+    CopySelection selection;
     selection.bands.resize(static_cast<std::size_t>(source.GetBandCount()));
     std::iota(selection.bands.begin(), selection.bands.end(), 0);
     if (!options.bands.empty())
@@ -94,45 +89,13 @@ bool WindowGeoTransform(const CRasterSource& source, const CRect& window, double
     return true;
 }
 
-/// Control points, moved with the window's corner.
-void CopyControlPoints(CRasterSource& source, const CRect& window, CRasterSource& made) {
-    GDALDataset* file = source.GetGDALDataset();
-    const int count = file->GetGCPCount();
-    if (count == 0)
-        return;
-    GDAL_GCP* points = GDALDuplicateGCPs(count, file->GetGCPs());
-    for (int i = 0; i < count; ++i) {
-        points[i].dfGCPPixel -= window.left;
-        points[i].dfGCPLine -= window.top;
-    }
-    made.GetGDALDataset()->SetGCPs(count, points, file->GetGCPSpatialRef());
-    GDALDeinitGCPs(count, points);
-    CPLFree(points);
+/// Tells what the new file lacks.
+void TellWhatIsLost(const std::vector<std::string>& lost, const std::string& path) {
+    for (const std::string& what : lost)
+        Remark(path + ": the format cannot hold " + what + ", which the copy lacks");
 }
 
-/// Whether a value survives as a sample of a type.
-bool Fits(double value, PixelDataType type) {
-    std::array<double, 2> sample = {};
-    double back = 0.0;
-    GDALCopyWords(&value, GDT_Float64, 0, sample.data(), static_cast<GDALDataType>(type), 0, 1);
-    GDALCopyWords(sample.data(), static_cast<GDALDataType>(type), 0, &back, GDT_Float64, 0, 1);
-    return back == value || (value != value && back != back);
-}
-
-/// No-data values and colour tables, which some formats store before the pixels.
-void CopyBandFacts(CRasterSource& source, const Selection& selection, CRasterSource& made) {
-    for (std::size_t i = 0; i < selection.bands.size(); ++i) {
-        const CRasterBand& from = *source.GetRasterBand(selection.bands[i]);
-        CRasterBand* to = made.GetRasterBand(static_cast<int>(i));
-        if (from.IsHaveNoData() && Fits(from.GetNoDataValue(), selection.type))
-            to->SetNoDataValue(from.GetNoDataValue(), true);
-        // A table explains the values of one band; several bands are colours themselves.
-        if (from.IsHaveColorTable() && selection.bands.size() == 1)
-            to->SetColorTable(from.GetColorTable());
-    }
-}
-
-void CopyPixels(CRasterSource& source, const Selection& selection, CRasterSource& made,
+void CopyPixels(CRasterSource& source, const CopySelection& selection, CRasterSource& made,
                 const Options& options) {
     const auto sampleSize = static_cast<std::size_t>(
         GDALGetDataTypeSizeBytes(static_cast<GDALDataType>(selection.type)));
@@ -164,12 +127,13 @@ void Copy(const Options& options) {
     const GdalUse use;
     if (!options.window.empty() && !options.box.empty())
         throw UsageError("--window and --box both choose the part to copy; give one");
+    RequireFreePath(options.to, options.overwrite, {options.from});
     NewRasterLayout layout;
     layout.format = ChooseFormat(options.format, options.to);
     CheckCreationOptions(options.creation, layout.format);
     CRasterSource source;
     OpenOrFail(source, options.from);
-    const Selection selection = Select(options, source);
+    const CopySelection selection = Select(options, source);
     std::array<double, 6> geoTransform = {};
     if (WindowGeoTransform(source, selection.window, geoTransform.data()))
         layout.geoTransform = geoTransform.data();
@@ -179,11 +143,17 @@ void Copy(const Options& options) {
     layout.type = selection.type;
     layout.wkt = source.GetProjectionWKT();
     layout.options = options.creation;
+    if (layout.format == RDF_GTiff)
+        layout.options = ColorOptions(source, selection, options.creation);
+    // One file rather than two.
+    const CPLConfigOptionSetter maskInside("GDAL_TIFF_INTERNAL_MASK", "YES", true);
     NewRaster made(options.to, layout);
-    CopyControlPoints(source, selection.window, made.Raster());
-    CopyBandFacts(source, selection, made.Raster());
+    std::vector<std::string> lost = CopyFacts(source, selection, made.Raster());
+    if (!CopyMask(source, selection, made.Raster(), options.from, options.to))
+        lost.emplace_back("a mask");
     CopyPixels(source, selection, made.Raster(), options);
     made.Commit();
+    TellWhatIsLost(lost, options.to);
 }
 
 } // namespace
@@ -198,6 +168,7 @@ void AddCopy(CLI::App& program) {
     copy->add_option("--box", options->box, "part to copy: left,top,right,bottom in ground units");
     copy->add_option("--type", options->type, "pixel type, Byte … Float64");
     copy->add_option("--format", options->format, "format, where the extension does not tell");
+    AddOverwriteOption(*copy, options->overwrite);
     copy->add_option("--co", options->creation, "KEY=VALUE for the GeoTIFF writer");
     copy->callback([options] { Copy(*options); });
 }

@@ -5,6 +5,7 @@
 #include "cli/support/GdalUse.h"
 #include "cli/support/NewRaster.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/RasterChoice.h"
 #include "cli/support/Strips.h"
 #include "cli/support/Text.h"
@@ -32,6 +33,7 @@ struct Options {
     int bands = 0;
     std::optional<double> noData;
     std::optional<double> fill;
+    bool overwrite = false;
     std::vector<std::string> creation;
 };
 
@@ -101,6 +103,7 @@ void Resolve(const Options& options, Layout& layout) {
 
 void Create(const Options& options) {
     const GdalUse use;
+    RequireFreePath(options.path, options.overwrite, {options.like});
     Layout layout;
     Resolve(options, layout);
     NewRaster made(options.path, layout.raster);
@@ -128,6 +131,7 @@ void AddCreate(CLI::App& program) {
     create->add_option("--srs", options->srs, "reference system");
     create->add_option("--no-data", options->noData, "no-data value of all bands");
     create->add_option("--fill", options->fill, "value of all pixels");
+    AddOverwriteOption(*create, options->overwrite);
     create->add_option("--co", options->creation, "KEY=VALUE for the GeoTIFF writer");
     create->callback([options] { Create(*options); });
 }

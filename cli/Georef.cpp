@@ -3,6 +3,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
+#include "cli/GeorefPoints.h"
 #include "cli/support/ChangedRaster.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
@@ -34,7 +35,11 @@ struct Options {
     std::string box;
     std::string geoTransform;
     std::string srs;
+    std::vector<std::string> points;
+    std::string pointFile;
     bool clearPoints = false;
+
+    bool HasPoints() const { return !points.empty() || !pointFile.empty(); }
 };
 
 void CheckFinite(const std::string& option, const std::vector<double>& numbers) {
@@ -143,8 +148,11 @@ void RequireChangeable(const std::string& path) {
 
 void Georef(const Options& options) {
     if (options.box.empty() && options.geoTransform.empty() && options.srs.empty() &&
-        !options.clearPoints)
-        throw UsageError("give --box, --geotransform, --srs or --clear-points");
+        !options.clearPoints && !options.HasPoints())
+        throw UsageError("give --box, --geotransform, --gcp, --srs or --clear-points");
+    std::vector<ControlPoint> points;
+    if (options.HasPoints())
+        points = ReadControlPoints(options.points, options.pointFile);
     if (!options.srs.empty() && !CCoordinateAlgorithm::IsValidCoordinate(options.srs.c_str()))
         throw Failure(options.srs, "not a reference system");
     RequireChangeable(options.path);
@@ -156,7 +164,10 @@ void Georef(const Options& options) {
         ClearPoints(raster, options, file);
     if (place)
         Place(raster, *place, file);
-    if (!options.srs.empty())
+    if (!points.empty())
+        SetControlPoints(raster, points, options.srs.empty() ? ReferenceOf(raster) : options.srs,
+                         file);
+    else if (!options.srs.empty())
         SetReference(raster, options.srs, file);
     ForgetReasons();
     raster.Close();
@@ -173,12 +184,25 @@ void AddGeoref(CLI::App& program) {
     georef->add_option("FILE", options->path, "raster file")->required();
     auto* box = georef->add_option("--box", options->box,
                                    "left,top,right,bottom of the whole image, north up");
-    georef
-        ->add_option("--geotransform", options->geoTransform,
-                     "x,width,row rotation,y,column rotation,height: GDAL's six terms")
-        ->excludes(box);
+    auto* terms =
+        georef
+            ->add_option("--geotransform", options->geoTransform,
+                         "x,width,row rotation,y,column rotation,height: GDAL's six terms")
+            ->excludes(box);
+    auto* point = georef
+                      ->add_option("--gcp", options->points,
+                                   "column,row,x,y of a ground control point; repeat for three or "
+                                   "more, which take the place of all others")
+                      ->expected(1)
+                      ->take_all();
+    auto* pointFile = georef->add_option("--gcp-file", options->pointFile,
+                                         "CSV file with a column,row,x,y per line");
+    for (CLI::Option* each : {point, pointFile})
+        each->excludes(box)->excludes(terms);
     georef->add_option("--srs", options->srs, "reference system of these coordinates");
-    georef->add_flag("--clear-points", options->clearPoints, "remove the ground control points");
+    georef->add_flag("--clear-points", options->clearPoints, "remove the ground control points")
+        ->excludes(point)
+        ->excludes(pointFile);
     georef->footer(
         "The pixels are not touched. The file is changed in a copy that takes its place.");
     georef->callback([options] { Georef(*options); });

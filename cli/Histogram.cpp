@@ -5,9 +5,11 @@
 
 #include "cli/Commands.h"
 #include "cli/support/BandHistogram.h"
+#include "cli/support/Effect.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Json.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Plot.h"
 #include "cli/support/Progress.h"
 #include "cli/support/Region.h"
@@ -40,6 +42,7 @@ struct Options {
     std::string png;
     int buckets = 0; ///< 0: as many as suit the output
     bool logarithmic = false;
+    bool overwrite = false;
     bool json = false;
 };
 
@@ -206,8 +209,10 @@ void CheckPlotName(const std::string& path) {
 void Run(const Options& options) {
     if (options.buckets < 0 || options.buckets > MOST_BUCKETS)
         throw UsageError("--buckets: 1 to " + std::to_string(MOST_BUCKETS));
-    if (!options.png.empty())
+    if (!options.png.empty()) {
         CheckPlotName(options.png);
+        RequireFreePath(options.png, options.overwrite, {options.path, options.region.aoi});
+    }
     CRasterSource source;
     source.SetForDisplay(true); // the display range is what a display would show
     OpenOrFail(source, options.path, GIS_READONLY, !options.region.IsWholeImage());
@@ -236,6 +241,7 @@ void AddHistogram(CLI::App& program) {
     histogram->add_option("--range", options->range,
                           "low,high: count values between these only (all that occur)");
     histogram->add_option("--png", options->png, "draw a plot into this file");
+    AddOverwriteOption(*histogram, options->overwrite);
     histogram->add_flag("--log", options->logarithmic, "logarithmic counts in the plot");
     histogram->add_flag("--json", options->json, "print JSON");
     histogram->footer(
@@ -248,7 +254,11 @@ void AddHistogram(CLI::App& program) {
         "\n"
         "  zelto histogram scene.tif --band 4 --png histogram.png\n"
         "  zelto histogram dem.tif --range 0,3000 --buckets 30");
-    histogram->callback([options] { Run(*options); });
+    histogram->callback([options, histogram] {
+        RequireEffect(*histogram, "--log", !options->png.empty(), "--png");
+        RequireEffect(*histogram, "--overwrite", !options->png.empty(), "--png");
+        Run(*options);
+    });
 }
 
 } // namespace zelto::cli

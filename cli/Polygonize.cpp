@@ -4,13 +4,12 @@
 #include "cli/Commands.h"
 #include "cli/support/Message.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/PolygonBuild.h"
-#include "cli/support/Printable.h"
 #include "cli/support/Progress.h"
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
 #include <memory>
 
 namespace zelto::cli {
@@ -21,6 +20,7 @@ struct Options {
     std::string image;
     std::string out;
     PolygonOptions polygons;
+    bool overwrite = false;
 };
 
 bool HasFractions(PixelDataType type) {
@@ -30,14 +30,14 @@ bool HasFractions(PixelDataType type) {
 void Run(const Options& options) {
     CRasterSource raster;
     OpenOrFail(raster, options.image, GIS_READONLY, true);
+    RequireFreePath(options.out, options.overwrite, {options.image});
     TerminalProgress progress;
     const std::int64_t count =
         BuildPolygons(raster, options.image, options.out, options.polygons, progress);
-    std::cout << Printable(options.out) << ": " << count
-              << (count == 1 ? " polygon\n" : " polygons\n");
+    Confirm(options.out + ": " + std::to_string(count) + (count == 1 ? " polygon" : " polygons"));
     if (HasFractions(raster.GetRasterBand(options.polygons.band - 1)->GetDataType()))
-        Tell(options.image +
-             ": the values have fractions; areas and numbers are of their whole parts");
+        Remark(options.image +
+               ": the values have fractions; areas and numbers are of their whole parts");
 }
 
 } // namespace
@@ -62,7 +62,7 @@ void AddPolygonize(CLI::App& program) {
                            "name of the field that receives the pixel value");
     polygonize->add_flag("--eight", options->polygons.eight,
                          "pixels that touch at a corner belong together");
-    polygonize->footer("An existing file is replaced when the new one is complete.");
+    AddOverwriteOption(*polygonize, options->overwrite);
     polygonize->callback([options] { Run(*options); });
 }
 

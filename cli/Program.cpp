@@ -2,9 +2,11 @@
 
 #include "cli/Cluster.h"
 #include "cli/Commands.h"
+#include "cli/Manual.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
 #include "cli/support/Message.h"
+#include "cli/support/StateFolder.h"
 #include "cli/support/Usage.h"
 
 #include <CLI/CLI.hpp>
@@ -42,6 +44,27 @@ void AddCommands(CLI::App& program) {
     AddStats(program);
     AddVector(program);
     AddZonal(program);
+}
+
+/// Adds --quiet to the program and to all its commands, so that it may stand anywhere.
+void AddQuiet(CLI::App& command) {
+    command.add_flag_callback("--quiet", BeQuiet,
+                              "no progress, no remarks, no word of what was made");
+    for (CLI::App* each : command.get_subcommands([](const CLI::App*) { return true; }))
+        AddQuiet(*each);
+}
+
+/// A hidden option for the build, which installs what it writes.
+void AddManual(CLI::App& program) {
+    program
+        .add_option_function<std::string>(
+            "--write-manual",
+            [&program](const std::string& folder) {
+                WriteManual(program, ZELTO_VERSION, folder);
+                throw CLI::Success();
+            },
+            "write manual pages and completions below a folder")
+        ->group("");
 }
 
 int Fail(const std::string& line, int status = EXIT_FAILED) {
@@ -90,6 +113,7 @@ int RunProgram(int argc, char** argv) {
     if (IsForCluster(argc, argv))
         return HandOverToPython(argc, argv);
     ListenForInterrupts();
+    LogBelowStateFolder();
     // A file that may not grow any more is a failure with a reason, not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
     // Long output goes through a buffer of its own, not piece by piece through C's.
@@ -97,13 +121,16 @@ int RunProgram(int argc, char** argv) {
     // What cannot be printed is a failure like any other, told by an exception.
     std::cout.exceptions(std::ios::badbit | std::ios::failbit);
     CLI::App program("zelto: look into, draw, measure, reproject and make raster images.\n"
-                     "Bands are numbered from 1; boxes are left,top,right,bottom in ground units.");
+                     "Bands are numbered from 1; boxes are left,top,right,bottom in ground units.",
+                     "zelto");
     program.set_version_flag("--version", ZELTO_VERSION);
     program.footer(
         "zelto COMMAND --help explains a command. With --cluster ADDRESS, that of a Dask\n"
         "scheduler, stats, render and pyramids work on many files there; zelto stats\n"
         "--cluster ADDRESS --help explains that.");
     AddCommands(program);
+    AddQuiet(program);
+    AddManual(program);
     const int status = RunAndExplain(program, argc, argv);
     StopListening();
     return status;

@@ -5,17 +5,21 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
+#include "cli/RenderOpacity.h"
 #include "cli/RenderRamps.h"
 #include "cli/RenderRecipe.h"
 #include "cli/RenderSheet.h"
 #include "cli/RenderStretch.h"
+#include "cli/RenderSystem.h"
 #include "cli/RenderView.h"
+#include "cli/support/Effect.h"
 #include "cli/support/Failure.h"
+#include "cli/support/FileOpacity.h"
 #include "cli/support/Interrupts.h"
 #include "cli/support/Message.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Picture.h"
-#include "cli/support/Printable.h"
 #include "cli/support/PyramidHint.h"
 #include "cli/support/Region.h"
 #include "cli/support/Text.h"
@@ -24,7 +28,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -48,22 +51,11 @@ struct Options {
     std::string adjustFrom;
     std::string aoi;
     std::string outside = "transparent";
+    bool cropToAoi = false;
     std::string srs;
     bool contactSheet = false;
     RecipeOptions recipe;
 };
-
-void OpenForDisplay(CRasterSource& source, const std::string& path, const std::string& srs) {
-    source.SetForDisplay(true);
-    if (srs.empty()) {
-        OpenOrFail(source, path, GIS_READONLY, true);
-        return;
-    }
-    ForgetReasons();
-    const GISError error = source.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, srs.c_str());
-    if (error != GIS_SUCCESS)
-        throw Failure(path, ReasonForFailure(path, error));
-}
 
 void ChooseBands(CRasterSource& source, const std::string& text) {
     std::vector<int> bands = ParseBands("--bands", text, source.GetBandCount());
@@ -83,6 +75,7 @@ void ChooseRamp(CRasterSource& source, const std::string& name) {
 /// The options that are display settings of the source. Those of another raster come first, so
 /// that what is said on the command line holds.
 void ApplySettings(CRasterSource& source, const Options& options) {
+    ShowBandsByColor(source);
     if (!options.adjustFrom.empty()) {
         CRasterSource other;
         OpenForDisplay(other, options.adjustFrom, "");
@@ -140,6 +133,8 @@ Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
         source.GetMaskedShowData(&box, view.width, view.height, 3, pointers, &area, inside.data()),
         options.file);
     CRasterAlgorithm::AdjustContrast(pointers, view.width, view.height, contrast, 3);
+    if (std::all_of(inside.begin(), inside.end(), [](unsigned char mark) { return mark == 0; }))
+        Remark(options.aoi + ": no part of it lies in the picture");
 
     Picture picture(view.width, view.height);
     const auto opaque =
@@ -161,16 +156,19 @@ Picture DrawSheet(const View& view, const Options& options) {
     for (const std::string& name : StretchesOfSheet()) {
         CRasterSource source;
         OpenForDisplay(source, options.file, options.srs);
+        if (!options.srs.empty())
+            OpenForDisplay(source, options.file, options.srs, &view);
         ApplySettings(source, options);
         if (!SuitsShownBands(source, name))
             continue;
         try {
             ApplyStretch(source, StretchOfSheet(options.stretch, name), {view.box}, options.file);
         } catch (const UnsuitedStretch& failure) {
-            Tell(std::string(failure.what()) + "; the sheet leaves " + name + " out");
+            Remark(std::string(failure.what()) + "; the sheet leaves " + name + " out");
             continue;
         }
         cells.push_back({name, Draw(source, view, options.file)});
+        ApplyOpacity(cells.back().picture, source, view, options.srs);
     }
     if (cells.empty())
         throw Failure(options.file, "no stretch suits its bands");
@@ -179,6 +177,8 @@ Picture DrawSheet(const View& view, const Options& options) {
 
 void CheckOptions(const Options& options) {
     CheckPictureFile(options.out);
+    if (options.cropToAoi && !(options.view.box.empty() && options.view.center.empty()))
+        throw UsageError("--crop-to-aoi, --box and --center contradict each other");
     if (options.outside != "transparent" && options.outside != "black")
         throw UsageError("--outside: transparent or black");
     if (options.contactSheet && !options.aoi.empty())
@@ -189,8 +189,20 @@ void CheckOptions(const Options& options) {
         CheckStretchesOfSheet(options.stretch, !options.aoi.empty());
     else
         CheckStretch(options.stretch, !options.aoi.empty());
+    if (!options.ramp.empty() && options.bands.find(',') != std::string::npos)
+        throw UsageError("--ramp: it colours a single band; give one with --bands");
+    for (const auto& [name, value] : {std::pair("--hue", options.hue),
+                                      {"--intensity", options.intensity},
+                                      {"--saturation", options.saturation},
+                                      {"--contrast", options.contrast}})
+        if (!(value >= -1.0F && value <= 1.0F))
+            throw UsageError(std::string(name) + ": -1 to 1");
     if (!(options.transparency >= 0.0F && options.transparency <= 1.0F))
         throw UsageError("--transparency: 0 to 1");
+    // Wrong usage is told first, whatever stands in the way.
+    RequireFreePath(options.out.path, options.out.overwrite,
+                    {options.file, options.aoi, options.adjustFrom, options.recipe.from});
+    RequireFreePath(options.recipe.to, options.out.overwrite, {options.file, options.aoi});
 }
 
 /// Whether drawing needs all of an image without a pyramid: the statistics of a sample, which
@@ -216,8 +228,9 @@ void DrawPicture(CRasterSource& source, const View& view, const CDisplayRecipe* 
         if (area != nullptr)
             made->SetMask(CDisplayRecipe::Mask{Wide(options.aoi), options.outside == "black"});
     }
-    const Picture picture = area != nullptr ? DrawMasked(source, *area, view, options)
-                                            : Draw(source, view, options.file);
+    Picture picture = area != nullptr ? DrawMasked(source, *area, view, options)
+                                      : Draw(source, view, options.file);
+    ApplyOpacity(picture, source, view, options.srs);
     WritePicture(picture, options.out, PicturePlace{view.box, source.GetProjectionWKT()});
     if (made)
         WriteRecipe(*made, options.recipe.to);
@@ -245,7 +258,7 @@ View ViewOf(const CRasterSource& source, const CDisplayRecipe* recipe, const Opt
     }
     if (options.contactSheet && view.size.empty())
         view.size = "320x";
-    return ChooseView(source, view);
+    return options.cropToAoi ? ChooseCrop(source, options.aoi, view) : ChooseView(source, view);
 }
 
 void Run(const Options& given) {
@@ -256,17 +269,19 @@ void Run(const Options& given) {
     const Options options = recipe ? WithRecipe(given, *recipe) : given;
     CRasterSource source;
     OpenForDisplay(source, options.file, options.srs);
+    const View view = ViewOf(source, recipe ? &*recipe : nullptr, options);
+    if (!options.srs.empty())
+        OpenForDisplay(source, options.file, options.srs, &view);
     if (recipe)
         ApplyRecipe(*recipe, source, options.file);
     else
         ApplySettings(source, options);
-    const View view = ViewOf(source, recipe ? &*recipe : nullptr, options);
     if (options.contactSheet)
         WritePicture(DrawSheet(view, options), options.out);
     else
         DrawPicture(source, view, recipe ? &*recipe : nullptr, options);
-    std::cout << Printable(options.out.path) << ": " << view.width << " x " << view.height
-              << (options.contactSheet ? " pixels a picture\n" : " pixels\n");
+    Confirm(options.out.path + ": " + std::to_string(view.width) + " x " +
+            std::to_string(view.height) + (options.contactSheet ? " pixels a picture" : " pixels"));
     if (ReadsWhole(source, view, options))
         HintAtPyramid(source, options.file);
 }
@@ -282,16 +297,21 @@ void AddViewOptions(CLI::App& render, Options& options) {
     render.add_option("--size", options.view.size,
                       "WxH, or one side as 1024x or x768; default: at most 1024 pixels");
     render.add_option("--srs", options.srs, "reference system to show the image in");
-    render.add_option("--aoi", options.aoi, "area of interest (.aif or any vector file) to show");
+    auto* aoi = render.add_option("--aoi", options.aoi,
+                                  "area of interest (.aif or any vector file) to show");
     render
         .add_option("--outside", options.outside, "what is outside the area: transparent or black")
         ->capture_default_str();
+    render
+        .add_flag("--crop-to-aoi", options.cropToAoi,
+                  "draw no more than the rectangle around the area, in whole pixels of the image")
+        ->needs(aoi);
 }
 
 void AddColorOptions(CLI::App& render, Options& options) {
     render.add_option("--bands", options.bands,
-                      "band numbers for red,green,blue, or one band; default: the file's order, "
-                      "3,2,1 for four bands");
+                      "band numbers for red,green,blue, or one band; default: those that the file "
+                      "calls so, else its order, 3,2,1 for four bands");
     render.add_option("--ramp", options.ramp, "colour ramp of a single band: " + RampNames());
     render.add_option("--hue", options.hue, "shift of the hue, -1 to 1");
     render.add_option("--intensity", options.intensity, "brighter or darker, -1 to 1");
@@ -328,7 +348,10 @@ void AddRender(CLI::App& program) {
         "bands; percent: between two percentiles; auto: none for 8-bit values, palettes and\n"
         "classes, percent for all others.\n"
         "Example: zelto render --bands 4,3,2 --size 800x scene.tif picture.png");
-    render->callback([options] { Run(*options); });
+    render->callback([options, render] {
+        RequireEffect(*render, "--outside", !options->aoi.empty(), "--aoi");
+        Run(*options);
+    });
 }
 
 } // namespace zelto::cli

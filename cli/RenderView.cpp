@@ -3,6 +3,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/Region.h"
 #include "cli/support/Text.h"
 
 #include <algorithm>
@@ -95,6 +96,33 @@ View ChooseView(const CRasterSource& source, const ViewOptions& options) {
     const int longest = std::max(source.GetWidth(), source.GetHeight());
     const int side = options.box.empty() ? std::min(longest, DEFAULT_SIDE) : DEFAULT_SIDE;
     const Size complete = CompleteSize(size, box, side);
+    return {box, complete.width, complete.height};
+}
+
+View ChooseCrop(const CRasterSource& source, const std::string& aoi, const ViewOptions& options) {
+    RegionOptions region;
+    region.aoi = aoi;
+    const CBoundingBox area = MakeRegion(region, source)->GetExtent();
+    const CBoundingBox image = source.GetExtent();
+    const double width = std::fabs(source.GetXResolution());
+    const double height = std::fabs(source.GetYResolution());
+    // A hair beyond a pixel's edge is rounding, not another pixel.
+    constexpr double HAIR = 1e-6;
+    const auto before = [](double pixels) { return std::floor(pixels + HAIR); };
+    const auto after = [](double pixels) { return std::ceil(pixels - HAIR); };
+    const double first = std::max(before((area.GetLeft() - image.GetLeft()) / width), 0.0);
+    const double last = std::min(after((area.GetRight() - image.GetLeft()) / width),
+                                 static_cast<double>(source.GetWidth()));
+    const double top = std::max(before((image.GetTop() - area.GetTop()) / height), 0.0);
+    const double bottom = std::min(after((image.GetTop() - area.GetBottom()) / height),
+                                   static_cast<double>(source.GetHeight()));
+    if (!(first < last && top < bottom))
+        throw Failure(aoi, "it lies beside the image");
+    const CBoundingBox box(image.GetLeft() + first * width, image.GetTop() - top * height,
+                           image.GetLeft() + last * width, image.GetTop() - bottom * height);
+    const int longest = static_cast<int>(std::max(last - first, bottom - top));
+    const Size complete =
+        CompleteSize(ParseSize(options.size), box, std::min(longest, DEFAULT_SIDE));
     return {box, complete.width, complete.height};
 }
 

@@ -27,4 +27,9 @@ struct View {
 /// Throws UsageError.
 View ChooseView(const CRasterSource& source, const ViewOptions& options);
 
+/// The same for the rectangle around an area, as far as the image reaches, widened to whole pixels
+/// of the image. Throws Failure where the area lies beside the image.
+/// @param aoi path of the area
+View ChooseCrop(const CRasterSource& source, const std::string& aoi, const ViewOptions& options);
+
 } // namespace zelto::cli

@@ -1,7 +1,9 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/coordinate/CoordinateTransformation.h"
 
+#include "cli/PointColumns.h"
 #include "cli/ReprojectCommands.h"
+#include "cli/support/Effect.h"
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"
 #include "cli/support/Interrupts.h"
@@ -34,6 +36,7 @@ struct Options {
     std::string fromShift;
     std::string toShift;
     int decimals = -1;
+    std::string columns;
     bool json = false;
 };
 
@@ -87,11 +90,10 @@ std::optional<double> NextNumber(const char*& at, const char* end) {
     return value;
 }
 
-/// Reads x and y from the lines of a text or CSV file; further columns are ignored, and so are
-/// empty lines, comments after '#' and a first line of headings.
-class PointReader {
+/// The lines of a file, or of standard input for "-".
+class LineReader {
   public:
-    explicit PointReader(const std::string& file) : m_name(file) {
+    explicit LineReader(const std::string& file) : m_name(file) {
         if (file == "-") {
             m_name = "standard input";
             return;
@@ -104,13 +106,31 @@ class PointReader {
 
     /// Of the file, for messages.
     const std::string& Name() const { return m_name; }
+    /// File and number of the line that was read last.
+    std::string Where() const { return m_name + ": line " + std::to_string(m_line); }
+    /// False at the end.
+    bool Next(std::string& line) {
+        ++m_line;
+        return static_cast<bool>(std::getline(m_file.is_open() ? m_file : std::cin, line));
+    }
+
+  private:
+    std::string m_name;
+    std::ifstream m_file;
+    std::size_t m_line = 0;
+};
+
+/// Reads x and y from the lines of a text or CSV file; further columns are ignored, and so are
+/// empty lines, comments after '#' and a first line of headings.
+class PointReader {
+  public:
+    explicit PointReader(LineReader& lines) : m_lines(lines) {}
+
     /// Reads up to `most` points; fewer, none at last, at the end.
     Points Read(std::size_t most) {
         Points points;
-        std::istream& in = m_file.is_open() ? m_file : std::cin;
         std::string line;
-        while (points.x.size() < most && std::getline(in, line)) {
-            ++m_line;
+        while (points.x.size() < most && m_lines.Next(line)) {
             const std::size_t first = line.find_first_not_of(" \t\r");
             if (first == std::string::npos || line[first] == '#')
                 continue;
@@ -130,14 +150,11 @@ class PointReader {
             points.x.push_back(*x);
             points.y.push_back(*y);
         } else if (m_contentSeen) {
-            throw Failure(m_name, "line " + std::to_string(m_line) + ": '" + line +
-                                      "' does not start with x and y");
+            throw Failure(m_lines.Where(), "'" + line + "' does not start with x and y");
         }
     }
 
-    std::string m_name;
-    std::ifstream m_file;
-    std::size_t m_line = 0;
+    LineReader& m_lines;
     bool m_contentSeen = false;
 };
 
@@ -167,32 +184,80 @@ void Print(const Points& points, int decimals, Json& json, bool asJson) {
     }
 }
 
+/// How many points there were, and how many of them have no place in the target.
+struct Tally {
+    std::size_t points = 0;
+    std::size_t unknown = 0;
+};
+
+constexpr std::size_t BATCH = 65536;
+
+void Transform(CCoordinateTransformation& transformation, Points& points, Tally& tally) {
+    EndIfInterrupted();
+    points.known.resize(points.x.size());
+    transformation.Transform(static_cast<int>(points.x.size()), points.x.data(), points.y.data(),
+                             nullptr, points.known.data());
+    tally.points += points.x.size();
+    tally.unknown +=
+        static_cast<std::size_t>(std::count(points.known.begin(), points.known.end(), 0));
+}
+
+Tally PrintPoints(LineReader& lines, CCoordinateTransformation& transformation, int decimals,
+                  bool asJson) {
+    PointReader reader(lines);
+    Tally tally;
+    Json json = Json::array();
+    for (Points points = reader.Read(BATCH); !points.x.empty(); points = reader.Read(BATCH)) {
+        Transform(transformation, points, tally);
+        Print(points, decimals, json, asJson);
+    }
+    if (asJson)
+        PrintJson(json);
+    return tally;
+}
+
+/// The table as it is, with other numbers in two of its columns.
+Tally PrintTable(LineReader& lines, CCoordinateTransformation& transformation, int decimals,
+                 const std::string& columnNames) {
+    PointColumns columns(columnNames);
+    Tally tally;
+    std::string text;
+    for (bool more = true; more;) {
+        std::vector<PointLine> table;
+        Points points;
+        while (table.size() < BATCH && (more = lines.Next(text))) {
+            table.push_back(columns.Parse(text, lines.Where()));
+            if (table.back().isPoint) {
+                points.x.push_back(table.back().x);
+                points.y.push_back(table.back().y);
+            }
+        }
+        Transform(transformation, points, tally);
+        std::size_t i = 0;
+        for (const PointLine& line : table) {
+            std::cout << (line.isPoint ? line.With(FormatFixed(points.x[i], decimals),
+                                                   FormatFixed(points.y[i], decimals))
+                                       : line.text)
+                      << '\n';
+            i += line.isPoint ? 1 : 0;
+        }
+    }
+    return tally;
+}
+
 void Run(const Options& options) {
     const QuietGdalUse gdal;
     const Transformation transformation = Connect(options);
-    PointReader reader(options.file);
+    LineReader lines(options.file);
     const int decimals = options.decimals < 0 ? DefaultDecimals(options.to) : options.decimals;
-    constexpr std::size_t BATCH = 65536;
-    Json json = Json::array();
-    std::size_t count = 0;
-    std::size_t unknown = 0;
-    for (Points points = reader.Read(BATCH); !points.x.empty(); points = reader.Read(BATCH)) {
-        EndIfInterrupted();
-        points.known.resize(points.x.size());
-        transformation->Transform(static_cast<int>(points.x.size()), points.x.data(),
-                                  points.y.data(), nullptr, points.known.data());
-        count += points.x.size();
-        unknown +=
-            static_cast<std::size_t>(std::count(points.known.begin(), points.known.end(), 0));
-        Print(points, decimals, json, options.json);
-    }
-    if (options.json)
-        PrintJson(json);
-    if (unknown > 0 && unknown == count)
+    const Tally tally = options.columns.empty()
+                            ? PrintPoints(lines, *transformation, decimals, options.json)
+                            : PrintTable(lines, *transformation, decimals, options.columns);
+    if (tally.unknown > 0 && tally.unknown == tally.points)
         throw Failure(options.to, "none of the points has a place there");
-    if (unknown > 0)
-        Tell(reader.Name() + ": " + std::to_string(unknown) + " of " + std::to_string(count) +
-             " points have no place in " + options.to);
+    if (tally.unknown > 0)
+        Remark(lines.Name() + ": " + std::to_string(tally.unknown) + " of " +
+               std::to_string(tally.points) + " points have no place in " + options.to);
 }
 
 } // namespace
@@ -211,8 +276,15 @@ void AddReprojectPoints(CLI::App& reproject) {
     points->add_option("--to-shift", options->toShift, shift + " of the target");
     points->add_option("--decimals", options->decimals, "default: 10 in degrees, 4 otherwise")
         ->check(CLI::Range(0, 17));
-    points->add_flag("--json", options->json, "print JSON");
-    points->callback([options] { Run(*options); });
+    auto* columns =
+        points->add_option("--columns", options->columns,
+                           "which columns are x and y, as 3,4 or lon,lat; all are printed, these "
+                           "two with the new coordinates");
+    points->add_flag("--json", options->json, "print JSON")->excludes(columns);
+    points->callback([options, points] {
+        RequireEffect(*points, "--decimals", !options->json, "printed text; JSON has all digits");
+        Run(*options);
+    });
 }
 
 } // namespace zelto::cli

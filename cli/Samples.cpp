@@ -1,12 +1,15 @@
 #include "cli/AoiFile.h"
 #include "cli/Commands.h"
+#include "cli/support/Csv.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Json.h"
 #include "cli/support/Message.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Printable.h"
 #include "cli/support/Region.h"
 #include "cli/support/SampleClasses.h"
+#include "cli/support/SampleTable.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
@@ -25,7 +28,9 @@ struct Options {
     std::string image;
     std::string aoi;
     std::string file;
+    std::string table;
     LabelOptions labels;
+    bool overwrite = false;
     bool csv = false;
     bool json = false;
 };
@@ -42,11 +47,8 @@ void PrintCsv(const SampleClasses& classes, int bandCount) {
         std::cout << ",band" << b;
     std::cout << '\n';
     for (const SampleClass& sampleClass : classes) {
-        // The name is quoted as its only text; quotes in it are doubled.
-        std::string name;
-        for (const char c : Printable(sampleClass.name))
-            name += c == '"' ? "\"\"" : std::string(1, c);
-        const std::string start = FormatNumber(sampleClass.label) + ",\"" + name + '"';
+        const std::string start =
+            FormatNumber(sampleClass.label) + "," + CsvText(Printable(sampleClass.name));
         std::string line;
         for (int i = 0; i < sampleClass.pixels.GetSampleSize(); ++i) {
             line = start;
@@ -76,7 +78,7 @@ void PrintClasses(const SampleClasses& classes, int bandCount, bool asJson) {
                              {"minimum", JsonNumber(statistics.minimum[i])},
                              {"maximum", JsonNumber(statistics.maximum[i])}});
         }
-        json.push_back({{"class", sampleClass.name},
+        json.push_back({{"name", sampleClass.name},
                         {"label", JsonNumber(sampleClass.label)},
                         {"shapes", sampleClass.shapes.size()},
                         {"pixels", pixels},
@@ -92,10 +94,10 @@ void PrintClasses(const SampleClasses& classes, int bandCount, bool asJson) {
 void PrintRemarks(const SampleClasses& classes) {
     for (const SampleClass& sampleClass : classes) {
         if (sampleClass.shapesOffImage > 0)
-            Tell(sampleClass.name + ": " + std::to_string(sampleClass.shapesOffImage) +
-                 " of its shapes lie off the image");
+            Remark(sampleClass.name + ": " + std::to_string(sampleClass.shapesOffImage) +
+                   " of its shapes lie off the image");
         if (sampleClass.pixels.GetSampleSize() == 0)
-            Tell(sampleClass.name + ": no pixels");
+            Remark(sampleClass.name + ": no pixels");
     }
 }
 
@@ -109,6 +111,8 @@ void WriteSampleFile(const SampleClasses& classes, int bandCount, const std::str
 }
 
 void Collect(const Options& options) {
+    if (!options.file.empty())
+        RequireFreePath(options.file, options.overwrite, {options.image, options.aoi});
     CRasterSource raster;
     OpenImage(raster, options);
     SampleClasses classes = MakeClasses(options.aoi, options.labels, raster);
@@ -138,6 +142,14 @@ void Export(const Options& options) {
     PrintCsv(classes, raster.GetBandCount());
     std::cout.flush();
     PrintRemarks(classes);
+}
+
+void Import(const Options& options) {
+    RequireFreePath(options.file, options.overwrite, {options.table});
+    int bandCount = 0;
+    const SampleClasses classes = ReadSampleTable(options.table, bandCount);
+    WriteSampleFile(classes, bandCount, options.file);
+    PrintClasses(classes, bandCount, options.json);
 }
 
 Json NumbersAsJson(const std::vector<double>& numbers) {
@@ -186,7 +198,7 @@ void Show(const Options& options) {
                           FormatNumber(record.m_thirdArray[b])});
     }
     if (options.json)
-        PrintJson({{"classes", classes}});
+        PrintJson({{"path", options.file}, {"classes", classes}});
     else
         table.Print();
 }
@@ -206,12 +218,13 @@ void AddCollect(CLI::App& samples) {
     collect->add_option("--names", options->labels.names,
                         "names of the classes, in the order they come up");
     collect->add_option("-o,--out", options->file, "write a sample file");
+    AddOverwriteOption(*collect, options->overwrite);
     auto* csv = collect->add_flag("--csv", options->csv, "print the pixels, one line each");
     collect->add_flag("--json", options->json, "print JSON")->excludes(csv);
     collect->callback([options] { Collect(*options); });
 }
 
-void AddShowAndExport(CLI::App& samples) {
+void AddShowExportAndImport(CLI::App& samples) {
     auto* show = samples.add_subcommand("show", "what a sample file holds");
     auto options = std::make_shared<Options>();
     show->add_option("FILE", options->file, "sample file")->required();
@@ -222,15 +235,22 @@ void AddShowAndExport(CLI::App& samples) {
     exporting->add_option("IMAGE", options->image, "raster file")->required();
     exporting->add_option("FILE", options->file, "sample file")->required();
     exporting->callback([options] { Export(*options); });
-}
-
+    auto* import = samples.add_subcommand("import", "make a sample file of pixels in a CSV table");
+    import->add_option("CSV", options->table, "lines of label,class,band1,band2,…")->required();
+    import->add_option("OUT", options->file, "sample file to write, without shapes")->required();
+    AddOverwriteOption(*import, options->overwrite);
+    import->add_flag("--json", options->json, "print JSON");
+    import->callback([options] { Import(*options);
+});
 } // namespace
+
+} // namespace zelto::cli
 
 void AddSamples(CLI::App& program) {
     auto* samples = program.add_subcommand("samples", "training pixels of a classification");
     samples->require_subcommand(1);
     AddCollect(*samples);
-    AddShowAndExport(*samples);
+    AddShowExportAndImport(*samples);
     samples->footer(
         "A pixel is a sample of a shape when its top-left corner lies in it, its value in every\n"
         "band is at most two standard deviations from the band's mean in the shape, and none is\n"

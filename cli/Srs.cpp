@@ -4,6 +4,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
+#include "cli/support/JsonReference.h"
 #include "cli/support/Printable.h"
 #include "cli/support/SrsFacts.h"
 #include "cli/support/Table.h"
@@ -54,7 +55,9 @@ void Info(const Options& options) {
         table.Print();
         return;
     }
-    Json json = {{"kind", KindName(system.kind)}, {"authority", system.authority}};
+    Json json = {{"kind", KindName(system.kind)},
+                 {"authority", system.authority},
+                 {"epsg", JsonEpsg(options.srs)}};
     for (const SrsFact& fact : system.facts)
         json[JsonKey(fact.label)] = fact.ToJson();
     PrintJson(json);
@@ -121,9 +124,9 @@ void GaussKruger(const Options& options) {
         std::cout << PrintableLines(wkt) << '\n';
         return;
     }
-    PrintJson({{"name", CCoordinateAlgorithm::GetCoordinateName(wkt.c_str())},
-               {"centralMeridian", DescribeSrs(wkt).Find("central_meridian")->ToJson()},
-               {"wkt", wkt}});
+    Json json = JsonReference(CCoordinateAlgorithm::GetCoordinateName(wkt.c_str()), wkt);
+    json["centralMeridian"] = DescribeSrs(wkt).Find("central_meridian")->ToJson();
+    PrintJson(json);
 }
 
 /// GDAL's own messages are part of the program's, not beside them.

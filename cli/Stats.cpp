@@ -133,11 +133,11 @@ void PrintRemarks(const std::string& file, const std::vector<RegionReport>& repo
     for (const RegionReport& report : reports) {
         sampled = sampled || report.sampled;
         if (report.Count() == 0)
-            Tell(file + ": no values in " +
+            Remark(file + ": no values in " +
                  (report.shape.empty() ? "the region" : "shape " + report.shape));
     }
     if (sampled)
-        Tell(file + ": a sample was taken; the counts are those of the sample");
+        Remark(file + ": a sample was taken; the counts are those of the sample");
 }
 
 void CheckOptions(const Options& options) {

@@ -4,6 +4,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"
 #include "cli/support/Json.h"
+#include "cli/support/JsonReference.h"
 #include "cli/support/Open.h"
 #include "cli/support/Printable.h"
 #include "cli/support/Table.h"
@@ -57,13 +58,13 @@ Json LayerJson(const CVectorLayer& layer) {
     Json fields = Json::array();
     for (const auto& [name, type] : Fields(layer))
         fields.push_back({{"name", name}, {"type", type}});
-    return {{"name", Narrow(layer.GetLayerName())},
-            {"geometry", GeometryName(layer)},
-            {"features", layer.GetOGRLayer()->GetFeatureCount()},
-            {"extent", HasExtent(layer) ? JsonBox(layer.GetExtent()) : Json()},
-            {"coordinateSystem", SystemName(layer)},
-            {"wkt", layer.GetSpatialReferenceWKT()},
-            {"fields", fields}};
+    Json json = {{"name", Narrow(layer.GetLayerName())},
+                 {"geometry", GeometryName(layer)},
+                 {"features", layer.GetOGRLayer()->GetFeatureCount()},
+                 {"extent", HasExtent(layer) ? JsonBox(layer.GetExtent()) : Json()}};
+    json.update(JsonReference(SystemName(layer), layer.GetSpatialReferenceWKT()));
+    json["fields"] = fields;
+    return json;
 }
 
 std::string FormatBox(const CBoundingBox& box) {
@@ -95,7 +96,7 @@ void Info(const Options& options) {
         Json layers = Json::array();
         for (int i = 0; i < source.GetLayerCount(); ++i)
             layers.push_back(LayerJson(*source.GetVectorLayer(i)));
-        PrintJson({{"file", options.file}, {"format", driver}, {"layers", layers}});
+        PrintJson({{"path", options.file}, {"format", driver}, {"layers", layers}});
         return;
     }
     std::cout << Printable(options.file) << ": " << driver << ", " << source.GetLayerCount()

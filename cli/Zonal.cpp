@@ -4,6 +4,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/Message.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Printable.h"
 #include "cli/support/Progress.h"
 #include "cli/support/Region.h"
@@ -28,6 +29,7 @@ struct Options {
     std::string weights = "center";
     std::string percentiles;
     std::string out;
+    bool overwrite = false;
     bool json = false;
     bool csv = false;
 };
@@ -71,12 +73,13 @@ void PrintRemarks(const ZonalReport& report, const std::string& path) {
                        : 0;
     }
     if (without > 0)
-        Tell(path + ": " + std::to_string(without) + " of the zones " +
-             (without == 1 ? "has" : "have") + " no values");
+        Remark(path + ": " + std::to_string(without) + " of the zones " +
+               (without == 1 ? "has" : "have") + " no values");
 }
 
 void Run(const Options& options) {
     const std::vector<double> percentages = ParsePercentages(options.percentiles);
+    RequireFreePath(options.out, options.overwrite, {options.image, options.zones.file});
     CRasterSource raster;
     OpenForRegion(raster, options.image, {options.zones.file, "", ""});
     const Zones zones(options.zones);
@@ -132,6 +135,7 @@ void AddZonal(CLI::App& program) {
     zonal->add_option("--out", options->out,
                       "write a copy of the zones with the results as fields: .gpkg, .shp, "
                       ".geojson …");
+    AddOverwriteOption(*zonal, options->overwrite);
     auto* json = zonal->add_flag("--json", options->json, "print JSON");
     zonal->add_flag("--csv", options->csv, "print comma-separated values")->excludes(json);
     zonal->footer(FOOTER);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
+#include <iostream>
 #include <string_view>
 #include <unistd.h>
 
@@ -18,6 +19,7 @@ namespace {
 
 /// Of the program's messages.
 int g_messages = STDERR_FILENO; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+bool g_quiet = false;           // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 
 bool IsOpen(int descriptor) {
     return fcntl(descriptor, F_GETFD) != -1;
@@ -65,6 +67,24 @@ void PrintOnTerminal(const std::string& text) {
 
 void Tell(const std::string& line) {
     PrintOnTerminal("zelto: " + Printable(line) + '\n');
+}
+
+void BeQuiet() {
+    g_quiet = true;
+}
+
+bool IsQuiet() {
+    return g_quiet;
+}
+
+void Remark(const std::string& line) {
+    if (!g_quiet)
+        Tell(line);
+}
+
+void Confirm(const std::string& line) {
+    if (!g_quiet)
+        std::cout << Printable(line) << '\n';
 }
 
 bool IsOnTerminal() {

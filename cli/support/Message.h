@@ -13,6 +13,15 @@ void TakeStandardStreams();
 /// Prints one line on standard error behind the program's name, fit for a terminal.
 void Tell(const std::string& line);
 
+/// From now on neither remarks, confirmations nor progress are shown; for --quiet.
+void BeQuiet();
+bool IsQuiet();
+/// Tells what a reader of the results should know besides; nothing when quiet.
+void Remark(const std::string& line);
+/// Prints on standard output, as a line, what has been done; nothing when quiet. Control
+/// characters are escaped.
+void Confirm(const std::string& line);
+
 /// Prints text on standard error as it is.
 void PrintOnTerminal(const std::string& text);
 

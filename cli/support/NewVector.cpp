@@ -58,15 +58,34 @@ std::string NewVector::TemporaryPath() const {
     return Narrow(m_files->GetTemporaryPath());
 }
 
+bool NewVector::IsGeoJson() const {
+    return EQUAL(m_driver->GetDescription(), "GeoJSON");
+}
+
+CPLStringList NewVector::LayerOptions() const {
+    CPLStringList options;
+    if (IsGeoJson()) {
+        options.SetNameValue("RFC7946", "YES");
+        // A tenth of a micrometre on the ground.
+        options.SetNameValue("COORDINATE_PRECISION", "12");
+    }
+    if (EQUAL(m_driver->GetDescription(), "ESRI Shapefile"))
+        options.SetNameValue("ENCODING", "UTF-8");
+    return options;
+}
+
 OGRLayer& NewVector::MakeLayer(const std::string& srs, OGRwkbGeometryType type) {
     auto reference = ParseReference(srs);
     const std::string name = std::filesystem::path(m_path).stem().string();
     OGRLayer* const layer =
-        m_dataset
-            ? m_dataset->CreateLayer(name.c_str(), reference ? &*reference : nullptr, type, nullptr)
-            : nullptr;
+        m_dataset ? m_dataset->CreateLayer(name.c_str(), reference ? &*reference : nullptr, type,
+                                           LayerOptions().List())
+                  : nullptr;
     if (layer == nullptr)
-        throw Failure(m_path, LastReason("cannot be written"));
+        throw Failure(m_path, m_watch.HasError() ? m_watch.Error() : "cannot be written");
+    if (layer->GetGeomType() == wkbNone && type != wkbNone)
+        throw Failure(m_path, std::string("files of the format ") + m_driver->GetDescription() +
+                                  " hold no shapes");
     return *layer;
 }
 

@@ -3,6 +3,7 @@
 #include "zelto/baselib/NewFileSet.h"
 #include "zelto/baselib/internal/GdalWatch.h"
 
+#include <cpl_string.h>
 #include <gdal_priv.h>
 
 #include <optional>
@@ -18,7 +19,10 @@ class NewVector {
     explicit NewVector(const std::string& path);
 
     const std::string& Path() const { return m_path; }
-    /// The file's one layer, named as the file. Throws Failure.
+    /// GeoJSON is in longitude and latitude; shapes in another system are transformed.
+    bool IsGeoJson() const;
+    /// The file's one layer, named as the file. Throws Failure, also where the format keeps no
+    /// geometries.
     /// @param srs WKT, or empty
     OGRLayer& MakeLayer(const std::string& srs, OGRwkbGeometryType type);
     /// Closes the file, opens it again to see that it is there, and puts it in its place. Throws
@@ -27,6 +31,7 @@ class NewVector {
 
   private:
     std::string TemporaryPath() const;
+    CPLStringList LayerOptions() const;
 
     std::string m_path;
     GDALDriver* m_driver = nullptr;

@@ -7,6 +7,7 @@
 #include "cli/support/Message.h"
 #include "cli/support/Text.h"
 
+#include <cpl_conv.h>
 #include <cpl_error.h>
 #include <cpl_vsi.h>
 
@@ -16,6 +17,10 @@
 #include <unistd.h>
 
 namespace zelto::cli {
+
+void TrustFileEncodings() {
+    CPLSetConfigOption("SHAPE_ENCODING", nullptr);
+}
 
 void ForgetReasons() {
     CPLErrorReset();
@@ -67,13 +72,14 @@ namespace {
 void TellOfDoubtfulPyramid() {
     const std::string message = CPLGetLastErrorMsg();
     if (CPLGetLastErrorType() == CE_Warning && message.find("its pyramid is") != std::string::npos)
-        Tell("warning: " + message);
+        Remark("warning: " + message);
 }
 
 } // namespace
 
 void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess access, bool warp) {
     ForgetReasons();
+    TrustFileEncodings();
     const GISError error = source.Open(Wide(path).c_str(), access, warp);
     EndIfInterrupted();
     if (error != GIS_SUCCESS)

@@ -8,6 +8,10 @@ class CGISDataSource;
 
 namespace zelto::cli {
 
+/// Lets vector files tell the encoding of their texts themselves, as in a .cpg, where the engine
+/// takes the bytes as they are. Until GDAL is set up anew.
+void TrustFileEncodings();
+
 /// Opens a data source or throws Failure with the reason: no such file, a folder, an empty
 /// file, not recognised, or GDAL's own words.
 /// @param warp show rotated rasters through a north-up view

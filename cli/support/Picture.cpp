@@ -7,6 +7,7 @@
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
 #include "cli/support/Open.h"
+#include "cli/support/Output.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -137,6 +138,7 @@ void Write(GDALDriver& driver, GDALDataset& dataset, const Format& format,
 } // namespace
 
 void AddPictureOptions(CLI::App& command, PictureFile& file) {
+    AddOverwriteOption(command, file.overwrite);
     command
         .add_option("--png-level", file.pngLevel,
                     "how hard a PNG is compressed: 1 (quick) to 9 (small), " +

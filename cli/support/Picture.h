@@ -33,10 +33,11 @@ struct PicturePlace {
 /// The file that a picture shall be written to.
 struct PictureFile {
     std::string path;
+    bool overwrite = false;
     int pngLevel = 0; ///< how hard a PNG is compressed, 1 to 9; 0: as found best
 };
 
-/// Adds --png-level.
+/// Adds --png-level and --overwrite.
 void AddPictureOptions(CLI::App& command, PictureFile& file);
 
 /// Throws UsageError naming the path unless its extension is one of png, jpg, jpeg, tif, tiff,

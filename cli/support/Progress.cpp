@@ -18,7 +18,7 @@ std::atomic<bool> g_drawn = false; // NOLINT(cppcoreguidelines-avoid-non-const-g
 
 } // namespace
 
-TerminalProgress::TerminalProgress() : m_onTerminal(IsOnTerminal()) {}
+TerminalProgress::TerminalProgress() : m_onTerminal(IsOnTerminal() && !IsQuiet()) {}
 
 TerminalProgress::~TerminalProgress() {
     EndLine();

@@ -23,8 +23,8 @@ void HintAtPyramid(const CRasterSource& raster, const std::string& path) {
     if (told || !isLarge || band == nullptr || band->GetOverviewCount() > 0 || !IsOnTerminal())
         return;
     told = true;
-    Tell(path + " has no pyramid, so that all of it was read; `zelto pyramids build " + path +
-         "` makes one");
+    Remark(path + " has no pyramid, so that all of it was read; `zelto pyramids build " + path +
+           "` makes one");
 }
 
 } // namespace zelto::cli

@@ -5,8 +5,10 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/support/Failure.h"
+#include "cli/support/Open.h"
 #include "cli/support/Text.h"
 
+#include <cpl_error.h>
 #include <cpl_string.h>
 #include <gdal_priv.h>
 
@@ -76,6 +78,15 @@ void CheckCreationOptions(const std::vector<std::string>& options, RasterDataFor
     }
     if (!options.empty() && !IsGTiff(format))
         throw UsageError("--co: only GeoTIFF takes creation options");
+    CPLStringList list;
+    for (const std::string& option : options)
+        list.AddString(option.c_str());
+    GDALDriver* const driver = CRasterSource::GetDriverByRasterFormat(format);
+    // It tells of a key or value that the driver does not know in a warning.
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    ForgetReasons();
+    if (!options.empty() && !GDALValidateCreationOptions(GDALDriver::ToHandle(driver), list.List()))
+        throw UsageError("--co: " + LastReason("the driver does not know one of the options"));
 }
 
 } // namespace zelto::cli

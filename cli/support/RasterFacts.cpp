@@ -2,6 +2,7 @@
 
 #include "zelto/algorithm/RegionStatistics.h"
 #include "zelto/baselib/ClassifyDisplayTable.h"
+#include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
@@ -189,6 +190,18 @@ void DescribeReference(RasterFacts& facts, CRasterSource& source) {
     facts.wkt = source.GetProjectionWKT();
 }
 
+void DescribeControlPoints(RasterFacts& facts, GDALDataset& dataset) {
+    const GDAL_GCP* const points = dataset.GetGCPs();
+    for (int i = 0; i < dataset.GetGCPCount(); ++i)
+        facts.controlPoints.push_back(
+            {points[i].dfGCPPixel, points[i].dfGCPLine, points[i].dfGCPX, points[i].dfGCPY});
+    const char* const wkt = dataset.GetGCPProjection();
+    facts.controlPointWkt = wkt != nullptr ? wkt : "";
+    if (!facts.controlPointWkt.empty())
+        facts.controlPointName =
+            CCoordinateAlgorithm::GetCoordinateName(facts.controlPointWkt.c_str());
+}
+
 } // namespace
 
 RasterFacts DescribeRaster(const std::string& path, ValueFacts values, CDataProgress& progress) {
@@ -202,7 +215,7 @@ RasterFacts DescribeRaster(const std::string& path, ValueFacts values, CDataProg
     facts.height = source->GetHeight();
     source->GetGeoTransform(facts.geoTransform.data(), false);
     facts.extent = source->GetExtent();
-    facts.controlPoints = source->GetGCPCount(false);
+    DescribeControlPoints(facts, dataset);
     DescribeReference(facts, *source);
     facts.subdatasets = Subdatasets(dataset);
     facts.classes = Classes(source->GetClassifyDisplayTable());

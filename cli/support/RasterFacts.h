@@ -47,6 +47,14 @@ struct SubdatasetFacts {
     std::string description;
 };
 
+/// A ground control point.
+struct ControlPointFacts {
+    double column = 0.0;
+    double row = 0.0;
+    double x = 0.0;
+    double y = 0.0;
+};
+
 /// What there is to say about a raster file.
 struct RasterFacts {
     std::string path;
@@ -57,7 +65,9 @@ struct RasterFacts {
     std::string dataType; ///< of the first band; empty without bands
     std::array<double, 6> geoTransform{};
     CBoundingBox extent;
-    int controlPoints = 0; ///< ground control points
+    std::vector<ControlPointFacts> controlPoints;
+    std::string controlPointName; ///< of the control points' reference system
+    std::string controlPointWkt;
     std::string coordinateName;
     std::string datum;
     std::string units;

@@ -1,5 +1,6 @@
 #include "cli/support/RasterReport.h"
 
+#include "cli/support/JsonReference.h"
 #include "cli/support/Printable.h"
 #include "cli/support/Table.h"
 #include "cli/support/Text.h"
@@ -61,8 +62,10 @@ void AddGrid(Table& table, const RasterFacts& facts) {
     table.AddRow({"extent", Numbers({facts.extent.GetLeft(), facts.extent.GetTop(),
                                      facts.extent.GetRight(), facts.extent.GetBottom()}) +
                                 " (left, top, right, bottom)"});
-    if (facts.controlPoints > 0)
-        table.AddRow({"control points", std::to_string(facts.controlPoints)});
+    if (!facts.controlPoints.empty())
+        table.AddRow({"control points",
+                      std::to_string(facts.controlPoints.size()) + " in " +
+                          (facts.controlPointName.empty() ? "no system" : facts.controlPointName)});
 }
 
 void PrintSummary(const RasterFacts& facts) {
@@ -155,6 +158,26 @@ void PrintReference(const RasterFacts& facts) {
     CPLFree(pretty);
 }
 
+Json ControlPointsJson(const RasterFacts& facts) {
+    Json points = Json::array();
+    for (const ControlPointFacts& point : facts.controlPoints)
+        points.push_back({{"column", JsonNumber(point.column)},
+                          {"row", JsonNumber(point.row)},
+                          {"x", JsonNumber(point.x)},
+                          {"y", JsonNumber(point.y)}});
+    return points;
+}
+
+void PrintControlPoints(const RasterFacts& facts) {
+    std::cout << '\n';
+    Table table({"point", "column", "row", "x", "y"});
+    int number = 0;
+    for (const ControlPointFacts& point : facts.controlPoints)
+        table.AddRow({std::to_string(++number), FormatNumber(point.column), FormatNumber(point.row),
+                      FormatNumber(point.x), FormatNumber(point.y)});
+    table.Print(2);
+}
+
 /// Null where no values are told.
 Json KindOf(ValueFacts values) {
     if (!values.exact && !values.sampled)
@@ -175,8 +198,12 @@ Json ToJson(const RasterFacts& facts) {
     for (const double term : facts.geoTransform)
         json["geotransform"].push_back(JsonNumber(term));
     json["extent"] = JsonBox(facts.extent);
-    json["controlPoints"] = facts.controlPoints;
+    json["controlPoints"] = ControlPointsJson(facts);
+    json["controlPointReference"] =
+        facts.controlPoints.empty() ? Json()
+                                    : JsonReference(facts.controlPointName, facts.controlPointWkt);
     json["coordinateName"] = facts.coordinateName;
+    json["epsg"] = JsonEpsg(facts.wkt);
     json["datum"] = facts.datum;
     json["units"] = facts.units;
     json["wkt"] = facts.wkt;
@@ -198,6 +225,8 @@ void PrintReport(const RasterFacts& facts, bool reference) {
         PrintBands(facts);
     if ((facts.values.exact || facts.values.sampled) && !facts.bands.empty())
         PrintStatistics(facts);
+    if (!facts.controlPoints.empty())
+        PrintControlPoints(facts);
     if (!facts.classes.empty()) {
         std::cout << '\n';
         PrintClasses(facts.classes, 2);

@@ -40,7 +40,7 @@ TEST_F(AoiCommand, NewWritesTheShapesAndInfoTellsThem) {
     EXPECT_EQ(info["count"], 3);
     EXPECT_EQ(info["extent"],
               (json{{"left", 0.0}, {"top", 30.0}, {"right", 30.0}, {"bottom", 0.0}}));
-    EXPECT_EQ(info["coordinateSystem"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
+    EXPECT_EQ(info["coordinateName"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
     EXPECT_EQ(info["wkt"].get<std::string>().substr(0, 7), "PROJCS[");
     EXPECT_EQ(info["shapes"][0]["kind"], "rectangle");
     EXPECT_EQ(info["shapes"][1]["kind"], "ellipse");
@@ -68,7 +68,7 @@ TEST_F(AoiCommand, NewTakesGeoJsonAsFileAndAsText) {
     const json info = Info("a.aif");
     EXPECT_EQ(info["count"], 3) << "the hole is an area of its own";
     EXPECT_EQ(info["extent"]["right"], 51.0);
-    EXPECT_EQ(info["coordinateSystem"], "WGS 84 (WGS_1984/WGS 84)");
+    EXPECT_EQ(info["coordinateName"], "WGS 84 (WGS_1984/WGS 84)");
 }
 
 TEST_F(AoiCommand, NewFailsForAFileWithoutPolygons) {
@@ -108,16 +108,95 @@ TEST_F(AoiCommand, ConvertGoesToAShapefileAndBack) {
     ASSERT_EQ(RunZelto({"aoi", "convert", File("b.shp"), File("c.aif")}).exitStatus, 0);
     const json info = Info("c.aif");
     EXPECT_EQ(info["count"], 3);
-    EXPECT_EQ(info["coordinateSystem"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
+    EXPECT_EQ(info["coordinateName"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
 }
 
-TEST_F(AoiCommand, LargeEllipsesBecomeModerateRings) {
-    ASSERT_EQ(RunZelto({"aoi", "new", File("a.shp"), "--ellipse", "0,20000,40000,0", "--ellipse",
-                        "0,20,40,0"})
+TEST_F(AoiCommand, AnEllipseBecomesAsManyVerticesAsItsToleranceNeeds) {
+    const std::string ellipse = "0,20000,40000,0";
+    const auto verticesOf = [&](const std::string& name) {
+        return Info(name)["shapes"][0]["vertices"].get<int>() - 1; // the first stands last as well
+    };
+    ASSERT_EQ(RunZelto({"aoi", "new", File("a.shp"), "--ellipse", ellipse}).exitStatus, 0);
+    // A chord over an angle of 2 pi / n is a (1 - cos(pi / n)) away from the larger circle of
+    // radius a at most: 0.4 m, of 40,000, with 20,000 (1 - cos(pi / 496.7)).
+    EXPECT_EQ(verticesOf("a.shp"), 500);
+    ASSERT_EQ(RunZelto({"aoi", "new", File("b.gpkg"), "--ellipse", ellipse, "--tolerance", "3"})
                   .exitStatus,
               0);
-    // Four quarters of 5,000 steps with both ends, and those of 50 at least.
-    EXPECT_NEAR(double(std::filesystem::file_size(File("a.shp"))), 16 * 4 * (5002 + 52), 1000);
+    EXPECT_EQ(verticesOf("b.gpkg"), 184); // 3 = 20,000 (1 - cos(pi / 181.4)), in whole quarters
+    EXPECT_EQ(RunZelto({"aoi", "new", File("c.aif"), "--ellipse", ellipse, "--tolerance", "3"})
+                  .exitStatus,
+              2);
+    EXPECT_EQ(RunZelto({"aoi", "new", File("c.shp"), "--ellipse", ellipse, "--tolerance", "0"})
+                  .exitStatus,
+              2);
+}
+
+TEST_F(AoiCommand, EveryGeoJsonIsBroughtIntoTheAreasSystem) {
+    // On the central meridian of zone 50, 117 east of Greenwich, x is 500,000.
+    WriteFile(File("in.geojson"),
+              R"({"type":"Polygon","coordinates":[[[117,0],[117,1],[118,0],[117,0]]]})");
+    const std::string text =
+        R"({"type":"FeatureCollection",)"
+        R"("crs":{"type":"name","properties":{"name":"urn:ogc:def:crs:EPSG::32650"}},)"
+        R"("features":[{"type":"Feature","properties":{},"geometry":{"type":"Polygon",)"
+        R"("coordinates":[[[500000,0],[500000,50],[500100,0],[500000,0]]]}}]})";
+    ASSERT_EQ(RunZelto({"aoi", "new", File("a.aif"), "--srs", "EPSG:32650", "--geojson",
+                        File("in.geojson"), "--geojson", text})
+                  .exitStatus,
+              0);
+    const json shapes = Info("a.aif")["shapes"];
+    EXPECT_NEAR(shapes[0]["extent"]["left"].get<double>(), 500000, 1e-3);
+    EXPECT_NEAR(shapes[0]["extent"]["right"].get<double>(), 611280, 50); // 111.3 km a degree
+    EXPECT_NEAR(shapes[1]["extent"]["right"].get<double>(), 500100, 1e-3);
+    // Without --srs the first one tells the system; the other is brought into it.
+    ASSERT_EQ(
+        RunZelto({"aoi", "new", File("b.aif"), "--geojson", File("in.geojson"), "--geojson", text})
+            .exitStatus,
+        0);
+    const json mixed = Info("b.aif");
+    EXPECT_EQ(mixed["epsg"], 4326);
+    EXPECT_NEAR(mixed["shapes"][1]["extent"]["right"].get<double>(), 117.0009, 1e-4);
+}
+
+TEST_F(AoiCommand, ShapesOfAllKindsKeepTheOrderOfTheCommandLine) {
+    ASSERT_EQ(RunZelto({"aoi", "new", File("a.aif"), "--polygon", "0,20,5,30,10,20", "--rect",
+                        "0,10,10,0", "--polygon=1,20,5,30,10,20", "--ellipse", "20,10,30,0",
+                        "--rect", "1,10,10,0"})
+                  .exitStatus,
+              0);
+    const json shapes = Info("a.aif")["shapes"];
+    ASSERT_EQ(shapes.size(), 5U);
+    const char* const kinds[] = {"polygon", "rectangle", "polygon", "ellipse", "rectangle"};
+    const double lefts[] = {0, 0, 1, 20, 1};
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(shapes[i]["kind"], kinds[i]) << i;
+        EXPECT_EQ(shapes[i]["extent"]["left"], lefts[i]) << i;
+    }
+}
+
+TEST_F(AoiCommand, ConvertGoesToGeoPackageAndGeoJsonAndBack) {
+    ASSERT_EQ(RunZelto({"aoi", "new", File("a.aif"), "--rect", "500000,100,500100,0", "--srs",
+                        "EPSG:32650"})
+                  .exitStatus,
+              0);
+    for (const char* name : {"b.gpkg", "b.geojson"}) {
+        ASSERT_EQ(RunZelto({"aoi", "convert", File("a.aif"), File(name)}).exitStatus, 0) << name;
+        ASSERT_EQ(RunZelto({"aoi", "convert", File(name), File("c.aif"), "--srs", "EPSG:32650",
+                            "--overwrite"})
+                      .exitStatus,
+                  0)
+            << name;
+        const json extent = Info("c.aif")["extent"];
+        EXPECT_NEAR(extent["left"].get<double>(), 500000, 1e-6) << name;
+        EXPECT_NEAR(extent["top"].get<double>(), 100, 1e-6) << name;
+    }
+    EXPECT_EQ(Info("b.geojson")["epsg"], 4326);
+    EXPECT_EQ(Info("b.gpkg")["epsg"], 32650);
+    ASSERT_EQ(RunZelto({"aoi", "new", File("n.aif"), "--rect", "0,1,1,0"}).exitStatus, 0);
+    const auto run = RunZelto({"aoi", "convert", File("n.aif"), File("n.geojson")});
+    EXPECT_EQ(run.exitStatus, 1) << "metres are no degrees";
+    EXPECT_FALSE(std::filesystem::exists(File("n.geojson")));
 }
 
 TEST_F(AoiCommand, ConvertTransformsWhenAsked) {

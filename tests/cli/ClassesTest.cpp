@@ -32,7 +32,7 @@ TEST(ClassesCommand, WritesATableAndShowsItAgain) {
     EXPECT_EQ(written.exitStatus, 0) << written.errors;
     EXPECT_EQ(written.output, acf + ": 3 classes\n");
     const auto shown = RunZelto({"classes", "show", "--json", acf});
-    EXPECT_EQ(json::parse(shown.output),
+    EXPECT_EQ(json::parse(shown.output)["classes"],
               (json{{{"value", 1.0}, {"color", {0, 0, 255}}, {"name", "水体"}},
                     {{"value", 2.0}, {"color", {34, 139, 34}}, {"name", "forest"}},
                     {{"value", -3.0}, {"color", {255, 255, 0}}, {"name", "dry, \"bare\" soil"}}}));
@@ -56,8 +56,28 @@ TEST(ClassesCommand, AFileOfAnotherNameDoesNotBelongToTheImage) {
     WriteRaster(folder.File("land.tif"), {.width = 2, .height = 1}, {{1, 2}});
     const auto run = RunZelto({"classes", "write", folder.File("classes.csv"),
                                folder.File("other.acf"), "--image", folder.File("land.tif")});
-    EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_NE(run.errors.find("opens without classes"), std::string::npos) << run.errors;
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_NE(run.errors.find("takes its classes from"), std::string::npos) << run.errors;
+    EXPECT_EQ(folder.Names(), (std::vector<std::string>{"classes.csv", "land.tif"}));
+    // Also where the image has classes of its own.
+    ASSERT_EQ(RunZelto({"classes", "write", folder.File("classes.csv"), folder.File("land.acf")})
+                  .exitStatus,
+              0);
+    EXPECT_EQ(RunZelto({"classes", "write", folder.File("classes.csv"), folder.File("other.acf"),
+                        "--image", folder.File("land.tif")})
+                  .exitStatus,
+              2);
+}
+
+TEST(ClassesCommand, TheTableItPrintsCanBeWrittenAgain) {
+    const TemporaryFolder folder;
+    WriteFile(folder.File("classes.csv"), TABLE);
+    const std::string acf = folder.File("a.acf");
+    ASSERT_EQ(RunZelto({"classes", "write", folder.File("classes.csv"), acf}).exitStatus, 0);
+    WriteFile(folder.File("again.csv"), RunZelto({"classes", "show", acf, "--csv"}).output);
+    const std::string again = folder.File("b.acf");
+    ASSERT_EQ(RunZelto({"classes", "write", folder.File("again.csv"), again}).exitStatus, 0);
+    EXPECT_EQ(zelto::test::ReadFile(acf), zelto::test::ReadFile(again));
 }
 
 TEST(ClassesCommand, BadLinesAreNamed) {

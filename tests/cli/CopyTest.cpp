@@ -5,9 +5,11 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestData.h"
 
+#include <cpl_conv.h>
 #include <gdal_priv.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <csignal>
 #include <filesystem>
 #include <thread>
@@ -143,6 +145,78 @@ TEST(CopyCommand, AColourTableGoesAlong) {
     EXPECT_EQ(ReadBand(folder.File("a.tif"), 1), (Pixels{0, 1, 2}));
 }
 
+TEST(CopyCommand, KeepsWhatTheBandsSayAndTheMask) {
+    const TemporaryFolder folder;
+    zelto::test::RasterSpec spec = {.width = 3, .height = 2, .type = GDT_Int16};
+    spec.geoTransform = NorthUp(0.0, 2.0, 1.0);
+    const std::string in = zelto::test::WriteRaster(folder.File("in.tif"), spec,
+                                                    {{1, 2, 3, 4, 5, 6}, {6, 5, 4, 3, 2, 1}});
+    {
+        const CPLConfigOptionSetter inside("GDAL_TIFF_INTERNAL_MASK", "YES", true);
+        const GDALDatasetUniquePtr image(
+            GDALDataset::Open(in.c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));
+        image->SetMetadataItem("SENSOR", "OLI");
+        GDALRasterBand& band = *image->GetRasterBand(2);
+        band.SetDescription("near infrared");
+        band.SetScale(0.5);
+        band.SetOffset(-3.0);
+        band.SetUnitType("K");
+        band.SetMetadataItem("WAVELENGTH", "0.86");
+        band.SetMetadataItem("STATISTICS_MAXIMUM", "6");
+        ASSERT_EQ(image->CreateMaskBand(GMF_PER_DATASET), CE_None);
+        unsigned char mask[6] = {255, 0, 255, 0, 255, 0};
+        ASSERT_EQ(image->GetRasterBand(1)->GetMaskBand()->RasterIO(GF_Write, 0, 0, 3, 2, mask, 3, 2,
+                                                                   GDT_Byte, 0, 0, nullptr),
+                  CE_None);
+    }
+    for (const char* name : {"out.tif", "out.img"}) {
+        SCOPED_TRACE(name);
+        const auto run = RunZelto({"copy", in, folder.File(name), "--window", "1,0,2,2"});
+        ASSERT_EQ(run.exitStatus, 0) << run.errors;
+        const auto image = OpenImage(folder.File(name));
+        EXPECT_STREQ(image->GetMetadataItem("SENSOR"), "OLI");
+        GDALRasterBand& band = *image->GetRasterBand(2);
+        EXPECT_STREQ(band.GetDescription(), "near infrared");
+        EXPECT_EQ(band.GetScale(), 0.5);
+        EXPECT_EQ(band.GetOffset(), -3.0);
+        EXPECT_STREQ(band.GetUnitType(), "K");
+        EXPECT_STREQ(band.GetMetadataItem("WAVELENGTH"), "0.86");
+        EXPECT_EQ(band.GetMetadataItem("STATISTICS_MAXIMUM"), nullptr) << "that of a part differs";
+        unsigned char mask[4] = {};
+        if (band.GetMaskFlags() != GMF_PER_DATASET) {
+            EXPECT_NE(run.errors.find("cannot hold a mask"), std::string::npos) << run.errors;
+            continue;
+        }
+        ASSERT_EQ(
+            band.GetMaskBand()->RasterIO(GF_Read, 0, 0, 2, 2, mask, 2, 2, GDT_Byte, 0, 0, nullptr),
+            CE_None);
+        EXPECT_EQ((std::array<int, 4>{mask[0], mask[1], mask[2], mask[3]}),
+                  (std::array<int, 4>{0, 255, 255, 0}));
+    }
+}
+
+TEST(CopyCommand, BandsKeepTheirColoursAndAlpha) {
+    const TemporaryFolder folder;
+    const std::vector<Pixels> bands = {{1}, {2}, {3}, {4}};
+    const std::string rgba = zelto::test::WriteRaster(
+        folder.File("rgba.tif"), {.options = {"PHOTOMETRIC=RGB", "ALPHA=YES"}}, bands);
+    const std::string plain = zelto::test::WriteRaster(
+        folder.File("plain.tif"), {.options = {"PHOTOMETRIC=MINISBLACK", "ALPHA=NO"}}, bands);
+    for (const std::string& in : {rgba, plain}) {
+        const std::string out = in + ".copy.tif";
+        ASSERT_EQ(RunZelto({"copy", in, out}).exitStatus, 0);
+        const auto from = OpenImage(in);
+        const auto to = OpenImage(out);
+        for (int band = 1; band <= 4; ++band)
+            EXPECT_EQ(to->GetRasterBand(band)->GetColorInterpretation(),
+                      from->GetRasterBand(band)->GetColorInterpretation())
+                << in << band;
+    }
+    ASSERT_EQ(RunZelto({"copy", rgba, folder.File("alpha.tif"), "--bands", "4,1"}).exitStatus, 0);
+    EXPECT_EQ(OpenImage(folder.File("alpha.tif"))->GetRasterBand(1)->GetColorInterpretation(),
+              GCI_AlphaBand);
+}
+
 TEST(CopyCommand, TheSampleSceneSurvivesUnchanged) {
     const TemporaryFolder folder;
     ASSERT_EQ(RunZelto({"copy", SampleScene(), folder.File("a.img")}).exitStatus, 0);
@@ -155,7 +229,7 @@ TEST(CopyCommand, AnUnreadableImageLeavesNothingBehind) {
     const TemporaryFolder folder;
     zelto::test::WriteRaster(folder.File("a.tif"), {.width = 2, .height = 1}, {{1.0, 2.0}});
     const std::string broken = zelto::test::TestDataFile("raster/corrupt/trunc_half_data.tif");
-    const auto run = RunZelto({"copy", broken, folder.File("a.tif")});
+    const auto run = RunZelto({"copy", broken, folder.File("a.tif"), "--overwrite"});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.errors.find("zelto: " + broken + ": "), 0U) << run.errors;
     EXPECT_EQ(folder.Names(), Names{"a.tif"});
@@ -193,7 +267,7 @@ TEST(CopyCommand, AFullDiskLeavesTheOldFile) {
         folder.File("in.tif"), {.width = 2000, .height = 2000}, {Pixels(4000000, 5.0)});
     const std::string out = folder.File("disk/a.tif");
     zelto::test::WriteRaster(out, {.width = 2, .height = 1}, {{1.0, 2.0}});
-    const auto run = RunZelto({"copy", in, out});
+    const auto run = RunZelto({"copy", in, out, "--overwrite"});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.errors.find("zelto: " + out + ": "), 0U) << run.errors;
     EXPECT_EQ(run.errors.find('\n'), run.errors.size() - 1) << run.errors;

@@ -73,13 +73,19 @@ TEST(CreateCommand, ReplacesAnOlderFileOnlyWithACompleteOne) {
     const TemporaryFolder folder;
     zelto::test::WriteRaster(folder.File("a.tif"), {.width = 2, .height = 1}, {{1.0, 2.0}});
     const auto failed = RunZelto({"create", folder.File("a.tif"), "--size", "70000,70000",
-                                  "--bands", "70000", "--type", "Float64"});
+                                  "--bands", "70000", "--type", "Float64", "--overwrite"});
     EXPECT_EQ(failed.exitStatus, 1);
     EXPECT_EQ(failed.errors.find("zelto: " + folder.File("a.tif") + ": "), 0U) << failed.errors;
     EXPECT_EQ(ReadBand(folder.File("a.tif"), 1), (Pixels{1.0, 2.0}));
     EXPECT_EQ(folder.Names(), Names{"a.tif"});
-    EXPECT_EQ(RunZelto({"create", folder.File("a.tif"), "--size", "3,1", "--fill", "5"}).exitStatus,
-              0);
+    const auto refused = RunZelto({"create", folder.File("a.tif"), "--size", "3,1"});
+    EXPECT_EQ(refused.exitStatus, 1);
+    EXPECT_EQ(refused.errors,
+              "zelto: " + folder.File("a.tif") + ": it exists; --overwrite replaces it\n");
+    EXPECT_EQ(
+        RunZelto({"create", folder.File("a.tif"), "--size", "3,1", "--fill", "5", "--overwrite"})
+            .exitStatus,
+        0);
     EXPECT_EQ(ReadBand(folder.File("a.tif"), 1), Pixels(3, 5.0));
     EXPECT_EQ(folder.Names(), Names{"a.tif"});
 }

@@ -8,6 +8,9 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
+#include <filesystem>
+#include <unistd.h>
+
 using zelto::test::OpenImage;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
@@ -132,4 +135,72 @@ TEST(GeorefCommand, WrongUsageIsToldApartFromFailure) {
     }
     GeoTransform none = {};
     EXPECT_NE(OpenImage(path)->GetGeoTransform(none.data()), CE_None);
+}
+
+TEST(GeorefCommand, ControlPointsFromTheLineAndFromAFilePlaceAnImage) {
+    const TemporaryFolder folder;
+    const std::string path = WriteImage(folder, "a.tif");
+    ASSERT_EQ(RunZelto({"georef", path, "--box", "0,2,4,0", "--srs", "EPSG:32650"}).exitStatus, 0);
+    zelto::test::WriteFile(folder.File("points.csv"),
+                           "column,row,x,y\n# the corner\n0,2,500000,3999940\n");
+    const auto run = RunZelto({"georef", path, "--gcp", "0,0,500000,4000000", "--gcp",
+                               "4,0,500120,4000000", "--gcp-file", folder.File("points.csv")});
+    ASSERT_EQ(run.exitStatus, 0) << run.errors;
+    {
+        const auto image = OpenImage(path);
+        ASSERT_EQ(image->GetGCPCount(), 3);
+        EXPECT_EQ(image->GetGCPs()[1].dfGCPPixel, 4.0);
+        EXPECT_EQ(image->GetGCPs()[2].dfGCPY, 3999940.0);
+        EXPECT_TRUE(image->GetGCPSpatialRef()->IsProjected()) << "that of the box before";
+        double terms[6];
+        EXPECT_NE(image->GetGeoTransform(terms), CE_None) << "the points alone place it";
+    }
+    const auto info = RunZelto({"info", path});
+    EXPECT_NE(info.output.find("3 in WGS 84 / UTM zone 50N"), std::string::npos) << info.output;
+    EXPECT_NE(info.output.find("    3       0    2  500000  3999940\n"), std::string::npos)
+        << info.output;
+    const auto json = RunZelto({"info", path, "--json"});
+    EXPECT_NE(json.output.find("\"controlPointReference\": {"), std::string::npos);
+    // Others take their place.
+    ASSERT_EQ(RunZelto({"georef", path, "--srs", "EPSG:4326", "--gcp", "0,0,117,1", "--gcp",
+                        "4,0,118,1", "--gcp", "0,2,117,0", "--gcp", "4,2,118,0"})
+                  .exitStatus,
+              0);
+    EXPECT_EQ(OpenImage(path)->GetGCPCount(), 4);
+    EXPECT_TRUE(OpenImage(path)->GetGCPSpatialRef()->IsGeographic());
+}
+
+TEST(GeorefCommand, ControlPointsThatPlaceNothingAreRefused) {
+    const TemporaryFolder folder;
+    const std::string path = WriteImage(folder, "a.tif");
+    const std::string before = ReadFile(path);
+    const std::vector<std::vector<std::string>> wrong = {
+        {"--gcp", "0,0,1,1", "--gcp", "1,0,2,1"},
+        {"--gcp", "0,0,1,1", "--gcp", "1,1,2,2", "--gcp", "2,2,3,3"},
+        {"--gcp", "0,0,1"},
+        {"--gcp", "0,0,1,nan", "--gcp", "1,0,2,1", "--gcp", "0,1,1,0"},
+        {"--gcp", "0,0,1,1", "--gcp", "1,0,2,1", "--gcp", "0,1,1,0", "--box", "0,1,1,0"}};
+    for (std::vector<std::string> line : wrong) {
+        line.insert(line.begin(), {"georef", path});
+        EXPECT_EQ(RunZelto(line).exitStatus, 2) << testing::PrintToString(line);
+    }
+    zelto::test::WriteFile(folder.File("bad.csv"), "0,0,1,1\n1,0,x,1\n");
+    const auto bad = RunZelto({"georef", path, "--gcp-file", folder.File("bad.csv")});
+    EXPECT_EQ(bad.exitStatus, 1);
+    EXPECT_EQ(bad.errors,
+              "zelto: " + folder.File("bad.csv") + ": line 2: expected column,row,x,y\n");
+    EXPECT_EQ(ReadFile(path), before);
+}
+
+TEST(GeorefCommand, AFileThatMayNotBeWrittenIsAFailure) {
+    const TemporaryFolder folder;
+    const std::string path = WriteImage(folder, "a.tif");
+    const std::string before = ReadFile(path);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+    if (access(path.c_str(), W_OK) == 0)
+        GTEST_SKIP() << "this user may write everything";
+    const auto run = RunZelto({"georef", path, "--box", "0,2,4,0"});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors.find("zelto: " + path + ": "), 0U) << run.errors;
+    EXPECT_EQ(ReadFile(path), before);
 }

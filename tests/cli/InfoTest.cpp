@@ -73,7 +73,7 @@ TEST(InfoCommand, DescribesARasterFully) {
     EXPECT_NE(facts["wkt"].get<std::string>().find("\"32650\""), std::string::npos);
     EXPECT_TRUE(facts["subdatasets"].empty());
     EXPECT_TRUE(facts["classes"].empty());
-    EXPECT_EQ(facts["controlPoints"], 0);
+    EXPECT_EQ(facts["controlPoints"].size(), 0U);
     ASSERT_EQ(facts["bands"].size(), 2U);
     const json& band = facts["bands"][0];
     EXPECT_EQ(band["band"], 1);
@@ -236,7 +236,7 @@ TEST(InfoCommand, AnImageWithControlPointsIsDescribedUnwarped) {
     EXPECT_EQ(facts["width"], 20);
     EXPECT_EQ(facts["height"], 10);
     EXPECT_EQ(facts["format"], "GTiff");
-    EXPECT_EQ(facts["controlPoints"], 3);
+    EXPECT_EQ(facts["controlPoints"].size(), 3U);
     EXPECT_EQ(facts["geotransform"], (json{0.0, 1.0, 0.0, 10.0, 0.0, -1.0}));
 }
 

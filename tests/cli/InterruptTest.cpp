@@ -148,9 +148,11 @@ std::string FirstWords(const testing::TestParamInfo<Arguments>& info) {
 } // namespace
 
 TEST_P(InterruptedCommand, EndsWithinASecondAndLeavesWhatWasThere) {
-    const Arguments arguments = WithPaths();
-    if (GetParam().back().front() == '>')
+    Arguments arguments = WithPaths();
+    if (GetParam().back().front() == '>') {
         zelto::test::WriteFile(arguments.back(), "old");
+        arguments.emplace_back("--overwrite");
+    }
     const auto before = Contents(m_folder);
     const auto origin = s_origin->Names();
     for (const int wait : {0, 5, 50, 300}) {

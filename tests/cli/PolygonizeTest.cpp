@@ -67,11 +67,11 @@ TEST_F(PolygonizeCommand, TakesBandMaskConnectednessAndFieldName) {
     ASSERT_EQ(RunZelto({"polygonize", m_image, out, "--mask", "2", "--field", "klasse"}).exitStatus,
               0);
     EXPECT_EQ(Read("out.shp", "klasse"), (Areas{{2, 100}, {2, 200}}));
-    ASSERT_EQ(RunZelto({"polygonize", m_image, out, "--eight"}).exitStatus, 0);
+    ASSERT_EQ(RunZelto({"polygonize", m_image, out, "--eight", "--overwrite"}).exitStatus, 0);
     EXPECT_EQ(Read("out.shp"), (Areas{{1, 400}, {2, 300}})); // joined at corners
-    ASSERT_EQ(RunZelto({"polygonize", m_image, out, "--nodata"}).exitStatus, 0);
+    ASSERT_EQ(RunZelto({"polygonize", m_image, out, "--nodata", "--overwrite"}).exitStatus, 0);
     EXPECT_EQ(Read("out.shp").front(), (std::pair<int, double>{0, 200}));
-    ASSERT_EQ(RunZelto({"polygonize", m_image, out, "--band", "2"}).exitStatus, 0);
+    ASSERT_EQ(RunZelto({"polygonize", m_image, out, "--band", "2", "--overwrite"}).exitStatus, 0);
     EXPECT_EQ(Read("out.shp"), (Areas{{1, 100}, {1, 200}}));
 }
 
@@ -89,9 +89,10 @@ TEST_F(PolygonizeCommand, FractionsAreRemarkedOn) {
 
 TEST_F(PolygonizeCommand, AFailureLeavesTheOldFile) {
     WriteFile(m_folder.File("out.gpkg"), "precious");
-    EXPECT_EQ(
-        RunZelto({"polygonize", m_image, m_folder.File("out.gpkg"), "--field", "fid"}).exitStatus,
-        1);
+    EXPECT_EQ(RunZelto({"polygonize", m_image, m_folder.File("out.gpkg"), "--field", "fid",
+                        "--overwrite"})
+                  .exitStatus,
+              1);
     EXPECT_EQ(ReadFile(m_folder.File("out.gpkg")), "precious");
     EXPECT_EQ(m_folder.Names(), (std::vector<std::string>{"image.tif", "out.gpkg"}));
 }

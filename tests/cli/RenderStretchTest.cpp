@@ -36,7 +36,7 @@ Pixels LinearBetween(double low, double high) {
 Pixels Render(const TemporaryFolder& folder, const std::string& image,
               std::vector<std::string> options) {
     const std::string out = folder.File("out.png");
-    options.insert(options.begin(), {"render", image, out});
+    options.insert(options.begin(), {"render", image, out, "--overwrite"});
     const auto run = RunZelto(options);
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
     return ReadBand(out, 1);

@@ -165,10 +165,10 @@ TEST(RenderCommand, AnAreaLeavesTheRestTransparentOrBlack) {
     EXPECT_EQ(alpha[0], 0.0);
     EXPECT_EQ(alpha[55], 255.0);
     EXPECT_EQ(ReadBand(out, 1)[55], 200.0);
-    ASSERT_EQ(
-        RunZelto({"render", "--stretch", "none", "--aoi", area, "--outside", "black", image, out})
-            .exitStatus,
-        0);
+    ASSERT_EQ(RunZelto({"render", "--stretch", "none", "--aoi", area, "--outside", "black", image,
+                        out, "--overwrite"})
+                  .exitStatus,
+              0);
     EXPECT_EQ(ReadBand(out, 1)[0], 0.0);
     EXPECT_EQ(ReadBand(out, 1)[55], 200.0);
 }
@@ -191,7 +191,7 @@ TEST(RenderCommand, AdjustmentsOfAnAreaKeepGreyGreyAndTheOutsideBlack) {
         EXPECT_EQ(ReadBand(out, band)[0], 0.0) << band;
     }
     ASSERT_EQ(RunZelto({"render", "--stretch", "none", "--aoi", area, "--outside", "black",
-                        "--contrast=-0.5", "--intensity", "0.2", image, out})
+                        "--contrast=-0.5", "--intensity", "0.2", image, out, "--overwrite"})
                   .exitStatus,
               0);
     for (int band = 1; band <= 3; ++band) {
@@ -255,15 +255,17 @@ TEST(RenderCommand, ATerminalIsToldHowToSpareReadingALargeImageWhole) {
     const auto told = RunOnTerminal({"render", "--size", "64x", large, out});
     EXPECT_NE(told.find(hint), std::string::npos) << told;
     EXPECT_EQ(told.find(hint), told.rfind(hint)) << told;
-    EXPECT_EQ(RunZelto({"render", "--size", "64x", large, out}).errors, "") << "no terminal";
+    EXPECT_EQ(RunZelto({"render", "--size", "64x", large, out, "--overwrite"}).errors, "")
+        << "no terminal";
     for (const std::string& quiet : {make("small.tif", 4096, {}), make("built.tif", 4097, {8})})
-        EXPECT_EQ(RunOnTerminal({"render", "--size", "64x", quiet, out}).find("pyramid"),
-                  std::string::npos);
-    const auto part =
-        RunOnTerminal({"render", "--stretch", "none", "--box", "0,4096,64,4032", large, out});
+        EXPECT_EQ(
+            RunOnTerminal({"render", "--size", "64x", quiet, out, "--overwrite"}).find("pyramid"),
+            std::string::npos);
+    const auto part = RunOnTerminal(
+        {"render", "--stretch", "none", "--box", "0,4096,64,4032", large, out, "--overwrite"});
     EXPECT_EQ(part, out + ": 1024 x 1024 pixels\r\n");
-    const auto composed =
-        RunOnTerminal({"compose", "--size", "64x", large + ":1", large + ":1", large + ":1", out});
+    const auto composed = RunOnTerminal(
+        {"compose", "--size", "64x", large + ":1", large + ":1", large + ":1", out, "--overwrite"});
     EXPECT_EQ(composed.find(hint), composed.rfind(hint)) << composed;
     EXPECT_NE(composed.find(hint), std::string::npos) << composed;
 }

@@ -55,6 +55,33 @@ TEST(ReprojectPoints, ReadsCsvWithHeadingsCommentsAndFurtherColumns) {
     EXPECT_EQ(run.output, "500000.0 0.0\n500000.0 0.0\n");
 }
 
+TEST(ReprojectPoints, ChosenColumnsAreReplacedAndAllOthersKept) {
+    const auto run = [](const std::string& columns, const std::string& input) {
+        return RunZelto({"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:32650",
+                         "--decimals", "1", "--columns", columns},
+                        input);
+    };
+    const auto named = run("lon,lat", "id,lat,name,lon\r\n# a remark\n\n"
+                                      "1,0,\"a, \"\"b\"\"\",117\r\n2, 0 ,c,\"117\"\n");
+    EXPECT_EQ(named.exitStatus, 0) << named.errors;
+    EXPECT_EQ(named.output, "id,lat,name,lon\r\n# a remark\n\n"
+                            "1,0.0,\"a, \"\"b\"\"\",500000.0\r\n2, 0.0 ,c,\"500000.0\"\n");
+    EXPECT_EQ(run("3,2", "a;0;117;z\n").output, "a;0.0;500000.0;z\n");
+    EXPECT_EQ(run("2,3", "a  117 0  z\n").output, "a  500000.0 0.0  z\n");
+    EXPECT_EQ(run("1,2", "x\ty\n117\t0\n").output, "x\ty\n500000.0\t0.0\n");
+    const auto unknown = run("lon,height", "lon,lat\n117,0\n");
+    EXPECT_EQ(unknown.exitStatus, 1);
+    EXPECT_EQ(unknown.errors, "zelto: standard input: line 1: no column is called 'height'\n");
+    const auto bad = run("1,2", "117,0\n117,\n");
+    EXPECT_EQ(bad.exitStatus, 1);
+    EXPECT_NE(bad.errors.find("line 2"), std::string::npos) << bad.errors;
+    EXPECT_EQ(run("lon", "").exitStatus, 2);
+    EXPECT_EQ(RunZelto({"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:32650",
+                        "--columns", "1,2", "--json"})
+                  .exitStatus,
+              2);
+}
+
 TEST(ReprojectPoints, GaussKrugerPositionsAreThoseOfTheClassicSeries) {
     // Worked with the textbook series, to a tenth of a millimetre.
     const auto at = [](const char* from, const char* to) {

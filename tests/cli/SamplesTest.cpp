@@ -54,11 +54,36 @@ TEST_F(SamplesCommand, CollectPrintsEveryPixelAsCsv) {
     EXPECT_EQ(run.output, ALL_PIXELS);
 }
 
+TEST_F(SamplesCommand, ATableOfPixelsBecomesASampleFile) {
+    WriteFile(m_folder.File("pixels.csv"), ALL_PIXELS);
+    const std::string out = m_folder.File("out.smp");
+    const RunResult run = RunZelto({"samples", "import", m_folder.File("pixels.csv"), out});
+    ASSERT_EQ(run.exitStatus, 0) << run.errors;
+    const Json classes =
+        Json::parse(RunZelto({"samples", "show", out, "--json"}).output)["classes"];
+    ASSERT_EQ(classes.size(), 2U);
+    EXPECT_EQ(classes[0]["name"], "water");
+    EXPECT_EQ(classes[0]["values"], (Json{7, 4, 0}));
+    EXPECT_EQ(classes[0]["firstArray"], (Json{1.5, 11.5}));
+    EXPECT_EQ(classes[1]["thirdArray"], (Json{52.0, 62.0}));
+    // Means of 1, 2, 1, 2: a variance of 0.25, and both bands go together.
+    EXPECT_EQ(classes[0]["matrix"], (Json{0.25, 0.25, 0.25, 0.25}));
+    EXPECT_TRUE(classes[0]["shapes"].empty());
+    for (const char* line : {"7,water,1", "7.5,water,1,2", "x,water,1,2", "7,water,1,nan"}) {
+        WriteFile(m_folder.File("bad.csv"), std::string("7,water,1,2\n") + line + "\n");
+        const RunResult bad =
+            RunZelto({"samples", "import", m_folder.File("bad.csv"), m_folder.File("bad.smp")});
+        EXPECT_EQ(bad.exitStatus, 1) << line;
+        EXPECT_NE(bad.errors.find("line 2"), std::string::npos) << bad.errors;
+        EXPECT_FALSE(std::filesystem::exists(m_folder.File("bad.smp")));
+    }
+}
+
 TEST_F(SamplesCommand, CollectDescribesTheClasses) {
     const RunResult run = RunZelto({"samples", "collect", m_image, "--aoi", m_area, "--json"});
     const Json classes = Json::parse(run.output)["classes"];
     ASSERT_EQ(classes.size(), 2U);
-    EXPECT_EQ(classes[0]["class"], "class 1");
+    EXPECT_EQ(classes[0]["name"], "class 1");
     EXPECT_EQ(classes[0]["label"], 1.0);
     EXPECT_EQ(classes[0]["pixels"], 4);
     EXPECT_EQ(classes[1]["bands"][1],
@@ -113,13 +138,13 @@ TEST_F(SamplesCommand, AnAttributeTellsTheClass) {
     ASSERT_EQ(run.exitStatus, 0) << run.errors;
     const Json classes = Json::parse(run.output)["classes"];
     ASSERT_EQ(classes.size(), 2U);
-    EXPECT_EQ(classes[0]["class"], "wood");
+    EXPECT_EQ(classes[0]["name"], "wood");
     EXPECT_EQ(classes[0]["label"], 1.0);
     EXPECT_EQ(classes[0]["shapes"], 2);
     // Of polygons the top edge is outside: only the second row's corners are in, and none of
     // the second polygon's.
     EXPECT_EQ(classes[0]["pixels"], 2);
-    EXPECT_EQ(classes[1]["class"], "water");
+    EXPECT_EQ(classes[1]["name"], "water");
     const RunResult wrong =
         RunZelto({"samples", "collect", m_image, "--aoi", vector, "--field", "sort"});
     EXPECT_EQ(wrong.exitStatus, 1);
@@ -167,7 +192,7 @@ TEST_F(SamplesCommand, TrainingAreasOfARealSceneGiveTheirClasses) {
     ASSERT_EQ(run.exitStatus, 0) << run.errors;
     const Json classes = Json::parse(run.output)["classes"];
     ASSERT_EQ(classes.size(), 3U);
-    EXPECT_EQ(classes[0]["class"], "water");
+    EXPECT_EQ(classes[0]["name"], "water");
     // Water is dark in the near infrared (band 4), vegetation bright.
     EXPECT_LT(classes[0]["bands"][3]["maximum"], classes[1]["bands"][3]["minimum"]);
 }

@@ -94,7 +94,7 @@ TEST(SrsCommand, GkPrintsTheSystemOfAZone) {
     EXPECT_EQ(run.output.back(), '\n');
     const json result =
         json::parse(RunZelto({"srs", "gk", XIAN, "--zone", "20", "--width", "6", "--json"}).output);
-    EXPECT_EQ(result["name"], "Xian_1980_GK_CM_117E");
+    EXPECT_EQ(result["coordinateName"], "Xian_1980_GK_CM_117E");
     EXPECT_EQ(result["centralMeridian"], 117.0);
 }
 

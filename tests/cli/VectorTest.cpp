@@ -31,7 +31,7 @@ TEST(VectorCommand, InfoTellsLayersAndFields) {
     EXPECT_EQ(layer["features"], 2);
     EXPECT_EQ(layer["extent"],
               (json{{"left", 1.0}, {"top", 9.0}, {"right", 5.0}, {"bottom", 2.0}}));
-    EXPECT_EQ(layer["coordinateSystem"], "WGS 84");
+    EXPECT_EQ(layer["coordinateName"], "WGS 84");
     EXPECT_EQ(layer["fields"][1], (json{{"name", "height"}, {"type", "Real"}}));
     const auto text = RunZelto({"vector", "info", folder.File("a.gpkg")});
     EXPECT_EQ(text.output, folder.File("a.gpkg") + ": GPKG, 1 layer\n\n" +
@@ -50,7 +50,7 @@ TEST(VectorCommand, AnEmptyLayerHasNoExtent) {
     const json info =
         json::parse(RunZelto({"vector", "info", folder.File("a.shp"), "--json"}).output);
     EXPECT_TRUE(info["layers"][0]["extent"].is_null());
-    EXPECT_EQ(info["layers"][0]["coordinateSystem"], "");
+    EXPECT_EQ(info["layers"][0]["coordinateName"], "");
 }
 
 TEST(VectorCommand, WhatIsNoVectorFileFails) {
@@ -67,7 +67,7 @@ TEST(VectorCommand, RealFilesAreDescribed) {
         RunZelto({"vector", "info", TestDataFile("vector/multi_layer.gpkg"), "--json"}).output);
     ASSERT_EQ(info["layers"].size(), 3U);
     EXPECT_EQ(info["layers"][2]["features"], 50);
-    EXPECT_EQ(info["layers"][0]["coordinateSystem"], "SIRGAS 2000 / UTM zone 25S");
+    EXPECT_EQ(info["layers"][0]["coordinateName"], "SIRGAS 2000 / UTM zone 25S");
 }
 
 } // namespace

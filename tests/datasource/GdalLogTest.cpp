@@ -116,3 +116,22 @@ TEST(GdalLog, AFileThatCannotBeOpenedIsNotWritten) {
     CPLError(CE_Failure, CPLE_AppDefined, "lost as well");
     EXPECT_TRUE(folder.Names().empty());
 }
+
+TEST(GdalLog, AFolderOfTheHostsIsMadeWhenTheFirstErrorComes) {
+    const TemporaryFolder folder;
+    CGISDataSource::SetLogFolder(folder.File("state/program").c_str());
+    {
+        const PlainDataSource source;
+        EXPECT_TRUE(folder.Names().empty());
+        CPLError(CE_Failure, CPLE_AppDefined, "for the log");
+        EXPECT_NE(ReadFile(folder.File("state/program/gdal.log")).find("for the log"),
+                  std::string::npos);
+    }
+    CGISDataSource::SetLogFolder("");
+    {
+        const PlainDataSource source;
+        EXPECT_STREQ(CPLGetConfigOption("CPL_LOG", nullptr), "");
+        CPLError(CE_Failure, CPLE_AppDefined, "for nobody");
+    }
+    CGISDataSource::SetLogFolder(nullptr);
+}

@@ -110,8 +110,14 @@ class ZELTO_API CGISDataSource {
     static void DestroyGDAL();
     /// Sets the process-wide GDAL options. The installation folder D is that of the loaded host
     /// module, or of the running executable when there is none; GDAL's support files are
-    /// expected in D/data and its errors are logged to D/logs/gdal.log.
+    /// expected in D/data and its errors are logged to D/logs/gdal.log, or in the folder that
+    /// SetLogFolder() has named.
     static void SetGDALConfigOption();
+    /// Where GDAL's errors are logged instead of D/logs, for programs whose own folder is not
+    /// theirs to write. Call it before the first source. The folder, with those above it, is made
+    /// when the first error comes. An addition to the fixed interface.
+    /// @param folder UTF-8; empty: nothing is logged; null: D/logs again
+    static void SetLogFolder(const char* folder);
     /// Says that the process has no installation folder, for hosts that run inside a program of
     /// others, such as an interpreter: GDAL finds its support files by itself and no log is
     /// written. Call it before the first source is constructed. An addition to the fixed

@@ -7,6 +7,8 @@
 
 #include <filesystem>
 #include <mutex>
+#include <optional>
+#include <string>
 #include <system_error>
 
 namespace {
@@ -23,26 +25,49 @@ Registrations& TheRegistrations() {
     return *registrations;
 }
 
+/// What the host has asked for; none: the installation folder's "logs".
+std::optional<std::string>& HostsLogFolder() {
+    static auto* const folder =
+        new std::optional<std::string>; // NOLINT(cppcoreguidelines-owning-memory)
+    return *folder;
+}
+
+/// Path of GDAL's log; empty for none.
+std::string LogPath(const std::string& installation) {
+    if (const auto& folder = HostsLogFolder())
+        return folder->empty() ? std::string() : *folder + "/gdal.log";
+    const std::string logs = installation + "/logs";
+    std::error_code ignored;
+    std::filesystem::create_directory(logs, ignored);
+    return logs + "/gdal.log";
+}
+
 bool g_hasInstallationFolder = true;
 
 /// What is found or written in the installation folder.
 void UseInstallationFolder(const std::string& installation) {
     const std::string data = installation + "/data";
-    const std::string logs = installation + "/logs";
-    std::error_code ignored;
-    std::filesystem::create_directory(logs, ignored);
+    const std::string log = LogPath(installation);
 
     CPLSetConfigOption("GDAL_DATA", data.c_str());
     CPLSetConfigOption("CPL_LOG_ERRORS", "ON");
     CPLSetConfigOption("CPL_TIMESTAMP", "ON");
-    CPLSetConfigOption("CPL_LOG", (logs + "/gdal.log").c_str());
+    CPLSetConfigOption("CPL_LOG", log.c_str());
 
+    std::error_code ignored;
     // A program installed without a data folder of its own still finds GDAL's support files.
     if (!std::filesystem::exists(data, ignored))
         CPLPushFinderLocation(ZELTO_GDAL_DATADIR);
 }
 
 } // namespace
+
+void CGISDataSource::SetLogFolder(const char* folder) {
+    if (folder != nullptr)
+        HostsLogFolder() = folder;
+    else
+        HostsLogFolder().reset();
+}
 
 void CGISDataSource::RegisterGDAL() {
     // A thread that is not the first one waits until the first has set everything up.
@@ -53,7 +78,7 @@ void CGISDataSource::RegisterGDAL() {
     if (!first)
         return;
     SetGDALConfigOption();
-    zelto::InstallGdalLog();
+    zelto::InstallGdalLog(HostsLogFolder().value_or(std::string()));
     GDALAllRegister();
     OGRRegisterAll();
     // GDAL gives up the lock of its block cache when it is torn down, and makes another one only

@@ -22,6 +22,7 @@ class OGRSpatialReference;
 namespace zelto {
 class StatisticsOnDemand;
 struct RasterLayout;
+struct ViewGrid;
 } // namespace zelto
 
 /// A raster file (or a warped view of one) with its bands, pixel grid, georeferencing and
@@ -96,6 +97,13 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     /// Opens a raster and shows it in the reference system `targetSrs` (any form GDAL takes;
     /// null: as it is) through a warped view where its own system differs.
     GISError OpenAndWarped(const wchar_t* path, GISDataAccess access, const char* targetSrs);
+    /// As OpenAndWarped(), with the pixels of the view given rather than chosen: those of a
+    /// picture, say, which is then as sharp as the file allows. Where the raster's own system is
+    /// the target, it is shown on its own grid. An addition to the fixed interface.
+    /// @param geoTransform six terms in the target system
+    /// @param width, height of the view in pixels, 1 or more
+    GISError OpenWarpedToGrid(const wchar_t* path, GISDataAccess access, const char* targetSrs,
+                              const double* geoTransform, int width, int height);
     /// Opens the stored path again. The access member keeps its value.
     GISError Reopen(GISDataAccess access, bool lightBands);
     /// Whether the bands take their statistics while the source is opened, also for reading. By
@@ -296,8 +304,12 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     /// Of a container with sub-data-sets, closes it and answers the first one's name. Anything
     /// else stays open.
     std::wstring CloseForFirstSubDataset();
+    /// Opens in `targetSrs`.
+    /// @param grid of a view; null: as it comes
+    GISError OpenInReference(const wchar_t* path, GISDataAccess access, const char* targetSrs,
+                             const zelto::ViewGrid* grid);
     /// Shows the open file in `targetSrs` where its own reference differs.
-    bool ShowInReference(const char* targetSrs);
+    bool ShowInReference(const char* targetSrs, const zelto::ViewGrid* grid);
     /// Runs the body of an opening. Nothing is thrown; GIS_OPEN_FAILED leaves the source closed.
     template <typename Body>
     GISError Opening(const Body& body);
@@ -311,7 +323,8 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     /// Whether the data set needs no warped view.
     bool CanBeShownAsIs(bool hasGeoTransform) const;
     /// Puts a warped view in place of the open file, which becomes the base data set.
-    bool UseWarpedView(const std::string& sourceWkt, const std::string& targetWkt);
+    bool UseWarpedView(const std::string& sourceWkt, const std::string& targetWkt,
+                       const zelto::ViewGrid* grid = nullptr);
     /// Inverts the geotransform; all zero when it has no inverse.
     void InvertGeoTransform();
     void ReadReference();

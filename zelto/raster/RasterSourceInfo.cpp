@@ -6,6 +6,7 @@
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/RasterLog.h"
 #include "zelto/raster/internal/StatisticsOnDemand.h"
+#include "zelto/raster/internal/WarpedGrid.h"
 
 #include <gdal_priv.h>
 #include <gdalwarper.h>
@@ -79,15 +80,19 @@ bool CRasterSource::CanBeShownAsIs(bool hasGeoTransform) const {
     return gridFits && m_dataset->GetGCPCount() == 0;
 }
 
-bool CRasterSource::UseWarpedView(const std::string& sourceWkt, const std::string& targetWkt) {
+bool CRasterSource::UseWarpedView(const std::string& sourceWkt, const std::string& targetWkt,
+                                  const zelto::ViewGrid* grid) {
     // One view per file: a view of a view would lose the file behind it.
     if (m_baseDataset != nullptr) {
         zelto::SetLastError(m_filePath, "a second north-up view over its warped view is needed");
         return false;
     }
     zelto::GdalWatch watch;
-    GDALDatasetH view = GDALAutoCreateWarpedVRT(m_dataset, sourceWkt.c_str(), targetWkt.c_str(),
-                                                GRA_NearestNeighbour, WARP_TOLERANCE, nullptr);
+    GDALDatasetH view =
+        grid != nullptr
+            ? GDALDataset::ToHandle(zelto::WarpToGrid(*m_dataset, sourceWkt, targetWkt, *grid))
+            : GDALAutoCreateWarpedVRT(m_dataset, sourceWkt.c_str(), targetWkt.c_str(),
+                                      GRA_NearestNeighbour, WARP_TOLERANCE, nullptr);
     // Single positions beyond the target's reach are errors to GDAL but fail no view.
     if (view == nullptr)
         return watch.Succeeded(false, CommonFun::U2M(m_filePath));

@@ -13,6 +13,7 @@
 #include "zelto/raster/internal/PyramidBeside.h"
 #include "zelto/raster/internal/PyramidFiles.h"
 #include "zelto/raster/internal/RasterLog.h"
+#include "zelto/raster/internal/WarpedGrid.h"
 
 #include <gdal_priv.h>
 
@@ -228,6 +229,25 @@ GISError CRasterSource::OpenSimple(const wchar_t* path, GISDataAccess access, bo
 
 GISError CRasterSource::OpenAndWarped(const wchar_t* path, GISDataAccess access,
                                       const char* targetSrs) {
+    return OpenInReference(path, access, targetSrs, nullptr);
+}
+
+GISError CRasterSource::OpenWarpedToGrid(const wchar_t* path, GISDataAccess access,
+                                         const char* targetSrs, const double* geoTransform,
+                                         int width, int height) {
+    if (geoTransform == nullptr || width < 1 || height < 1) {
+        zelto::SetLastError("the grid of a view has no geotransform or no pixels");
+        return GIS_OPEN_FAILED;
+    }
+    zelto::ViewGrid grid;
+    std::copy_n(geoTransform, grid.geoTransform.size(), grid.geoTransform.begin());
+    grid.width = width;
+    grid.height = height;
+    return OpenInReference(path, access, targetSrs, &grid);
+}
+
+GISError CRasterSource::OpenInReference(const wchar_t* path, GISDataAccess access,
+                                        const char* targetSrs, const zelto::ViewGrid* grid) {
     return Opening([&] {
         const OpeningPath opening(path);
         m_allowWarp = true;
@@ -235,8 +255,8 @@ GISError CRasterSource::OpenAndWarped(const wchar_t* path, GISDataAccess access,
             return GIS_OPEN_FAILED;
         const std::wstring subDataset = CloseForFirstSubDataset();
         if (!IsOpened())
-            return OpenAndWarped(subDataset.c_str(), access, targetSrs);
-        if (!ShowInReference(targetSrs)) {
+            return OpenInReference(subDataset.c_str(), access, targetSrs, grid);
+        if (!ShowInReference(targetSrs, grid)) {
             zelto::LogRaster(zelto::LOG_FAILURE, __LINE__, L"CRasterSource::OpenAndWarped",
                              m_filePath + L" Warped VRT Creation failed.");
             Close();
@@ -246,7 +266,7 @@ GISError CRasterSource::OpenAndWarped(const wchar_t* path, GISDataAccess access,
     });
 }
 
-bool CRasterSource::ShowInReference(const char* targetSrs) {
+bool CRasterSource::ShowInReference(const char* targetSrs, const zelto::ViewGrid* grid) {
     // An empty text names no reference to go to.
     if (targetSrs == nullptr || *targetSrs == '\0')
         return true;
@@ -261,7 +281,7 @@ bool CRasterSource::ShowInReference(const char* targetSrs) {
     zelto::LoadSpatialReference(source, m_dataset->GetProjectionRef());
     if (zelto::IsSameReference(source, *target))
         return true;
-    return UseWarpedView(zelto::ExportToWkt(source), zelto::ExportToWkt(*target));
+    return UseWarpedView(zelto::ExportToWkt(source), zelto::ExportToWkt(*target), grid);
 }
 
 GISError CRasterSource::OpenAsDataset(const wchar_t* path, GISDataAccess access) {

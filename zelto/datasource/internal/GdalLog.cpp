@@ -6,8 +6,10 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 namespace zelto {
 
@@ -34,13 +36,32 @@ std::string Label(CPLErr severity, CPLErrorNum number) {
     return "ERROR " + std::to_string(number) + ": ";
 }
 
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+/// The folder to make for the log; empty: none.
+std::string& FolderToMake() {
+    static std::string folder;
+    return folder;
+}
+
+File OpenLog(const char* path) {
+    File file(std::fopen(path, "ab"));
+    if (!file && !FolderToMake().empty()) {
+        std::error_code error;
+        std::filesystem::create_directories(FolderToMake(), error);
+        if (!error)
+            file.reset(std::fopen(path, "ab"));
+    }
+    return file;
+}
+
 /// Opens the file for every message: messages are rare, and a file that is not kept open can
 /// be moved away or read by others. One write per line keeps lines of several threads whole.
 void CPL_STDCALL AppendToLog(CPLErr severity, CPLErrorNum number, const char* message) {
     const char* path = CPLGetConfigOption("CPL_LOG", nullptr);
-    if (path == nullptr)
+    if (path == nullptr || *path == '\0')
         return;
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path, "ab"));
+    const File file = OpenLog(path);
     if (!file)
         return;
     const std::string line = TimeStamp() + " " + Label(severity, number) + message + "\n";
@@ -58,7 +79,8 @@ void ExchangeHandler(CPLErrorHandler expected, CPLErrorHandler replacement) {
 
 } // namespace
 
-void InstallGdalLog() {
+void InstallGdalLog(const std::string& folderToMake) {
+    FolderToMake() = folderToMake;
     ExchangeHandler(CPLDefaultErrorHandler, AppendToLog);
 }
 

@@ -1,0 +1,104 @@
+#include "cli/GeorefPoints.h"
+
+#include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/raster/RasterSource.h"
+
+#include "cli/support/ChangedRaster.h"
+#include "cli/support/Csv.h"
+#include "cli/support/Failure.h"
+#include "cli/support/Reference.h"
+#include "cli/support/Text.h"
+
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <system_error>
+
+namespace zelto::cli {
+
+namespace {
+
+ControlPoint ParsePoint(const std::string& option, const std::string& text) {
+    const std::vector<double> numbers = ParseNumbers(option, text, 4);
+    if (!std::all_of(numbers.begin(), numbers.end(), [](double x) { return std::isfinite(x); }))
+        throw UsageError(option + ": the numbers are finite");
+    return {numbers[0], numbers[1], numbers[2], numbers[3]};
+}
+
+void AddFromFile(std::vector<ControlPoint>& points, const std::string& file) {
+    ForEachCsvLine(file, [&](const std::string& line, int number) {
+        if (line.front() == '#' || (number == 1 && IsCsvHeading(line)))
+            return;
+        try {
+            points.push_back(ParsePoint(file, line.substr(0, line.find_last_not_of(" \r") + 1)));
+        } catch (const UsageError&) {
+            throw Failure(file, "line " + std::to_string(number) + ": expected column,row,x,y");
+        }
+    });
+}
+
+/// Whether three of the points are corners of a triangle, in pixels and on the ground.
+bool SpanArea(const std::vector<ControlPoint>& points) {
+    bool inPixels = false;
+    bool onGround = false;
+    const ControlPoint& a = points.front();
+    for (const ControlPoint& b : points)
+        for (const ControlPoint& c : points) {
+            inPixels = inPixels || (b.column - a.column) * (c.row - a.row) !=
+                                       (c.column - a.column) * (b.row - a.row);
+            onGround = onGround || (b.x - a.x) * (c.y - a.y) != (c.x - a.x) * (b.y - a.y);
+            if (inPixels && onGround)
+                return true;
+        }
+    return false;
+}
+
+/// A world file would place a GeoTIFF elsewhere.
+void RemoveWorldFile(GDALDataset& dataset, const ChangedRaster& file) {
+    std::error_code error;
+    if (EQUAL(dataset.GetDriverName(), "GTiff"))
+        std::filesystem::remove(std::filesystem::path(file.Path()).replace_extension("tfw"), error);
+    if (error)
+        throw file.Fail("its world file cannot be removed: " + error.message());
+}
+
+} // namespace
+
+std::vector<ControlPoint> ReadControlPoints(const std::vector<std::string>& texts,
+                                            const std::string& file) {
+    std::vector<ControlPoint> points;
+    for (const std::string& text : texts)
+        points.push_back(ParsePoint("--gcp", text));
+    if (!file.empty())
+        AddFromFile(points, file);
+    if (points.size() < 3 || !SpanArea(points))
+        throw UsageError("--gcp: three points or more that are not on one line place an image");
+    return points;
+}
+
+void SetControlPoints(CRasterSource& raster, const std::vector<ControlPoint>& points,
+                      const std::string& srs, const ChangedRaster& file) {
+    std::vector<GDAL_GCP> list(points.size());
+    GDALInitGCPs(static_cast<int>(list.size()), list.data());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        CPLFree(list[i].pszId);
+        list[i].pszId = CPLStrdup(std::to_string(i + 1).c_str());
+        list[i].dfGCPPixel = points[i].column;
+        list[i].dfGCPLine = points[i].row;
+        list[i].dfGCPX = points[i].x;
+        list[i].dfGCPY = points[i].y;
+    }
+    const auto reference = ParseReference(srs);
+    GDALDataset& dataset = *raster.GetGDALDataset();
+    GdalWatch watch;
+    const CPLErr result = dataset.SetGCPs(static_cast<int>(list.size()), list.data(),
+                                          reference ? &*reference : nullptr);
+    GDALDeinitGCPs(static_cast<int>(list.size()), list.data());
+    if (!watch.Succeeded(result, file.Path()))
+        throw file.Fail("the format cannot store control points");
+    RemoveWorldFile(dataset, file);
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+class CRasterSource;
+
+namespace zelto::cli {
+
+/// Shows the bands that the file calls red, green and blue, whatever their order. Changes nothing
+/// where it does not name all three.
+void ShowBandsByColor(CRasterSource& source);
+
+/// Where a file is see-through: its alpha band or its mask, as a raster of one band of 0 to 255
+/// on the file's grid. No-data values are not in it; the drawing itself leaves those out.
+class FileOpacity {
+  public:
+    /// @param source the open file, or a view of it
+    explicit FileOpacity(const CRasterSource& source);
+    ~FileOpacity();
+    FileOpacity(const FileOpacity&) = delete;
+    FileOpacity& operator=(const FileOpacity&) = delete;
+
+    /// Path of the raster, to be opened as the file itself; empty where the file is opaque.
+    const std::string& Path() const { return m_path; }
+
+  private:
+    std::string m_path;
+};
+
+} // namespace zelto::cli

@@ -1,0 +1,29 @@
+#include "cli/support/Output.h"
+
+#include "cli/support/Failure.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <system_error>
+
+namespace zelto::cli {
+
+void AddOverwriteOption(CLI::App& command, bool& overwrite) {
+    command.add_flag("--overwrite", overwrite, "replace a file that has the new one's name");
+}
+
+void RequireFreePath(const std::string& path, bool overwrite,
+                     const std::vector<std::string>& inputs) {
+    if (path.empty())
+        return;
+    std::error_code ignored;
+    for (const std::string& input : inputs)
+        if (std::filesystem::equivalent(path, input, ignored))
+            throw Failure(path, "it is what the command reads; write to another name");
+    // Folders, pipes and devices have reasons of their own, which the writing tells.
+    if (!overwrite && std::filesystem::is_regular_file(path, ignored))
+        throw Failure(path, "it exists; --overwrite replaces it");
+}
+
+} // namespace zelto::cli
