@@ -33,6 +33,11 @@ int StripHeight(const RowRange& rows, int row) {
 void ForEachStrip(const RowRange& rows, const wchar_t* title, const std::string& path,
                   const std::function<void(int first, int count)>& work) {
     TerminalProgress progress;
+    ForEachStrip(rows, title, path, progress, work);
+}
+
+void ForEachStrip(const RowRange& rows, const wchar_t* title, const std::string& path,
+                  CDataProgress& progress, const std::function<void(int first, int count)>& work) {
     progress.BeginProgress(title, 100);
     for (int done = 0; done < rows.count;) {
         if (!progress.StepProgress(static_cast<int>(100LL * done / rows.count), L""))

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 
+class CDataProgress;
 class CRasterSource;
 
 namespace zelto::cli {
@@ -23,6 +24,9 @@ struct RowRange {
 /// @param path the file that the failure names
 void ForEachStrip(const RowRange& rows, const wchar_t* title, const std::string& path,
                   const std::function<void(int first, int count)>& work);
+/// The same with the progress of a host, which may stop the work.
+void ForEachStrip(const RowRange& rows, const wchar_t* title, const std::string& path,
+                  CDataProgress& progress, const std::function<void(int first, int count)>& work);
 
 /// Writes full rows of all bands, band after band, at `first`. Throws Failure naming `path`.
 void WriteRows(CRasterSource& raster, int first, int count, void* samples, PixelDataType type,

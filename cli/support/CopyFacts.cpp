@@ -1,4 +1,4 @@
-#include "cli/CopyFacts.h"
+#include "cli/support/CopyFacts.h"
 
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"

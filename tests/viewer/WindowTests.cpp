@@ -1,0 +1,352 @@
+#include "zelto/Zelto.h"
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestData.h"
+#include "tests/viewer/WindowDriver.h"
+#include "viewer/actions/AreaActions.h"
+#include "viewer/actions/TrainingActions.h"
+#include "viewer/actions/WorkActions.h"
+#include "viewer/views/HistogramView.h"
+#include "viewer/views/MapPictures.h"
+#include "viewer/views/MapView.h"
+#include "viewer/views/MessageBar.h"
+#include "viewer/views/StatisticsPanel.h"
+
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLabel>
+#include <QPainter>
+#include <QTest>
+#include <QWheelEvent>
+#include <filesystem>
+#include <memory>
+
+using namespace zelto;
+using namespace zelto::test;
+
+namespace {
+
+/// A window with the sample scene in it, in the settings that it opens with.
+class Window : public testing::Test {
+  protected:
+    void SetUp() override {
+        UseSettingsOfTest(QString::fromStdString(m_folder.File("settings")));
+        m_window = std::make_unique<view::MainWindow>();
+        m_window->resize(1100, 700);
+        m_window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
+        ASSERT_TRUE(OpenAndSettle(*m_window, {QString::fromStdString(SampleScene())}));
+    }
+
+    view::MapView& Map() { return m_window->GetMap(); }
+    const view::Layer& Current() { return *m_window->GetDocument().Current(); }
+    void Trigger(const char* action) { m_window->FindAction(action)->trigger(); }
+    QPoint Middle() { return Map().rect().center(); }
+
+    /// The picture of the map's view as the engine draws it with settings of the sample scene's
+    /// own, in the form that the map has.
+    QImage DrawByEngine(const std::function<void(CRasterSource&)>& prepare) {
+        CRasterSource source;
+        source.SetForDisplay(true);
+        EXPECT_EQ(source.Open(CommonFun::M2U(SampleScene()).c_str(), GIS_READONLY, true),
+                  GIS_SUCCESS);
+        prepare(source);
+        const view::ViewTransform& shown = Map().View();
+        QImage image(shown.Size(), QImage::Format_ARGB32);
+        CBoundingBox box = shown.Box();
+        EXPECT_TRUE(source.GetShowData(&box, image.width(), image.height(), image.bits(), true));
+        source.m_hue = source.m_intensity = source.m_saturation = source.m_contrast = 0.0F;
+        source.ApplyShowDataHISC(image.width(), image.height(), image.bits());
+        QImage map(image.size(), QImage::Format_ARGB32_Premultiplied);
+        map.fill(Qt::transparent);
+        QPainter(&map).drawImage(0, 0, image);
+        return map;
+    }
+
+    TemporaryFolder m_folder;
+    std::unique_ptr<view::MainWindow> m_window;
+};
+
+void ApplyPercent(CRasterSource& source) {
+    CStretchPreparation stretch(&source);
+    stretch.SetStretch("percent");
+    ASSERT_EQ(stretch.Apply(nullptr), GIS_SUCCESS);
+}
+
+} // namespace
+
+TEST_F(Window, ShowsTheEnginesDrawingOfItsBoxPixelByPixel) {
+    EXPECT_EQ(Map().Shown().view, Map().View());
+    EXPECT_EQ(Map().Shown().image, DrawByEngine(ApplyPercent));
+}
+
+TEST_F(Window, PutsThePictureOnTheScreenAsItWasDrawn) {
+    const QImage screen = Map().grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QImage picture = Map().Shown().image;
+    int compared = 0;
+    for (int y = 0; y < picture.height(); y += 7)
+        for (int x = 0; x < picture.width(); x += 7)
+            if (qAlpha(picture.pixel(x, y)) == 255) {
+                ASSERT_EQ(screen.pixel(x, y) & 0xffffff, picture.pixel(x, y) & 0xffffff);
+                ++compared;
+            }
+    EXPECT_GT(compared, 1000);
+}
+
+TEST_F(Window, DrawsWhatSlidersAndBandsSay) {
+    view::DisplaySettings settings = Current().settings;
+    settings.bands = {3, 2, 1};
+    settings.stretch = "stddev";
+    settings.hue = 0.25F;
+    settings.contrast = 0.4F;
+    settings.transparency = 0.5F;
+    m_window->GetDocument().SetSettings(Current().id, settings);
+    ASSERT_TRUE(Settle(*m_window));
+    EXPECT_EQ(Map().Shown().image, DrawByEngine([](CRasterSource& source) {
+                  int bands[] = {3, 2, 1};
+                  source.SetShowBandNum(3, bands);
+                  CStretchPreparation stretch(&source);
+                  stretch.SetStretch("stddev");
+                  ASSERT_EQ(stretch.Apply(nullptr), GIS_SUCCESS);
+                  source.m_hue = 0.25F;
+                  source.m_contrast = 0.4F;
+                  source.m_transparency = 0.5F;
+              }));
+}
+
+TEST_F(Window, ShowsTheMovedPictureAtOnceWhileDragging) {
+    const view::ViewTransform before = Map().View();
+    const QRgb middle = Map().grab().toImage().pixel(Middle());
+    Drag(Map(), Middle(), Middle() + QPoint(40, -25));
+    EXPECT_EQ(Map().View(), before.MovedBy({40.0, -25.0}));
+    // No answer of the worker has been taken yet: the frame shows the former picture, moved.
+    EXPECT_EQ(Map().grab().toImage().pixel(Middle() + QPoint(40, -25)), middle);
+    ASSERT_TRUE(Settle(*m_window));
+    EXPECT_EQ(Map().Shown().image, DrawByEngine(ApplyPercent));
+}
+
+TEST_F(Window, ZoomsAroundThePointerWithTheWheel) {
+    const QPointF at(300.0, 200.0);
+    const QPointF ground = Map().View().ToGround(at);
+    const double scale = Map().View().Scale();
+    QWheelEvent wheel(at, Map().mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&Map(), &wheel);
+    EXPECT_LT(Map().View().Scale(), scale);
+    EXPECT_NEAR(Map().View().ToGround(at).x(), ground.x(), 1e-6);
+    EXPECT_NEAR(Map().View().ToGround(at).y(), ground.y(), 1e-6);
+}
+
+TEST_F(Window, PansWithTheArrowKeys) {
+    const double left = Map().View().Box().GetLeft();
+    Map().setFocus();
+    QTest::keyClick(&Map(), Qt::Key_Right);
+    EXPECT_GT(Map().View().Box().GetLeft(), left);
+}
+
+TEST_F(Window, ShowsEachPixelOnceOneToOne) {
+    Trigger("one-to-one");
+    ASSERT_TRUE(Settle(*m_window));
+    const view::LayerFacts& facts = Current().facts;
+    EXPECT_DOUBLE_EQ(Map().View().Scale(), facts.PixelSize());
+    const double columns =
+        (Map().View().Box().GetLeft() - facts.geoTransform[0]) / facts.geoTransform[1];
+    EXPECT_NEAR(columns, std::round(columns), 1e-6);
+}
+
+TEST_F(Window, TellsWhatIsUnderThePointer) {
+    const QPointF ground = Map().View().ToGround(QPointF(Middle()));
+    QTest::mouseMove(&Map(), Middle() - QPoint(3, 3));
+    QTest::mouseMove(&Map(), Middle());
+    m_window->GetEngine().Read(Current().id, ground);
+    ASSERT_TRUE(Settle(*m_window));
+    CRasterSource source;
+    ASSERT_EQ(source.Open(CommonFun::M2U(SampleScene()).c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    int column = 0;
+    int row = 0;
+    source.GroundToImage(ground.x(), ground.y(), column, row);
+    double values[6] = {};
+    source.GetPixel(values, column, row, PDT_Float64);
+    QStringList expected;
+    for (int i = 0; i < 6; ++i)
+        expected += QString("%1: %2").arg(i + 1).arg(values[i]);
+    EXPECT_EQ(m_window->findChild<QLabel*>("values")->text(), expected.join("   "));
+    EXPECT_EQ(m_window->findChild<QLabel*>("position")->text(),
+              QString("%1, %2").arg(column).arg(row));
+}
+
+TEST_F(Window, StretchesBetweenTheBoundsThatAreDragged) {
+    auto* histogram = m_window->findChild<view::HistogramView*>("histogram0");
+    ASSERT_TRUE(histogram->Histogram());
+    const view::Bounds before = histogram->ShownBounds();
+    const double width = histogram->width() - 16.0;
+    const auto at = [&](double value) { return QPoint(qRound(8.0 + value / 255.0 * width), 30); };
+    Drag(*histogram, at(before.low), at(before.low) + QPoint(10, 0));
+    ASSERT_TRUE(Current().settings.ranges[0]);
+    EXPECT_GT(Current().settings.ranges[0]->low, before.low);
+    EXPECT_EQ(Current().settings.ranges[0]->high, before.high);
+    ASSERT_TRUE(Settle(*m_window));
+    EXPECT_EQ(m_window->GetMessages().Text(), "");
+}
+
+TEST_F(Window, DrawsSelectsMovesAndDeletesShapesWithMouseAndKeys) {
+    view::AreaModel& areas = m_window->GetAreas();
+    Trigger("tool-rectangle");
+    Drag(Map(), Middle() - QPoint(100, 100), Middle() + QPoint(50, 50));
+    ASSERT_EQ(areas.All().size(), 1U);
+    Trigger("tool-polygon");
+    for (const QPoint& corner : {QPoint(-200, -50), QPoint(-150, -50), QPoint(-150, 20)})
+        QTest::mouseClick(&Map(), Qt::LeftButton, {}, Middle() + corner);
+    QTest::keyClick(&Map(), Qt::Key_Return);
+    ASSERT_EQ(areas.All().size(), 2U);
+    EXPECT_EQ(areas.All().back().shape->m_vertices.size(), 3U);
+    Trigger("tool-select");
+    const CBoundingBox before = areas.All().front().shape->m_extent;
+    Drag(Map(), Middle(), Middle() + QPoint(30, 0));
+    const CBoundingBox after = areas.All().front().shape->m_extent;
+    EXPECT_NEAR(after.GetLeft() - before.GetLeft(), 30.0 * Map().View().Scale(), 1e-6);
+    Trigger("area-delete");
+    EXPECT_EQ(areas.All().size(), 1U);
+    Trigger("undo");
+    EXPECT_EQ(areas.All().size(), 2U);
+}
+
+TEST_F(Window, SavesAndOpensAreas) {
+    const QString path = QString::fromStdString(m_folder.File("areas.aif"));
+    Trigger("tool-ellipse");
+    Drag(Map(), Middle() - QPoint(60, 60), Middle() + QPoint(60, 40));
+    m_window->GetAreaActions().SaveAreas(path);
+    ASSERT_TRUE(Settle(*m_window));
+    ASSERT_TRUE(std::filesystem::exists(path.toStdString()));
+    m_window->GetAreaActions().OpenAreas(path);
+    ASSERT_TRUE(Settle(*m_window));
+    const auto& all = m_window->GetAreas().All();
+    ASSERT_EQ(all.size(), 2U);
+    EXPECT_EQ(all[1].shape->m_extent.GetLeft(), all[0].shape->m_extent.GetLeft());
+    EXPECT_EQ(all[1].shape->m_shapeKind, SHAPE_ELLIPSE);
+}
+
+TEST_F(Window, TellsTheStatisticsThatTheEngineComputesOfAnArea) {
+    Trigger("tool-rectangle");
+    Drag(Map(), Middle() - QPoint(60, 60), Middle() + QPoint(60, 40));
+    Trigger("statistics");
+    ASSERT_TRUE(Settle(*m_window));
+    const auto* panel = m_window->findChild<view::StatisticsPanel*>();
+    ASSERT_NE(panel, nullptr);
+    CRasterSource source;
+    ASSERT_EQ(source.Open(CommonFun::M2U(SampleScene()).c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    CRegionStatistics statistics(&source);
+    statistics.SetShape(const_cast<CDrawShape*>(m_window->GetAreas().All().front().shape.get()));
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    ASSERT_EQ(panel->Table().rows.size(), 6U);
+    EXPECT_EQ(panel->Table().rows[2][1], QString::number(statistics.GetBands()[2].count));
+    EXPECT_EQ(panel->Table().rows[2][4], QString::number(statistics.GetBands()[2].mean, 'g', 10));
+    EXPECT_EQ(panel->ToText(',').count('\n'), 7);
+}
+
+TEST_F(Window, CollectsTrainingClassesAndSavesTheirSamples) {
+    Trigger("tool-rectangle");
+    Drag(Map(), Middle() - QPoint(60, 60), Middle() + QPoint(60, 40));
+    Trigger("class-add");
+    Trigger("spectra");
+    ASSERT_TRUE(Settle(*m_window));
+    ASSERT_EQ(m_window->GetTraining().Spectra().size(), 1U);
+    EXPECT_EQ(m_window->GetTraining().Spectra().front().mean.size(), 6U);
+    const QString path = QString::fromStdString(m_folder.File("classes.smp"));
+    m_window->GetTrainingActions().SaveSamples(path);
+    ASSERT_TRUE(Settle(*m_window));
+    CClassifySampleFile file;
+    ASSERT_EQ(file.ReadClassifySampleFile(CommonFun::M2U(path.toStdString())), 1);
+    ASSERT_EQ(file.GetClassCount(), 1);
+    EXPECT_EQ(file.GetClass(0)->m_values[1], m_window->GetTraining().Spectra().front().pixels);
+}
+
+TEST_F(Window, ExportsTheViewWithItsPlace) {
+    const std::string path = m_folder.File("view.tif");
+    m_window->GetWorkActions().Export(QString::fromStdString(path));
+    ASSERT_TRUE(Settle(*m_window));
+    CRasterSource written;
+    ASSERT_EQ(written.Open(CommonFun::M2U(path).c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(written.GetWidth(), Map().View().Size().width());
+    EXPECT_NEAR(written.GetLeft(), Map().View().Box().GetLeft(), 1e-6);
+    EXPECT_NEAR(written.GetXResolution(), Map().View().Scale(), 1e-9);
+}
+
+TEST_F(Window, BuildsAPyramidAndShowsTheImageAnew) {
+    const std::string path = m_folder.File("copy.tif");
+    std::filesystem::copy_file(SampleScene(), path);
+    ASSERT_TRUE(OpenAndSettle(*m_window, {QString::fromStdString(path)}));
+    Trigger("pyramids");
+    ASSERT_TRUE(Settle(*m_window));
+    EXPECT_FALSE(Current().facts.pyramid.isEmpty());
+    EXPECT_EQ(m_window->GetDocument().Layers().size(), 2U);
+}
+
+TEST_F(Window, CopiesAnImageToAnotherFormat) {
+    const std::string path = m_folder.File("copy.img");
+    m_window->GetWorkActions().CopyTo(QString::fromStdString(path));
+    ASSERT_TRUE(Settle(*m_window));
+    CRasterSource written;
+    ASSERT_EQ(written.Open(CommonFun::M2U(path).c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    EXPECT_EQ(written.GetRasterDataFormat(), RDF_HFA);
+    EXPECT_EQ(written.GetBandCount(), 6);
+    EXPECT_EQ(written.GetLeft(), Current().facts.extent.GetLeft());
+}
+
+TEST_F(Window, MakesPolygonsOfEqualPixels) {
+    const std::string path = m_folder.File("polygons.shp");
+    m_window->GetWorkActions().MakePolygons(QString::fromStdString(path), 1, false);
+    ASSERT_TRUE(Settle(*m_window));
+    CVectorSource written;
+    ASSERT_EQ(written.Open(CommonFun::M2U(path).c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    EXPECT_EQ(written.GetLayerCount(), 1);
+}
+
+TEST_F(Window, TellsFileAndReasonWithoutBlocking) {
+    const std::string path = m_folder.File("none.tif");
+    ASSERT_TRUE(OpenAndSettle(*m_window, {QString::fromStdString(path)}));
+    EXPECT_TRUE(m_window->GetMessages().Text().contains("none.tif"));
+    EXPECT_EQ(m_window->GetDocument().Layers().size(), 1U) << "the scene is still there";
+}
+
+TEST_F(Window, LaysLayersOverEachOtherInTheirOrder) {
+    const QString scene = QString::fromStdString(SampleScene());
+    ASSERT_TRUE(OpenAndSettle(*m_window, {scene}));
+    const QImage top = Map().Shown().image;
+    view::DisplaySettings settings = Current().settings;
+    settings.bands = {3};
+    m_window->GetDocument().SetSettings(Current().id, settings);
+    ASSERT_TRUE(Settle(*m_window));
+    const QImage changed = Map().Shown().image;
+    EXPECT_NE(changed, top);
+    Trigger("layer-down");
+    ASSERT_TRUE(Settle(*m_window));
+    EXPECT_EQ(Map().Shown().image, top) << "the other layer, unchanged, covers it";
+    Trigger("layer-remove");
+    ASSERT_TRUE(Settle(*m_window));
+    EXPECT_EQ(Map().Shown().image, top);
+}
+
+TEST_F(Window, RemembersHowAFileWasShown) {
+    view::DisplaySettings settings = Current().settings;
+    settings.bands = {4};
+    settings.stretch = "equalize";
+    m_window->GetDocument().SetSettings(Current().id, settings);
+    ASSERT_TRUE(Settle(*m_window));
+    Trigger("layer-remove");
+    ASSERT_TRUE(OpenAndSettle(*m_window, {QString::fromStdString(SampleScene())}));
+    EXPECT_EQ(Current().settings, settings);
+}
+
+TEST_F(Window, HasATooltipForEveryActionAndAShortcutOfItsOwn) {
+    QHash<QKeySequence, QString> taken;
+    for (const QAction* action : m_window->Actions().All()) {
+        EXPECT_FALSE(action->toolTip().isEmpty()) << qPrintable(action->objectName());
+        ASSERT_FALSE(action->shortcut().isEmpty()) << qPrintable(action->objectName());
+        EXPECT_FALSE(taken.contains(action->shortcut()))
+            << qPrintable(action->objectName()) << " and "
+            << qPrintable(taken.value(action->shortcut()));
+        taken[action->shortcut()] = action->objectName();
+    }
+}

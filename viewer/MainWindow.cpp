@@ -1,0 +1,261 @@
+#include "viewer/MainWindow.h"
+
+#include "viewer/actions/AreaActions.h"
+#include "viewer/actions/FileActions.h"
+#include "viewer/actions/LayerActions.h"
+#include "viewer/actions/TrainingActions.h"
+#include "viewer/actions/ViewActions.h"
+#include "viewer/actions/WorkActions.h"
+#include "viewer/views/DisplayPanel.h"
+#include "viewer/views/LayersPanel.h"
+#include "viewer/views/MapPictures.h"
+#include "viewer/views/MapView.h"
+#include "viewer/views/MessageBar.h"
+#include "viewer/views/OverviewMap.h"
+#include "viewer/views/StatisticsPanel.h"
+#include "viewer/views/StatusLine.h"
+#include "viewer/views/TaskLine.h"
+#include "viewer/views/TrainingPanel.h"
+
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace zelto::view {
+
+namespace {
+
+constexpr int TOOL_ICON_SIDE = 22;
+
+QStringList FilesOf(const QMimeData& data) {
+    QStringList paths;
+    for (const QUrl& url : data.urls())
+        if (url.isLocalFile())
+            paths += url.toLocalFile();
+    return paths;
+}
+
+} // namespace
+
+MainWindow::MainWindow() {
+    setObjectName("window");
+    setWindowTitle("Zelto");
+    setAcceptDrops(true);
+    setDockOptions(AnimatedDocks | AllowNestedDocks | AllowTabbedDocks);
+    resize(1280, 800);
+    MakeCentre();
+    MakeActions();
+    MakePanels();
+    MakeMenus();
+    MakeToolBar();
+    MakeStatusBar();
+    FollowPointer();
+    FollowView();
+    FollowOverview();
+    restoreGeometry(m_preferences.Geometry());
+    restoreState(m_preferences.WindowState());
+}
+
+MainWindow::~MainWindow() {
+    // Views go before the models that they listen to.
+    delete takeCentralWidget();
+    qDeleteAll(findChildren<QDockWidget*>(Qt::FindDirectChildrenOnly));
+}
+
+void MainWindow::MakeCentre() {
+    m_messages = new MessageBar;
+    m_map = new MapView;
+    m_map->SetHint(tr("Open an image, or drop one here"));
+    auto* centre = new QWidget;
+    auto* layout = new QVBoxLayout(centre);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    layout->addWidget(m_messages);
+    layout->addWidget(m_map, 1);
+    setCentralWidget(centre);
+    m_pictures = new MapPictures(m_document, m_engine, *m_map, this);
+}
+
+void MainWindow::MakeActions() {
+    const Workbench bench{*this,  m_document,  m_engine,    m_areas,       m_training, m_tasks,
+                          *m_map, *m_pictures, *m_messages, m_preferences, m_actions};
+    m_fileActions = new FileActions(bench, this);
+    new ViewActions(bench, this);
+    new LayerActions(bench, this);
+    m_areaActions = new AreaActions(bench, this);
+    m_trainingActions = new TrainingActions(bench, this);
+    m_workActions = new WorkActions(bench, this);
+    addActions(m_actions.All());
+}
+
+QDockWidget* MainWindow::AddPanel(const QString& id, const QString& title, const QString& shortcut,
+                                  QWidget* content, Qt::DockWidgetArea area) {
+    auto* dock = new QDockWidget(title, this);
+    dock->setObjectName(id);
+    dock->setWidget(content);
+    addDockWidget(area, dock);
+    QAction* action = dock->toggleViewAction();
+    action->setShortcut(shortcut);
+    action->setToolTip(tr("Show or hide the panel"));
+    return dock;
+}
+
+void MainWindow::MakePanels() {
+    auto* layers = new LayersPanel(m_document);
+    layers->AddToolBarActions({m_actions.Find("open"), m_actions.Find("layer-up"),
+                               m_actions.Find("layer-down"), m_actions.Find("layer-remove")});
+    m_overview = new OverviewMap;
+    QDockWidget* overviewDock =
+        AddPanel("overviewPanel", tr("Overview"), "F5", m_overview, Qt::LeftDockWidgetArea);
+    QDockWidget* layersDock =
+        AddPanel("layersPanel", tr("Layers"), "F6", layers, Qt::LeftDockWidgetArea);
+    QDockWidget* displayDock =
+        AddPanel("displayPanel", tr("Display"), "F7", new DisplayPanel(m_document, m_engine),
+                 Qt::RightDockWidgetArea);
+    auto* training = new TrainingPanel(m_training, m_areas);
+    training->AddToolBarActions({m_actions.Find("class-add"), m_actions.Find("class-assign"),
+                                 m_actions.Find("class-remove"), m_actions.Find("spectra"),
+                                 m_actions.Find("samples-save")});
+    QDockWidget* trainingDock =
+        AddPanel("trainingPanel", tr("Training classes"), "F8", training, Qt::LeftDockWidgetArea);
+    auto* statistics = new StatisticsPanel(*m_messages, m_preferences);
+    QDockWidget* statisticsDock =
+        AddPanel("statisticsPanel", tr("Statistics"), "F9", statistics, Qt::BottomDockWidgetArea);
+    trainingDock->hide();
+    statisticsDock->hide();
+    resizeDocks({overviewDock, layersDock}, {190, 400}, Qt::Vertical);
+    resizeDocks({layersDock, displayDock}, {270, 300}, Qt::Horizontal);
+    connect(&m_training, &TrainingClasses::ClassesChanged, trainingDock, [=, this] {
+        if (trainingDock->isVisible())
+            return;
+        trainingDock->show();
+        resizeDocks({overviewDock, layersDock, trainingDock}, {170, 110, 380}, Qt::Vertical);
+    });
+    connect(m_areaActions, &AreaActions::StatisticsReady, statistics,
+            [=](const StatisticsTable& table) {
+                statistics->SetTable(table);
+                statisticsDock->show();
+            });
+}
+
+/// @param ids separated by blanks; "-" stands for a line between groups
+void MainWindow::AddToMenu(QMenu& menu, const QString& ids) {
+    menu.setToolTipsVisible(true);
+    for (const QString& id : ids.split(' ')) {
+        if (id == "-")
+            menu.addSeparator();
+        else
+            menu.addAction(m_actions.Find(id));
+    }
+}
+
+void MainWindow::MakeMenus() {
+    QMenu& file = *menuBar()->addMenu(tr("&File"));
+    AddToMenu(file, "open compose");
+    QMenu* recent = file.addMenu(tr("Open &recent"));
+    connect(&file, &QMenu::aboutToShow, this,
+            [this, recent] { m_fileActions->FillRecent(*recent); });
+    AddToMenu(file, "- export properties - quit");
+    QMenu& view = *menuBar()->addMenu(tr("&View"));
+    AddToMenu(view, "fit fit-layer one-to-one zoom-in zoom-out - pan-left pan-right pan-up "
+                    "pan-down - theme-system theme-light theme-dark");
+    view.addSeparator();
+    for (QDockWidget* dock : findChildren<QDockWidget*>(Qt::FindDirectChildrenOnly))
+        view.addAction(dock->toggleViewAction());
+    AddToMenu(*menuBar()->addMenu(tr("&Layer")),
+              "layer-up layer-down layer-visible layer-remove - display-copy display-paste "
+              "display-reset");
+    AddToMenu(*menuBar()->addMenu(tr("&Areas")),
+              "tool-pan tool-select tool-point tool-line tool-polygon tool-rectangle tool-ellipse "
+              "- undo redo area-delete area-select-all - areas-open areas-save - areas-mask "
+              "statistics statistics-each");
+    AddToMenu(*menuBar()->addMenu(tr("&Training")),
+              "class-add class-assign class-remove - spectra samples-open samples-save");
+    AddToMenu(*menuBar()->addMenu(tr("&Work")), "pyramids copy-to polygonize - georef");
+}
+
+void MainWindow::MakeToolBar() {
+    QToolBar* bar = addToolBar(tr("Tools"));
+    bar->setObjectName("tools");
+    bar->setIconSize({TOOL_ICON_SIDE, TOOL_ICON_SIDE});
+    bar->setMovable(false);
+    bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    for (const QString& id :
+         QString("open export - fit one-to-one zoom-in zoom-out - tool-pan tool-select tool-point "
+                 "tool-line tool-polygon tool-rectangle tool-ellipse - undo redo area-delete - "
+                 "areas-mask statistics class-add")
+             .split(' ')) {
+        if (id == "-")
+            bar->addSeparator();
+        else
+            bar->addAction(m_actions.Find(id));
+    }
+}
+
+void MainWindow::MakeStatusBar() {
+    m_status = new StatusLine;
+    statusBar()->addWidget(m_status, 1);
+    statusBar()->addPermanentWidget(new TaskLine(m_tasks));
+    statusBar()->setSizeGripEnabled(false);
+    connect(&m_tasks, &TaskRunner::Failed, this, [this](const QString& title, const QString& why) {
+        m_messages->TellError(tr("%1: %2").arg(title, why));
+    });
+    connect(&m_tasks, &TaskRunner::Cancelled, this,
+            [this](const QString& title) { m_messages->Tell(tr("%1: cancelled").arg(title)); });
+}
+
+void MainWindow::FollowPointer() {
+    connect(m_map, &MapView::PointerMoved, this, [this](QPointF ground) {
+        if (const Layer* layer = m_document.Current(); layer != nullptr && layer->isOpen)
+            m_engine.Read(layer->id, ground);
+    });
+    connect(m_map, &MapView::PointerLeft, m_status, &StatusLine::ClearReading);
+    connect(&m_engine, &Engine::Found, this, [this](const Reading& reading) {
+        if (const Layer* layer = m_document.Find(reading.layer))
+            m_status->ShowReading(reading, layer->facts);
+    });
+}
+
+void MainWindow::FollowView() {
+    const auto show = [this] {
+        const Layer* layer = m_document.Current();
+        const bool isOpen = layer != nullptr && layer->isOpen;
+        m_status->ShowZoom(isOpen ? layer->facts.PixelSize() / m_map->View().Scale() : 0.0);
+        setWindowTitle(isOpen ? layer->origin.Name() : QString());
+        m_overview->SetView(m_map->View());
+    };
+    connect(m_map, &MapView::ViewChanged, this, show);
+    connect(&m_document, &Document::CurrentChanged, this, show);
+}
+
+void MainWindow::FollowOverview() {
+    connect(m_pictures, &MapPictures::OverviewChanged, m_overview, &OverviewMap::SetPicture);
+    connect(m_overview, &OverviewMap::CenterChosen, this,
+            [this](QPointF ground) { m_map->SetView(m_map->View().CenteredAt(ground)); });
+}
+
+void MainWindow::OpenFiles(const QStringList& paths) {
+    m_fileActions->OpenFiles(paths);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!FilesOf(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    OpenFiles(FilesOf(*event->mimeData()));
+    event->acceptProposedAction();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    m_preferences.SetWindow(saveGeometry(), saveState());
+    event->accept();
+}
+
+} // namespace zelto::view

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QColor>
+#include <QString>
+#include <QVariantMap>
+#include <array>
+#include <optional>
+#include <vector>
+
+namespace zelto::view {
+
+/// Least and greatest sample that a stretch spreads over the display values.
+struct Bounds {
+    double low = 0.0;
+    double high = 0.0;
+    bool operator==(const Bounds&) const = default;
+};
+
+/// A class of a classified image as the legend shows it.
+struct ClassColor {
+    double low = 0.0; ///< values low ≤ v < high belong to it
+    double high = 0.0;
+    QColor color;
+    QString name;
+    bool operator==(const ClassColor&) const = default;
+};
+
+/// How a layer is shown. A value, so that requests carry a copy to the thread that draws and the
+/// interface may go on changing its own.
+struct DisplaySettings {
+    std::vector<int> bands;   ///< one, or three for red, green and blue; counted from 0
+    QString stretch = "auto"; ///< a name that the engine's preparation of stretches knows
+    /// Values shown darkest and brightest, per shown band; none: as the stretch finds them.
+    std::array<std::optional<Bounds>, 3> ranges;
+    Bounds clip{2.0, 98.0};     ///< percentages that the percent stretch goes between
+    std::optional<double> low;  ///< bounds of the zoom stretches and the custom equalisation
+    std::optional<double> high; ///< the same
+    double threshold = 0.01;    ///< share that the auto levels cut at each end
+    int wallisModel = 1;
+    double gamma = 1.0;
+    bool ofView = false; ///< the stretch goes by what is in view instead of the whole image
+    float hue = 0.0F;
+    float intensity = 0.0F;
+    float saturation = 0.0F;
+    float contrast = 0.0F;
+    float transparency = 0.0F;
+    QString ramp;                                   ///< of a single band; empty: none
+    std::optional<std::vector<ClassColor>> classes; ///< set where the user edited the file's
+
+    bool operator==(const DisplaySettings&) const = default;
+
+    QVariantMap ToMap() const;
+    /// What the map does not say keeps the value that `otherwise` has.
+    static DisplaySettings FromMap(const QVariantMap& map, const DisplaySettings& otherwise,
+                                   int bandCount);
+};
+
+} // namespace zelto::view
