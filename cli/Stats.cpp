@@ -54,14 +54,14 @@ RegionReport Measure(CRegionStatistics& statistics, const std::string& file, con
     RegionReport report;
     if (options.files.size() > 1)
         report.path = file;
-    require(statistics.Compute(&progress));
+    require(options.covariance ? statistics.ComputeWithCovariance(&progress)
+                               : statistics.Compute(&progress));
     if (!options.percentiles.empty()) {
         const PercentileRange range = ParsePercentiles(options.percentiles);
         require(statistics.ComputePercentiles(range.low, range.high, &progress));
         report.hasPercentiles = true;
     }
     if (options.covariance) {
-        require(statistics.ComputeCovariance(&progress));
         report.covariance = statistics.GetCovariance();
         report.covarianceCount = statistics.GetCovarianceCount();
     }

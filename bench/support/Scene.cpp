@@ -76,11 +76,20 @@ void WriteBands(GDALDataset& dataset, const SceneLayout& layout, const std::stri
     }
 }
 
+/// Whether the scene is there, with its overviews.
+bool IsMade(const std::filesystem::path& file, const SceneLayout& layout) {
+    if (!std::filesystem::exists(file))
+        return false;
+    const GDALDatasetUniquePtr scene(GDALDataset::Open(file.c_str(), GDAL_OF_RASTER));
+    return scene && scene->GetRasterBand(1)->GetOverviewCount() ==
+                        static_cast<int>(layout.overviews.size());
+}
+
 std::string Make(const SceneLayout& layout) {
     const std::filesystem::path file = Folder() / layout.name;
-    if (std::filesystem::exists(file))
-        return file.string();
     GDALAllRegister();
+    if (IsMade(file, layout))
+        return file.string();
     const std::string unfinished = file.string() + ".part.tif";
     CPLStringList options;
     for (const char* option : layout.options)
@@ -97,9 +106,9 @@ std::string Make(const SceneLayout& layout) {
     WriteBands(*dataset, layout, unfinished);
     dataset->FlushCache();
     if (!layout.overviews.empty()) {
-        std::vector<int> levels = layout.overviews;
-        // The engine would have them beside the file, under the unfinished one's name.
+        // Inside the file, whatever the engine has set up: the file gets another name.
         const CPLConfigOptionSetter inside("USE_RRD", "NO", false);
+        std::vector<int> levels = layout.overviews;
         Check(dataset->BuildOverviews("NEAREST", static_cast<int>(levels.size()), levels.data(), 0,
                                       nullptr, nullptr, nullptr),
               unfinished);

@@ -134,6 +134,38 @@ TEST_F(RegionStatistics, NullMeansTheWholeRasterAndNoRasterAFailure) {
     EXPECT_EQ(none.ComputePercentiles(2, 98, nullptr), GIS_FAILED);
 }
 
+TEST_F(RegionStatistics, OnePassWithTheCovarianceFindsWhatTwoPassesFind) {
+    std::mt19937 random(4711);
+    const auto noise = [&] {
+        return MakePixels(300, 200, [&](int, int) { return static_cast<double>(random() % 250); });
+    };
+    for (const bool hasNoData : {false, true}) {
+        RasterSpec spec = UnitSpec(300, 200);
+        if (hasNoData)
+            spec.noData = 9.0;
+        auto source = Open(spec, {noise(), noise(), noise()});
+        auto polygon = Polygon({{10, 20}, {280, 30}, {150, 190}});
+        for (CDrawShape* shape :
+             {static_cast<CDrawShape*>(nullptr), static_cast<CDrawShape*>(polygon.get())}) {
+            CRegionStatistics once(source.get());
+            CRegionStatistics twice(source.get());
+            once.SetShape(shape);
+            twice.SetShape(shape);
+            ASSERT_EQ(once.ComputeWithCovariance(nullptr), GIS_SUCCESS);
+            ASSERT_EQ(twice.Compute(nullptr), GIS_SUCCESS);
+            ASSERT_EQ(twice.ComputeCovariance(nullptr), GIS_SUCCESS);
+            EXPECT_EQ(once.GetCovariance(), twice.GetCovariance());
+            EXPECT_EQ(once.GetCovarianceCount(), twice.GetCovarianceCount());
+            for (std::size_t b = 0; b < 3; ++b) {
+                EXPECT_EQ(once.GetBands()[b].count, twice.GetBands()[b].count);
+                EXPECT_EQ(once.GetBands()[b].mean, twice.GetBands()[b].mean);
+                EXPECT_EQ(once.GetBands()[b].standardDeviation,
+                          twice.GetBands()[b].standardDeviation);
+            }
+        }
+    }
+}
+
 TEST_F(RegionStatistics, PercentagesThatAreNoNumbersAreRefused) {
     auto source = Open(UnitSpec(2, 1), {{1, 3}});
     CRegionStatistics statistics(source.get());

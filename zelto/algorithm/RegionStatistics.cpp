@@ -2,6 +2,7 @@
 
 #include "zelto/algorithm/internal/PreciseMoments.h"
 #include "zelto/algorithm/internal/Refusal.h"
+#include "zelto/algorithm/internal/RegionCovariance.h"
 #include "zelto/algorithm/internal/RegionScan.h"
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/DrawRectangle.h"
@@ -122,31 +123,39 @@ zelto::RegionScan CRegionStatistics::MakeScan(const std::vector<int>& bands) con
 
 GISError CRegionStatistics::Compute(CDataProgress* progress) {
     return zelto::NoThrow(GIS_FAILED, [&] {
-        if (!IsUsable())
-            return GIS_FAILED;
-        const zelto::RegionScan scan = MakeScan();
-        m_sampled = scan.IsSampled();
-        std::vector<zelto::PreciseMoments> moments(m_bands.size());
-        m_values.clear();
-        std::vector<std::vector<double>> kept(m_sampleSize > 0 ? m_bands.size() : 0);
-        const auto add = [&](std::size_t b, std::span<const double> values) {
-            moments[b].Add(values);
-            if (!kept.empty())
-                kept[b].insert(kept[b].end(), values.begin(), values.end());
-        };
-        if (!scan.VisitValues(TITLE, progress, add))
-            return GIS_FAILED;
-        m_values = std::move(kept);
-        for (std::size_t b = 0; b < m_bands.size(); ++b) {
-            const bool any = moments[b].Count() > 0;
-            m_bands[b].count = moments[b].Count();
-            m_bands[b].minimum = any ? moments[b].Minimum() : NOT_A_NUMBER;
-            m_bands[b].maximum = any ? moments[b].Maximum() : NOT_A_NUMBER;
-            m_bands[b].mean = moments[b].Mean();
-            m_bands[b].standardDeviation = moments[b].StandardDeviation();
-        }
-        return GIS_SUCCESS;
+        return IsUsable() && ComputeMoments(MakeScan(), nullptr, progress) ? GIS_SUCCESS
+                                                                           : GIS_FAILED;
     });
+}
+
+bool CRegionStatistics::ComputeMoments(const zelto::RegionScan& scan,
+                                       zelto::RegionCovariance* covariance,
+                                       CDataProgress* progress) {
+    m_sampled = scan.IsSampled();
+    std::vector<zelto::PreciseMoments> moments(m_bands.size());
+    m_values.clear();
+    std::vector<std::vector<double>> kept(m_sampleSize > 0 ? m_bands.size() : 0);
+    const auto add = [&](std::size_t b, std::span<const double> values) {
+        moments[b].Add(values);
+        if (!kept.empty())
+            kept[b].insert(kept[b].end(), values.begin(), values.end());
+    };
+    const auto addStrip = [&](std::span<const double*> samples, const zelto::RegionSpans& spans) {
+        if (covariance != nullptr)
+            covariance->Add(samples, spans);
+    };
+    if (!scan.VisitValues(TITLE, progress, add, addStrip))
+        return false;
+    m_values = std::move(kept);
+    for (std::size_t b = 0; b < m_bands.size(); ++b) {
+        const bool any = moments[b].Count() > 0;
+        m_bands[b].count = moments[b].Count();
+        m_bands[b].minimum = any ? moments[b].Minimum() : NOT_A_NUMBER;
+        m_bands[b].maximum = any ? moments[b].Maximum() : NOT_A_NUMBER;
+        m_bands[b].mean = moments[b].Mean();
+        m_bands[b].standardDeviation = moments[b].StandardDeviation();
+    }
+    return true;
 }
 
 GISError CRegionStatistics::ComputeHistogram(int position, double low, double width,

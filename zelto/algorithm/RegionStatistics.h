@@ -16,8 +16,10 @@ class CRasterBand;
 class CRasterSource;
 
 namespace zelto {
+class RegionCovariance;
 class RegionScan;
-}
+class RegionSpans;
+} // namespace zelto
 
 /// Statistics of a region as a person expects them, for reports. The statistics operations of
 /// CRasterAlgorithm have rules of their own, which their hosts rely on: windows, seeds, zeros
@@ -103,6 +105,8 @@ class ZELTO_API CRegionStatistics {
     /// means. The region is read once: strips are measured around their own means and merged,
     /// which loses nothing where means are large.
     GISError ComputeCovariance(CDataProgress* progress);
+    /// What Compute() and ComputeCovariance() find, with the region read once for both.
+    GISError ComputeWithCovariance(CDataProgress* progress);
     /// Values that `low` and `high` percent of each band's values do not exceed, interpolated
     /// between the two values around position (count − 1) × percent / 100 of the sorted values.
     /// The region is read a few times over. Call Compute() first.
@@ -146,6 +150,10 @@ class ZELTO_API CRegionStatistics {
     bool IsUsable() const;
     zelto::RegionScan MakeScan() const;
     zelto::RegionScan MakeScan(const std::vector<int>& bands) const;
+    /// @param covariance takes the same strips, may be null
+    bool ComputeMoments(const zelto::RegionScan& scan, zelto::RegionCovariance* covariance,
+                        CDataProgress* progress);
+    void TakeCovariance(const zelto::RegionCovariance& covariance);
     std::vector<int> BandIndices() const;
 
     CRasterSource* m_source;

@@ -1,6 +1,7 @@
 #include "zelto/baselib/internal/Truncate.h"
 #include "zelto/display/internal/BandDisplay.h"
 #include "zelto/display/internal/Compose.h"
+#include "zelto/display/internal/ShownReads.h"
 #include "zelto/display/internal/ShownSamples.h"
 #include "zelto/display/internal/SourceView.h"
 #include "zelto/display/internal/ViewRows.h"
@@ -27,16 +28,18 @@ class InterleavedView {
           m_window(SelectViewWindow(GridOf(source), box, w, h, ViewRule::Interleaved)),
           // The pixel's corner is looked up here, its centre in the planes.
           m_output(OutputOf(source, box, m_window, w, 0.0)),
+          m_reads(source, source.GetShowBandCount(), m_window.read),
           m_sameRows(Status() == ViewStatus::Selected ? static_cast<std::size_t>(h) : 0, 1) {}
 
     ViewStatus Status() const { return m_window.status; }
 
-    std::optional<WindowSamples> Read(CRasterBand* band, bool keepsCache) const {
+    /// @param k number of the shown band
+    std::optional<WindowSamples> Read(int k, CRasterBand* band, bool keepsCache) {
         if (band == nullptr)
             return FailWith(std::nullopt, L"", noShownBand);
         if (!keepsCache)
             band->ReleaseCache();
-        return WindowSamples::Read(band->GetGDALBand(), m_window.read);
+        return m_reads.Take(k);
     }
 
     void Clear() const { std::memset(m_out, 255, PixelIndex(m_h, m_w) * 4); }
@@ -84,6 +87,7 @@ class InterleavedView {
     unsigned char* m_out;
     ViewWindow m_window;
     OutputGrid m_output;
+    ShownReads m_reads;
     ViewMask m_noMask;
     std::vector<unsigned char> m_sameRows; ///< see RowBuffers
 };
@@ -111,7 +115,7 @@ bool CRasterSource::DrawInterleaved(const CBoundingBox* box, int w, int h, unsig
         return Refuse(ReasonOf(view.Status()));
     for (int k = 0; k < m_showBandCount; ++k) {
         CRasterBand* band = GetShownBand(k);
-        const auto samples = view.Read(band, keepsCaches);
+        const auto samples = view.Read(k, band, keepsCaches);
         if (!samples) {
             // The bands drawn so far stay in the buffer.
             if (k == 0)

@@ -1,6 +1,7 @@
 #include "zelto/aoi/RasterAOI.h"
 #include "zelto/display/internal/BandDisplay.h"
 #include "zelto/display/internal/Compose.h"
+#include "zelto/display/internal/ShownReads.h"
 #include "zelto/display/internal/ShownSamples.h"
 #include "zelto/display/internal/SourceView.h"
 #include "zelto/display/internal/ViewRows.h"
@@ -54,10 +55,8 @@ class PlaneView {
 
     ViewStatus Status() const { return m_window.status; }
 
-    std::optional<WindowSamples> Read(CRasterBand& band) const {
-        band.ReleaseCache();
-        return WindowSamples::Read(band.GetGDALBand(), m_window.read);
-    }
+    /// The samples of the first `count` shown bands.
+    ShownReads Reads(int count) const { return {m_source, count, m_window.read}; }
 
     /// Writes the band's display bytes into each of the planes.
     void DrawBytes(const WindowSamples& samples, CRasterBand& band,
@@ -134,11 +133,13 @@ class PlaneView {
 /// Draws the shown bands of a source.
 bool DrawShownBands(const CRasterSource& source, const PlaneView& view, const PlaneImage& image) {
     const int count = source.GetShowBandCount();
+    ShownReads reads = view.Reads(count);
     for (int k = 0; k < count; ++k) {
         CRasterBand* band = source.GetShownBand(k);
         if (band == nullptr)
             return Refuse(noShownBand);
-        const auto samples = view.Read(*band);
+        band->ReleaseCache();
+        const auto samples = reads.Take(k);
         if (!samples)
             return false;
         if (count == 1)
@@ -201,7 +202,8 @@ bool CRasterSource::GetShowDataGray(CBoundingBox* box, int w, int h, int bands,
         if (view.Status() != ViewStatus::Selected)
             return Refuse(ReasonOf(view.Status()));
         image.Clear();
-        const auto samples = view.Read(*band);
+        band->ReleaseCache();
+        const auto samples = view.Reads(1).Take(0);
         if (samples)
             view.DrawBytes(*samples, *band, image.planes);
         return samples.has_value();

@@ -88,8 +88,7 @@ std::unique_ptr<RegionRows> RegionScan::MakeRows() const {
 }
 
 bool RegionScan::Visit(const wchar_t* title, CDataProgress* progress,
-                       const std::function<void(std::span<const double*> samples,
-                                                const RegionSpans& spans)>& visit) const {
+                       const StripVisit& visit) const {
     if (progress != nullptr)
         progress->BeginProgress(title, PROGRESS_TOTAL);
     if (IsEmpty() || m_bands.empty())
@@ -106,19 +105,20 @@ bool RegionScan::Visit(const wchar_t* title, CDataProgress* progress,
         });
 }
 
-bool RegionScan::VisitValues(
-    const wchar_t* title, CDataProgress* progress,
-    const std::function<void(std::size_t band, std::span<const double> values)>& visit) const {
+bool RegionScan::VisitValues(const wchar_t* title, CDataProgress* progress,
+                             const ValuesVisit& visit, const StripVisit& visitStrip) const {
     std::vector<ValueFilter> filters;
     for (const CRasterBand* band : m_bands)
         filters.emplace_back(*band);
-    const auto visitStrip = [&](std::span<const double*> samples, const RegionSpans& spans) {
+    const auto visitAll = [&](std::span<const double*> samples, const RegionSpans& spans) {
         spans.Visit(Width(), [&](std::size_t begin, std::size_t count) {
             for (std::size_t b = 0; b < samples.size(); ++b)
                 visit(b, filters[b].Select({samples[b] + begin, count}));
         });
+        if (visitStrip)
+            visitStrip(samples, spans);
     };
-    return Visit(title, progress, visitStrip);
+    return Visit(title, progress, visitAll);
 }
 
 void RegionScan::Mark(int firstRow, std::span<unsigned char> inside) const {

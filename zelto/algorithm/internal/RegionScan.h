@@ -38,14 +38,15 @@ class RegionScan {
 
     /// Calls visit(samples per band, accepted spans) for every strip.
     /// @return false when a band cannot be read, without memory, or when cancelled
-    bool Visit(const wchar_t* title, CDataProgress* progress,
-               const std::function<void(std::span<const double*> samples,
-                                        const RegionSpans& spans)>& visit) const;
+    using StripVisit =
+        std::function<void(std::span<const double*> samples, const RegionSpans& spans)>;
+    bool Visit(const wchar_t* title, CDataProgress* progress, const StripVisit& visit) const;
 
     /// Calls visit(position of the band, its values that count) for every accepted span.
-    bool VisitValues(
-        const wchar_t* title, CDataProgress* progress,
-        const std::function<void(std::size_t band, std::span<const double> values)>& visit) const;
+    /// @param visitStrip called for every strip besides, may be empty
+    using ValuesVisit = std::function<void(std::size_t band, std::span<const double> values)>;
+    bool VisitValues(const wchar_t* title, CDataProgress* progress, const ValuesVisit& visit,
+                     const StripVisit& visitStrip = {}) const;
 
     /// Sets the region's pixels in `inside` to 1, without reading any.
     /// @param inside the raster's rows from `firstRow` on, full rows from left to right

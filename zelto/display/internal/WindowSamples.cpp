@@ -3,10 +3,12 @@
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/PickedSamples.h"
 #include "zelto/raster/internal/VirtualBand.h"
 
 #include <gdal_priv.h>
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 
@@ -22,6 +24,9 @@ GDALDataType ReadType(GDALRasterBand* band) {
     return type;
 }
 
+/// Memory for the samples of bands that are read together.
+constexpr std::int64_t MOST_READ_TOGETHER = std::int64_t{64} << 20;
+
 /// Whether a window is read so much larger than it is that its samples fill the memory. Zooming
 /// into a pixel does that; other views read no more samples than they have output pixels.
 bool IsEnlargedTooFar(const ReadWindow& window, GDALDataType type) {
@@ -29,6 +34,26 @@ bool IsEnlargedTooFar(const ReadWindow& window, GDALDataType type) {
     const double bytes =
         static_cast<double>(window.bufWidth) * window.bufHeight * GDALGetDataTypeSizeBytes(type);
     return (window.bufWidth > window.xSize || window.bufHeight > window.ySize) && bytes > LIMIT;
+}
+
+/// Whether the bands are of one data set and may be read together, and the window is so large that
+/// this is better.
+bool IsReadTogether(const std::vector<GDALRasterBand*>& bands, const ReadWindow& window) {
+    GDALRasterBand* first = bands.empty() ? nullptr : bands.front();
+    const auto suits = [&](GDALRasterBand* band) {
+        return band != nullptr && band->GetDataset() == first->GetDataset() &&
+               band->GetRasterDataType() == first->GetRasterDataType() &&
+               ReadType(band) == band->GetRasterDataType() && CanBePickedJointly(*band);
+    };
+    const bool isReduced = window.bufWidth > 0 && window.bufHeight > 0 &&
+                           window.bufWidth <= window.xSize && window.bufHeight <= window.ySize;
+    if (bands.size() < 2 || !isReduced || !std::all_of(bands.begin(), bands.end(), suits))
+        return false;
+    const std::int64_t sampleSize = GDALGetDataTypeSizeBytes(first->GetRasterDataType());
+    const std::int64_t stored =
+        sampleSize * window.xSize * window.ySize * first->GetDataset()->GetRasterCount();
+    const std::int64_t read = sampleSize * window.bufWidth * window.bufHeight * std::ssize(bands);
+    return stored > GDALGetCacheMax64() && read <= MOST_READ_TOGETHER;
 }
 
 template <typename T>
@@ -49,6 +74,27 @@ std::optional<WindowSamples::Samples<T>> ReadAs(GDALDataType type, GDALRasterBan
     return std::nullopt;
 }
 
+/// Calls read() with a sample of the type.
+template <typename Read>
+auto AsType(GDALDataType type, const Read& read) {
+    switch (type) {
+    case GDT_Byte:
+        return read(std::uint8_t{});
+    case GDT_UInt16:
+        return read(std::uint16_t{});
+    case GDT_Int16:
+        return read(std::int16_t{});
+    case GDT_UInt32:
+        return read(std::uint32_t{});
+    case GDT_Int32:
+        return read(std::int32_t{});
+    case GDT_Float32:
+        return read(float{});
+    default:
+        return read(double{});
+    }
+}
+
 } // namespace
 
 std::optional<WindowSamples> WindowSamples::Read(GDALRasterBand* band, const ReadWindow& window) {
@@ -65,26 +111,41 @@ std::optional<WindowSamples> WindowSamples::Read(GDALRasterBand* band, const Rea
         return WindowSamples(std::move(*samples));
     };
     try {
-        switch (ReadType(band)) {
-        case GDT_Byte:
-            return as(std::uint8_t{});
-        case GDT_UInt16:
-            return as(std::uint16_t{});
-        case GDT_Int16:
-            return as(std::int16_t{});
-        case GDT_UInt32:
-            return as(std::uint32_t{});
-        case GDT_Int32:
-            return as(std::int32_t{});
-        case GDT_Float32:
-            return as(float{});
-        default:
-            return as(double{});
-        }
+        return AsType(ReadType(band), as);
     } catch (const std::bad_alloc&) {
         return FailWith(std::nullopt, L"", "not enough memory for the pixels");
     } catch (const std::length_error&) {
         return FailWith(std::nullopt, L"", "not enough memory for the pixels");
+    }
+}
+
+std::vector<WindowSamples> WindowSamples::ReadTogether(const std::vector<GDALRasterBand*>& bands,
+                                                       const ReadWindow& window) {
+    if (!IsReadTogether(bands, window))
+        return {};
+    const auto as = [&](auto sample) -> std::vector<WindowSamples> {
+        std::vector<Samples<decltype(sample)>> samples;
+        std::vector<void*> targets;
+        for (std::size_t b = 0; b < bands.size(); ++b)
+            samples.emplace_back(static_cast<std::size_t>(window.bufWidth) *
+                                 static_cast<std::size_t>(window.bufHeight));
+        for (auto& ofBand : samples)
+            targets.push_back(ofBand.data());
+        if (!ReadPicked(bands,
+                        {{window.xOff, window.yOff, window.xSize, window.ySize},
+                         window.bufWidth,
+                         window.bufHeight},
+                        targets))
+            return {};
+        std::vector<WindowSamples> read;
+        for (auto& ofBand : samples)
+            read.push_back(WindowSamples(std::move(ofBand)));
+        return read;
+    };
+    try {
+        return AsType(ReadType(bands.front()), as);
+    } catch (const std::bad_alloc&) {
+        return {};
     }
 }
 

@@ -35,6 +35,13 @@ class WindowSamples {
     ///         on a GDAL error; the reason is left then, without the file
     static std::optional<WindowSamples> Read(GDALRasterBand* band, const ReadWindow& window);
 
+    /// The same of several bands, where their blocks are decoded once for all of them: for large
+    /// windows, whose blocks GDAL's cache could not keep from band to band, of files without a
+    /// pyramid that store the samples pixel by pixel.
+    /// @return empty where that does not suit, and the bands are to be read one by one
+    static std::vector<WindowSamples> ReadTogether(const std::vector<GDALRasterBand*>& bands,
+                                                   const ReadWindow& window);
+
     /// Calls f with the vector of samples.
     template <typename F>
     decltype(auto) Visit(F&& f) const {
