@@ -5,6 +5,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
+#include "cli/RenderMany.h"
 #include "cli/RenderOpacity.h"
 #include "cli/RenderRamps.h"
 #include "cli/RenderRecipe.h"
@@ -55,6 +56,7 @@ struct Options {
     std::string srs;
     bool contactSheet = false;
     RecipeOptions recipe;
+    ManyPictures many;
 };
 
 void ChooseBands(CRasterSource& source, const std::string& text) {
@@ -261,7 +263,9 @@ View ViewOf(const CRasterSource& source, const CDisplayRecipe* recipe, const Opt
     return options.cropToAoi ? ChooseCrop(source, options.aoi, view) : ChooseView(source, view);
 }
 
-void Run(const Options& given) {
+/// Draws one image.
+/// @return what was made, in a line
+std::string RenderOne(const Options& given) {
     CheckOptions(given);
     std::optional<CDisplayRecipe> recipe;
     if (!given.recipe.from.empty())
@@ -280,10 +284,30 @@ void Run(const Options& given) {
         WritePicture(DrawSheet(view, options), options.out);
     else
         DrawPicture(source, view, recipe ? &*recipe : nullptr, options);
-    Confirm(options.out.path + ": " + std::to_string(view.width) + " x " +
-            std::to_string(view.height) + (options.contactSheet ? " pixels a picture" : " pixels"));
-    if (ReadsWhole(source, view, options))
+    if (options.many.folder.empty() && ReadsWhole(source, view, options))
         HintAtPyramid(source, options.file);
+    return options.out.path + ": " + std::to_string(view.width) + " x " +
+           std::to_string(view.height) + (options.contactSheet ? " pixels a picture" : " pixels");
+}
+
+void Run(const Options& options) {
+    if (options.many.folder.empty()) {
+        if (options.out.path.empty())
+            throw UsageError("render: OUT is required");
+        if (!options.many.more.empty())
+            throw UsageError("render: one image makes one picture; --into FOLDER takes several");
+        Confirm(RenderOne(options));
+        return;
+    }
+    if (!options.recipe.to.empty())
+        throw UsageError("--save-recipe: a recipe is for one picture, not for those of --into");
+    DrawMany({options.file, options.out.path}, options.many,
+             [&](const std::string& image, const std::string& path) {
+                 Options one = options;
+                 one.file = image;
+                 one.out.path = path;
+                 return RenderOne(one);
+             });
 }
 
 void AddViewOptions(CLI::App& render, Options& options) {
@@ -328,8 +352,7 @@ void AddRender(CLI::App& program) {
     auto* render = program.add_subcommand("render", "draw a raster as a picture");
     auto options = std::make_shared<Options>();
     render->add_option("FILE", options->file, "raster file")->required();
-    render->add_option("OUT", options->out.path, "picture: .png, .jpg or .tif (georeferenced)")
-        ->required();
+    render->add_option("OUT", options->out.path, "picture: .png, .jpg or .tif (georeferenced)");
     AddViewOptions(*render, *options);
     AddColorOptions(*render, *options);
     AddStretchOptions(*render, options->stretch);
@@ -337,6 +360,7 @@ void AddRender(CLI::App& program) {
                      "one labelled sheet of all stretches that suit the bands; --size is that of "
                      "one picture");
     AddPictureOptions(*render, options->out);
+    AddManyOptions(*render, options->many);
     AddRecipeOptions(*render, options->recipe);
     render->footer(
         "Stretches: none shows 8-bit values as they are, others from minimum to maximum;\n"

@@ -70,8 +70,8 @@ Grid GridOf(const CRasterSource& source, const View& view) {
         grid.width = 0;
     // A drawing looks up the corners of its pixels, which rounding must not take to the next one.
     constexpr double HAIR = 0.01;
-    grid.geoTransform = {
-        left - HAIR * x.length, x.length, 0.0, -fromTop + HAIR * y.length, 0.0, -y.length};
+    grid.geoTransform = {left - HAIR * x.length,     x.length, 0.0,
+                         -fromTop + HAIR * y.length, 0.0,      -y.length};
     return grid;
 }
 

@@ -24,19 +24,6 @@ namespace {
 
 using Work = std::function<void(std::size_t, CDataProgress&)>;
 
-/// Says nothing; cancels when the user asked to stop.
-class SilentProgress : public CDataProgress {
-  public:
-    void HostPrepare() override {}
-    void BeginProgress(const wchar_t* /*title*/, int /*total*/) override {}
-    bool StepProgress(int /*percent*/, const wchar_t* /*message*/) override {
-        return !Interrupted();
-    }
-    void HostFinish() override {}
-    void HostShow() override {}
-    void HostHide() override {}
-};
-
 /// What is left of the work on one file.
 struct Outcome {
     std::string failure; ///< line; empty: none
@@ -69,7 +56,8 @@ class Queue {
     void Serve(int threads) {
         // A picture is drawn by several threads, which share the processors with those here.
         omp_set_num_threads(threads);
-        SilentProgress progress;
+        TerminalProgress::SilenceThisThread();
+        TerminalProgress progress;
         for (std::size_t i = m_next++; i < m_files.size() && !m_stopped; i = m_next++) {
             if (Interrupted())
                 break;
@@ -128,8 +116,9 @@ std::vector<Outcome> WorkAtOnce(const std::vector<std::string>& files, int jobs,
 
 } // namespace
 
-void AddJobsOption(CLI::App& command, int& jobs) {
-    command.add_option("--jobs", jobs, "files to work on at once; default: as many as processors")
+CLI::Option* AddJobsOption(CLI::App& command, int& jobs) {
+    return command
+        .add_option("--jobs", jobs, "files to work on at once; default: as many as processors")
         ->check(CLI::Range(1, 1024));
 }
 

@@ -9,12 +9,13 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+} // namespace CLI
 
 namespace zelto::cli {
 
 /// Adds --jobs: how many files are worked on at once. 0, the default, takes the processors.
-void AddJobsOption(CLI::App& command, int& jobs);
+CLI::Option* AddJobsOption(CLI::App& command, int& jobs);
 
 /// Runs `work` for every file, several at a time, each in a thread of its own; a single file in
 /// the calling one, with its own progress on the terminal. Of several the progress is that of the

@@ -16,12 +16,20 @@ constexpr std::chrono::seconds PATIENCE(1);
 /// Whether the terminal's present line is a bar.
 std::atomic<bool> g_drawn = false; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 
+/// Whether another thread has the terminal.
+thread_local bool t_silent = false;
+
 } // namespace
 
-TerminalProgress::TerminalProgress() : m_onTerminal(IsOnTerminal() && !IsQuiet()) {}
+TerminalProgress::TerminalProgress() : m_onTerminal(IsOnTerminal() && !IsQuiet() && !t_silent) {}
 
 TerminalProgress::~TerminalProgress() {
-    EndLine();
+    if (m_onTerminal)
+        EndLine();
+}
+
+void TerminalProgress::SilenceThisThread() {
+    t_silent = true;
 }
 
 void TerminalProgress::EndLine() {
@@ -30,7 +38,8 @@ void TerminalProgress::EndLine() {
 }
 
 void TerminalProgress::BeginProgress(const wchar_t* title, int total) {
-    EndLine();
+    if (m_onTerminal)
+        EndLine();
     m_title = title != nullptr ? Printable(Narrow(title)) : std::string();
     m_total = std::max(total, 1);
     m_shown = -1;

@@ -23,6 +23,8 @@ class TerminalProgress : public CDataProgress {
     void HostShow() override {}
     void HostHide() override {}
 
+    /// Leaves the terminal to another thread: objects made on this one from now on show nothing.
+    static void SilenceThisThread();
     /// Ends the line of the bar that is on the terminal, if there is one.
     static void EndLine();
 

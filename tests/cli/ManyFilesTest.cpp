@@ -82,6 +82,30 @@ TEST(ManyFiles, StatisticsOfSeveralFilesTellTheirPaths) {
     EXPECT_EQ(RunZelto(With({"stats", "--csv", "--covariance"}, images)).exitStatus, 2);
 }
 
+TEST(ManyFiles, AreDrawnIntoAFolder) {
+    const TemporaryFolder folder;
+    const auto images = Images(folder, 5, true);
+    std::filesystem::create_directory(folder.File("pictures"));
+    const auto run = RunZelto(With({"render", "--into", folder.File("pictures"), "--stretch",
+                                    "none", "--jobs", "2", "--format", "tif"},
+                                   images));
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.errors.find("zelto: " + images[2] + ": "), 0U) << run.errors;
+    std::string lines;
+    for (const char* name : {"image1", "image2", "image4", "image5"}) {
+        const std::string picture = folder.File("pictures/" + std::string(name) + ".tif");
+        lines += picture + ": 20 x 20 pixels\n";
+        EXPECT_EQ(zelto::test::ReadBand(picture, 1), Pixels(400, name[5] - '0'));
+    }
+    EXPECT_EQ(run.output, lines);
+    EXPECT_EQ(RunZelto({"render", images[0], images[1], images[2]}).exitStatus, 2);
+    EXPECT_EQ(RunZelto({"render", images[0], folder.File("a.png"), "--jobs", "2"}).exitStatus, 2);
+    EXPECT_EQ(RunZelto({"render", "--into", folder.File("nowhere"), images[0]}).exitStatus, 1);
+    const auto same = RunZelto({"render", "--into", folder.File("pictures"), images[0], images[0]});
+    EXPECT_EQ(same.exitStatus, 2);
+    EXPECT_NE(same.errors.find("would both be image1.png"), std::string::npos) << same.errors;
+}
+
 TEST(ManyFiles, ABandThatOneFileLacksIsThatFilesFailure) {
     const TemporaryFolder folder;
     auto images = Images(folder, 2, false);

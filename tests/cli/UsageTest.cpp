@@ -60,7 +60,8 @@ const std::vector<Arguments> COMMANDS = {{"aoi", "info"},
                                          {"srs", "info"},
                                          {"srs", "compare"},
                                          {"stats"},
-                                         {"vector", "info"}};
+                                         {"vector", "info"},
+                                         {"zonal"}};
 
 } // namespace
 
@@ -160,7 +161,7 @@ INSTANTIATE_TEST_SUITE_P(
         Arguments{"samples", "show", "MISSING"},
         Arguments{"samples", "collect", "MISSING", "--aoi", "MISSING"},
         Arguments{"samples", "export", "MISSING", "MISSING"}, Arguments{"stats", "MISSING"},
-        Arguments{"vector", "info", "MISSING"}));
+        Arguments{"vector", "info", "MISSING"}, Arguments{"zonal", "MISSING", "MISSING"}));
 
 TEST(StandardOutput, AFullDiskIsAFailure) {
     const TemporaryFolder folder;
