@@ -23,10 +23,13 @@ from ._coordinates import (
     gauss_kruger,
     is_same_crs,
 )
+from ._copy import copy
 from ._errors import Error
+from ._facts import Affine, Band, Sampled, Subdataset
 from ._looks import ClassColor
+from ._pictures import save_picture
 from ._polygons import polygonize
-from ._raster import Affine, Band, Raster, Sampled, Subdataset, copy, create, open, save_picture
+from ._raster import Raster, create, open
 from ._samples import (
     ClassEntry,
     ClassFile,
@@ -45,7 +48,6 @@ from ._statistics import (
     histogram,
     statistics,
 )
-
 from ._zones import ZoneBand, zonal_statistics
 
 __version__ = "1.0.0"

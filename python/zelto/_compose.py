@@ -7,35 +7,24 @@ from typing import Any, Optional, Sequence, Tuple, Union
 import numpy as np
 
 from . import _engine
-from ._arguments import Bounds, Box, PathLike, encoded, engine_box, whole
-from ._looks import as_settings
+from ._arguments import Box, PathLike, encoded, engine_box, whole
+from ._facts import Grid
+from ._looks import as_settings, check_look
 from ._progress import Progress, as_callable
-from ._raster import Bytes, Raster, _check_look
+from ._pictures import Bytes
+from ._raster import Raster
 from ._views import Size, choose_view
 
 Colour = Tuple[Union[Raster, PathLike], int]
 
 
-class Composition:
+class Composition(Grid):
     """Three bands of up to three rasters, which may differ in grid and resolution but lie in one
     reference system. It covers the ground that they have in common; see :func:`compose`."""
 
     def __init__(self, red: Colour, green: Colour, blue: Colour) -> None:
         self._native = _engine.Composition([_color(color) for color in (red, green, blue)])
         self._facts = self._native.describe()
-
-    @property
-    def shape(self) -> Tuple[int, int]:
-        return (self._facts["height"], self._facts["width"])
-
-    @property
-    def bounds(self) -> Bounds:
-        left, top, right, bottom = self._facts["extent"]
-        return Bounds(left, bottom, right, top)
-
-    @property
-    def crs(self) -> str:
-        return str(self._facts["wkt"])
 
     def render(
         self,
@@ -52,7 +41,7 @@ class Composition:
         :param look: the stretches of :meth:`zelto.Raster.render`, which every band has by itself;
             all but wallis
         """
-        _check_look(look)
+        check_look(look)
         for name in ("bands", "ramp", "classes"):
             if look.get(name) is not None:
                 raise TypeError(f"a composition has no {name}")

@@ -112,3 +112,17 @@ def as_settings(look: Mapping[str, Any]) -> Dict[str, Any]:
         settings["classes"] = [_as_class(entry) for entry in settings["classes"]]
     settings["exact"] = bool(settings.get("exact", False))
     return settings
+
+
+#: The names that as_settings() takes.
+LOOK = frozenset(
+    "bands stretch clip ranges gamma low high threshold wallis_model table histogram stretch_to "
+    "exact hue intensity saturation contrast transparency ramp classes".split()
+)
+
+
+def check_look(look: Mapping[str, Any]) -> None:
+    """TypeError for a name that is none of :data:`LOOK`."""
+    for name in look:
+        if name not in LOOK:
+            raise TypeError(f"there is no argument {name!r}")

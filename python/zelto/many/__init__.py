@@ -24,15 +24,15 @@ from __future__ import annotations
 import os
 from dataclasses import dataclass
 from pathlib import Path
-from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple, TypeVar, Union
+from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from .._area import AreaLike
 from .._arguments import Box, PathLike, band_numbers, encoded, whole
-from .._looks import as_settings
+from .._looks import LOOK, as_settings
 from .._progress import Progress
-from .._raster import _LOOK, Raster
+from .._raster import Raster
 from .._statistics import (
     BandStatistics,
     Covariance,
@@ -70,55 +70,50 @@ __all__ = [
 
 
 @dataclass(frozen=True)
-class ManyStatistics:
+class ManyScenes:
+    """What was measured, and what could not be."""
+
+    scenes: Tuple[str, ...]
+    failures: Tuple[SceneResult, ...]
+
+    def to_dict(self) -> Dict[str, Any]:
+        return {
+            "scenes": list(self.scenes),
+            "failures": [failure.to_dict() for failure in self.failures],
+        }
+
+
+@dataclass(frozen=True)
+class ManyStatistics(ManyScenes):
     """Of all scenes together."""
 
     bands: Tuple[BandStatistics, ...]
-    #: What was measured, and what could not be.
-    scenes: Tuple[str, ...]
-    failures: Tuple[SceneResult, ...]
 
     def rows(self) -> List[Dict[str, Any]]:
         return [band.to_dict() for band in self.bands]
 
     def to_dict(self) -> Dict[str, Any]:
-        return {
-            "bands": self.rows(),
-            "scenes": list(self.scenes),
-            "failures": [failure.to_dict() for failure in self.failures],
-        }
+        return {"bands": self.rows(), **super().to_dict()}
 
 
 @dataclass(frozen=True)
-class ManyCovariance:
+class ManyCovariance(ManyScenes):
     """Of all scenes together."""
 
     covariance: Covariance
-    scenes: Tuple[str, ...]
-    failures: Tuple[SceneResult, ...]
 
     def to_dict(self) -> Dict[str, Any]:
-        return {
-            "covariance": self.covariance.to_dict(),
-            "scenes": list(self.scenes),
-            "failures": [failure.to_dict() for failure in self.failures],
-        }
+        return {"covariance": self.covariance.to_dict(), **super().to_dict()}
 
 
 @dataclass(frozen=True)
-class ManyHistogram:
+class ManyHistogram(ManyScenes):
     """Of all scenes together."""
 
     histogram: Histogram
-    scenes: Tuple[str, ...]
-    failures: Tuple[SceneResult, ...]
 
     def to_dict(self) -> Dict[str, Any]:
-        return {
-            "histogram": self.histogram.to_dict(),
-            "scenes": list(self.scenes),
-            "failures": [failure.to_dict() for failure in self.failures],
-        }
+        return {"histogram": self.histogram.to_dict(), **super().to_dict()}
 
 
 def _paths(scenes: Scenes) -> List[str]:
@@ -183,7 +178,7 @@ def statistics(
             lambda parts: _scene_bands(_merged_sums(parts)),
         )
         total = _merged_sums([part for scene in done for part in scene.parts])
-    return ManyStatistics(_scene_bands(total), run.measured(), run.failures())
+    return ManyStatistics(run.measured(), run.failures(), _scene_bands(total))
 
 
 def _scene_bands(sums: Dict[int, BandSums]) -> Tuple[BandStatistics, ...]:
@@ -221,7 +216,7 @@ def covariance(
             lambda parts: _product_covariance(chosen, parts),
         )
         found = _product_covariance(chosen, [part for scene in done for part in scene.parts])
-    return ManyCovariance(found, run.measured(), run.failures())
+    return ManyCovariance(run.measured(), run.failures(), found)
 
 
 def histogram(
@@ -273,7 +268,7 @@ def histogram(
             for part in scene.parts:
                 counts += part
     return ManyHistogram(
-        Histogram(number, counts, buckets.edges()), run.measured(), run.failures()
+        run.measured(), run.failures(), Histogram(number, counts, buckets.edges())
     )
 
 
@@ -297,11 +292,11 @@ def render_all(
     """
     if format not in ("png", "jpg", "tif"):
         raise ValueError("format is png, jpg or tif")
-    known = _LOOK | {"box", "center", "scale", "size", "area", "outside", "crs"}
+    known = LOOK | {"box", "center", "scale", "size", "area", "outside", "crs"}
     for name in look:
         if name not in known:
             raise TypeError(f"there is no argument {name!r}")
-    as_settings({name: value for name, value in look.items() if name in _LOOK})
+    as_settings({name: value for name, value in look.items() if name in LOOK})
     if look.get("area") is not None:
         look["area"] = region_area(look["area"], None)
     paths = _paths(scenes)

@@ -1,0 +1,177 @@
+"""Pixels of rasters as arrays, and what else a raster stores."""
+
+from __future__ import annotations
+
+import os
+from typing import Any, Optional, Sequence, Tuple, Union
+
+import numpy as np
+import numpy.typing as npt
+
+from . import _engine
+from ._arguments import Window, band_numbers, numbers, text_argument, whole
+from ._facts import RasterFacts
+from ._looks import as_color
+from ._progress import Progress, as_callable
+
+Array = npt.NDArray[Any]
+
+_DTYPES = ("uint8", "uint16", "int16", "uint32", "int32", "float32", "float64")
+
+
+def _storable(values: Array, dtype: str) -> Array:
+    """Values in one of the seven types: their own, or that of the file where none is lost."""
+    if values.dtype.name in _DTYPES and values.dtype.isnative:
+        return values
+    if values.dtype.kind not in "biuf":
+        raise TypeError(f"pixels are numbers, not {values.dtype}")
+    stored = values.astype(dtype)
+    if not np.array_equal(stored, values):
+        raise ValueError(f"the values do not fit into {dtype}")
+    return stored
+
+
+def numpy_dtype(dtype: npt.DTypeLike) -> "np.dtype[Any]":
+    found = np.dtype(dtype)
+    if found.name not in _DTYPES or not found.isnative:
+        raise TypeError(f"dtype is one of {', '.join(_DTYPES)}, not {found}")
+    return found
+
+
+class RasterPixels(RasterFacts):
+    """Reading and writing."""
+
+    def _checked_window(self, window: Optional[Window]) -> Tuple[int, int, int, int]:
+        if window is None:
+            return (0, 0, self.width, self.height)
+        if isinstance(window, (str, bytes)) or len(window) != 4:
+            raise ValueError("window is column, row, columns, rows")
+        column, row, columns, rows = (whole("window", side) for side in window)
+        if columns < 1 or rows < 1 or column + columns > self.width or row + rows > self.height:
+            raise ValueError(
+                f"the window does not lie in the {self.width} columns and {self.height} rows"
+            )
+        return (column, row, columns, rows)
+
+    def read(
+        self,
+        bands: Union[None, int, Sequence[int]] = None,
+        window: Optional[Window] = None,
+        shape: Optional[Tuple[int, int]] = None,
+        dtype: Optional[npt.DTypeLike] = None,
+        *,
+        resampling: str = "nearest",
+        out: Optional[Array] = None,
+        progress: Progress = None,
+    ) -> Array:
+        """Pixels as an array, read in one go into its memory.
+
+        :param bands: one number gives rows × columns; several, or None for all, give bands ×
+            rows × columns
+        :param window: column, row, columns, rows; None: the whole raster
+        :param shape: rows and columns of the result, where the pixels are to be resampled
+        :param dtype: values that the type cannot hold become its nearest one
+        :param resampling: nearest, bilinear, cubic, cubicspline, lanczos, average, mode
+        :param out: an array of that shape to fill
+
+        >>> zelto.open("L7_ETMs.tif").read(1, window=(0, 0, 4, 2))
+        array([[69, 69, 63, 60],
+               [74, 68, 59, 58]], dtype=uint8)
+        """
+        chosen = band_numbers(bands, self.count)
+        single = bands is not None and not isinstance(bands, (Sequence, np.ndarray))
+        place = self._checked_window(window)
+        if shape is None:
+            rows, columns = place[3], place[2]
+        else:
+            if isinstance(shape, (str, bytes)) or len(shape) != 2:
+                raise ValueError("shape is rows, columns")
+            rows, columns = (whole("shape", side, 1) for side in shape)
+        wanted = (rows, columns) if single else (len(chosen), rows, columns)
+        if not isinstance(resampling, str):
+            raise TypeError("resampling is a str")
+        if out is None:
+            default = np.result_type(*(self.bands[band - 1].dtype for band in chosen))
+            out = np.empty(wanted, dtype=numpy_dtype(default if dtype is None else dtype))
+        else:
+            if not isinstance(out, np.ndarray):
+                raise TypeError("out is an array")
+            if dtype is not None and np.dtype(dtype) != out.dtype:
+                raise ValueError("dtype is that of out")
+            numpy_dtype(out.dtype)
+            if out.shape != wanted:
+                raise ValueError(f"out has the shape {out.shape}, not {wanted}")
+        target = out.reshape(1, rows, columns) if single else out
+        if not np.shares_memory(target, out):
+            raise ValueError("out is not packed row by row")
+        _engine.read(self._native, target, chosen, place, resampling, as_callable(progress))
+        return out
+
+    def write(
+        self,
+        values: Any,
+        bands: Union[None, int, Sequence[int]] = None,
+        window: Optional[Window] = None,
+    ) -> None:
+        """Writes pixels of a raster that is being made or is open for writing ("r+").
+
+        :param values: rows × columns for one band, else bands × rows × columns; of one of the
+            seven types, whose values the file's type takes as it can, or of another type, whose
+            values must then be those of the file's
+        """
+        chosen = band_numbers(bands, self.count)
+        place = self._checked_window(window)
+        samples = _storable(np.asarray(values), self.bands[chosen[0] - 1].dtype)
+        if samples.ndim == 2:
+            samples = samples[np.newaxis]
+        if samples.shape != (len(chosen), place[3], place[2]):
+            raise ValueError(
+                f"values have the shape {np.shape(values)}, not {(len(chosen), place[3], place[2])}"
+            )
+        _engine.write(self._native, np.ascontiguousarray(samples), chosen, place)
+
+    def set_nodata(self, value: Optional[float]) -> None:
+        """Stores the no-data value of all bands; None removes it."""
+        number = None if value is None else float(value)
+        _engine.set_nodata(self._native, number)
+        self._facts = self._native.describe()
+
+    def set_colors(self, colors: Sequence[Any], band: int = 1) -> None:
+        """Stores a colour table: the colour of value 0, 1, 2 …"""
+        (number,) = band_numbers(band, self.count)
+        _engine.set_colors(self._native, number, [as_color(color) for color in colors])
+        self._facts = self._native.describe()
+
+    def set_georeference(
+        self, geotransform: Optional[Sequence[float]] = None, crs: Optional[str] = None
+    ) -> None:
+        """Stores where the raster lies.
+
+        :param geotransform: six numbers in GDAL's order; None: as it is
+        :param crs: any form GDAL reads; "" removes it, None leaves it
+        """
+        place = None if geotransform is None else numbers("geotransform", geotransform, 6)
+        wkt = None
+        if crs is not None:
+            wkt = text_argument("crs", _engine.crs_as_wkt(text_argument("crs", crs)) if crs else "")
+        _engine.set_place(self._native, place, wkt)
+        self._facts = self._native.describe()
+
+    def build_pyramids(
+        self,
+        resampling: str = "nearest",
+        bands: Union[None, int, Sequence[int]] = None,
+        progress: Progress = None,
+    ) -> None:
+        """Builds the levels that make drawing large rasters quick, in place of those there are.
+        Their files appear when they are complete.
+
+        :param resampling: GDAL's name: nearest, average, gauss, cubic, mode …
+        """
+        if self.writable:
+            raise ValueError("close the raster first, or open it for reading")
+        chosen = [] if bands is None else band_numbers(bands, self.count)
+        name = text_argument("resampling", resampling).upper()
+        _engine.build_pyramid(os.fsencode(self._path), name, chosen, as_callable(progress))
+        self._native.reopen()
+        self._facts = self._native.describe()
