@@ -5,7 +5,6 @@
 #include "cli/support/Text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <functional>
 #include <iostream>
@@ -15,15 +14,6 @@ namespace zelto::cli {
 namespace {
 
 using Band = CRegionStatistics::Band;
-
-/// Ten digits: more than the data have, few enough to read.
-std::string ForPeople(double value) {
-    if (!std::isfinite(value))
-        return FormatNumber(value);
-    char text[40];
-    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 10);
-    return {text, end.ptr};
-}
 
 std::vector<std::string> CellsOf(const Band& band, bool percentiles,
                                  const std::function<std::string(double)>& format) {
@@ -63,7 +53,7 @@ void PrintBandTable(const std::vector<RegionReport>& reports) {
     Table table(header);
     for (const RegionReport& report : reports) {
         for (const Band& band : report.bands) {
-            auto cells = CellsOf(band, report.hasPercentiles, ForPeople);
+            auto cells = CellsOf(band, report.hasPercentiles, FormatBriefly);
             PrependNames(cells, report);
             table.AddRow(cells);
         }
@@ -80,7 +70,7 @@ void PrintMatrix(const RegionReport& report, const std::string& title,
     for (std::size_t a = 0; a < report.bands.size(); ++a) {
         std::vector<std::string> cells = {std::to_string(report.bands[a].index + 1)};
         for (std::size_t b = 0; b < report.bands.size(); ++b)
-            cells.push_back(ForPeople(entry(a, b)));
+            cells.push_back(FormatBriefly(entry(a, b)));
         table.AddRow(cells);
     }
     std::cout << '\n';

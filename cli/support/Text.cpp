@@ -34,6 +34,14 @@ std::string FormatNumber(double value) {
     return {text, end.ptr};
 }
 
+std::string FormatBriefly(double value) {
+    if (!std::isfinite(value))
+        return FormatNumber(value);
+    char text[40];
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 10);
+    return {text, end.ptr};
+}
+
 namespace {
 
 std::vector<std::string> SplitAtCommas(const std::string& text) {

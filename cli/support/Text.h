@@ -13,6 +13,9 @@ std::string Narrow(const std::wstring& wide);
 /// Shortest text that reads back to the same number; "NaN", "Infinity", "-Infinity".
 std::string FormatNumber(double value);
 
+/// A number for people: ten digits, more than the data have, few enough to read.
+std::string FormatBriefly(double value);
+
 /// Finite numbers of a comma-separated list. Throws UsageError naming `option` when one is no
 /// number or, with `count` > 0, when there are more or fewer.
 std::vector<double> ParseNumbers(const std::string& option, const std::string& text,

@@ -12,7 +12,6 @@
 
 #include <ogrsf_frmts.h>
 
-#include <charconv>
 #include <cmath>
 #include <functional>
 #include <iostream>
@@ -23,15 +22,6 @@ namespace zelto::cli {
 namespace {
 
 using Band = CZonalStatistics::Band;
-
-/// Ten digits: more than the data have, few enough to read.
-std::string ForPeople(double value) {
-    if (!std::isfinite(value))
-        return FormatNumber(value);
-    char text[40];
-    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 10);
-    return {text, end.ptr};
-}
 
 /// A number of a zone by its names in tables and fields.
 struct Column {
@@ -161,7 +151,7 @@ std::string WktOf(const OGRSpatialReference* reference) {
 
 void PrintZoneTable(const ZonalReport& report) {
     std::optional<Table> table;
-    VisitRows(report, ForPeople, [&](const std::vector<std::string>& cells) {
+    VisitRows(report, FormatBriefly, [&](const std::vector<std::string>& cells) {
         if (table)
             table->AddRow(cells);
         else
