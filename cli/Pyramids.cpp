@@ -135,8 +135,11 @@ void AddPyramids(CLI::App& program) {
 
     auto* build = pyramids->add_subcommand("build", "build the pyramid of each file anew");
     build->add_option("FILE", options->paths)->required();
-    build->add_option("--resampling", options->resampling,
-                      "NEAREST (default), AVERAGE, GAUSS, CUBIC, MODE …");
+    build->add_option("--resampling", options->resampling, "how pixels of a level come about")
+        ->check(CLI::IsMember({"NEAREST", "AVERAGE", "BILINEAR", "CUBIC", "CUBICSPLINE", "LANCZOS",
+                               "MODE", "GAUSS", "RMS", "AVERAGE_MAGPHASE", "AVERAGE_BIT2GRAYSCALE"},
+                              CLI::ignore_case))
+        ->capture_default_str();
     build->add_option("--bands", options->bands, "bands to build for (all)");
     build->add_flag("--json", options->json, "print JSON");
     AddJobsOption(*build, options->jobs);

@@ -1,7 +1,6 @@
 #include "cli/support/NewVector.h"
 
 #include "zelto/datasource/GISDataSource.h"
-#include "zelto/vector/internal/ReadableFeatures.h"
 
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
@@ -16,6 +15,9 @@
 #include <ogrsf_frmts.h>
 
 #include <filesystem>
+#include <optional>
+
+namespace fs = std::filesystem;
 
 namespace zelto::cli {
 
@@ -29,7 +31,7 @@ bool HasExtension(GDALDriver& driver, const std::string& extension) {
 
 /// The first driver that writes files of this extension; null for none.
 GDALDriver* DriverFor(const std::string& path) {
-    const std::string extension = std::filesystem::path(path).extension().string();
+    const std::string extension = fs::path(path).extension().string();
     if (extension.size() < 2)
         return nullptr;
     GDALDriverManager& drivers = *GetGDALDriverManager();
@@ -41,6 +43,27 @@ GDALDriver* DriverFor(const std::string& path) {
             return &driver;
     }
     return nullptr;
+}
+
+/// Number of features that are in a file; none where it cannot be read to its end.
+std::optional<std::int64_t> ReadBack(const std::string& path) {
+    const GdalWatch watch;
+    const GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), GDAL_OF_VECTOR));
+    if (file == nullptr || file->GetLayerCount() == 0)
+        return std::nullopt;
+    std::int64_t features = 0;
+    for ([[maybe_unused]] const auto& feature : *file->GetLayer(0))
+        ++features;
+    return watch.HasError() ? std::nullopt : std::optional(features);
+}
+
+/// The writers of text formats do not tell of a full disk; what they leave cannot be read.
+std::string ReasonOfWriting(const std::string& path, const std::string& reason) {
+    constexpr std::uintmax_t TOO_LITTLE = 1 << 16;
+    std::error_code error;
+    const fs::path folder = fs::absolute(path, error).parent_path();
+    const fs::space_info space = fs::space(folder, error);
+    return !error && space.available < TOO_LITTLE ? "the disk is full (" + reason + ")" : reason;
 }
 
 } // namespace
@@ -76,7 +99,7 @@ CPLStringList NewVector::LayerOptions() const {
 
 OGRLayer& NewVector::MakeLayer(const std::string& srs, OGRwkbGeometryType type) {
     auto reference = ParseReference(srs);
-    const std::string name = std::filesystem::path(m_path).stem().string();
+    const std::string name = fs::path(m_path).stem().string();
     OGRLayer* const layer =
         m_dataset ? m_dataset->CreateLayer(name.c_str(), reference ? &*reference : nullptr, type,
                                            LayerOptions().List())
@@ -89,20 +112,24 @@ OGRLayer& NewVector::MakeLayer(const std::string& srs, OGRwkbGeometryType type) 
     return *layer;
 }
 
-void NewVector::Finish() {
+std::int64_t NewVector::Finish() {
     const bool isShapefile = m_dataset && EQUAL(m_dataset->GetDriverName(), "ESRI Shapefile");
     const GIntBig made = isShapefile ? m_dataset->GetLayer(0)->GetFeatureCount() : 0;
     // What is still in memory is written now; closing reports no result.
     m_dataset.reset();
     if (m_watch.HasError())
-        throw Failure(m_path, m_watch.Error());
-    if (isShapefile && CountReadableFeatures(TemporaryPath()) != made)
-        throw Failure(m_path, "was not written whole");
-    if (!GDALDatasetUniquePtr(GDALDataset::Open(TemporaryPath().c_str(), GDAL_OF_VECTOR)))
-        throw Failure(m_path, LastReason("was written, but cannot be read"));
+        throw Failure(m_path, ReasonOfWriting(m_path, m_watch.Error()));
+    ForgetReasons();
+    const std::optional<std::int64_t> features = ReadBack(TemporaryPath());
+    if (!features)
+        throw Failure(m_path,
+                      ReasonOfWriting(m_path, LastReason("was written, but cannot be read")));
+    if (isShapefile && *features != made)
+        throw Failure(m_path, ReasonOfWriting(m_path, "was not written whole"));
     EndIfInterrupted();
     if (!m_files->Commit(SideFilesOf(m_path)))
         throw Failure(CGISDataSource::GetLastErrorText());
+    return *features;
 }
 
 } // namespace zelto::cli

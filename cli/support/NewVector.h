@@ -6,6 +6,7 @@
 #include <cpl_string.h>
 #include <gdal_priv.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -25,9 +26,10 @@ class NewVector {
     /// geometries.
     /// @param srs WKT, or empty
     OGRLayer& MakeLayer(const std::string& srs, OGRwkbGeometryType type);
-    /// Closes the file, opens it again to see that it is there, and puts it in its place. Throws
-    /// Failure.
-    void Finish();
+    /// Closes the file, reads it to its end to see that it is whole, and puts it in its place.
+    /// Throws Failure.
+    /// @return number of features
+    std::int64_t Finish();
 
   private:
     std::string TemporaryPath() const;

@@ -13,7 +13,9 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include <cstddef>
 #include <memory>
+#include <vector>
 
 namespace zelto::cli {
 
@@ -43,10 +45,16 @@ std::unique_ptr<CRasterBand> DataMask(const CRasterBand& band) {
     return std::make_unique<CRasterBand>(false, band.GetGDALBand()->GetMaskBand());
 }
 
-/// Asked of the finished file: not every format can count while it is written.
-GIntBig CountFeatures(const std::string& path) {
-    const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_VECTOR));
-    return dataset && dataset->GetLayerCount() > 0 ? dataset->GetLayer(0)->GetFeatureCount() : 0;
+/// Whether all of a band can be read.
+bool IsReadable(CRasterBand& band) {
+    GDALRasterBand& pixels = *band.GetGDALBand();
+    const int width = pixels.GetXSize();
+    std::vector<unsigned char> row(static_cast<std::size_t>(width));
+    for (int y = 0; y < pixels.GetYSize(); ++y)
+        if (pixels.RasterIO(GF_Read, 0, y, width, 1, row.data(), width, 1, GDT_Byte, 0, 0,
+                            nullptr) != CE_None)
+            return false;
+    return true;
 }
 
 } // namespace
@@ -71,12 +79,17 @@ std::int64_t BuildPolygons(CRasterSource& raster, const std::string& path, const
     const bool inTransaction = ogrLayer.StartTransaction() == OGRERR_NONE;
     ForgetReasons();
     if (CRasterAlgorithm::RasterPolygonize(&band, mask, &layer, 0, gdalOptions, &progress, L"") !=
-        GIS_SUCCESS)
-        throw Failure(path, Interrupted() ? "interrupted" : LastReason("cannot be polygonized"));
+        GIS_SUCCESS) {
+        const std::string reason = LastReason("cannot be polygonized");
+        if (Interrupted())
+            throw Failure(path, "interrupted");
+        // GDAL does not tell which side failed.
+        const bool isImage = !IsReadable(band) || (mask != nullptr && !IsReadable(*mask));
+        throw Failure(isImage ? path : out, reason);
+    }
     if (inTransaction && ogrLayer.CommitTransaction() != OGRERR_NONE)
         throw Failure(out, LastReason("cannot be written"));
-    file.Finish();
-    return CountFeatures(out);
+    return file.Finish();
 }
 
 } // namespace zelto::cli

@@ -30,14 +30,18 @@ void BuildPyramid(const std::string& path, const std::string& resampling, std::v
     };
     if (build())
         return;
+    std::string reason = LastReason("its pyramid cannot be built");
     // GDAL cannot read some GeoTIFFs any more once it has removed the levels inside; opened
     // again, it can.
     const bool again = !Interrupted() && source.GetRasterBand(0) != nullptr &&
                        source.Reopen(GIS_UPDATE, false) == GIS_SUCCESS &&
                        source.GetRasterBand(0)->GetOverviewCount() == 0;
-    if (!again || !build())
-        throw Failure(path,
-                      Interrupted() ? "interrupted" : LastReason("its pyramid cannot be built"));
+    if (again) {
+        if (build())
+            return;
+        reason = LastReason("its pyramid cannot be built");
+    }
+    throw Failure(path, Interrupted() ? "interrupted" : reason);
 }
 
 } // namespace zelto::cli

@@ -1,5 +1,6 @@
 #include "tests/cli/RunZelto.h"
 #include "tests/support/RasterFile.h"
+#include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -107,4 +108,26 @@ TEST_F(PolygonizeCommand, WrongUsageIsToldApartFromFailure) {
         1);
     EXPECT_EQ(RunZelto({"polygonize", m_image, m_folder.File("none/out.shp")}).exitStatus, 1);
     EXPECT_EQ(m_folder.Names(), std::vector<std::string>{"image.tif"});
+}
+
+TEST_F(PolygonizeCommand, AFullDiskIsToldOfTheFileThatIsWritten) {
+    const SmallDisk disk(m_folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount a small file system";
+    std::vector<double> checkered(300 * 300);
+    for (std::size_t i = 0; i < checkered.size(); ++i)
+        checkered[i] = static_cast<double>(i % 7 + 1);
+    const std::string image = WriteRaster(
+        m_folder.File("checkered.tif"),
+        {.width = 300, .height = 300, .geoTransform = NorthUp(10, 50, 0.001)}, {checkered});
+    for (const char* name : {"a.geojson", "a.gml", "a.gpkg", "a.shp"}) {
+        const std::string out = m_folder.File(std::string("disk/") + name);
+        const auto run = RunZelto({"polygonize", image, out});
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_EQ(run.errors.rfind("zelto: " + out + ": ", 0), 0U) << run.errors;
+        EXPECT_NE(run.errors.find(name == std::string("a.shp") ? "No space left" : "disk is full"),
+                  std::string::npos)
+            << run.errors;
+        EXPECT_TRUE(std::filesystem::is_empty(m_folder.Path() / "disk"));
+    }
 }
