@@ -12,6 +12,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -57,7 +58,9 @@ void TakeFrom(const std::string& path, Layout& layout) {
         layout.raster.geoTransform = layout.geoTransform.data();
 }
 
-void SetSize(const std::string& text, Layout& layout) {
+/// WxH; a comma between the sides is understood as well.
+void SetSize(std::string text, Layout& layout) {
+    std::replace(text.begin(), text.end(), 'x', ',');
     const std::vector<double> size = ParseNumbers("--size", text, 2);
     for (const double side : size)
         if (!(side >= 1 && side <= std::numeric_limits<int>::max()) || side != std::floor(side))
@@ -120,7 +123,7 @@ void AddCreate(CLI::App& program) {
     auto* create = program.add_subcommand("create", "make a raster file");
     auto options = std::make_shared<Options>();
     create->add_option("OUT", options->path, "the file to make")->required();
-    create->add_option("--size", options->size, "columns,rows");
+    create->add_option("--size", options->size, "WxH: columns and rows");
     create->add_option("--like", options->like,
                        "take size, place, reference, bands and type from this file");
     create->add_option("--bands", options->bands, "number of bands (1)")

@@ -16,7 +16,7 @@ using Names = std::vector<std::string>;
 
 TEST(CreateCommand, MakesARasterAsDescribed) {
     const TemporaryFolder folder;
-    const auto run = RunZelto({"create", folder.File("图.tif"), "--size", "4,3", "--bands", "2",
+    const auto run = RunZelto({"create", folder.File("图.tif"), "--size", "4x3", "--bands", "2",
                                "--type", "int16", "--box", "1000,2060,1080,2000", "--srs",
                                "EPSG:32650", "--no-data", "-1", "--fill", "7"});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
@@ -63,27 +63,27 @@ TEST(CreateCommand, TakesALayoutFromAnotherFile) {
 
 TEST(CreateCommand, EnviHeadersNameTheDataFileBesideThem) {
     const TemporaryFolder folder;
-    EXPECT_EQ(RunZelto({"create", folder.File("a.hdr"), "--size", "4,3"}).exitStatus, 0);
+    EXPECT_EQ(RunZelto({"create", folder.File("a.hdr"), "--size", "4x3"}).exitStatus, 0);
     EXPECT_EQ(
-        RunZelto({"create", folder.File("b"), "--size", "4,3", "--format", "envi"}).exitStatus, 0);
+        RunZelto({"create", folder.File("b"), "--size", "4x3", "--format", "envi"}).exitStatus, 0);
     EXPECT_EQ(folder.Names(), (Names{"a", "a.hdr", "b", "b.hdr"}));
 }
 
 TEST(CreateCommand, ReplacesAnOlderFileOnlyWithACompleteOne) {
     const TemporaryFolder folder;
     zelto::test::WriteRaster(folder.File("a.tif"), {.width = 2, .height = 1}, {{1.0, 2.0}});
-    const auto failed = RunZelto({"create", folder.File("a.tif"), "--size", "70000,70000",
+    const auto failed = RunZelto({"create", folder.File("a.tif"), "--size", "70000x70000",
                                   "--bands", "70000", "--type", "Float64", "--overwrite"});
     EXPECT_EQ(failed.exitStatus, 1);
     EXPECT_EQ(failed.errors.find("zelto: " + folder.File("a.tif") + ": "), 0U) << failed.errors;
     EXPECT_EQ(ReadBand(folder.File("a.tif"), 1), (Pixels{1.0, 2.0}));
     EXPECT_EQ(folder.Names(), Names{"a.tif"});
-    const auto refused = RunZelto({"create", folder.File("a.tif"), "--size", "3,1"});
+    const auto refused = RunZelto({"create", folder.File("a.tif"), "--size", "3x1"});
     EXPECT_EQ(refused.exitStatus, 1);
     EXPECT_EQ(refused.errors,
               "zelto: " + folder.File("a.tif") + ": it exists; --overwrite replaces it\n");
     EXPECT_EQ(
-        RunZelto({"create", folder.File("a.tif"), "--size", "3,1", "--fill", "5", "--overwrite"})
+        RunZelto({"create", folder.File("a.tif"), "--size", "3x1", "--fill", "5", "--overwrite"})
             .exitStatus,
         0);
     EXPECT_EQ(ReadBand(folder.File("a.tif"), 1), Pixels(3, 5.0));
@@ -92,13 +92,13 @@ TEST(CreateCommand, ReplacesAnOlderFileOnlyWithACompleteOne) {
 
 TEST(CreateCommand, CreationOptionsReachGeoTiffAlone) {
     const TemporaryFolder folder;
-    EXPECT_EQ(RunZelto({"create", folder.File("a.tif"), "--size", "3,3", "--co", "COMPRESS=LZW",
+    EXPECT_EQ(RunZelto({"create", folder.File("a.tif"), "--size", "3x3", "--co", "COMPRESS=LZW",
                         "--co", "TFW=NO"})
                   .exitStatus,
               0);
     EXPECT_STREQ(OpenImage(folder.File("a.tif"))->GetMetadataItem("COMPRESSION", "IMAGE_STRUCTURE"),
                  "LZW");
-    EXPECT_EQ(RunZelto({"create", folder.File("a.img"), "--size", "3,3", "--co", "COMPRESSED=YES"})
+    EXPECT_EQ(RunZelto({"create", folder.File("a.img"), "--size", "3x3", "--co", "COMPRESSED=YES"})
                   .exitStatus,
               2);
 }
@@ -111,16 +111,16 @@ TEST(CreateCommand, WrongUsageEndsWithTwo) {
         {"create", path},
         {"create", path, "--size", "3"},
         {"create", path, "--size", "3.5,4"},
-        {"create", path, "--size", "0,4"},
+        {"create", path, "--size", "0x4"},
         {"create", path, "--size", "1e300,4"},
-        {"create", path, "--size", "3,4", "--type", "Bit"},
-        {"create", path, "--size", "3,4", "--bands", "0"},
-        {"create", path, "--size", "3,4", "--format", "Painting"},
-        {"create", path, "--size", "3,4", "--box", "1,2,3"},
-        {"create", path, "--size", "3,4", "--box", "3,2,1,0"},
-        {"create", path, "--size", "3,4", "--box", "0,inf,1,0"},
-        {"create", path, "--size", "3,4", "--co", "COMPRESS"},
-        {"create", folder.File("a.unknown"), "--size", "3,4"},
+        {"create", path, "--size", "3x4", "--type", "Bit"},
+        {"create", path, "--size", "3x4", "--bands", "0"},
+        {"create", path, "--size", "3x4", "--format", "Painting"},
+        {"create", path, "--size", "3x4", "--box", "1,2,3"},
+        {"create", path, "--size", "3x4", "--box", "3,2,1,0"},
+        {"create", path, "--size", "3x4", "--box", "0,inf,1,0"},
+        {"create", path, "--size", "3x4", "--co", "COMPRESS"},
+        {"create", folder.File("a.unknown"), "--size", "3x4"},
     };
     for (const auto& line : lines)
         EXPECT_EQ(RunZelto(line).exitStatus, 2) << testing::PrintToString(line);
@@ -130,10 +130,10 @@ TEST(CreateCommand, WrongUsageEndsWithTwo) {
 TEST(CreateCommand, ImpossibleWorkEndsWithOneAndOneLine) {
     const TemporaryFolder folder;
     const std::vector<std::vector<std::string>> lines = {
-        {"create", folder.File("a.png"), "--size", "3,4"},
-        {"create", folder.File("a.jp2"), "--size", "3,4"},
-        {"create", folder.File("missing/a.tif"), "--size", "3,4"},
-        {"create", folder.File("a.tif"), "--size", "3,4", "--srs", "no reference at all"},
+        {"create", folder.File("a.png"), "--size", "3x4"},
+        {"create", folder.File("a.jp2"), "--size", "3x4"},
+        {"create", folder.File("missing/a.tif"), "--size", "3x4"},
+        {"create", folder.File("a.tif"), "--size", "3x4", "--srs", "no reference at all"},
         {"create", folder.File("a.tif"), "--like", folder.File("missing.tif")},
     };
     for (const auto& line : lines) {

@@ -99,7 +99,7 @@ TEST(GeorefCommand, ControlPointsGiveWayOnRequestAndLeaveTheirReference) {
 TEST(GeorefCommand, AWorldFileMovesWithItsImage) {
     const TemporaryFolder folder;
     const std::string path = folder.File("a.tif");
-    ASSERT_EQ(RunZelto({"create", path, "--size", "4,2", "--box", "0,2,4,0"}).exitStatus, 0);
+    ASSERT_EQ(RunZelto({"create", path, "--size", "4x2", "--box", "0,2,4,0"}).exitStatus, 0);
     ASSERT_EQ(RunZelto({"georef", path, "--box", "1000,2000,1040,1980"}).exitStatus, 0);
     EXPECT_EQ(folder.Names(), (Names{"a.tfw", "a.tif"}));
     EXPECT_EQ(ReadFile(folder.Path() / "a.tfw"),

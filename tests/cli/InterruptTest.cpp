@@ -182,15 +182,15 @@ INSTANTIATE_TEST_SUITE_P(
                     Arguments{"polygonize", "--nodata", "<large.tif", ">polygons.gpkg"},
                     Arguments{"polygonize", "--nodata", "<large.tif", ">polygons.geojson"},
                     Arguments{"copy", "<large.tif", ">copy.tif"},
-                    Arguments{"create", "--size", "30000,30000", "--fill", "7", ">new.tif"},
-                    Arguments{"create", "--size", "12000,12000", "--fill", "7", ">new.img"},
+                    Arguments{"create", "--size", "30000x30000", "--fill", "7", ">new.tif"},
+                    Arguments{"create", "--size", "12000x12000", "--fill", "7", ">new.img"},
                     Arguments{"aoi", "mask", "<area.geojson", "<large.tif", ">mask.tif"}),
     FirstWords);
 
 TEST(Interrupting, ATerminationRequestIsTreatedAlike) {
     const TemporaryFolder folder;
     const Stopped stopped = StopAfter(
-        milliseconds(400), {"create", "--size", "30000,30000", "--fill", "1", folder.File("a.tif")},
+        milliseconds(400), {"create", "--size", "30000x30000", "--fill", "1", folder.File("a.tif")},
         SIGTERM);
     EXPECT_EQ(stopped.run.exitStatus, 130);
     EXPECT_EQ(stopped.run.errors, "zelto: interrupted\n");
@@ -227,7 +227,7 @@ TEST(Interrupting, ASecondRequestEndsAtOnce) {
 TEST(Interrupting, ASignalWhileTheProgramIsBeingLoadedLeavesNothing) {
     const TemporaryFolder folder;
     const auto run =
-        RunZelto({"create", "--size", "30000,30000", "--fill", "1", folder.File("a.tif")}, "",
+        RunZelto({"create", "--size", "30000x30000", "--fill", "1", folder.File("a.tif")}, "",
                  [](pid_t process) {
                      std::this_thread::sleep_for(milliseconds(5));
                      kill(process, SIGINT);
@@ -241,7 +241,7 @@ TEST(Interrupting, ASignalThatTheCallerIgnoresStaysIgnored) {
     const TemporaryFolder folder;
     const auto previous = std::signal(SIGINT, SIG_IGN);
     const auto run =
-        RunZelto({"create", "--size", "3000,3000", "--fill", "1", folder.File("a.tif")}, "",
+        RunZelto({"create", "--size", "3000x3000", "--fill", "1", folder.File("a.tif")}, "",
                  [](pid_t process) {
                      for (int i = 0; i < 50; ++i) {
                          kill(process, SIGINT);
@@ -293,7 +293,7 @@ TEST(Progress, IsShownOnATerminalAfterASecond) {
     const Terminal terminal;
     const Stopped stopped =
         StopAfter(milliseconds(3000),
-                  {"create", "--size", "60000,60000", "--fill", "1", folder.File("a.tif")}, SIGINT,
+                  {"create", "--size", "60000x60000", "--fill", "1", folder.File("a.tif")}, SIGINT,
                   {.errors = terminal.Path()});
     EXPECT_EQ(stopped.run.exitStatus, 130);
     const std::string shown = terminal.Read();
@@ -304,7 +304,7 @@ TEST(Progress, IsShownOnATerminalAfterASecond) {
 TEST(Progress, OfShortWorkIsNotShown) {
     const TemporaryFolder folder;
     const Terminal terminal;
-    const auto run = RunZelto({"create", "--size", "100,100", "--fill", "1", folder.File("a.tif")},
+    const auto run = RunZelto({"create", "--size", "100x100", "--fill", "1", folder.File("a.tif")},
                               "", {}, {.errors = terminal.Path()});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(terminal.Read(), "");

@@ -120,7 +120,7 @@ TEST(MakingCommands, ASceneGoesFromItsCreationToPolygonsAndGdalHasNothingToWarnO
 
     // 300 × 300 pixels of 32 m: bands of a real scene; and a coarser grid of one value.
     ExpectSuccess({"copy", SampleScene(), scene, "--bands", "4,3,2", "--window", "0,0,300,300"});
-    ExpectSuccess({"create", grid, "--size", "75,75", "--fill", "7"});
+    ExpectSuccess({"create", grid, "--size", "75x75", "--fill", "7"});
     ExpectSuccess({"georef", scene, "--box", box, "--srs", "EPSG:32650"});
     ExpectSuccess({"georef", grid, "--box", box, "--srs", "EPSG:32650"});
     ExpectSuccess({"pyramids", "build", scene, grid, "--resampling", "AVERAGE"});

@@ -100,7 +100,7 @@ INSTANTIATE_TEST_SUITE_P(
         Arguments{"aoi", "mask", "in.geojson", "in.tif", "new.tif"},
         Arguments{"classes", "write", "in.csv", "new.acf"},
         Arguments{"compose", "in.tif:1", "in.tif:2", "in.tif:3", "new.png"},
-        Arguments{"copy", "in.tif", "new.tif"}, Arguments{"create", "new.tif", "--size", "2,2"},
+        Arguments{"copy", "in.tif", "new.tif"}, Arguments{"create", "new.tif", "--size", "2x2"},
         Arguments{"histogram", "in.tif", "--png", "new.png"},
         Arguments{"polygonize", "in.tif", "new.geojson"}, Arguments{"render", "in.tif", "new.png"},
         Arguments{"samples", "collect", "in.tif", "--aoi", "in.geojson", "-o", "new.smp"},

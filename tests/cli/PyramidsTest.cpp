@@ -105,7 +105,7 @@ TEST(PyramidsCommand, WrongArgumentsLeaveThePyramid) {
         SCOPED_TRACE(name);
         const bool isPcidsk = name == std::string("a.pix");
         const std::string path = folder.File(name);
-        ASSERT_EQ(RunZelto({"create", path, "--size", "600,600"}).exitStatus, 0);
+        ASSERT_EQ(RunZelto({"create", path, "--size", "600x600"}).exitStatus, 0);
         ASSERT_EQ(RunZelto({"pyramids", "build", path}).exitStatus, 0);
         const auto before = RunZelto({"pyramids", "check", "--json", path});
         EXPECT_EQ(json::parse(before.output)[0]["levels"].size(), isPcidsk ? 2U : 4U);
@@ -123,7 +123,7 @@ TEST(PyramidsCommand, ImagesOfOneStemKeepTheirPyramids) {
     for (const auto& [name, value] : images) {
         paths.push_back(folder.File(name));
         ASSERT_EQ(
-            RunZelto({"create", paths.back(), "--size", "600,600", "--fill", value}).exitStatus, 0);
+            RunZelto({"create", paths.back(), "--size", "600x600", "--fill", value}).exitStatus, 0);
     }
     for (const int turn : {0, 1, 2, 1, 0}) {
         const auto run = RunZelto({"pyramids", "build", paths[turn]});
@@ -147,7 +147,7 @@ TEST(PyramidsCommand, AnImagineFileWhosePyramidAnotherImageTookIsToldOf) {
     const std::string imagine = folder.File("s.img");
     const std::string geotiff = folder.File("s.tif");
     for (const std::string& path : {imagine, geotiff})
-        ASSERT_EQ(RunZelto({"create", path, "--size", "300,300"}).exitStatus, 0);
+        ASSERT_EQ(RunZelto({"create", path, "--size", "300x300"}).exitStatus, 0);
     {
         // As GDAL itself does with these settings.
         GDALAllRegister();

@@ -30,6 +30,12 @@ class Schemas : public testing::TestWithParam<Case> {
         spec.srs = "EPSG:32650";
         spec.noData = NAN;
         WriteRaster(m_folder.File("a.tif"), spec, {Pixels(16, 1.5), Pixels(16, 2.5)});
+        WriteRaster(m_folder.File("d.tif"), spec, {Pixels(16, 3.5)});
+        WriteFile(m_folder.File("z.geojson"),
+                  R"({"type":"FeatureCollection","crs":{"type":"name","properties":{"name":
+                  "urn:ogc:def:crs:EPSG::32650"}},"features":[{"type":"Feature","properties":
+                  {"name":"A"},"geometry":{"type":"Polygon","coordinates":
+                  [[[500000,0],[500030,0],[500000,30],[500000,0]]]}}]})");
         WriteRaster(m_folder.File("b.tif"), {.width = 4, .height = 4, .overviews = {2}},
                     {Pixels(16, 1.0)});
         Run({"georef", m_folder.File("b.tif"), "--gcp", "0,0,117,1", "--gcp", "4,0,118,1", "--gcp",
@@ -100,6 +106,12 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"srs-gk", {"srs", "gk", "EPSG:4490", "--zone", "39", "--width", "3"}},
                     Case{"stats", {"stats", "SCENE", "--covariance", "--percentiles", "2,98"}},
                     Case{"stats", {"stats", "a.tif", "--aoi", "a.aif", "--each"}},
+                    Case{"stats", {"stats", "SCENE", "b.tif"}},
+                    Case{"stats", {"stats", "a.tif", "d.tif", "--aoi", "a.aif", "--each"}},
+                    Case{"zonal", {"zonal", "a.tif", "z.geojson"}},
+                    Case{"zonal",
+                         {"zonal", "a.tif", "z.geojson", "--weights", "coverage", "--id-field",
+                          "name", "--include-fields", "name", "--percentiles", "10,50"}},
                     Case{"vector-info", {"vector", "info", "a.shp"}}),
     [](const testing::TestParamInfo<Case>& tested) {
         std::string name = std::to_string(tested.index) + tested.param.schema;

@@ -35,11 +35,11 @@ std::vector<Operation> MakeOperations() {
     const Inputs oldEnvi = {{"out.dat", "old.dat"}, {"out.hdr", "old.hdr"}};
     return {
         {"Create",
-         {"create", "@out.tif", "--size", "300,300", "--fill", "7", "--overwrite"},
+         {"create", "@out.tif", "--size", "300x300", "--fill", "7", "--overwrite"},
          OLD_TIFF,
          {"out.tif", "out.tfw"}},
         {"CreateImagine",
-         {"create", "@out.img", "--size", "300,300", "--fill", "7", "--overwrite"},
+         {"create", "@out.img", "--size", "300x300", "--fill", "7", "--overwrite"},
          One("out.img", "old.img"),
          {"out.img"},
          Change::Replaces,
