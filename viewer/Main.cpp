@@ -1,3 +1,4 @@
+#include "cli/support/StateFolder.h"
 #include "viewer/MainWindow.h"
 #include "viewer/model/Preferences.h"
 #include "viewer/views/Icons.h"
@@ -38,6 +39,7 @@ int main(int argc, char** argv) {
     parser.addPositionalArgument("FILE", QApplication::translate("main", "Images to open"),
                                  "[FILE…]");
     parser.process(application);
+    zelto::cli::LogBelowStateFolder();
     zelto::view::MainWindow window;
     window.show();
     window.OpenFiles(parser.positionalArguments());

@@ -111,7 +111,7 @@ class ZELTO_API CGISDataSource {
     /// Sets the process-wide GDAL options. The installation folder D is that of the loaded host
     /// module, or of the running executable when there is none; GDAL's support files are
     /// expected in D/data and its errors are logged to D/logs/gdal.log, or in the folder that
-    /// SetLogFolder() has named.
+    /// SetLogFolder() has named. Below /usr, where programs do not write, D/logs is not made.
     static void SetGDALConfigOption();
     /// Where GDAL's errors are logged instead of D/logs, for programs whose own folder is not
     /// theirs to write. Call it before the first source. The folder, with those above it, is made

@@ -38,7 +38,9 @@ std::string LogPath(const std::string& installation) {
         return folder->empty() ? std::string() : *folder + "/gdal.log";
     const std::string logs = installation + "/logs";
     std::error_code ignored;
-    std::filesystem::create_directory(logs, ignored);
+    // Without the folder the log cannot be opened, and nothing is written.
+    if (!zelto::IsSystemFolder(installation))
+        std::filesystem::create_directory(logs, ignored);
     return logs + "/gdal.log";
 }
 

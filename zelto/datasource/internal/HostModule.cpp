@@ -100,4 +100,11 @@ std::string InstallationFolder() {
     return ModulePath().parent_path().string();
 }
 
+bool IsSystemFolder(const std::string& folder) {
+    std::error_code ignored;
+    const std::filesystem::path path = std::filesystem::weakly_canonical(folder, ignored);
+    const std::filesystem::path below = path.relative_path();
+    return below.empty() || *below.begin() == "usr";
+}
+
 } // namespace zelto
