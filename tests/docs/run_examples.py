@@ -25,9 +25,11 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import textwrap
+import traceback
 
-BLOCK = re.compile(r"^```(?P<kind>console|python|pycon|cpp|cmake)\n(?P<text>.*?)^```$",
-                   re.MULTILINE | re.DOTALL)
+BLOCK = re.compile(r"^(?P<indent> *)```(?P<kind>console|python|pycon|cpp|cmake)\n"
+                   r"(?P<text>.*?)^ *```$", re.MULTILINE | re.DOTALL)
 PICTURE = re.compile(r"!\[[^\]]*\]\(((?:\S*/)?pictures/([^/)]+))\)")
 
 
@@ -40,7 +42,7 @@ class Page:
         self.differences = []
         self.names = {"__name__": "__main__"}
         self.environment = {
-            "PATH": f"{programs}:{os.environ['PATH']}",
+            "PATH": f"{programs}:/usr/bin:{os.environ['PATH']}",
             "PYTHONPATH": os.environ.get("PYTHONPATH", ""),
             "HOME": str(folder), "LC_ALL": "C.UTF-8", "TZ": "UTC", "OMP_WAIT_POLICY": "passive",
         }
@@ -52,8 +54,8 @@ class Page:
 
         def run_block(block):
             self.line = self.text.count("\n", 0, block.start()) + 2
-            text = runs[block["kind"]](block["text"])
-            return f"```{block['kind']}\n{text}```"
+            text = runs[block["kind"]](textwrap.dedent(block["text"]))
+            return textwrap.indent(f"```{block['kind']}\n{text}```", block["indent"])
 
         return BLOCK.sub(run_block, self.text)
 
@@ -83,15 +85,19 @@ class Page:
         return text
 
     def run_session(self, text):
-        test = doctest.DocTestParser().get_doctest(
-            text.replace("…", "..."), self.names, self.path.name, None, self.line)
+        session = Session(optionflags=doctest.ELLIPSIS, verbose=False)
+        test = doctest.DocTestParser().get_doctest(text.replace("…", "..."), self.names,
+                                                   self.path.name, None, self.line)
         test.globs = self.names
         printed = []
-        doctest.DocTestRunner(optionflags=doctest.ELLIPSIS, verbose=False).run(
-            test, out=printed.append, clear_globs=False)
-        if printed:
-            self.differ("pycon", "".join(printed))
-        return text
+        session.run(test, out=printed.append, clear_globs=False)
+        if not session.printed:
+            return text
+        self.differ("pycon", "".join(printed))
+        return "".join(
+            re.sub("^", "... ", example.source, flags=re.MULTILINE)[4:].join([">>> ", ""])
+            .removesuffix("... ") + session.printed.get(example.lineno, example.want)
+            for example in test.examples)
 
     def find_source(self, text):
         wanted = [line.strip() for line in text.splitlines() if line.strip()]
@@ -112,6 +118,23 @@ class Page:
             elif not shown.is_file() or made.read_bytes() != shown.read_bytes():
                 self.differences.append(f"{self.path.name}: {reference} is not what the examples "
                                         "make; ./dev docs makes it anew")
+
+
+class Session(doctest.DocTestRunner):
+    """Notes what the examples print that print something else than what is shown."""
+
+    def __init__(self, **options):
+        super().__init__(**options)
+        self.printed = {}
+
+    def report_failure(self, out, test, example, got):
+        self.printed[example.lineno] = got
+        super().report_failure(out, test, example, got)
+
+    def report_unexpected_exception(self, out, test, example, exc_info):
+        self.printed[example.lineno] = ("Traceback (most recent call last):\n"
+                                        + "".join(traceback.format_exception_only(*exc_info[:2])))
+        super().report_unexpected_exception(out, test, example, exc_info)
 
 
 def examples_of(text):

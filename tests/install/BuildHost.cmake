@@ -99,3 +99,14 @@ string(REGEX MATCH "([0-9.]+),([0-9.]+)\n$" percentiles "${output}")
 set(output "${views}")
 expect_output("band 4: ${CMAKE_MATCH_1} to ${CMAKE_MATCH_2}\n")
 expect_output("band 6: [0-9]+ pixels, mean [0-9.]+\n")
+
+# What the host guide and the README show. The upper right quarter holds 175 of the columns' middles
+# and 176 of the rows'.
+build_example(guide_host)
+file(MAKE_DIRECTORY ${FOLDER}/guide)
+run(${host} ${SOURCE}/samples/L7_ETMs.tif ${FOLDER}/guide)
+expect_output("^30800 81.192 13.998\n")
+expect_output("\n/there/is/no/such.tif: No such file or directory\n$")
+if(NOT EXISTS ${FOLDER}/guide/picture.ppm OR NOT EXISTS ${FOLDER}/guide/look.json)
+    message(FATAL_ERROR "the host of the guide has left out a file")
+endif()
