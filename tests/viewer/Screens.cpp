@@ -94,8 +94,8 @@ class Screens {
 
     void Take(QWidget& widget, const QString& name) {
         QTest::qWait(50);
-        const QString path = m_folder + "/" + name + ".png";
-        const bool saved = widget.grab().save(path);
+        const QString path = m_folder + "/" + name + ".jpg";
+        const bool saved = widget.grab().save(path, nullptr, 80);
         std::printf("%s%s\n", qPrintable(path), saved ? "" : ": cannot be written");
     }
 
