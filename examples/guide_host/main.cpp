@@ -133,6 +133,9 @@ std::vector<unsigned char> QuickLook(const wchar_t* path, int width, int height)
     CBoundingBox box = scene.GetExtent();
     std::vector<unsigned char> picture(width * height * 4); // blue, green, red, alpha
     scene.GetShowData(&box, width, height, picture.data(), true);
+    CRegionStatistics statistics(&scene);
+    statistics.Compute(nullptr);
+    std::printf("mean of band 4: %.4f\n", statistics.GetBands()[3].mean);
     return picture;
 }
 
