@@ -39,20 +39,26 @@ void AddFromFile(std::vector<ControlPoint>& points, const std::string& file) {
     });
 }
 
-/// Whether three of the points are corners of a triangle, in pixels and on the ground.
+/// Whether points, each by two of its coordinates, do not all lie on one line.
+bool SpanArea(const std::vector<ControlPoint>& points, double ControlPoint::*first,
+              double ControlPoint::*second) {
+    const ControlPoint& origin = points.front();
+    const auto distance = [&](const ControlPoint& point) {
+        return std::hypot(point.*first - origin.*first, point.*second - origin.*second);
+    };
+    const ControlPoint& end =
+        *std::max_element(points.begin(), points.end(),
+                          [&](const auto& a, const auto& b) { return distance(a) < distance(b); });
+    return std::any_of(points.begin(), points.end(), [&](const ControlPoint& point) {
+        return (end.*first - origin.*first) * (point.*second - origin.*second) !=
+               (point.*first - origin.*first) * (end.*second - origin.*second);
+    });
+}
+
+/// Whether the points place an image: they span an area in pixels and on the ground.
 bool SpanArea(const std::vector<ControlPoint>& points) {
-    bool inPixels = false;
-    bool onGround = false;
-    const ControlPoint& a = points.front();
-    for (const ControlPoint& b : points)
-        for (const ControlPoint& c : points) {
-            inPixels = inPixels || (b.column - a.column) * (c.row - a.row) !=
-                                       (c.column - a.column) * (b.row - a.row);
-            onGround = onGround || (b.x - a.x) * (c.y - a.y) != (c.x - a.x) * (b.y - a.y);
-            if (inPixels && onGround)
-                return true;
-        }
-    return false;
+    return SpanArea(points, &ControlPoint::column, &ControlPoint::row) &&
+           SpanArea(points, &ControlPoint::x, &ControlPoint::y);
 }
 
 /// A world file would place a GeoTIFF elsewhere.

@@ -111,6 +111,8 @@ void PointColumns::TakeFirst(const std::string& line, const std::string& where) 
         if (m_columns[i] == 0)
             throw Failure(where, "no column is called '" + m_names[i] + "'");
     }
+    if (m_columns[0] == m_columns[1])
+        throw Failure(where, m_names[0] + " and " + m_names[1] + " are the same column");
 }
 
 PointLine PointColumns::Parse(const std::string& line, const std::string& where) {

@@ -2,6 +2,7 @@
 #include "zelto/coordinate/CoordinateTransformation.h"
 
 #include "cli/PointColumns.h"
+#include "cli/PointLines.h"
 #include "cli/ReprojectCommands.h"
 #include "cli/support/Effect.h"
 #include "cli/support/Failure.h"
@@ -16,13 +17,9 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstring>
-#include <fstream>
 #include <iostream>
-#include <optional>
 #include <vector>
 
 namespace zelto::cli {
@@ -70,93 +67,6 @@ Transformation Connect(const Options& options) {
         throw Failure(options.from, "cannot be transformed to " + options.to);
     return result;
 }
-
-struct Points {
-    std::vector<double> x;
-    std::vector<double> y;
-    std::vector<int> known;
-};
-
-/// The next number of a line, past blanks and separators; nothing where none stands.
-std::optional<double> NextNumber(const char*& at, const char* end) {
-    while (at != end && std::strchr(" \t,;+", *at) != nullptr)
-        ++at;
-    double value = 0.0;
-    const auto parsed = std::from_chars(at, end, value);
-    const bool whole = parsed.ptr == end || std::strchr(" \t,;\r", *parsed.ptr) != nullptr;
-    if (parsed.ec != std::errc() || !whole)
-        return std::nullopt;
-    at = parsed.ptr;
-    return value;
-}
-
-/// The lines of a file, or of standard input for "-".
-class LineReader {
-  public:
-    explicit LineReader(const std::string& file) : m_name(file) {
-        if (file == "-") {
-            m_name = "standard input";
-            return;
-        }
-        RequireNoPipe(file);
-        m_file.open(file);
-        if (!m_file)
-            throw Failure(file, std::strerror(errno));
-    }
-
-    /// Of the file, for messages.
-    const std::string& Name() const { return m_name; }
-    /// File and number of the line that was read last.
-    std::string Where() const { return m_name + ": line " + std::to_string(m_line); }
-    /// False at the end.
-    bool Next(std::string& line) {
-        ++m_line;
-        return static_cast<bool>(std::getline(m_file.is_open() ? m_file : std::cin, line));
-    }
-
-  private:
-    std::string m_name;
-    std::ifstream m_file;
-    std::size_t m_line = 0;
-};
-
-/// Reads x and y from the lines of a text or CSV file; further columns are ignored, and so are
-/// empty lines, comments after '#' and a first line of headings.
-class PointReader {
-  public:
-    explicit PointReader(LineReader& lines) : m_lines(lines) {}
-
-    /// Reads up to `most` points; fewer, none at last, at the end.
-    Points Read(std::size_t most) {
-        Points points;
-        std::string line;
-        while (points.x.size() < most && m_lines.Next(line)) {
-            const std::size_t first = line.find_first_not_of(" \t\r");
-            if (first == std::string::npos || line[first] == '#')
-                continue;
-            AddPoint(points, line);
-            m_contentSeen = true;
-        }
-        return points;
-    }
-
-  private:
-    void AddPoint(Points& points, const std::string& line) {
-        const char* at = line.data();
-        const char* end = at + line.size();
-        const auto x = NextNumber(at, end);
-        const auto y = x ? NextNumber(at, end) : std::nullopt;
-        if (y) {
-            points.x.push_back(*x);
-            points.y.push_back(*y);
-        } else if (m_contentSeen) {
-            throw Failure(m_lines.Where(), "'" + line + "' does not start with x and y");
-        }
-    }
-
-    LineReader& m_lines;
-    bool m_contentSeen = false;
-};
 
 std::string FormatFixed(double value, int decimals) {
     if (!std::isfinite(value))

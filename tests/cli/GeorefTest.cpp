@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <ogr_spatialref.h>
 
+#include <chrono>
 #include <filesystem>
 #include <unistd.h>
 
@@ -190,6 +191,20 @@ TEST(GeorefCommand, ControlPointsThatPlaceNothingAreRefused) {
     EXPECT_EQ(bad.errors,
               "zelto: " + folder.File("bad.csv") + ": line 2: expected column,row,x,y\n");
     EXPECT_EQ(ReadFile(path), before);
+}
+
+TEST(GeorefCommand, ManyControlPointsOnOneLineAreRefusedInLittleTime) {
+    const TemporaryFolder folder;
+    const std::string path = WriteImage(folder, "a.tif");
+    std::string line;
+    for (int i = 0; i < 200'000; ++i) {
+        const std::string number = std::to_string(i);
+        line += number + ',' + number + ',' + number + ',' + number + '\n';
+    }
+    zelto::test::WriteFile(folder.File("line.csv"), line);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(RunZelto({"georef", path, "--gcp-file", folder.File("line.csv")}).exitStatus, 2);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
 }
 
 TEST(GeorefCommand, AFileThatMayNotBeWrittenIsAFailure) {

@@ -72,6 +72,9 @@ TEST(ReprojectPoints, ChosenColumnsAreReplacedAndAllOthersKept) {
     const auto unknown = run("lon,height", "lon,lat\n117,0\n");
     EXPECT_EQ(unknown.exitStatus, 1);
     EXPECT_EQ(unknown.errors, "zelto: standard input: line 1: no column is called 'height'\n");
+    const auto same = run("2,lat", "lon,lat\n117,0\n");
+    EXPECT_EQ(same.exitStatus, 1);
+    EXPECT_EQ(same.errors, "zelto: standard input: line 1: 2 and lat are the same column\n");
     const auto bad = run("1,2", "117,0\n117,\n");
     EXPECT_EQ(bad.exitStatus, 1);
     EXPECT_NE(bad.errors.find("line 2"), std::string::npos) << bad.errors;

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-// An assistant file: read, shown, written, and the same bytes when written once more.
+// An assistant file: read and shown; sometimes written, and the same bytes when written once more.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     zelto::fuzz::PrepareEngine();
     const auto& folder = zelto::fuzz::InputFolder::Get();
@@ -19,6 +19,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     unsigned char color[4];
     if (table)
         table->GetColor(1.0, color[0], color[1], color[2], color[3]);
+    if (!zelto::fuzz::IsChosen(data, size, 32))
+        return 0;
 
     const std::wstring first = folder.WideFile("first.acf");
     const std::wstring second = folder.WideFile("second.acf");

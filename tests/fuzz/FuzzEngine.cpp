@@ -8,6 +8,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <string_view>
 
 namespace zelto::fuzz {
 
@@ -32,6 +34,15 @@ void Require(bool holds, const char* rule) {
         return;
     std::fprintf(stderr, "does not hold: %s\n", rule);
     std::abort();
+}
+
+bool IsChosen([[maybe_unused]] const std::uint8_t* data, [[maybe_unused]] std::size_t size,
+              [[maybe_unused]] std::uint32_t oneIn) {
+#ifdef ZELTO_FUZZ_REPLAY
+    return true;
+#else
+    return std::hash<std::string_view>()({reinterpret_cast<const char*>(data), size}) % oneIn == 0;
+#endif
 }
 
 } // namespace zelto::fuzz

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 namespace zelto::fuzz {
 
 /// Sets the engine up for inputs by the thousand, once per process: GDAL registered and silent,
@@ -9,5 +12,10 @@ void PrepareEngine();
 /// Ends the process, which makes the present input a finding, where `holds` is false.
 /// @param rule what does not hold
 void Require(bool holds, const char* rule);
+
+/// Whether an input is one of those, one in `oneIn` by its bytes, for which a target does what
+/// takes much longer than reading: writing, references, whole commands. A replay of the corpus does
+/// all.
+bool IsChosen(const std::uint8_t* data, std::size_t size, std::uint32_t oneIn);
 
 } // namespace zelto::fuzz

@@ -21,7 +21,8 @@ std::vector<double> Repeated(InputBytes& bytes, std::size_t given, std::size_t c
 }
 
 void UseMatrices(InputBytes& bytes) {
-    const int n = 1 + bytes.Below(60);
+    // The work grows with the third power.
+    const int n = 1 + (bytes.Below(64) == 63 ? 59 : bytes.Below(12));
     const auto size = static_cast<std::size_t>(n) * static_cast<std::size_t>(n);
     const std::vector<double> matrix = Repeated(bytes, 100, size);
     const std::vector<double> right = Repeated(bytes, 10, static_cast<std::size_t>(n));
@@ -49,7 +50,7 @@ void UseErrorEquations(InputBytes& bytes) {
 
 void UseGrid(InputBytes& bytes) {
     const unsigned order = static_cast<unsigned>(bytes.Below(5));
-    const int count = bytes.Below(200);
+    const int count = bytes.Below(64) == 63 ? 200 : bytes.Below(24);
     CGeoGrid grid(bytes.Count() % 300, bytes.Count() % 300, bytes.Number(), bytes.Number(), order);
     std::vector<double> values[4];
     for (std::vector<double>& list : values)

@@ -5,6 +5,7 @@ Run it again after a change of a format or of a target's use of its bytes. Input
 found lie beside these seeds under other names and stay.
 """
 
+import json
 import struct
 from pathlib import Path
 
@@ -127,6 +128,10 @@ def texts():
     seed("class_table", "plain", "value,red,green,blue,name\n1,10,20,30,water\n2,0,0,0,\n")
     seed("class_table", "quoted", '\ufeff-1,1,2,3,"a, ""b"" c"\n\n5, 6 ,7,8, d \r\n')
     seed("class_table", "wrong", '1,2,3,"open\n')
+    seed("control_points", "plain", "column,row,x,y\n0,0,500,900\n# comment\n4,0,620,900\n0,2,500,840\n")
+    seed("control_points", "line", "0,0,1,1\n1,1,2,2\n2,2,3,3\n")
+    seed("control_points", "special", "1e308,-1e308,1e308,1\n-1e308,1e308,1,1\n0,0,0,0\n1,nan,0,0\n")
+    seed("point_table", "columns", 'name,lon,lat\n"a,b",117.5," 36.25"\nc,1,2\n')
     seed("point_table", "plain", "x y\n# comment\n117.5 36.25\n-180,90 more\n")
     seed("point_table", "special", "1e308 -1e308\nnan inf\n+1;+2\n")
     options = ["1,2,3", "3,2,1", "0,10,5,0", "polygon 0,0 10,0 10,5", "UInt16", "GTiff",
@@ -137,6 +142,35 @@ def texts():
     seed("command_line", "special", b"\x03rectangle nan,inf,1e308,-1e308")
 
 
+def recipe(*bands, **others):
+    colors = dict.fromkeys(("hue", "intensity", "saturation", "contrast", "transparency"), 0)
+    return json.dumps({"format": "zelto display recipe", "version": 1, "bands": bands,
+                       "colors": colors, **others})
+
+
+def recipes():
+    bounds = {"minimum": 10, "maximum": 20}
+    statistics = {**bounds, "mean": 15, "standardDeviation": "Infinity"}
+    histogram = {**bounds, "counts": [1, 2, 3]}
+    linear = {"band": 1, "stretch": "linear", "statistics": statistics}
+    zoom = {"stretch": "zoom", "low": 1, "high": "NaN"}
+    seed("display_recipe", "linear", recipe(linear))
+    seed("display_recipe", "equalize", recipe({"band": 2, "stretch": "equalize",
+                                               "statistics": statistics, "histogram": histogram}))
+    seed("display_recipe", "auto-levels", recipe({"band": 1, "stretch": "autolevels",
+                                                  "histogram": histogram, "threshold": 0.5}))
+    seed("display_recipe", "zoom", recipe({"band": 3, "stretch": "zoom", "function": zoom}))
+    seed("display_recipe", "table", recipe(
+        *[{"band": 1, "stretch": "table", "table": [7] * 256}] * 3))
+    seed("display_recipe", "ramp", recipe(linear, ramp=["#0102ff"] * 256))
+    seed("display_recipe", "classes", recipe(linear, classes=[
+        {"low": 0.5, "high": 1.5, "color": [1, 2, 3, 255], "name": "\u6c34"}]))
+    seed("display_recipe", "view", recipe(
+        linear, view={"left": 0, "top": 10, "right": 10, "bottom": 0, "width": 20, "height": 30,
+                      "srs": "EPSG:4326"}, mask={"area": "area.aif", "outside": "black"}))
+    seed("display_recipe", "nested", "[" * 1000)
+
+
 def references():
     for name, text in (("geographic", WGS84), ("projected", GAUSS_KRUGER), ("heights", HEIGHTS),
                        ("code", "EPSG:32650"), ("proj", "+proj=utm +zone=50 +datum=WGS84"),
@@ -144,6 +178,11 @@ def references():
                        ("lines", WGS84 + "\r\nsecond line\n")):
         seed("reference", name, b"\x14\x00\x00\x00" + text.encode())
     seed("reference", "connected", b"\x14\x00\x01\x00" + WGS84.encode())
+    for name, text in (("geographic", WGS84), ("projected", GAUSS_KRUGER), ("heights", HEIGHTS)):
+        seed("wkt", name, text)
+        seed("projection_file", name, text + "\r\nsecond line\n")
+    seed("wkt", "nested", "GEOGCS[" * 300)
+    seed("projection_file", "empty", "\n")
     seed("reference", "shifted", b"\x27\x01\x01\x01" + bytes([90, 91, 92, 81, 82, 83, 84]) +
          GAUSS_KRUGER.encode())
 
@@ -234,6 +273,7 @@ if __name__ == "__main__":
     samples()
     assistants()
     texts()
+    recipes()
     references()
     numbers()
     sequences()

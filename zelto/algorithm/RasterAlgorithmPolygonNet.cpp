@@ -1,4 +1,5 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
+#include "zelto/algorithm/internal/NamedPolygons.h"
 #include "zelto/algorithm/internal/Refusal.h"
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/baselib/internal/GdalWatch.h"
@@ -66,42 +67,6 @@ bool AddImageFeatures(OGRLayer& layer, const std::vector<OGRGeometry*>& polygons
     return true;
 }
 
-/// A named polygon of a coordinate file.
-struct NamedPolygon {
-    std::wstring name;
-    OGRGeometryUniquePtr geometry;
-};
-
-OGRGeometryUniquePtr MakePolygon(const std::vector<double>& coordinates) {
-    OGRGeometryUniquePtr geometry(OGRGeometryFactory::createGeometry(wkbPolygon));
-    OGRLinearRing ring;
-    for (std::size_t i = 0; i + 1 < coordinates.size(); i += 2)
-        ring.addPoint(coordinates[i], coordinates[i + 1]);
-    ring.closeRings();
-    geometry->toPolygon()->addRing(&ring);
-    return geometry;
-}
-
-/// Reads "name x y x y … end", once per polygon. Tokens are parted by white space; a number is
-/// what its text starts with, and an x without its y is dropped.
-std::vector<NamedPolygon> ReadPolygons(std::istream& stream) {
-    std::vector<NamedPolygon> polygons;
-    std::string name;
-    while (stream >> name) {
-        std::vector<double> coordinates;
-        std::string token;
-        bool ended = false;
-        while (!ended && stream >> token) {
-            ended = token == "end";
-            if (!ended)
-                coordinates.push_back(CPLAtof(token.c_str()));
-        }
-        if (ended)
-            polygons.push_back({CommonFun::M2U(name), MakePolygon(coordinates)});
-    }
-    return polygons;
-}
-
 } // namespace
 
 bool CRasterAlgorithm::SavePolygonNet(const wchar_t* path, std::vector<OGRGeometry*> polygons,
@@ -127,14 +92,14 @@ bool CRasterAlgorithm::SaveGemetryFromTxt(std::string path) {
         std::ifstream stream;
         if (!zelto::OpenRegularFile(stream, path))
             return false;
-        const std::vector<NamedPolygon> polygons = ReadPolygons(stream);
+        const std::vector<zelto::NamedPolygon> polygons = zelto::ReadNamedPolygons(stream);
         if (stream.bad()) {
             zelto::SetLastError(path + ": cannot be read to its end");
             return false;
         }
         std::vector<OGRGeometry*> geometries;
         std::vector<std::wstring> names;
-        for (const NamedPolygon& polygon : polygons) {
+        for (const zelto::NamedPolygon& polygon : polygons) {
             geometries.push_back(polygon.geometry.get());
             names.push_back(polygon.name);
         }
