@@ -133,7 +133,20 @@ class Mutations : public testing::TestWithParam<const char*> {
         Count("commands on damaged files");
     }
 
+    /// Copies what broke something to a folder of its own in ZELTO_FAULTS_FINDINGS.
+    void KeepFinding(int number) {
+        const char* const findings = std::getenv("ZELTO_FAULTS_FINDINGS");
+        const int failures =
+            testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+        if (findings != nullptr && failures > m_failures)
+            fs::copy(m_folder.Path(),
+                     fs::path(findings) / (std::to_string(m_seed) + '-' + std::to_string(number)),
+                     fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+        m_failures = failures;
+    }
+
     const unsigned int m_seed;
+    int m_failures = 0;
     std::mt19937 m_random;
     const TemporaryFolder m_folder;
     const TemporaryFolder m_made;
@@ -155,8 +168,11 @@ TEST_P(Mutations, AreDoneOrToldInOneLine) {
         const fs::path file = MakeDamaged(original);
         Count("damaged files");
         // A command may have moved or removed it.
-        for (int k = 0; k < commandsEach && fs::exists(file); ++k)
-            Check(LineFor(commands[Below(commands.size())], file));
+        for (int k = 0; k < commandsEach && fs::exists(file); ++k) {
+            const auto& command = commands[Below(commands.size())];
+            Check(LineFor(command, file));
+            KeepFinding(i);
+        }
     }
 }
 

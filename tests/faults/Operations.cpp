@@ -114,6 +114,10 @@ std::vector<Operation> MakeOperations() {
          SCENE,
          {"scene.tif"},
          Change::InPlace},
+        {"PyramidInsideAgain",
+         {"pyramids", "build", "@levels.tif", "--resampling", "AVERAGE"},
+         One("levels.tif", "levels.tif"),
+         {"levels.tif"}},
         {"PyramidInsideImagine",
          {"pyramids", "build", "@scene.img"},
          One("scene.img", "scene.img"),
@@ -128,8 +132,11 @@ std::vector<Operation> MakeOperations() {
         {"Georef",
          {"georef", "@scene.tif", "--box", "0,30,30,0", "--srs", "EPSG:32651"},
          SCENE,
-         {"scene.tif"},
-         Change::InPlace},
+         {"scene.tif"}},
+        {"GeorefPoints",
+         {"georef", "@scene.tif", "--gcp", "0,0,1,9", "--gcp", "9,0,9,9", "--gcp", "0,9,1,1"},
+         SCENE,
+         {"scene.tif"}},
         {"Render",
          {"render", "@scene.tif", "@out.png", "--overwrite"},
          SCENE + One("out.png", "old.png"),
@@ -146,6 +153,19 @@ std::vector<Operation> MakeOperations() {
          {"render", "@scene.tif", "@out.tif", "--overwrite"},
          SCENE + OLD_TIFF,
          {"out.tif"}},
+        {"RenderInto",
+         {"render", "@scene.tif", "@classes.tif", "--into", "@pictures", "--overwrite"},
+         SCENE + classes + One("pictures/scene.png", "old.png"),
+         {"pictures/scene.png", "pictures/classes.png"},
+         Change::Each},
+        {"Zonal",
+         {"zonal", "@scene.tif", "@area.geojson", "--out", "@out.gpkg", "--overwrite"},
+         SCENE + area + One("out.gpkg", "old.gpkg"),
+         {"out.gpkg"}},
+        {"ZonalToShapefile",
+         {"zonal", "@scene.tif", "@area.geojson", "--out", "@out.shp", "--overwrite"},
+         SCENE + area + OLD_SHAPES,
+         {"out.shp"}},
         {"Compose",
          {"compose", "@scene.tif:1", "@scene.tif:2", "@scene.tif:3", "@out.tif", "--overwrite"},
          SCENE + OLD_TIFF,
@@ -215,6 +235,10 @@ Originals::Originals() {
         const int levels[] = {2, 4};
         image->BuildOverviews("NEAREST", 2, levels, 0, nullptr, nullptr, nullptr);
     }
+    {
+        const CPLConfigOptionSetter inside("USE_RRD", "NO", false);
+        WriteImage(File("levels.tif"), "GTiff", SIDE, 1, {2, 4, 8});
+    }
     WriteImage(File("classes.tif"), "GTiff", 60, 1);
     for (const auto& [name, driver] :
          {std::pair("old.tif", "GTiff"), std::pair("old.img", "HFA"),
@@ -240,8 +264,11 @@ Originals::Originals() {
 void Originals::Prepare(const Operation& operation, const std::string& folder) const {
     for (const auto& entry : fs::directory_iterator(folder))
         fs::remove_all(entry.path());
-    for (const auto& [name, original] : operation.inputs)
-        fs::copy_file(File(original), fs::path(folder) / name);
+    for (const auto& [name, original] : operation.inputs) {
+        const fs::path copy = fs::path(folder) / name;
+        fs::create_directories(copy.parent_path());
+        fs::copy_file(File(original), copy);
+    }
 }
 
 } // namespace zelto::test

@@ -21,6 +21,7 @@ struct Operation {
     enum class Change {
         Replaces, ///< old files by new ones
         Moves,    ///< the same, and its other inputs are gone when they are new
+        Each,     ///< as Replaces, but every file by itself
         InPlace,  ///< part of a file; whatever happens, its pixels stay
     };
     Change change = Change::Replaces;
