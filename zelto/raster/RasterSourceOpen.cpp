@@ -10,6 +10,7 @@
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/OpenedFile.h"
 #include "zelto/raster/internal/PyramidBeside.h"
 #include "zelto/raster/internal/PyramidFiles.h"
 #include "zelto/raster/internal/RasterLog.h"
@@ -94,6 +95,7 @@ bool HoldsItsTile(GDALDataset& dataset, const std::string& path) {
 /// @param reason GDAL's where nothing opens
 GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag, std::string& reason) {
     const zelto::GdalWatch watch;
+    const auto before = zelto::FileState::Of(path);
     GDALDataset* dataset =
         GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR | accessFlag);
     if (dataset == nullptr) {
@@ -105,6 +107,8 @@ GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag, std::s
         reason = "its tile cannot be read from the archive";
         return nullptr;
     }
+    if (accessFlag == GDAL_OF_READONLY)
+        zelto::NoteOpened(*dataset, before);
     zelto::HideForeignPyramid(*dataset);
     // The driver cannot be kept from the levels that the file itself names.
     if (zelto::SharesLevels(path))
@@ -385,6 +389,7 @@ void CRasterSource::Close() {
     // A warped view holds the file as well: the file's count must sink before the view, which
     // then closes it.
     const zelto::GdalWatch watch;
+    zelto::NoteClosed(m_baseDataset != nullptr ? m_baseDataset : m_dataset);
     if (m_baseDataset != nullptr)
         GDALReleaseDataset(m_baseDataset);
     m_baseDataset = nullptr;

@@ -14,11 +14,11 @@ struct BandPass {
     bool failed = false;
 };
 
-void AddStrip(BandPass& pass, const WindowStrips& strips, int firstRow, std::size_t width,
-              const RegionSpans& spans, double* samples) {
+void AddStrip(BandPass& pass, std::size_t band, const WindowStrips& strips, int firstRow,
+              std::size_t width, const RegionSpans& spans, double* samples) {
     if (pass.failed)
         return;
-    pass.failed = !strips.Read(*pass.band, firstRow, samples);
+    pass.failed = !strips.Read(band, firstRow, samples);
     if (!pass.failed)
         spans.Visit(width, [&](std::size_t begin, std::size_t count) {
             pass.adder.Add(pass.moments, {samples + begin, count});
@@ -32,7 +32,7 @@ std::optional<std::vector<Moments>> AccumulateMoments(const std::vector<CRasterB
                                                       const SampleGrid& grid, RegionRows& region) {
     if (grid.width < 1 || grid.height < 1)
         return std::vector<Moments>(bands.size());
-    const WindowStrips strips(window, grid, bands, grid.height);
+    WindowStrips strips(bands, window, grid, grid.height);
     const auto samples = AllocateSamples<double>(strips.Capacity());
     if (!samples)
         return std::nullopt;
@@ -43,8 +43,10 @@ std::optional<std::vector<Moments>> AccumulateMoments(const std::vector<CRasterB
     RegionSpans spans;
     for (int row = 0; row < grid.height; row = strips.NextRow(row)) {
         spans.Find(region, row, strips.RowsFrom(row));
-        for (BandPass& pass : passes)
-            AddStrip(pass, strips, row, static_cast<std::size_t>(grid.width), spans, samples.get());
+        strips.Prepare(row);
+        for (std::size_t b = 0; b < passes.size(); ++b)
+            AddStrip(passes[b], b, strips, row, static_cast<std::size_t>(grid.width), spans,
+                     samples.get());
     }
     std::vector<Moments> moments;
     for (const BandPass& pass : passes) {

@@ -74,9 +74,9 @@ std::vector<CRasterBand*> BandsOf(CRasterSource& source) {
     return bands;
 }
 
-WindowStrips::WindowStrips(const PixelWindow& window, const SampleGrid& grid,
-                           const std::vector<CRasterBand*>& bands, int maximumRows)
-    : m_window(window), m_grid(grid), m_rows(maximumRows) {
+WindowStrips::WindowStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& window,
+                           const SampleGrid& grid, int maximumRows)
+    : m_bands(bands), m_window(window), m_grid(grid), m_rows(maximumRows) {
     // Blocks that do not stay in GDAL's cache from strip to strip would be decoded again for
     // every strip.
     const bool blocksAreKept = BytesOfBlockRow(bands, grid.width) <= GDALGetCacheMax64() / 2;
@@ -88,20 +88,40 @@ WindowStrips::WindowStrips(const PixelWindow& window, const SampleGrid& grid,
     else if (blocksAreKept && cutting)
         m_rows = std::min(m_rows, std::max(STRIP_SAMPLES / std::max(grid.width, 1), 1));
     m_rows = std::clamp(m_rows, 1, std::max(grid.height, 1));
+    if (grid.step == 1.0 && grid.width == window.width && grid.height == window.height)
+        DecodeAhead();
+}
+
+void WindowStrips::DecodeAhead() {
+    std::vector<GDALRasterBand*> stored;
+    for (const CRasterBand* band : m_bands)
+        stored.push_back(band->GetGDALBand());
+    m_ahead = RowsAhead::Of(stored, {m_window.left, m_window.top, m_window.width, m_window.height},
+                            m_rows);
 }
 
 int WindowStrips::RowsFrom(int firstRow) const {
     return std::min(m_rows, m_grid.height - firstRow);
 }
 
-bool WindowStrips::Read(CRasterBand& band, int firstRow, double* samples) const {
-    PixelWindow strip = m_window;
+void WindowStrips::Prepare(int firstRow) {
+    // What cannot be decoded ahead is read through the bands, which tell why.
+    if (m_ahead && !m_ahead->Prepare(firstRow, RowsFrom(firstRow)))
+        m_ahead.reset();
+}
+
+bool WindowStrips::Read(std::size_t band, int firstRow, double* samples) const {
     const int rows = RowsFrom(firstRow);
+    if (m_ahead) {
+        m_ahead->Copy(band, firstRow, rows, samples);
+        return true;
+    }
+    PixelWindow strip = m_window;
     if (m_grid.step == 1.0) {
         strip.top += firstRow;
         strip.height = rows;
     }
-    return ReadSamples(band.GetGDALBand(), strip, m_grid.width, rows, samples);
+    return ReadSamples(m_bands[band]->GetGDALBand(), strip, m_grid.width, rows, samples);
 }
 
 bool VisitBandStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& window,
@@ -114,7 +134,7 @@ bool VisitBandStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& 
         SetLastError(ROWS_TOO_LONG);
         return false;
     }
-    const WindowStrips strips(window, grid, bands, maximumRows);
+    WindowStrips strips(bands, window, grid, maximumRows);
     std::vector<std::unique_ptr<double[]>> buffers;
     std::vector<const double*> samples;
     for (std::size_t b = 0; b < bands.size(); ++b) {
@@ -127,8 +147,9 @@ bool VisitBandStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& 
     }
     bool going = true;
     for (int row = 0; going && row < grid.height; row = strips.NextRow(row)) {
+        strips.Prepare(row);
         for (std::size_t b = 0; going && b < bands.size(); ++b)
-            going = strips.Read(*bands[b], row, buffers[b].get());
+            going = strips.Read(b, row, buffers[b].get());
         going = going && visit(samples, row, strips.RowsFrom(row));
     }
     for (CRasterBand* band : bands)

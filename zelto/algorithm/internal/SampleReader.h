@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelto/algorithm/internal/RegionWindow.h"
+#include "zelto/raster/internal/RowsAhead.h"
 
 #include <cstdint>
 #include <functional>
@@ -37,26 +38,35 @@ bool ReadSamples(GDALRasterBand* band, const PixelWindow& window, int width, int
 /// The bands of a source in order.
 std::vector<CRasterBand*> BandsOf(CRasterSource& source);
 
-/// Cuts a window into strips of full rows that stay in the processor's caches. A window of stored
-/// pixels read one by one gives the same samples in strips as at once; one that is decimated,
-/// whose rows GDAL picks from the whole, or virtual is a single strip.
+/// Cuts a window of some bands into strips of full rows that stay in the processor's caches. A
+/// window of stored pixels read one by one gives the same samples in strips as at once; one that is
+/// decimated, whose rows GDAL picks from the whole, or virtual is a single strip.
 class WindowStrips {
   public:
+    /// @param bands must outlive this object
     /// @param maximumRows upper limit of a strip's rows; a strip has fewer where that is faster
-    WindowStrips(const PixelWindow& window, const SampleGrid& grid,
-                 const std::vector<CRasterBand*>& bands, int maximumRows);
+    WindowStrips(const std::vector<CRasterBand*>& bands, const PixelWindow& window,
+                 const SampleGrid& grid, int maximumRows);
 
     /// Samples of the largest strip.
     std::int64_t Capacity() const { return std::int64_t{m_rows} * m_grid.width; }
     int RowsFrom(int firstRow) const;
     int NextRow(int firstRow) const { return firstRow + m_rows; }
+    /// Waits for what has been decoded ahead of the strip that starts at the row, where that is
+    /// done. Called before the strip is read, for one strip after the other from the top.
+    void Prepare(int firstRow);
     /// Reads the rows of the grid that start at `firstRow`, packed.
-    bool Read(CRasterBand& band, int firstRow, double* samples) const;
+    /// @param band position among the bands
+    bool Read(std::size_t band, int firstRow, double* samples) const;
 
   private:
+    void DecodeAhead();
+
+    const std::vector<CRasterBand*>& m_bands;
     PixelWindow m_window;
     SampleGrid m_grid;
     int m_rows;
+    std::unique_ptr<RowsAhead> m_ahead; ///< may be null
 };
 
 /// What is done with a strip of all bands.

@@ -2,6 +2,7 @@
 
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/ThreadedReader.h"
 
 #include <algorithm>
 #include <cstring>
@@ -60,29 +61,30 @@ std::vector<Part> CutAtMultiples(const std::vector<std::int32_t>& positions, int
     return parts;
 }
 
-/// Stored pixels of some bands, one pixel's samples after the other's.
+/// Stored pixels of some bands, one band after the other.
 class PixelReader {
   public:
-    explicit PixelReader(const std::vector<GDALRasterBand*>& bands)
-        : m_dataset(*bands.front()->GetDataset()), m_type(bands.front()->GetRasterDataType()) {
+    /// @param window that is to be read, box by box
+    PixelReader(const std::vector<GDALRasterBand*>& bands, const PixelBox& window)
+        : m_dataset(*bands.front()->GetDataset()),
+          m_type(bands.front()->GetRasterDataType()),
+          m_threaded(ThreadedReader::IsWorth(bands, window) ? ThreadedReader::Of(bands) : nullptr) {
         for (GDALRasterBand* band : bands)
             m_numbers.push_back(band->GetBand());
     }
 
     bool Read(const PixelBox& box) {
-        m_pixels.resize(PixelSpace() * static_cast<std::size_t>(box.width) *
-                        static_cast<std::size_t>(box.height));
-        const auto pixelSpace = static_cast<GSpacing>(PixelSpace());
+        m_bytesOfBand = SampleSize() * static_cast<std::size_t>(box.width) *
+                        static_cast<std::size_t>(box.height);
+        m_pixels.resize(m_numbers.size() * m_bytesOfBand);
+        if (m_threaded)
+            return m_threaded->Read(box, m_pixels.data());
         return m_dataset.RasterIO(GF_Read, box.left, box.top, box.width, box.height,
                                   m_pixels.data(), box.width, box.height, m_type,
-                                  static_cast<int>(m_numbers.size()), m_numbers.data(), pixelSpace,
-                                  pixelSpace * box.width, static_cast<GSpacing>(SampleSize()),
-                                  nullptr) == CE_None;
+                                  static_cast<int>(m_numbers.size()), m_numbers.data(), 0, 0,
+                                  static_cast<GSpacing>(m_bytesOfBand), nullptr) == CE_None;
     }
-    const std::byte* FirstOf(std::size_t band) const {
-        return m_pixels.data() + band * SampleSize();
-    }
-    std::size_t PixelSpace() const { return m_numbers.size() * SampleSize(); }
+    const std::byte* Of(std::size_t band) const { return m_pixels.data() + band * m_bytesOfBand; }
     std::size_t SampleSize() const {
         return static_cast<std::size_t>(GDALGetDataTypeSizeBytes(m_type));
     }
@@ -90,16 +92,18 @@ class PixelReader {
   private:
     GDALDataset& m_dataset;
     GDALDataType m_type;
-    std::vector<int> m_numbers; ///< of the bands in their data set
+    std::unique_ptr<ThreadedReader> m_threaded; ///< may be null
+    std::vector<int> m_numbers;                 ///< of the bands in their data set
+    std::size_t m_bytesOfBand = 0;              ///< of the box read last
     std::vector<std::byte> m_pixels;
 };
 
 /// @tparam SIZE bytes of a sample
 template <std::size_t SIZE>
-void CopySamples(const std::byte* line, std::size_t pixelSpace,
-                 std::span<const std::int32_t> columns, int left, std::byte* target) {
+void CopySamples(const std::byte* line, std::span<const std::int32_t> columns, int left,
+                 std::byte* target) {
     for (const std::int32_t column : columns) {
-        std::memcpy(target, line + static_cast<std::size_t>(column - left) * pixelSpace, SIZE);
+        std::memcpy(target, line + static_cast<std::size_t>(column - left) * SIZE, SIZE);
         target += SIZE;
     }
 }
@@ -109,7 +113,7 @@ class Picking {
   public:
     Picking(const std::vector<GDALRasterBand*>& bands, const SampledWindow& window,
             const std::vector<void*>& samples)
-        : m_reader(bands),
+        : m_reader(bands, window.box),
           m_columns(PickedPositions(bands.front()->GetXSize(), window.box.left, window.box.width,
                                     window.columns, false)),
           m_rows(PickedPositions(bands.front()->GetYSize(), window.box.top, window.box.height,
@@ -151,26 +155,25 @@ class Picking {
     }
 
     void CopyLine(std::size_t band, std::size_t row, const Part& columns, const PixelBox& box) {
-        const std::size_t pixelSpace = m_reader.PixelSpace();
         const std::size_t size = m_reader.SampleSize();
         const auto before =
             static_cast<std::size_t>(m_rows[row] - box.top) * static_cast<std::size_t>(box.width);
-        const std::byte* line = m_reader.FirstOf(band) + before * pixelSpace;
+        const std::byte* line = m_reader.Of(band) + before * size;
         std::byte* target = static_cast<std::byte*>(m_samples[band]) +
                             (row * m_columns.size() + columns.first) * size;
         const std::span<const std::int32_t> picked(m_columns.data() + columns.first,
                                                    columns.last - columns.first);
         switch (size) {
         case 1:
-            return CopySamples<1>(line, pixelSpace, picked, box.left, target);
+            return CopySamples<1>(line, picked, box.left, target);
         case 2:
-            return CopySamples<2>(line, pixelSpace, picked, box.left, target);
+            return CopySamples<2>(line, picked, box.left, target);
         case 4:
-            return CopySamples<4>(line, pixelSpace, picked, box.left, target);
+            return CopySamples<4>(line, picked, box.left, target);
         case 8:
-            return CopySamples<8>(line, pixelSpace, picked, box.left, target);
+            return CopySamples<8>(line, picked, box.left, target);
         default:
-            return CopySamples<16>(line, pixelSpace, picked, box.left, target);
+            return CopySamples<16>(line, picked, box.left, target);
         }
     }
 

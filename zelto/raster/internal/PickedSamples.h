@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zelto/raster/internal/PixelBox.h"
+
 #include <gdal_priv.h>
 
 #include <cstdint>
@@ -11,14 +13,6 @@
 /// decoded once for all bands, and the same samples are picked.
 
 namespace zelto {
-
-/// Some columns and rows of a raster.
-struct PixelBox {
-    int left;
-    int top;
-    int width;
-    int height;
-};
 
 /// A window and the grid of samples that it is read as.
 struct SampledWindow {

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace zelto {
+
+/// Some columns and rows of a raster.
+struct PixelBox {
+    int left;
+    int top;
+    int width;
+    int height;
+};
+
+} // namespace zelto
