@@ -2,6 +2,7 @@
 
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/algorithm/RegionStatistics.h"
+#include "zelto/algorithm/ZonalStatistics.h"
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/DrawPolygon.h"
 #include "zelto/raster/RasterBand.h"
@@ -9,6 +10,7 @@
 #include "zelto/vector/VectorLayer.h"
 
 #include "tests/support/RasterFile.h"
+#include "tests/support/RecordingProgress.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Text.h"
 
@@ -36,17 +38,11 @@ void Note(Answers& answers, double value) {
 class Threads : public testing::Test {
   protected:
     static constexpr int WIDTH = 2300;
-    static constexpr int HEIGHT = 1000;
+    static constexpr int HEIGHT = 800;
     static constexpr int BANDS = 3;
 
-    Threads() {
-        CGISDataSource::RegisterGDAL();
-        m_cache = GDALGetCacheMax64();
-    }
-    ~Threads() override {
-        GDALSetCacheMax64(m_cache);
-        CGISDataSource::DestroyGDAL();
-    }
+    Threads() { CGISDataSource::RegisterGDAL(); }
+    ~Threads() override { CGISDataSource::DestroyGDAL(); }
 
     /// @param noise range of what is added to every pixel
     std::string Write(GDALDataType type, const std::vector<std::string>& options,
@@ -79,8 +75,13 @@ class Threads : public testing::Test {
         EXPECT_EQ(found[0], found[2]);
     }
 
+    using SourceWork = std::function<Answers(CRasterSource& source)>;
+
     /// Does so for every way of storing samples.
-    void ForEveryLayout(const std::function<Answers(CRasterSource& source)>& work) {
+    /// @param change is made to every file before it is opened
+    void ForEveryLayout(
+        const SourceWork& work,
+        const std::function<void(const std::string& path)>& change = [](const std::string&) {}) {
         const std::vector<std::pair<GDALDataType, std::vector<std::string>>> layouts = {
             {GDT_UInt16, {"INTERLEAVE=PIXEL", "TILED=YES"}},
             {GDT_UInt16, {"INTERLEAVE=BAND", "TILED=YES"}},
@@ -89,6 +90,7 @@ class Threads : public testing::Test {
         for (const auto& [type, options] : layouts) {
             SCOPED_TRACE(options.front());
             const std::string path = Write(type, options);
+            change(path);
             ExpectSame([&] {
                 CRasterSource source;
                 source.SetForDisplay(true);
@@ -103,11 +105,31 @@ class Threads : public testing::Test {
         }
     }
 
+    /// Makes a block from the middle of the first band unreadable.
+    void DamageABlock(const std::string& path) {
+        std::string place;
+        {
+            const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+            GDALRasterBand& band = *dataset->GetRasterBand(1);
+            int width = 0;
+            int height = 0;
+            band.GetBlockSize(&width, &height);
+            const int columns = (WIDTH + width - 1) / width;
+            const int row = HEIGHT / height / 2;
+            const std::string item = "BLOCK_OFFSET_" +
+                                     std::to_string(m_random() % static_cast<unsigned>(columns)) +
+                                     '_' + std::to_string(row);
+            place = band.GetMetadataItem(item.c_str(), "TIFF");
+        }
+        std::string bytes = zelto::test::ReadFile(path);
+        bytes.replace(std::stoul(place), 64, 64, '\xFF');
+        zelto::test::WriteFile(path, bytes);
+    }
+
     const unsigned m_seed = std::random_device{}();
     const testing::ScopedTrace m_trace{__FILE__, __LINE__, m_seed};
     std::mt19937 m_random{m_seed};
     zelto::test::TemporaryFolder m_folder;
-    GIntBig m_cache = 0;
 };
 
 Answers AnswersOf(CRegionStatistics& statistics) {
@@ -134,7 +156,7 @@ TEST_F(Threads, ChangeNoStatisticsOfARegion) {
         CRegionStatistics statistics(&source);
         CAOISource area;
         auto* polygon = new CDrawPolygon;
-        for (const auto& [x, y] : {std::pair(100, 100), std::pair(2200, 300), std::pair(900, 950)})
+        for (const auto& [x, y] : {std::pair(100, 100), std::pair(2200, 300), std::pair(900, 750)})
             polygon->AddVertex(CPoint2D(x, y));
         polygon->m_complete = true;
         EXPECT_TRUE(area.AddDrawShape(polygon));
@@ -150,10 +172,89 @@ TEST_F(Threads, ChangeNoStatisticsOfARegion) {
     });
 }
 
+TEST_F(Threads, ChangeNoSumsOfARegion) {
+    ForEveryLayout([](CRasterSource& source) {
+        CRegionStatistics statistics(&source);
+        statistics.SetBox(CBoundingBox(17, 790, 2290, 8));
+        std::vector<CRegionStatistics::Sums> sums;
+        EXPECT_EQ(statistics.ComputeSums(sums, nullptr), GIS_SUCCESS);
+        Answers answers;
+        for (const auto& ofBand : sums) {
+            answers.insert(answers.end(), ofBand.sum.begin(), ofBand.sum.end());
+            answers.insert(answers.end(), ofBand.squares.begin(), ofBand.squares.end());
+        }
+        return answers;
+    });
+}
+
+TEST_F(Threads, ChangeNoZone) {
+    ForEveryLayout([](CRasterSource& source) {
+        Answers answers;
+        for (const auto weights :
+             {CZonalStatistics::Weights::Center, CZonalStatistics::Weights::Coverage}) {
+            CZonalStatistics statistics(&source);
+            statistics.SetWeights(weights);
+            EXPECT_TRUE(statistics.SetQuantiles({0.1, 0.5}));
+            for (const double left : {10.5, 100.25, 2000.0}) {
+                OGRLinearRing ring;
+                for (const auto& [x, y] : {std::pair(0.0, 20.0), std::pair(150.0, 400.5),
+                                           std::pair(200.0, 780.0), std::pair(0.0, 20.0)})
+                    ring.addPoint(left + x, y);
+                OGRPolygon zone;
+                zone.addRing(&ring);
+                EXPECT_TRUE(statistics.AddZone(&zone));
+            }
+            EXPECT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+            for (int zone = 0; zone < statistics.GetZoneCount(); ++zone)
+                for (const CZonalStatistics::Band& band : statistics.GetZone(zone)) {
+                    for (const double value :
+                         {band.weight, band.minimum, band.maximum, band.sum, band.mean,
+                          band.standardDeviation, band.quantiles[0], band.quantiles[1]})
+                        Note(answers, value);
+                }
+        }
+        return answers;
+    });
+}
+
+TEST_F(Threads, ChangeNoReasonOfAFailure) {
+    const auto damage = [this](const std::string& path) { DamageABlock(path); };
+    ForEveryLayout(
+        [](CRasterSource& source) {
+            CRegionStatistics statistics(&source);
+            zelto::test::RecordingProgress progress;
+            EXPECT_EQ(statistics.Compute(&progress), GIS_FAILED);
+            const std::string reason = CGISDataSource::GetLastErrorText();
+            EXPECT_FALSE(reason.empty());
+            Answers answers(reason.begin(), reason.end());
+            answers.push_back(progress.m_steps.size());
+            // Of the sample a pixel may be wanted that cannot be read, or none.
+            for (int b = 0; b < BANDS; ++b)
+                Note(answers, source.GetRasterBand(b)->GetMean());
+            return answers;
+        },
+        damage);
+}
+
+TEST_F(Threads, ChangeNoStepOfACancelledWork) {
+    ForEveryLayout([](CRasterSource& source) {
+        Answers answers;
+        for (const int steps : {0, 1, 7}) {
+            CRegionStatistics statistics(&source);
+            zelto::test::RecordingProgress progress(steps);
+            EXPECT_EQ(statistics.ComputeWithCovariance(&progress), GIS_FAILED);
+            EXPECT_EQ(progress.m_steps.size(), static_cast<std::size_t>(steps) + 1);
+            for (const auto& [percent, message] : progress.m_steps)
+                answers.push_back(static_cast<std::uint64_t>(percent));
+        }
+        return answers;
+    });
+}
+
 TEST_F(Threads, ChangeNoStatisticsUnderAShape) {
     ForEveryLayout([](CRasterSource& source) {
         CDrawPolygon polygon;
-        for (const auto& [x, y] : {std::pair(50, 60), std::pair(2250, 40), std::pair(1200, 980)})
+        for (const auto& [x, y] : {std::pair(50, 60), std::pair(2250, 40), std::pair(1200, 780)})
             polygon.AddVertex(CPoint2D(x, y));
         polygon.m_complete = true;
         __int64 count = 0;
@@ -202,13 +303,13 @@ TEST_F(Threads, ChangeNoStatisticsAndHistogramsOfABand) {
 }
 
 TEST_F(Threads, ChangeNoView) {
-    // Windows that the cache cannot keep are read together.
-    for (const GIntBig cache : {std::int64_t{4} << 20, std::int64_t{256} << 20}) {
+    ForEveryLayout([](CRasterSource& source) {
+        Answers answers;
         const GIntBig former = GDALGetCacheMax64();
-        ForEveryLayout([&](CRasterSource& source) {
+        // Windows that the cache cannot keep are read together.
+        for (const GIntBig cache : {std::int64_t{4} << 20, std::int64_t{256} << 20}) {
             GDALSetCacheMax64(cache);
-            Answers answers;
-            for (CBoundingBox box : {source.GetExtent(), CBoundingBox(13, 990, 2211, 5)}) {
+            for (CBoundingBox box : {source.GetExtent(), CBoundingBox(13, 790, 2211, 5)}) {
                 std::vector<unsigned char> image(std::size_t{400} * 174 * 4);
                 EXPECT_TRUE(source.GetShowData(&box, 400, 174, image.data(), true));
                 answers.insert(answers.end(), image.begin(), image.end());
@@ -217,10 +318,10 @@ TEST_F(Threads, ChangeNoView) {
                 EXPECT_TRUE(source.GetShowData(&box, 400, 174, 3, planes, nullptr, false));
                 answers.insert(answers.end(), image.begin(), image.end());
             }
-            GDALSetCacheMax64(former);
-            return answers;
-        });
-    }
+        }
+        GDALSetCacheMax64(former);
+        return answers;
+    });
 }
 
 TEST_F(Threads, ChangeNoPyramid) {
