@@ -14,6 +14,7 @@
 #include <ogrsf_frmts.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -45,10 +46,13 @@ std::unique_ptr<CRasterBand> DataMask(const CRasterBand& band) {
     return std::make_unique<CRasterBand>(false, band.GetGDALBand()->GetMaskBand());
 }
 
-/// Whether all of a band can be read.
+/// Whether all of a band can be read. A large one is not tried: it counts as unreadable.
 bool IsReadable(CRasterBand& band) {
+    constexpr std::int64_t LARGE = std::int64_t{1} << 28;
     GDALRasterBand& pixels = *band.GetGDALBand();
     const int width = pixels.GetXSize();
+    if (std::int64_t{width} * pixels.GetYSize() > LARGE)
+        return false;
     std::vector<unsigned char> row(static_cast<std::size_t>(width));
     for (int y = 0; y < pixels.GetYSize(); ++y)
         if (pixels.RasterIO(GF_Read, 0, y, width, 1, row.data(), width, 1, GDT_Byte, 0, 0,

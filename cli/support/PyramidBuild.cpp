@@ -13,25 +13,41 @@
 #include <cpl_string.h>
 #include <gdal_priv.h>
 
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 namespace zelto::cli {
 
 namespace {
 
-/// Whether the pyramid of a GeoTIFF is part of its file: GDAL removes it before it builds anew.
-bool HasLevelsInside(CRasterSource& raster) {
+bool HasExtension(const std::string& path, const char* extension) {
+    return EQUAL(CPLGetExtension(path.c_str()), extension);
+}
+
+/// Whether the names of a new pyramid belong to another image's.
+bool AreNamesTaken(const std::string& path, const CPLStringList& ownFiles) {
+    for (const char* const extension : {"aux", "rrd"}) {
+        const std::string beside = CPLResetExtension(path.c_str(), extension);
+        std::error_code ignored;
+        if (std::filesystem::exists(beside, ignored) && ownFiles.FindString(beside.c_str()) < 0)
+            return true;
+    }
+    return false;
+}
+
+/// Whether the pyramid of a GeoTIFF is part of its file, which GDAL removes before it builds anew,
+/// so that a copy saves it. A copy elsewhere would not see another image's pyramid beside.
+bool IsBuiltInCopy(CRasterSource& raster, const std::string& path) {
     GDALDataset& dataset = *raster.GetGDALDataset();
     if (!EQUAL(dataset.GetDriverName(), "GTiff") || raster.GetRasterBand(0) == nullptr ||
         raster.GetRasterBand(0)->GetOverviewCount() == 0)
         return false;
     const CPLStringList files(dataset.GetFileList());
-    for (int i = 0; i < files.Count(); ++i) {
-        const char* const extension = CPLGetExtension(files[i]);
-        if (EQUAL(extension, "ovr") || EQUAL(extension, "rrd"))
+    for (int i = 0; i < files.Count(); ++i)
+        if (HasExtension(files[i], "ovr") || HasExtension(files[i], "rrd"))
             return false;
-    }
-    return true;
+    return !AreNamesTaken(path, files);
 }
 
 void RequireBands(const CRasterSource& source, const std::vector<int>& bands) {
@@ -67,17 +83,17 @@ bool Build(const std::string& path, const std::string& resampling, std::vector<i
 
 void BuildPyramid(const std::string& path, const std::string& resampling,
                   const std::vector<int>& bands, CDataProgress& progress) {
-    bool isInside = false;
+    bool isCopied = false;
     {
         CRasterSource source;
         OpenOrFail(source, path, GIS_UPDATE);
         RequireBands(source, bands);
-        isInside = HasLevelsInside(source);
+        isCopied = IsBuiltInCopy(source, path);
     }
     progress.BeginProgress(Wide(path).c_str(), 100);
     std::optional<ChangedRaster> copy;
     std::optional<ChangeInPlace> change;
-    if (isInside)
+    if (isCopied)
         copy.emplace(path);
     else
         change.emplace();

@@ -62,12 +62,14 @@ def test_the_lock_is_given_up(slow_path):
     thread = threading.Thread(target=count)
     with zelto.open(slow_path) as scene:
         thread.start()
-        before = counted
-        scene.read(1)
-        after = counted
+        most = 0
+        for _ in range(10):  # another process may have the processors in between
+            before = counted
+            scene.read(1)
+            most = max(most, counted - before)
         stop.set()
         thread.join()
-    assert after - before > 10
+    assert most > 10
 
 
 def test_many_threads_with_rasters_of_their_own(scene_path):

@@ -115,6 +115,24 @@ TEST(PyramidsCommand, WrongArgumentsLeaveThePyramid) {
     }
 }
 
+TEST(PyramidsCommand, LevelsInsideAreRebuiltWithoutTakingThePyramidOfAnother) {
+    const TemporaryFolder folder;
+    const std::string inside = folder.File("a.tif");
+    zelto::test::WriteRaster(inside, {.width = 300, .height = 300, .overviews = {2, 4}},
+                             {Pixels(90000, 1.0)});
+    ASSERT_EQ(RunZelto({"copy", inside, folder.File("a.png")}).exitStatus, 0);
+    ASSERT_EQ(RunZelto({"pyramids", "build", folder.File("a.png")}).exitStatus, 0);
+    const std::string levels = zelto::test::ReadFile(folder.File("a.rrd"));
+    ASSERT_FALSE(levels.empty());
+    const auto run = RunZelto({"pyramids", "build", inside});
+    EXPECT_EQ(run.exitStatus, 0) << run.errors;
+    EXPECT_EQ(zelto::test::ReadFile(folder.File("a.rrd")), levels);
+    for (const char* name : {"a.tif", "a.png"}) {
+        const auto check = RunZelto({"pyramids", "check", "--json", folder.File(name)});
+        EXPECT_FALSE(json::parse(check.output)[0]["levels"].empty()) << name;
+    }
+}
+
 TEST(PyramidsCommand, ImagesOfOneStemKeepTheirPyramids) {
     const TemporaryFolder folder;
     std::vector<std::string> paths;
