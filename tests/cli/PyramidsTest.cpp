@@ -118,7 +118,8 @@ TEST(PyramidsCommand, WrongArgumentsLeaveThePyramid) {
 TEST(PyramidsCommand, LevelsInsideAreRebuiltWithoutTakingThePyramidOfAnother) {
     const TemporaryFolder folder;
     const std::string inside = folder.File("a.tif");
-    zelto::test::WriteRaster(inside, {.width = 300, .height = 300, .overviews = {2, 4}},
+    zelto::test::WriteRaster(inside,
+                             {.width = 300, .height = 300, .type = GDT_Byte, .overviews = {2, 4}},
                              {Pixels(90000, 1.0)});
     ASSERT_EQ(RunZelto({"copy", inside, folder.File("a.png")}).exitStatus, 0);
     ASSERT_EQ(RunZelto({"pyramids", "build", folder.File("a.png")}).exitStatus, 0);
