@@ -121,14 +121,15 @@ TEST(PyramidsCommand, LevelsInsideAreRebuiltWithoutTakingThePyramidOfAnother) {
     zelto::test::WriteRaster(inside,
                              {.width = 300, .height = 300, .type = GDT_Byte, .overviews = {2, 4}},
                              {Pixels(90000, 1.0)});
-    ASSERT_EQ(RunZelto({"copy", inside, folder.File("a.png")}).exitStatus, 0);
-    ASSERT_EQ(RunZelto({"pyramids", "build", folder.File("a.png")}).exitStatus, 0);
+    zelto::test::WriteRaster(folder.File("a.dat"), {.width = 300, .height = 300, .driver = "ENVI"},
+                             {Pixels(90000, 2.0)});
+    ASSERT_EQ(RunZelto({"pyramids", "build", folder.File("a.dat")}).exitStatus, 0);
     const std::string levels = zelto::test::ReadFile(folder.File("a.rrd"));
     ASSERT_FALSE(levels.empty());
     const auto run = RunZelto({"pyramids", "build", inside});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
     EXPECT_EQ(zelto::test::ReadFile(folder.File("a.rrd")), levels);
-    for (const char* name : {"a.tif", "a.png"}) {
+    for (const char* name : {"a.tif", "a.dat"}) {
         const auto check = RunZelto({"pyramids", "check", "--json", folder.File(name)});
         EXPECT_FALSE(json::parse(check.output)[0]["levels"].empty()) << name;
     }
