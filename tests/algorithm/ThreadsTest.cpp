@@ -274,6 +274,9 @@ TEST_F(Threads, ChangeNoStatisticsUnderAShape) {
 }
 
 TEST_F(Threads, ChangeNoStatisticsOfASample) {
+    // Of images that GDAL's cache cannot keep.
+    const GIntBig former = GDALGetCacheMax64();
+    GDALSetCacheMax64(std::int64_t{5} << 20);
     ForEveryLayout([](CRasterSource& source) {
         Answers answers;
         for (int b = 0; b < BANDS; ++b)
@@ -284,6 +287,7 @@ TEST_F(Threads, ChangeNoStatisticsOfASample) {
                 Note(answers, value);
         return answers;
     });
+    GDALSetCacheMax64(former);
 }
 
 TEST_F(Threads, ChangeNoStatisticsAndHistogramsOfABand) {
@@ -307,7 +311,7 @@ TEST_F(Threads, ChangeNoView) {
         Answers answers;
         const GIntBig former = GDALGetCacheMax64();
         // Windows that the cache cannot keep are read together.
-        for (const GIntBig cache : {std::int64_t{4} << 20, std::int64_t{256} << 20}) {
+        for (const GIntBig cache : {std::int64_t{5} << 20, std::int64_t{256} << 20}) {
             GDALSetCacheMax64(cache);
             for (CBoundingBox box : {source.GetExtent(), CBoundingBox(13, 790, 2211, 5)}) {
                 std::vector<unsigned char> image(std::size_t{400} * 174 * 4);

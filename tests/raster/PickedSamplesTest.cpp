@@ -22,8 +22,10 @@ TEST(PickedSamples, OfEveryWindowAreThoseThatGdalReads) {
             return static_cast<double>(random() % 60000);
         });
     };
-    for (const bool isTiled : {true, false}) {
-        spec.options = {"INTERLEAVE=PIXEL", "COMPRESS=DEFLATE"};
+    for (const auto& [interleave, isTiled] :
+         {std::pair("INTERLEAVE=PIXEL", true), std::pair("INTERLEAVE=PIXEL", false),
+          std::pair("INTERLEAVE=BAND", true), std::pair("INTERLEAVE=BAND", false)}) {
+        spec.options = {interleave, "COMPRESS=DEFLATE"};
         if (isTiled)
             spec.options.insert(spec.options.end(),
                                 {"TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=48"});
@@ -32,7 +34,7 @@ TEST(PickedSamples, OfEveryWindowAreThoseThatGdalReads) {
         const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
         const std::vector<GDALRasterBand*> bands = {dataset->GetRasterBand(3),
                                                     dataset->GetRasterBand(1)};
-        ASSERT_TRUE(zelto::CanBePickedJointly(*bands[0]));
+        ASSERT_TRUE(zelto::CanBePicked(*bands[0]));
         for (int round = 0; round < 100; ++round) {
             PixelBox box{};
             box.left = static_cast<int>(random() % 700);

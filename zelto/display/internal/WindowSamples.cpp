@@ -43,17 +43,19 @@ bool IsReadTogether(const std::vector<GDALRasterBand*>& bands, const ReadWindow&
     const auto suits = [&](GDALRasterBand* band) {
         return band != nullptr && band->GetDataset() == first->GetDataset() &&
                band->GetRasterDataType() == first->GetRasterDataType() &&
-               ReadType(band) == band->GetRasterDataType() && CanBePickedJointly(*band);
+               ReadType(band) == band->GetRasterDataType() && CanBePicked(*band);
     };
     const bool isReduced = window.bufWidth > 0 && window.bufHeight > 0 &&
                            window.bufWidth <= window.xSize && window.bufHeight <= window.ySize;
-    if (bands.size() < 2 || !isReduced || !std::all_of(bands.begin(), bands.end(), suits))
+    if (bands.empty() || !isReduced || !std::all_of(bands.begin(), bands.end(), suits))
         return false;
     const std::int64_t sampleSize = GDALGetDataTypeSizeBytes(first->GetRasterDataType());
     const std::int64_t stored =
-        sampleSize * window.xSize * window.ySize * first->GetDataset()->GetRasterCount();
+        sampleSize * window.xSize * window.ySize *
+        (HasBandsTogether(*first) ? first->GetDataset()->GetRasterCount() : std::ssize(bands));
     const std::int64_t read = sampleSize * window.bufWidth * window.bufHeight * std::ssize(bands);
-    return stored > GDALGetCacheMax64() && read <= MOST_READ_TOGETHER;
+    return stored > GDALGetCacheMax64() && read <= MOST_READ_TOGETHER &&
+           IsWorthPicking(bands, {window.xOff, window.yOff, window.xSize, window.ySize});
 }
 
 template <typename T>

@@ -35,9 +35,8 @@ class WindowSamples {
     ///         on a GDAL error; the reason is left then, without the file
     static std::optional<WindowSamples> Read(GDALRasterBand* band, const ReadWindow& window);
 
-    /// The same of several bands, where their blocks are decoded once for all of them: for large
-    /// windows, whose blocks GDAL's cache could not keep from band to band, of files without a
-    /// pyramid that store the samples pixel by pixel.
+    /// The same of some bands, for large windows, whose blocks GDAL's cache could not keep, of
+    /// files without a pyramid: blocks are decoded once for all of the bands, on several threads.
     /// @return empty where that does not suit, and the bands are to be read one by one
     static std::vector<WindowSamples> ReadTogether(const std::vector<GDALRasterBand*>& bands,
                                                    const ReadWindow& window);

@@ -3,6 +3,7 @@
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/PickedSamples.h"
 #include "zelto/raster/internal/SampleStatistics.h"
 #include "zelto/raster/internal/VirtualBand.h"
 
@@ -14,6 +15,14 @@
 namespace zelto {
 
 namespace {
+
+/// Picks the samples from blocks that are decoded on several threads, where that is possible.
+bool PicksSamples(GDALRasterBand& band, StatisticsGrid grid, GDALDataType type, void* samples) {
+    const PixelBox whole = {0, 0, band.GetXSize(), band.GetYSize()};
+    return type == band.GetRasterDataType() && CanBePicked(band) &&
+           IsWorthPicking({&band}, whole) &&
+           ReadPicked({&band}, {whole, grid.columns, grid.rows}, {samples});
+}
 
 /// Reads the grid in one go, as samples of `type`, and adds it up.
 template <typename Sample>
@@ -30,7 +39,7 @@ bool AddSamples(GDALRasterBand& band, StatisticsGrid grid, GDALDataType type,
         SetLastError(FileOf(band) + ": not enough memory for its statistics");
         return false;
     }
-    if (!Reads(band, read))
+    if (!PicksSamples(band, grid, type, samples.get()) && !Reads(band, read))
         return false;
     statistics.Add(samples.get(), count);
     return true;

@@ -59,7 +59,7 @@ std::vector<BandSummary> SampleInOwnType(const std::vector<JointBand>& bands) {
 } // namespace
 
 bool CanSampleJointly(GDALRasterBand& band) {
-    return CanBePickedJointly(band);
+    return CanBePicked(band) && HasBandsTogether(band);
 }
 
 std::vector<BandSummary> SampleJointly(const std::vector<JointBand>& bands) {

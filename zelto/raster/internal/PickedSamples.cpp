@@ -61,6 +61,21 @@ std::vector<Part> CutAtMultiples(const std::vector<std::int32_t>& positions, int
     return parts;
 }
 
+/// Whether the window is so large that GDAL's cache, from which a later drawing reads, cannot keep
+/// its blocks; and several of them stand side by side, which threads can share.
+bool IsDecodedOnThreads(const std::vector<GDALRasterBand*>& bands, const PixelBox& window) {
+    GDALRasterBand& first = *bands.front();
+    const std::int64_t bandsOfBlocks =
+        HasBandsTogether(first) ? first.GetDataset()->GetRasterCount() : std::ssize(bands);
+    const std::int64_t bytes = std::int64_t{window.width} * window.height * bandsOfBlocks *
+                               GDALGetDataTypeSizeBytes(first.GetRasterDataType());
+    int blockWidth = 0;
+    int blockHeight = 0;
+    first.GetBlockSize(&blockWidth, &blockHeight);
+    return bytes > GDALGetCacheMax64() && blockWidth < window.width &&
+           ThreadedReader::IsWorth(bands, window);
+}
+
 /// Stored pixels of some bands, one band after the other.
 class PixelReader {
   public:
@@ -68,7 +83,7 @@ class PixelReader {
     PixelReader(const std::vector<GDALRasterBand*>& bands, const PixelBox& window)
         : m_dataset(*bands.front()->GetDataset()),
           m_type(bands.front()->GetRasterDataType()),
-          m_threaded(ThreadedReader::IsWorth(bands, window) ? ThreadedReader::Of(bands) : nullptr) {
+          m_threaded(IsDecodedOnThreads(bands, window) ? ThreadedReader::Of(bands) : nullptr) {
         for (GDALRasterBand* band : bands)
             m_numbers.push_back(band->GetBand());
     }
@@ -187,7 +202,7 @@ class Picking {
 
 } // namespace
 
-bool CanBePickedJointly(GDALRasterBand& band) {
+bool CanBePicked(GDALRasterBand& band) {
     GDALDataset* dataset = band.GetDataset();
     if (dataset == nullptr || dataset->GetDriver() == nullptr || band.GetBand() < 1 ||
         !EQUAL(dataset->GetDriver()->GetDescription(), "GTiff") || !CanHoldBlocks(band))
@@ -195,12 +210,21 @@ bool CanBePickedJointly(GDALRasterBand& band) {
     // Where GDAL reads from a pyramid, or goes around its blocks, it picks other samples. Files
     // compressed as JPEG have a hidden pyramid.
     const std::string_view compression = Structure(*dataset, "COMPRESSION");
-    const bool readFromBlocks = band.GetOverviewCount() == 0 && !band.HasArbitraryOverviews() &&
-                                compression.find("JPEG") == std::string_view::npos &&
-                                CPLGetConfigOption("GTIFF_DIRECT_IO", nullptr) == nullptr &&
-                                CPLGetConfigOption("GTIFF_VIRTUAL_MEM_IO", nullptr) == nullptr;
-    return readFromBlocks && !compression.empty() && dataset->GetRasterCount() > 1 &&
+    return band.GetOverviewCount() == 0 && !band.HasArbitraryOverviews() && !compression.empty() &&
+           compression.find("JPEG") == std::string_view::npos &&
+           CPLGetConfigOption("GTIFF_DIRECT_IO", nullptr) == nullptr &&
+           CPLGetConfigOption("GTIFF_VIRTUAL_MEM_IO", nullptr) == nullptr;
+}
+
+bool HasBandsTogether(GDALRasterBand& band) {
+    GDALDataset* dataset = band.GetDataset();
+    return dataset != nullptr && dataset->GetRasterCount() > 1 &&
            Structure(*dataset, "INTERLEAVE") == "PIXEL";
+}
+
+bool IsWorthPicking(const std::vector<GDALRasterBand*>& bands, const PixelBox& window) {
+    return (bands.size() > 1 && HasBandsTogether(*bands.front())) ||
+           IsDecodedOnThreads(bands, window);
 }
 
 bool ReadPicked(const std::vector<GDALRasterBand*>& bands, const SampledWindow& window,
