@@ -2,7 +2,7 @@
 
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/AoiFile.h"
+#include "cli/support/AoiFile.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
 #include "cli/support/Json.h"

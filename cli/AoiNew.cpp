@@ -1,7 +1,7 @@
 #include "zelto/aoi/DrawEllipse.h"
 #include "zelto/aoi/DrawPolygon.h"
 
-#include "cli/AoiFile.h"
+#include "cli/support/AoiFile.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Output.h"
 #include "cli/support/Text.h"

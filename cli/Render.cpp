@@ -7,7 +7,7 @@
 #include "cli/Commands.h"
 #include "cli/RenderMany.h"
 #include "cli/RenderOpacity.h"
-#include "cli/RenderRamps.h"
+#include "cli/support/RenderRamps.h"
 #include "cli/RenderRecipe.h"
 #include "cli/RenderSheet.h"
 #include "cli/RenderStretch.h"

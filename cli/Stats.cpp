@@ -1,4 +1,4 @@
-#include "cli/AoiFile.h"
+#include "cli/support/AoiFile.h"
 #include "cli/Commands.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"

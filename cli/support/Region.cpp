@@ -3,7 +3,7 @@
 #include "zelto/aoi/DrawEllipse.h"
 #include "zelto/aoi/DrawPolygon.h"
 
-#include "cli/AoiFile.h"
+#include "cli/support/AoiFile.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
 #include "cli/support/Text.h"

@@ -1,6 +1,6 @@
 #include "python/src/Area.h"
 
-#include "cli/AoiFile.h"
+#include "cli/support/AoiFile.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
 #include "python/src/Arrays.h"

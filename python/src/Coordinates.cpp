@@ -1,7 +1,7 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/coordinate/CoordinateTransformation.h"
 
-#include "cli/AoiFile.h"
+#include "cli/support/AoiFile.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
 #include "cli/support/Reference.h"

@@ -5,7 +5,7 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/RenderRamps.h"
+#include "cli/support/RenderRamps.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
 #include "python/src/Errors.h"

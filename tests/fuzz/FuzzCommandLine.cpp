@@ -1,6 +1,6 @@
 #include "zelto/aoi/DrawShape.h"
 
-#include "cli/RenderRamps.h"
+#include "cli/support/RenderRamps.h"
 #include "cli/RenderStretch.h"
 #include "cli/support/Failure.h"
 #include "cli/support/RasterChoice.h"

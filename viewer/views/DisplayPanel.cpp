@@ -2,7 +2,7 @@
 
 #include "zelto/display/StretchPreparation.h"
 
-#include "cli/RenderRamps.h"
+#include "cli/support/RenderRamps.h"
 #include "viewer/model/Document.h"
 #include "viewer/views/ClassLegend.h"
 #include "viewer/views/HistogramView.h"

@@ -9,7 +9,7 @@
 #include "zelto/display/StretchPreparation.h"
 #include "zelto/raster/RasterBand.h"
 
-#include "cli/RenderRamps.h"
+#include "cli/support/RenderRamps.h"
 #include "viewer/worker/Texts.h"
 
 #include <QCoreApplication>

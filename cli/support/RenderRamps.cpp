@@ -1,4 +1,4 @@
-#include "cli/RenderRamps.h"
+#include "cli/support/RenderRamps.h"
 
 #include "cli/support/Failure.h"
 

@@ -1,4 +1,4 @@
-#include "cli/AoiFile.h"
+#include "cli/support/AoiFile.h"
 
 #include "zelto/aoi/DrawEllipse.h"
 #include "zelto/baselib/CommonFun.h"
