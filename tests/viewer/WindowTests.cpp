@@ -1,8 +1,7 @@
 #include "zelto/Zelto.h"
 
-#include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestData.h"
-#include "tests/viewer/WindowDriver.h"
+#include "tests/viewer/SceneWindow.h"
 #include "viewer/actions/AreaActions.h"
 #include "viewer/actions/TrainingActions.h"
 #include "viewer/actions/WorkActions.h"
@@ -27,46 +26,7 @@ using namespace zelto::test;
 
 namespace {
 
-/// A window with the sample scene in it, in the settings that it opens with.
-class Window : public testing::Test {
-  protected:
-    void SetUp() override {
-        UseSettingsOfTest(QString::fromStdString(m_folder.File("settings")));
-        m_window = std::make_unique<view::MainWindow>();
-        m_window->resize(1100, 700);
-        m_window->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
-        ASSERT_TRUE(OpenAndSettle(*m_window, {QString::fromStdString(SampleScene())}));
-    }
-
-    view::MapView& Map() { return m_window->GetMap(); }
-    const view::Layer& Current() { return *m_window->GetDocument().Current(); }
-    void Trigger(const char* action) { m_window->FindAction(action)->trigger(); }
-    QPoint Middle() { return Map().rect().center(); }
-
-    /// The picture of the map's view as the engine draws it with settings of the sample scene's
-    /// own, in the form that the map has.
-    QImage DrawByEngine(const std::function<void(CRasterSource&)>& prepare) {
-        CRasterSource source;
-        source.SetForDisplay(true);
-        EXPECT_EQ(source.Open(CommonFun::M2U(SampleScene()).c_str(), GIS_READONLY, true),
-                  GIS_SUCCESS);
-        prepare(source);
-        const view::ViewTransform& shown = Map().View();
-        QImage image(shown.Size(), QImage::Format_ARGB32);
-        CBoundingBox box = shown.Box();
-        EXPECT_TRUE(source.GetShowData(&box, image.width(), image.height(), image.bits(), true));
-        source.m_hue = source.m_intensity = source.m_saturation = source.m_contrast = 0.0F;
-        source.ApplyShowDataHISC(image.width(), image.height(), image.bits());
-        QImage map(image.size(), QImage::Format_ARGB32_Premultiplied);
-        map.fill(Qt::transparent);
-        QPainter(&map).drawImage(0, 0, image);
-        return map;
-    }
-
-    TemporaryFolder m_folder;
-    std::unique_ptr<view::MainWindow> m_window;
-};
+using Window = SceneWindow;
 
 void ApplyPercent(CRasterSource& source) {
     CStretchPreparation stretch(&source);

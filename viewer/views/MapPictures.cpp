@@ -33,7 +33,13 @@ MapPictures::MapPictures(Document& document, Engine& engine, MapView& map, QObje
 
 void MapPictures::SetMask(const Shapes& mask) {
     m_mask = mask;
+    ShowBackdrop();
     DrawView();
+}
+
+/// What lies outside the areas is not to show where the picture does not reach.
+void MapPictures::ShowBackdrop() {
+    m_map.SetBackdrop(m_mask.empty() ? m_overview : Picture());
 }
 
 DrawRequest MapPictures::RequestFor(const ViewTransform& view) {
@@ -57,6 +63,7 @@ void MapPictures::DrawView() {
 
 void MapPictures::DrawOverview() {
     if (!m_document.HasPicture()) {
+        m_overview = {};
         m_map.Clear();
         emit OverviewChanged({});
         return;
@@ -75,8 +82,8 @@ void MapPictures::Take(const Picture& picture) {
 void MapPictures::TakeOverview(const Picture& picture) {
     if (!m_document.HasPicture())
         return;
-    // With an area masked, what lies outside it is not to shine through at the edges.
-    m_map.SetBackdrop(m_mask.empty() ? picture : Picture());
+    m_overview = picture;
+    ShowBackdrop();
     emit OverviewChanged(picture);
 }
 

@@ -39,6 +39,7 @@ class MapPictures : public QObject {
     DrawRequest RequestFor(const ViewTransform& view);
     void DrawView();
     void DrawOverview();
+    void ShowBackdrop();
     void Take(const Picture& picture);
     void TakeOverview(const Picture& picture);
 
@@ -46,6 +47,7 @@ class MapPictures : public QObject {
     Engine& m_engine;
     MapView& m_map;
     Shapes m_mask;
+    Picture m_overview; ///< of everything, unmasked
     quint64 m_wanted = 0;
     quint64 m_shown = 0;
 };

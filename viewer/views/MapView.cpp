@@ -29,13 +29,16 @@ MapPointer PointerAt(QPointF pixel, const ViewTransform& view, Qt::KeyboardModif
     return {pixel, view.ToGround(pixel), HIT_PIXELS * pixelRatio * view.Scale(), modifiers};
 }
 
+bool IsScaled(const Picture& picture, const ViewTransform& view) {
+    return picture.view.Scale() != view.Scale();
+}
+
 /// Lays a picture drawn for another view where its pixels belong in this one.
 void DrawMoved(QPainter& painter, const Picture& picture, const ViewTransform& view) {
     if (picture.image.isNull())
         return;
     const QRectF place = view.PlaceOf(picture.view);
-    const bool isScaled = picture.view.Scale() != view.Scale();
-    if (!isScaled) {
+    if (!IsScaled(picture, view)) {
         // Whole pixels only: a picture that is moved stays as sharp as it was drawn.
         painter.drawImage(place.topLeft().toPoint(), picture.image);
         return;
@@ -48,6 +51,14 @@ void DrawMoved(QPainter& painter, const Picture& picture, const ViewTransform& v
     const QRectF part((seen.topLeft() - place.topLeft()) * toPicture, seen.size() * toPicture);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, toPicture > 1.0);
     painter.drawImage(seen, picture.image, part);
+}
+
+/// The pixels that DrawMoved() covers wholly.
+QRect CoveredBy(const Picture& picture, const ViewTransform& view) {
+    const QRectF place = view.PlaceOf(picture.view);
+    if (IsScaled(picture, view))
+        return place.toAlignedRect().adjusted(1, 1, -1, -1);
+    return {place.topLeft().toPoint(), picture.image.size()};
 }
 
 } // namespace
@@ -129,7 +140,7 @@ void MapView::paintEvent(QPaintEvent*) {
     // Only where the picture leaves something open: blowing it up costs more than all the rest.
     QRegion open(QRect(QPoint(), m_view.Size()));
     if (!m_picture.image.isNull())
-        open -= m_view.PlaceOf(m_picture.view).toAlignedRect().adjusted(1, 1, -1, -1);
+        open -= CoveredBy(m_picture, m_view);
     if (!open.isEmpty() && !m_backdrop.image.isNull()) {
         painter.save();
         painter.setClipRegion(open);
