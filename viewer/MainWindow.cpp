@@ -7,13 +7,14 @@
 #include "viewer/actions/ViewActions.h"
 #include "viewer/actions/WorkActions.h"
 #include "viewer/views/DisplayPanel.h"
+#include "viewer/views/HistogramPanel.h"
 #include "viewer/views/LayersPanel.h"
 #include "viewer/views/MapPictures.h"
 #include "viewer/views/MapView.h"
 #include "viewer/views/MessageBar.h"
 #include "viewer/views/OverviewMap.h"
-#include "viewer/views/StatisticsPanel.h"
 #include "viewer/views/StatusLine.h"
+#include "viewer/views/TablePanel.h"
 #include "viewer/views/TaskLine.h"
 #include "viewer/views/TrainingPanel.h"
 
@@ -23,6 +24,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTabWidget>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -123,9 +125,8 @@ void MainWindow::MakePanels() {
                                  m_actions.Find("samples-save")});
     QDockWidget* trainingDock =
         AddPanel("trainingPanel", tr("Training classes"), "F8", training, Qt::LeftDockWidgetArea);
-    auto* statistics = new StatisticsPanel(*m_messages, m_preferences);
-    QDockWidget* statisticsDock =
-        AddPanel("statisticsPanel", tr("Statistics"), "F9", statistics, Qt::BottomDockWidgetArea);
+    QDockWidget* statisticsDock = AddPanel("statisticsPanel", tr("Statistics"), "F9", MakeNumbers(),
+                                           Qt::BottomDockWidgetArea);
     trainingDock->hide();
     statisticsDock->hide();
     resizeDocks({overviewDock, layersDock}, {190, 400}, Qt::Vertical);
@@ -136,11 +137,29 @@ void MainWindow::MakePanels() {
         trainingDock->show();
         resizeDocks({overviewDock, layersDock, trainingDock}, {170, 110, 380}, Qt::Vertical);
     });
-    connect(m_areaActions, &AreaActions::StatisticsReady, statistics,
-            [=](const StatisticsTable& table) {
-                statistics->SetTable(table);
-                statisticsDock->show();
+    connect(m_areaActions, &AreaActions::StatisticsReady, statisticsDock, &QDockWidget::show);
+    connect(m_areaActions, &AreaActions::HistogramsReady, statisticsDock, &QDockWidget::show);
+}
+
+/// Pages of the numbers about areas; each comes to the front when it has new ones.
+QWidget* MainWindow::MakeNumbers() {
+    auto* statistics = new TablePanel("statistics", *m_messages, m_preferences);
+    auto* histograms = new HistogramPanel(*m_messages, m_preferences);
+    auto* pages = new QTabWidget;
+    pages->setObjectName("numbers");
+    pages->setDocumentMode(true);
+    pages->addTab(statistics, tr("Statistics"));
+    pages->addTab(histograms, tr("Histograms"));
+    connect(m_areaActions, &AreaActions::StatisticsReady, pages, [=](const NumberTable& table) {
+        statistics->SetTable(table);
+        pages->setCurrentWidget(statistics);
+    });
+    connect(m_areaActions, &AreaActions::HistogramsReady, pages,
+            [=](const QString& title, const std::vector<RegionHistogram>& bands) {
+                histograms->SetHistograms(title, bands);
+                pages->setCurrentWidget(histograms);
             });
+    return pages;
 }
 
 /// @param ids separated by blanks; "-" stands for a line between groups
@@ -173,7 +192,7 @@ void MainWindow::MakeMenus() {
     AddToMenu(*menuBar()->addMenu(tr("&Areas")),
               "tool-pan tool-select tool-point tool-line tool-polygon tool-rectangle tool-ellipse "
               "- undo redo area-delete area-select-all - areas-open areas-save - areas-mask "
-              "statistics statistics-each");
+              "statistics statistics-each histograms");
     AddToMenu(*menuBar()->addMenu(tr("&Training")),
               "class-add class-assign class-remove - spectra samples-open samples-save");
     AddToMenu(*menuBar()->addMenu(tr("&Work")), "pyramids copy-to polygonize - georef");

@@ -58,6 +58,7 @@ class MainWindow : public QMainWindow {
     void MakeCentre();
     void MakeActions();
     void MakePanels();
+    QWidget* MakeNumbers();
     QDockWidget* AddPanel(const QString& id, const QString& title, const QString& shortcut,
                           QWidget* content, Qt::DockWidgetArea area);
     void MakeMenus();

@@ -9,7 +9,7 @@
 #include "viewer/views/MapPictures.h"
 #include "viewer/views/MapView.h"
 #include "viewer/views/MessageBar.h"
-#include "viewer/views/StatisticsPanel.h"
+#include "viewer/views/TablePanel.h"
 
 #include <gtest/gtest.h>
 
@@ -192,7 +192,7 @@ TEST_F(Window, TellsTheStatisticsThatTheEngineComputesOfAnArea) {
     Drag(Map(), Middle() - QPoint(60, 60), Middle() + QPoint(60, 40));
     Trigger("statistics");
     ASSERT_TRUE(Settle(*m_window));
-    const auto* panel = m_window->findChild<view::StatisticsPanel*>();
+    const auto* panel = m_window->findChild<view::TablePanel*>("statistics");
     ASSERT_NE(panel, nullptr);
     CRasterSource source;
     ASSERT_EQ(source.Open(CommonFun::M2U(SampleScene()).c_str(), GIS_READONLY, false), GIS_SUCCESS);
@@ -202,7 +202,7 @@ TEST_F(Window, TellsTheStatisticsThatTheEngineComputesOfAnArea) {
     ASSERT_EQ(panel->Table().rows.size(), 6U);
     EXPECT_EQ(panel->Table().rows[2][1], QString::number(statistics.GetBands()[2].count));
     EXPECT_EQ(panel->Table().rows[2][4], QString::number(statistics.GetBands()[2].mean, 'g', 10));
-    EXPECT_EQ(panel->ToText(',').count('\n'), 7);
+    EXPECT_EQ(panel->Table().ToText(',').count('\n'), 7);
 }
 
 TEST_F(Window, CollectsTrainingClassesAndSavesTheirSamples) {

@@ -144,6 +144,11 @@ void AreaActions::AddNumbers() {
     actions.Add({"statistics-each", tr("Statistics of eac&h shape"),
                  tr("The same for each shape by itself"), tr("Ctrl+Shift+T"), ""},
                 [this] { ComputeStatistics(true); });
+    actions.Add({"histograms", tr("Hi&stograms"),
+                 tr("How often each value occurs in the selected areas, in all, or in the whole "
+                    "image"),
+                 tr("Ctrl+Alt+H"), ""},
+                [this] { CountHistograms(); });
 }
 
 void AreaActions::Enable() {
@@ -159,6 +164,7 @@ void AreaActions::Enable() {
     enable("areas-save", hasAreas);
     enable("areas-mask", hasAreas || m_isMasked);
     enable("statistics", isFile);
+    enable("histograms", isFile);
     enable("statistics-each", isFile && hasAreas);
     for (QAction* tool : m_tools->actions())
         tool->setEnabled(m_bench.document.HasPicture());
@@ -203,14 +209,30 @@ void AreaActions::SaveAreas(const QString& path) {
          }});
 }
 
-void AreaActions::ComputeStatistics(bool eachShape) {
+RegionRequest AreaActions::RequestForCurrent() const {
     const Layer* layer = m_bench.document.Current();
     RegionRequest request;
     request.path = layer->origin.Path();
     request.reference = layer->facts.warped ? layer->facts.wkt : std::string();
     request.shapes = m_bench.areas.ChosenAreas();
+    return request;
+}
+
+void AreaActions::CountHistograms() {
+    const RegionRequest request = RequestForCurrent();
+    const QString name = m_bench.document.Current()->origin.Name();
+    m_bench.tasks.Start({tr("Histograms"), [this, request, name](CDataProgress& progress) {
+                             const RegionHistograms answer = CountRegion(request, progress);
+                             return TaskResult{answer.reason, [this, answer, name] {
+                                                   emit HistogramsReady(name, answer.bands);
+                                               }};
+                         }});
+}
+
+void AreaActions::ComputeStatistics(bool eachShape) {
+    RegionRequest request = RequestForCurrent();
     request.eachShape = eachShape;
-    const QString name = layer->origin.Name();
+    const QString name = m_bench.document.Current()->origin.Name();
     m_bench.tasks.Start({tr("Statistics"), [this, request, name](CDataProgress& progress) {
                              const RegionAnswer answer = ComputeRegions(request, progress);
                              return TaskResult{answer.reason, [this, answer, name] {

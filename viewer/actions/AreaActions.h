@@ -1,7 +1,8 @@
 #pragma once
 
 #include "viewer/actions/Workbench.h"
-#include "viewer/views/StatisticsPanel.h"
+#include "viewer/model/NumberTable.h"
+#include "viewer/worker/HistogramWork.h"
 
 #include <QObject>
 
@@ -23,7 +24,9 @@ class AreaActions : public QObject {
     void SaveAreas(const QString& path);
 
   signals:
-    void StatisticsReady(const zelto::view::StatisticsTable& table);
+    void StatisticsReady(const zelto::view::NumberTable& table);
+    void HistogramsReady(const QString& title,
+                         const std::vector<zelto::view::RegionHistogram>& histograms);
 
   private:
     void AddTools();
@@ -35,7 +38,9 @@ class AreaActions : public QObject {
     void Enable();
     void Delete();
     void ShowOnlyAreas(bool only);
+    RegionRequest RequestForCurrent() const;
     void ComputeStatistics(bool eachShape);
+    void CountHistograms();
 
     Workbench m_bench;
     QActionGroup* m_tools;

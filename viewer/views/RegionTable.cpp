@@ -10,16 +10,11 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(RegionTable)
 };
 
-/// As many digits as tell, with a point whatever the locale, as tables are copied.
-QString Number(double value) {
-    return QString::number(value, 'g', 10);
-}
-
 } // namespace
 
-StatisticsTable MakeRegionTable(const QString& image, const RegionAnswer& answer) {
-    StatisticsTable table;
-    const bool hasShapes = !answer.reports.empty() && answer.reports.front().shape > 0;
+NumberTable MakeRegionTable(const QString& image, const RegionAnswer& answer) {
+    NumberTable table;
+    const bool hasShapes = !answer.reports.empty() && !answer.reports.front().shape.empty();
     table.title = image;
     if (hasShapes)
         table.columns += Texts::tr("Shape");
@@ -29,24 +24,37 @@ StatisticsTable MakeRegionTable(const QString& image, const RegionAnswer& answer
     const std::size_t bands = answer.reports.empty() ? 0 : answer.reports.front().bands.size();
     for (std::size_t b = 0; b < bands; ++b)
         table.columns += Texts::tr("Covariance %1").arg(b + 1);
-    for (const RegionReport& report : answer.reports) {
+    for (const cli::RegionReport& report : answer.reports) {
         for (std::size_t b = 0; b < report.bands.size(); ++b) {
             const CRegionStatistics::Band& band = report.bands[b];
             QStringList row;
             if (hasShapes)
-                row += QString::number(report.shape);
-            row += {QString::number(band.index + 1),
-                    QString::number(band.count),
-                    Number(band.minimum),
-                    Number(band.maximum),
-                    Number(band.mean),
-                    Number(band.standardDeviation),
-                    Number(band.lowPercentile),
-                    Number(band.highPercentile)};
+                row += QString::fromStdString(report.shape);
+            row += {QString::number(band.index + 1), QString::number(band.count),
+                    TableNumber(band.minimum),       TableNumber(band.maximum),
+                    TableNumber(band.mean),          TableNumber(band.standardDeviation),
+                    TableNumber(band.lowPercentile), TableNumber(band.highPercentile)};
             for (std::size_t other = 0; other < bands; ++other)
                 if (const std::size_t cell = b * bands + other; cell < report.covariance.size())
-                    row += Number(report.covariance[cell]);
+                    row += TableNumber(report.covariance[cell]);
             table.rows.push_back(row);
+        }
+    }
+    return table;
+}
+
+NumberTable MakeHistogramTable(const QString& image,
+                               const std::vector<RegionHistogram>& histograms) {
+    NumberTable table;
+    table.title = image;
+    table.columns = {Texts::tr("Band"), Texts::tr("From"), Texts::tr("To"), Texts::tr("Pixels")};
+    for (const RegionHistogram& each : histograms) {
+        const cli::BandHistogram& histogram = each.histogram;
+        for (std::size_t i = 0; i < histogram.counts.size(); ++i) {
+            const double from = histogram.low + histogram.width * static_cast<double>(i);
+            table.rows.push_back({QString::number(each.band + 1), TableNumber(from),
+                                  TableNumber(from + histogram.width),
+                                  QString::number(histogram.counts[i])});
         }
     }
     return table;

@@ -6,6 +6,7 @@
 #include "viewer/worker/Texts.h"
 
 #include <QCoreApplication>
+#include <memory>
 
 namespace zelto::view {
 
@@ -16,6 +17,19 @@ struct Texts {
 };
 
 } // namespace
+
+bool AddShapes(CAOISource& area, const Shapes& shapes) {
+    bool added = true;
+    for (const ShapePointer& shape : shapes) {
+        std::unique_ptr<CDrawShape> copy(
+            CDrawShape::CreateCopy(const_cast<CDrawShape*>(shape.get())));
+        if (area.AddDrawShape(copy.get()))
+            static_cast<void>(copy.release()); // the area's from now on
+        else
+            added = false;
+    }
+    return added;
+}
 
 AreaFileContent ReadAreas(const QString& path, const std::string& reference) {
     AreaFileContent content;
@@ -41,13 +55,8 @@ QString WriteAreas(const QString& path, const Shapes& shapes, const std::string&
     source.SetSpatialReferenceWKT(reference.c_str());
     if (resolution > 0.0)
         source.SetResolution(resolution);
-    for (const ShapePointer& shape : shapes) {
-        CDrawShape* copy = CDrawShape::CreateCopy(const_cast<CDrawShape*>(shape.get()));
-        if (!source.AddDrawShape(copy)) {
-            delete copy;
-            return path + ": " + Texts::tr("a shape cannot be saved");
-        }
-    }
+    if (!AddShapes(source, shapes))
+        return path + ": " + Texts::tr("a shape cannot be saved");
     source.RecomputeExtent();
     const bool isShapefile = path.endsWith(".shp", Qt::CaseInsensitive);
     CGISDataSource::ClearLastErrorText();

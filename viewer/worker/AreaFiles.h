@@ -5,7 +5,13 @@
 #include <QString>
 #include <string>
 
+class CAOISource;
+
 namespace zelto::view {
+
+/// Adds copies of shapes that cover ground to an area of the engine's.
+/// @return false where one could not be added; the others are
+bool AddShapes(CAOISource& area, const Shapes& shapes);
 
 struct AreaFileContent {
     Shapes shapes;

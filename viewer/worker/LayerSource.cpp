@@ -10,6 +10,7 @@
 #include "zelto/raster/RasterBand.h"
 
 #include "cli/support/RenderRamps.h"
+#include "viewer/worker/AreaFiles.h"
 #include "viewer/worker/Texts.h"
 
 #include <QCoreApplication>
@@ -309,11 +310,7 @@ void LayerSource::ApplyLook(CRasterSource& source, const DisplaySettings& settin
 bool LayerSource::DrawMasked(CBoundingBox& box, const Shapes& mask, QImage& image) {
     CRasterSource& source = Shown();
     CAOISource area;
-    for (const auto& shape : mask) {
-        CDrawShape* copy = CDrawShape::CreateCopy(const_cast<CDrawShape*>(shape.get()));
-        if (!area.AddDrawShape(copy))
-            delete copy;
-    }
+    AddShapes(area, mask);
     CRasterAOI onGrid(&source, &area);
     onGrid.Initialize();
     const int w = image.width();

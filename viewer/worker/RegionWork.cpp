@@ -2,6 +2,7 @@
 
 #include "zelto/aoi/AOISource.h"
 
+#include "viewer/worker/AreaFiles.h"
 #include "viewer/worker/Texts.h"
 
 #include <QCoreApplication>
@@ -18,24 +19,21 @@ constexpr double LOW_PERCENTILE = 2.0;
 constexpr double HIGH_PERCENTILE = 98.0;
 
 /// @return false when it failed or was cancelled
-bool ComputeOne(CRasterSource& source, const Shapes& shapes, RegionReport& report,
+bool ComputeOne(CRasterSource& source, const Shapes& shapes, cli::RegionReport& report,
                 CDataProgress& progress) {
     CAOISource area;
-    for (const auto& shape : shapes) {
-        CDrawShape* copy = CDrawShape::CreateCopy(const_cast<CDrawShape*>(shape.get()));
-        if (!area.AddDrawShape(copy))
-            delete copy;
-    }
+    AddShapes(area, shapes);
     CRegionStatistics statistics(&source);
     if (!shapes.empty())
         statistics.SetAOI(&area);
     CGISDataSource::ClearLastErrorText();
-    if (statistics.Compute(&progress) != GIS_SUCCESS ||
-        statistics.ComputePercentiles(LOW_PERCENTILE, HIGH_PERCENTILE, &progress) != GIS_SUCCESS ||
-        statistics.ComputeCovariance(&progress) != GIS_SUCCESS)
+    if (statistics.ComputeWithCovariance(&progress) != GIS_SUCCESS ||
+        statistics.ComputePercentiles(LOW_PERCENTILE, HIGH_PERCENTILE, &progress) != GIS_SUCCESS)
         return false;
+    report.hasPercentiles = true;
     report.bands = statistics.GetBands();
     report.covariance = statistics.GetCovariance();
+    report.covarianceCount = statistics.GetCovarianceCount();
     return true;
 }
 
@@ -69,8 +67,9 @@ RegionAnswer ComputeRegions(const RegionRequest& request, CDataProgress& progres
             regions.push_back({shape});
     }
     for (std::size_t i = 0; i < regions.size(); ++i) {
-        RegionReport report;
-        report.shape = request.eachShape ? static_cast<int>(i) + 1 : 0;
+        cli::RegionReport report;
+        if (request.eachShape)
+            report.shape = std::to_string(i + 1);
         if (!ComputeOne(*source, regions[i], report, progress)) {
             answer.reason = ReasonOr(request.path + ": " + Texts::tr("its pixels cannot be read"));
             return answer;

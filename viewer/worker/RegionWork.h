@@ -1,8 +1,8 @@
 #pragma once
 
-#include "zelto/algorithm/RegionStatistics.h"
 #include "zelto/raster/RasterSource.h"
 
+#include "cli/support/StatisticsReport.h"
 #include "viewer/worker/Requests.h"
 
 #include <QString>
@@ -20,15 +20,9 @@ struct RegionRequest {
     bool eachShape = false;
 };
 
-struct RegionReport {
-    int shape = 0; ///< from 1; 0: all together
-    std::vector<CRegionStatistics::Band> bands;
-    std::vector<double> covariance; ///< bands × bands
-};
-
 struct RegionAnswer {
-    std::vector<RegionReport> reports;
-    QString reason; ///< why there are none
+    std::vector<cli::RegionReport> reports; ///< of shapes told apart, numbered from 1, or one
+    QString reason;                         ///< why there are none
 };
 
 /// Opens the image for numbers: on its own grid, or in the system of the shapes where that is
