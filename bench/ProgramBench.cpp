@@ -90,9 +90,10 @@ void AddSampledRender(const std::string& image, const std::string& suffix, int p
                                   BenchFile("other.tif")} +
                             PictureOptions("0", "10000");
     AddPrograms("render, stddev, " + suffix + " / sample and translate", 1.2,
-                Zelto({"render", image, out}), reference, image, pairs);
+                Zelto({"render", "--overwrite", image, out}), reference, image, pairs);
     AddPrograms("render, zoom, " + suffix + " / sample and translate", 1.2,
-                Zelto({"render", "--stretch", "zoom", "--low", "0", "--high", "255", image, out}),
+                Zelto({"render", "--overwrite", "--stretch", "zoom", "--low", "0", "--high", "255",
+                       image, out}),
                 reference, image, pairs);
 }
 
@@ -100,8 +101,8 @@ void AddSampledRender(const std::string& image, const std::string& suffix, int p
 void AddBoundedRender() {
     const std::string image = ThreeBands8Bit();
     AddPrograms("render, bounds given, 8-bit / gdal_translate -scale", 1.1,
-                Zelto({"render", "--stretch", "zoom002", "--low", "20", "--high", "200", "--bands",
-                       "3,2,1", image, BenchFile("out.tif")}),
+                Zelto({"render", "--overwrite", "--stretch", "zoom002", "--low", "20", "--high",
+                       "200", "--bands", "3,2,1", image, BenchFile("out.tif")}),
                 Words{"gdal_translate"} + PictureOptions("20", "200") +
                     Words{image, BenchFile("other.tif")},
                 image, 5);
@@ -127,11 +128,11 @@ void AddStatistics(const std::string& image) {
 
 void AddAreas(const std::string& image) {
     const std::string star = StarArea(SIZE, VERTICES);
-    const Words render = Zelto({"render", image, BenchFile("out.tif")});
+    const Words render = Zelto({"render", "--overwrite", image, BenchFile("out.tif")});
     AddPrograms("render --aoi of 1,000 vertices / render", 1.25, render + Words{"--aoi", star},
                 render, image);
     AddPrograms("aoi mask of 1,000 vertices / gdal_rasterize", 1.1,
-                Zelto({"aoi", "mask", star, image, BenchFile("mask.tif")}),
+                Zelto({"aoi", "mask", "--overwrite", star, image, BenchFile("mask.tif")}),
                 {"gdal_rasterize",
                  "-q",
                  "-burn",
@@ -167,20 +168,22 @@ void AddCurves() {
         const std::string image = PixelInterleaved(size, Pyramid::None);
         const double pixels = static_cast<double>(size) * size;
         AddPoint("pixels/info", pixels, Zelto({"info", image}));
-        AddPoint("pixels/render", pixels, Zelto({"render", image, BenchFile("out.tif")}));
+        AddPoint("pixels/render", pixels,
+                 Zelto({"render", "--overwrite", image, BenchFile("out.tif")}));
         AddPoint("pixels/stats", pixels, Zelto({"stats", image}));
         AddPoint("pixels/aoi mask", pixels,
-                 Zelto({"aoi", "mask", StarArea(size, VERTICES), image, BenchFile("mask.tif")}));
+                 Zelto({"aoi", "mask", "--overwrite", StarArea(size, VERTICES), image,
+                        BenchFile("mask.tif")}));
     }
     constexpr int MIDDLE = 3800;
     const std::string image = PixelInterleaved(MIDDLE, Pyramid::None);
     for (const int vertices : {10, 100, 1000, 10000, 100000}) {
         const std::string star = StarArea(MIDDLE, vertices);
         AddPoint("vertices/render --aoi", vertices,
-                 Zelto({"render", "--aoi", star, image, BenchFile("out.tif")}));
+                 Zelto({"render", "--overwrite", "--aoi", star, image, BenchFile("out.tif")}));
         AddPoint("vertices/stats --aoi", vertices, Zelto({"stats", "--aoi", star, image}));
         AddPoint("vertices/aoi mask", vertices,
-                 Zelto({"aoi", "mask", star, image, BenchFile("mask.tif")}));
+                 Zelto({"aoi", "mask", "--overwrite", star, image, BenchFile("mask.tif")}));
     }
 }
 

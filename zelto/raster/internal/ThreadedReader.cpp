@@ -196,7 +196,7 @@ std::size_t ThreadedReader::BytesOfBand(const PixelBox& box) const {
 
 /// More parts than threads, one of which may have other work to do.
 std::vector<PixelBox> ThreadedReader::Share(const PixelBox& box) const {
-    constexpr std::size_t PARTS_OF_THREAD = 4;
+    constexpr std::size_t PARTS_OF_THREAD = 16;
     const std::size_t most = m_handles.size() * PARTS_OF_THREAD;
     std::vector<PixelBox> parts;
     if (box.height / m_blockHeight > box.width / m_blockWidth) {
