@@ -76,14 +76,17 @@ std::vector<Counted> Count(CRasterSource& source, const Options& options, int bu
     region.SetAOI(area.get());
     if (area != nullptr && region.Compute(&progress) != GIS_SUCCESS)
         throw Failure(options.path, Interrupted() ? "interrupted" : LastReason("cannot be read"));
+    std::vector<BandHistogram> histograms;
+    if (area != nullptr)
+        histograms = CountValues(region, source, buckets, range, options.path, progress);
+    else
+        for (const int band : bands)
+            histograms.push_back(
+                CountValues(*source.GetRasterBand(band), buckets, range, options.path, progress));
     std::vector<Counted> counted;
     for (std::size_t i = 0; i < bands.size(); ++i) {
-        CRasterBand& band = *source.GetRasterBand(bands[i]);
-        BandHistogram histogram = area == nullptr
-                                      ? CountValues(band, buckets, range, options.path, progress)
-                                      : CountValues(region, static_cast<int>(i), band.GetDataType(),
-                                                    buckets, range, options.path, progress);
-        counted.push_back({bands[i] + 1, std::move(histogram), band.GetStdDevLowerBound(),
+        const CRasterBand& band = *source.GetRasterBand(bands[i]);
+        counted.push_back({bands[i] + 1, std::move(histograms[i]), band.GetStdDevLowerBound(),
                            band.GetStdDevUpperBound()});
     }
     return counted;

@@ -2,6 +2,7 @@
 
 #include "zelto/algorithm/RegionStatistics.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterSource.h"
 
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
@@ -76,23 +77,34 @@ BandHistogram CountValues(CRasterBand& band, int buckets,
     return histogram;
 }
 
-BandHistogram CountValues(CRegionStatistics& region, int position, PixelDataType type, int buckets,
-                          const std::optional<std::pair<double, double>>& range,
-                          const std::string& path, CDataProgress& progress) {
-    const CRegionStatistics::Band& band = region.GetBands()[static_cast<std::size_t>(position)];
-    if (band.count == 0 && !range)
-        throw Failure(path, "no values in the region");
-    const auto [least, greatest] = range.value_or(std::pair(band.minimum, band.maximum));
-    BandHistogram histogram = MakeBuckets(type, least, greatest, buckets);
-    std::vector<__int64> counts(histogram.counts.size());
+std::vector<BandHistogram> CountValues(CRegionStatistics& region, const CRasterSource& source,
+                                       int buckets,
+                                       const std::optional<std::pair<double, double>>& range,
+                                       const std::string& path, CDataProgress& progress) {
+    std::vector<BandHistogram> histograms;
+    std::vector<CRegionStatistics::Histogram> counted;
+    for (const CRegionStatistics::Band& band : region.GetBands()) {
+        if (band.count == 0 && !range)
+            throw Failure(path, "no values in the region");
+        const auto [least, greatest] = range.value_or(std::pair(band.minimum, band.maximum));
+        histograms.push_back(
+            MakeBuckets(source.GetRasterBand(band.index)->GetDataType(), least, greatest, buckets));
+        counted.emplace_back();
+        counted.back().position = static_cast<int>(counted.size()) - 1;
+        counted.back().low = histograms.back().low;
+        counted.back().width = histograms.back().width;
+        counted.back().counts.resize(histograms.back().counts.size());
+    }
     ForgetReasons();
-    if (region.ComputeHistogram(position, histogram.low, histogram.width, counts, &progress) !=
-        GIS_SUCCESS)
+    if (region.ComputeHistograms(counted, &progress) != GIS_SUCCESS)
         throw Failure(path, Interrupted() ? "interrupted" : LastReason("cannot be read"));
-    std::transform(counts.begin(), counts.end(), histogram.counts.begin(), [](__int64 count) {
-        return static_cast<int>(std::min<__int64>(count, std::numeric_limits<int>::max()));
-    });
-    return histogram;
+    for (std::size_t i = 0; i < histograms.size(); ++i)
+        std::transform(counted[i].counts.begin(), counted[i].counts.end(),
+                       histograms[i].counts.begin(), [](__int64 count) {
+                           return static_cast<int>(
+                               std::min<__int64>(count, std::numeric_limits<int>::max()));
+                       });
+    return histograms;
 }
 
 } // namespace zelto::cli

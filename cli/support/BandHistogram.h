@@ -1,7 +1,6 @@
 #pragma once
 
 #include "zelto/datasource/DataProgress.h"
-#include "zelto/datasource/Enumerations.h"
 
 #include <optional>
 #include <string>
@@ -9,6 +8,7 @@
 #include <vector>
 
 class CRasterBand;
+class CRasterSource;
 class CRegionStatistics;
 
 namespace zelto::cli {
@@ -34,11 +34,12 @@ BandHistogram CountValues(CRasterBand& band, int buckets,
                           const std::optional<std::pair<double, double>>& range,
                           const std::string& path, CDataProgress& progress);
 
-/// The same for the pixels of a region. Call `region.Compute()` first.
-/// @param position of the band in `region.GetBands()`
-/// @param type of the band
-BandHistogram CountValues(CRegionStatistics& region, int position, PixelDataType type, int buckets,
-                          const std::optional<std::pair<double, double>>& range,
-                          const std::string& path, CDataProgress& progress);
+/// The same for the pixels of a region, of all its bands, with the pixels read once for the counts
+/// of all. Call `region.Compute()` first.
+/// @param source that the region lies in
+std::vector<BandHistogram> CountValues(CRegionStatistics& region, const CRasterSource& source,
+                                       int buckets,
+                                       const std::optional<std::pair<double, double>>& range,
+                                       const std::string& path, CDataProgress& progress);
 
 } // namespace zelto::cli

@@ -365,6 +365,42 @@ TEST_F(RegionStatistics, HistogramsCountTheValuesBetweenTheirBounds) {
     EXPECT_EQ(statistics.ComputeHistogram(0, 0, 0, counts, nullptr), GIS_FAILED);
 }
 
+TEST_F(RegionStatistics, HistogramsOfSeveralBandsAreThoseOfEachBandAlone) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(seed);
+    std::minstd_rand random(seed);
+    RasterSpec spec = UnitSpec(70, 50, GDT_Int16);
+    spec.noData = 7.0;
+    const auto draw = [&](int, int) { return static_cast<double>(random() % 500); };
+    auto source =
+        Open(spec, {MakePixels(70, 50, draw), MakePixels(70, 50, draw), MakePixels(70, 50, draw)});
+    auto polygon = Polygon({{3, 5}, {66, 20}, {30, 48}});
+    for (const __int64 kept : {0, 100'000}) {
+        CRegionStatistics statistics(source.get());
+        statistics.SetShape(polygon.get());
+        statistics.SetSampleSize(kept);
+        ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+        // A band may come twice, and bands in any order.
+        std::vector<CRegionStatistics::Histogram> together(4);
+        for (CRegionStatistics::Histogram& histogram : together) {
+            histogram.position = static_cast<int>(random() % 3);
+            histogram.low = static_cast<double>(random() % 100);
+            histogram.width = 1.0 + static_cast<double>(random() % 40);
+            histogram.counts.assign(1 + random() % 20, 55);
+        }
+        ASSERT_EQ(statistics.ComputeHistograms(together, nullptr), GIS_SUCCESS);
+        for (const CRegionStatistics::Histogram& histogram : together) {
+            std::vector<__int64> alone(histogram.counts.size());
+            ASSERT_EQ(statistics.ComputeHistogram(histogram.position, histogram.low,
+                                                  histogram.width, alone, nullptr),
+                      GIS_SUCCESS);
+            EXPECT_EQ(histogram.counts, alone);
+        }
+        together.back().position = 3;
+        EXPECT_EQ(statistics.ComputeHistograms(together, nullptr), GIS_FAILED);
+    }
+}
+
 TEST_F(RegionStatistics, ValuesKeptInMemoryAnswerAsThoseReadAgain) {
     std::minstd_rand random(20260117);
     RasterSpec spec = UnitSpec(60, 40, GDT_Int16);

@@ -11,7 +11,6 @@
 #include "zelto/raster/RasterSource.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <limits>
 #include <utility>
@@ -20,7 +19,6 @@ namespace {
 
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 constexpr const wchar_t* TITLE = L"计算统计信息";
-constexpr const wchar_t* HISTOGRAM_TITLE = L"计算直方图信息";
 
 } // namespace
 
@@ -156,36 +154,4 @@ bool CRegionStatistics::ComputeMoments(const zelto::RegionScan& scan,
         m_bands[b].standardDeviation = moments[b].StandardDeviation();
     }
     return true;
-}
-
-GISError CRegionStatistics::ComputeHistogram(int position, double low, double width,
-                                             std::vector<__int64>& counts,
-                                             CDataProgress* progress) {
-    return zelto::NoThrow(GIS_FAILED, [&] {
-        if (!IsUsable())
-            return GIS_FAILED;
-        const bool valid =
-            position >= 0 && position < static_cast<int>(m_bands.size()) && width > 0;
-        if (!valid) {
-            zelto::RefuseMissing("band or width of buckets");
-            return GIS_FAILED;
-        }
-        std::fill(counts.begin(), counts.end(), 0);
-        const auto count = static_cast<double>(counts.size());
-        const auto add = [&](std::size_t, std::span<const double> values) {
-            for (const double value : values) {
-                const double bucket = std::floor((value - low) / width);
-                if (bucket >= 0 && bucket < count)
-                    ++counts[static_cast<std::size_t>(bucket)];
-            }
-        };
-        const auto place = static_cast<std::size_t>(position);
-        if (place < m_values.size()) {
-            add(place, m_values[place]);
-            return GIS_SUCCESS;
-        }
-        const int band = m_bands[place].index;
-        return MakeScan({band}).VisitValues(HISTOGRAM_TITLE, progress, add) ? GIS_SUCCESS
-                                                                            : GIS_FAILED;
-    });
 }

@@ -72,6 +72,14 @@ class ZELTO_API CRegionStatistics {
         std::vector<ExactSum> products; ///< of bands (0, 0), (1, 0), (1, 1), (2, 0) …
     };
 
+    /// How often a band's values lie in buckets of equal width.
+    struct Histogram {
+        int position = 0;            ///< of the band in GetBands()
+        double low = 0.0;            ///< where the first bucket starts; it belongs to the bucket
+        double width = 1.0;          ///< of a bucket, above 0; its end does not belong to it
+        std::vector<__int64> counts; ///< as many buckets as elements
+    };
+
     /// The whole of an open raster, all bands, until told otherwise.
     explicit CRegionStatistics(CRasterSource* source);
     ~CRegionStatistics();
@@ -122,6 +130,10 @@ class ZELTO_API CRegionStatistics {
     /// @return GIS_FAILED also for a position outside the list and a width of 0 or less
     GISError ComputeHistogram(int position, double low, double width, std::vector<__int64>& counts,
                               CDataProgress* progress);
+    /// Sets the counts of several histograms, with the region read once for all of them. Where it
+    /// is sampled, the bands share the values of the sample.
+    /// @return as ComputeHistogram()
+    GISError ComputeHistograms(std::vector<Histogram>& histograms, CDataProgress* progress);
 
     /// Exact sums of every band's values, for results that parts are merged to.
     /// @param sums one per band; what it held is replaced
@@ -153,6 +165,7 @@ class ZELTO_API CRegionStatistics {
     /// @param covariance takes the same strips, may be null
     bool ComputeMoments(const zelto::RegionScan& scan, zelto::RegionCovariance* covariance,
                         CDataProgress* progress);
+    bool CountTogether(std::vector<Histogram>& histograms, CDataProgress* progress) const;
     void TakeCovariance(const zelto::RegionCovariance& covariance);
     std::vector<int> BandIndices() const;
 
