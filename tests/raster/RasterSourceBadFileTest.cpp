@@ -1,3 +1,5 @@
+#include "zelto/raster/RasterBand.h"
+
 #include "tests/raster/ExposedRasterSource.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -41,6 +43,70 @@ TEST(OpenBadFile, WhatNoDriverOpensFails) {
     for (const char* name : {"missing.tif", "empty.tif", "text.tif", "folder.tif", "no/such.img"})
         ExpectOpenFails(folder.WideFile(name));
     ExpectOpenFails(L"");
+}
+
+TEST(OpenBadFile, AZippedElevationTileIsOpenedForReadingOnly) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("N10W110.hgt.zip");
+    constexpr int SIDE = 1201;
+    const std::string bytes(std::size_t{SIDE} * SIDE * 2, '\1');
+    VSILFILE* const tile = VSIFOpenL(("/vsizip/" + path + "/N10W110.hgt").c_str(), "wb");
+    ASSERT_NE(tile, nullptr);
+    EXPECT_EQ(VSIFWriteL(bytes.data(), 1, bytes.size(), tile), bytes.size());
+    VSIFCloseL(tile);
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("N10W110.hgt.zip").c_str(), GIS_UPDATE, false),
+              GIS_SUCCESS);
+    EXPECT_EQ(source.GetGDALDataset()->GetAccess(), GA_ReadOnly);
+    double value = 0.0;
+    EXPECT_EQ(source.GetRasterBand(0)->ReadBlock(7, 7, 1, 1, &value, 1, 1, PDT_Float64, 0, 0),
+              GIS_SUCCESS);
+    EXPECT_EQ(value, 257.0);
+}
+
+TEST(OpenBadFile, AGeoTiffWhoseListOfStripsHasNoTypeIsOpenedForReadingOnly) {
+    const TemporaryFolder folder;
+    const std::string path = WriteRaster(folder.File("a.tif"), {.width = 2, .height = 1}, {{1, 2}});
+    std::string bytes = ReadFile(path);
+    const std::string list("\x11\x01", 2); // the tag of the places of its strips
+    const std::size_t at = bytes.find(list + '\x03') != std::string::npos
+                               ? bytes.find(list + '\x03')
+                               : bytes.find(list + '\x04');
+    ASSERT_NE(at, std::string::npos);
+    bytes[at + 2] = '\x7f';
+    WriteFile(path, bytes);
+    {
+        CRasterSource source;
+        EXPECT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, false), GIS_SUCCESS);
+        double place[6] = {5, 1, 0, 5, 0, -1};
+        source.SetGeoTransform(place, true); // goes beside the file
+        EXPECT_EQ(source.GetGDALDataset()->GetAccess(), GA_ReadOnly);
+    }
+    EXPECT_EQ(ReadFile(path), bytes);
+}
+
+TEST(OpenBadFile, ANetcdfHeaderThatPromisesMoreThanItsFileHoldsIsRefused) {
+    const TemporaryFolder folder;
+    const std::string whole("CDF\1\0\0\0\0"           // no records
+                            "\0\0\0\x0a\0\0\0\1"      // one dimension
+                            "\0\0\0\1x\0\0\0\0\0\0\2" // "x" of length 2
+                            "\0\0\0\0\0\0\0\0"        // no attributes
+                            "\0\0\0\0\0\0\0\0",       // no variables
+                            44);
+    WriteFile(folder.Path() / "a.nc", whole);
+    CRasterSource source;
+    source.Open(folder.WideFile("a.nc").c_str(), GIS_READONLY, false);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText().find("promises"), std::string::npos);
+    for (const std::size_t count : {12, 16, 32, 40}) { // of dimensions, of a name, of lists
+        SCOPED_TRACE(count);
+        std::string bytes = whole;
+        bytes[count] = '\x40';
+        WriteFile(folder.Path() / "a.nc", bytes);
+        EXPECT_EQ(source.Open(folder.WideFile("a.nc").c_str(), GIS_READONLY, false),
+                  GIS_OPEN_FAILED);
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+                  folder.File("a.nc") + ": its header promises more than it holds");
+    }
 }
 
 TEST(OpenBadFile, ANullPathFails) {

@@ -10,6 +10,7 @@
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/FragileFiles.h"
 #include "zelto/raster/internal/OpenedFile.h"
 #include "zelto/raster/internal/PyramidBeside.h"
 #include "zelto/raster/internal/PyramidFiles.h"
@@ -76,24 +77,16 @@ class OpeningPath {
 thread_local std::vector<std::wstring> OpeningPath::s_paths;
 thread_local int OpeningPath::s_subDatasets = 0;
 
-/// Whether a zipped elevation tile can be got out of its archive: GDAL's driver opens the archive
-/// all the same, and does not survive the first reading.
-bool HoldsItsTile(GDALDataset& dataset, const std::string& path) {
-    const std::string name = std::filesystem::path(path).filename().string();
-    constexpr std::size_t TILE_NAME = 7; // as N10W110
-    if (dataset.GetDriver() == nullptr ||
-        !EQUAL(dataset.GetDriver()->GetDescription(), "SRTMHGT") ||
-        std::filesystem::path(path).extension() != ".zip" || name.size() < TILE_NAME)
-        return true;
-    const std::string tile = "/vsizip/" + path + "/" + name.substr(0, TILE_NAME) + ".hgt";
-    VSILFILE* const file = VSIFOpenL(tile.c_str(), "rb");
-    if (file != nullptr)
-        VSIFCloseL(file);
-    return file != nullptr;
-}
-
 /// @param reason GDAL's where nothing opens
 GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag, std::string& reason) {
+    if (!zelto::SurvivesOpening(path)) {
+        reason = "its header promises more than it holds";
+        return nullptr;
+    }
+    if (accessFlag == GDAL_OF_UPDATE && !zelto::SurvivesChange(path)) {
+        reason = "its tags are damaged";
+        return nullptr;
+    }
     const zelto::GdalWatch watch;
     const auto before = zelto::FileState::Of(path);
     GDALDataset* dataset =
@@ -102,7 +95,7 @@ GDALDataset* OpenRaster(const std::string& path, unsigned int accessFlag, std::s
         reason = watch.HasError() ? watch.Error() : "it cannot be opened as a raster";
         return nullptr;
     }
-    if (!HoldsItsTile(*dataset, path)) {
+    if (!zelto::SurvivesReading(*dataset, path)) {
         GDALClose(dataset);
         reason = "its tile cannot be read from the archive";
         return nullptr;
