@@ -38,7 +38,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const char* wkt = text.c_str();
     for (const char* keyword : {"PROJCS", "GEOGCS", "VDATUM"})
         zelto::ReadNodeValue(wkt, keyword);
-    if (IsWellKnown(text) && zelto::fuzz::IsChosen(data, size, 64))
+    if (IsWellKnown(text) && zelto::fuzz::IsChosen(data, size, 1024))
         AskAll(wkt);
     return 0;
 }
