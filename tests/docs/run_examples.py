@@ -11,6 +11,7 @@ run one after the other in an empty folder that has a copy of the sample scene a
 - Blocks of `python` run, those of `pycon` do as well and are compared as in an interpreter.
 - Blocks of `cpp` and `cmake` stand letter for letter, but for their indentation, in a file below
   examples/, which the tests of the installation build and run. "..." leaves lines out.
+- Blocks of `sh` are not run; what they ask of ./dev is something that it does.
 - Pictures of the page that lie in a folder `pictures` are files that its examples make.
 
 With --update the page and its pictures are changed to what the examples give.
@@ -28,7 +29,7 @@ import tempfile
 import textwrap
 import traceback
 
-BLOCK = re.compile(r"^(?P<indent> *)```(?P<kind>console|python|pycon|cpp|cmake)\n"
+BLOCK = re.compile(r"^(?P<indent> *)```(?P<kind>console|python|pycon|cpp|cmake|sh)\n"
                    r"(?P<text>.*?)^ *```$", re.MULTILINE | re.DOTALL)
 PICTURE = re.compile(r"!\[[^\]]*\]\(((?:\S*/)?pictures/([^/)]+))\)")
 
@@ -50,7 +51,7 @@ class Page:
     def run(self):
         """The page as its examples would have it."""
         runs = {"console": self.run_commands, "python": self.run_python, "pycon": self.run_session,
-                "cpp": self.find_source, "cmake": self.find_source}
+                "cpp": self.find_source, "cmake": self.find_source, "sh": self.find_chores}
 
         def run_block(block):
             self.line = self.text.count("\n", 0, block.start()) + 2
@@ -105,6 +106,13 @@ class Page:
                     if file.suffix in (".cpp", ".h", ".txt")]
         if not any(stands_in(wanted, file) for file in examples):
             self.differ("source", f"{text}--- stands in no file below examples/")
+        return text
+
+    def find_chores(self, text):
+        script = (self.sources / "dev").read_text(encoding="utf-8")
+        for chore in re.findall(r"^\./dev (\w+)", text, re.MULTILINE):
+            if f"\ndo_{chore}() {{" not in script:
+                self.differ("sh", f"./dev knows no {chore}")
         return text
 
     def compare_pictures(self, update):
