@@ -74,15 +74,14 @@ std::vector<Counted> Count(CRasterSource& source, const Options& options, int bu
     CRegionStatistics region(&source);
     region.SetBands(bands);
     region.SetAOI(area.get());
-    if (area != nullptr && region.Compute(&progress) != GIS_SUCCESS)
+    ForgetReasons();
+    if (region.Compute(&progress) != GIS_SUCCESS)
         throw Failure(options.path, Interrupted() ? "interrupted" : LastReason("cannot be read"));
-    std::vector<BandHistogram> histograms;
-    if (area != nullptr)
-        histograms = CountValues(region, source, buckets, range, options.path, progress);
-    else
-        for (const int band : bands)
-            histograms.push_back(
-                CountValues(*source.GetRasterBand(band), buckets, range, options.path, progress));
+    std::vector<BandHistogram> histograms =
+        CountValues(region, source, buckets, range, options.path, progress);
+    if (std::any_of(histograms.begin(), histograms.end(),
+                    [](const BandHistogram& histogram) { return histogram.counts.empty(); }))
+        throw Failure(options.path, "no values in the region");
     std::vector<Counted> counted;
     for (std::size_t i = 0; i < bands.size(); ++i) {
         const CRasterBand& band = *source.GetRasterBand(bands[i]);

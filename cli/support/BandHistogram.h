@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-class CRasterBand;
 class CRasterSource;
 class CRegionStatistics;
 
@@ -25,18 +24,14 @@ struct BandHistogram {
     long long Total() const;
 };
 
-/// Counts the values of a band.
+/// Counts the values of the pixels of a region, of all its bands, with the pixels read once. Call
+/// `region.Compute()` first.
+/// @param source that the region lies in
 /// @param buckets how many at most. Whole-numbered types get buckets that each hold the same
 ///        number of whole values, so that none looks fuller for holding one more
-/// @param range least and greatest value to count; none: those that occur
+/// @param range least and greatest value to count; none: those that occur, and no buckets for a
+///        band without values
 /// Throws Failure naming `path`.
-BandHistogram CountValues(CRasterBand& band, int buckets,
-                          const std::optional<std::pair<double, double>>& range,
-                          const std::string& path, CDataProgress& progress);
-
-/// The same for the pixels of a region, of all its bands, with the pixels read once for the counts
-/// of all. Call `region.Compute()` first.
-/// @param source that the region lies in
 std::vector<BandHistogram> CountValues(CRegionStatistics& region, const CRasterSource& source,
                                        int buckets,
                                        const std::optional<std::pair<double, double>>& range,

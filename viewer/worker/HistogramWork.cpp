@@ -7,6 +7,7 @@
 #include "viewer/worker/Texts.h"
 
 #include <QCoreApplication>
+#include <utility>
 
 namespace zelto::view {
 
@@ -35,14 +36,10 @@ RegionHistograms CountRegion(const RegionRequest& request, CDataProgress& progre
         answer.reason = ReasonOr(request.path + ": " + Texts::tr("its pixels cannot be read"));
         return answer;
     }
-    const std::vector<CRegionStatistics::Band>& bands = region.GetBands();
-    for (std::size_t i = 0; i < bands.size(); ++i) {
-        answer.bands.push_back({bands[i].index, {}});
-        if (bands[i].count > 0)
-            answer.bands.back().histogram = cli::CountValues(
-                region, static_cast<int>(i), source->GetRasterBand(bands[i].index)->GetDataType(),
-                BUCKETS, std::nullopt, request.path.toStdString(), progress);
-    }
+    std::vector<cli::BandHistogram> histograms = cli::CountValues(
+        region, *source, BUCKETS, std::nullopt, request.path.toStdString(), progress);
+    for (std::size_t i = 0; i < histograms.size(); ++i)
+        answer.bands.push_back({region.GetBands()[i].index, std::move(histograms[i])});
     return answer;
 }
 
