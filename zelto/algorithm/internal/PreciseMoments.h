@@ -42,13 +42,15 @@ class ValueFilter {
     explicit ValueFilter(const CRasterBand& band);
 
     bool Holds(double sample) const { return std::isfinite(sample) && !m_noData.Holds(sample); }
+    /// Whether every sample counts, whatever it is.
+    bool HoldsAll() const { return m_holdsAll; }
     /// The samples that count, in order; valid until the next call
     /// and as long as `samples`.
     std::span<const double> Select(std::span<const double> samples);
 
   private:
     NoDataRule m_noData;
-    bool m_holdsAll; ///< every sample counts
+    bool m_holdsAll;
     std::vector<double> m_selected;
 };
 
