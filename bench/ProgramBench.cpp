@@ -6,6 +6,8 @@
 #include "bench/support/Ratio.h"
 #include "bench/support/Scene.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -76,6 +78,34 @@ Words PictureOptions(const std::string& low, const std::string& high) {
             "COMPRESS=DEFLATE",
             "-co",
             "PHOTOMETRIC=RGB"};
+}
+
+/// Milliseconds that a program takes from its start to its end.
+double TimeOf(const Words& program) {
+    const auto start = std::chrono::steady_clock::now();
+    RunProgram(program);
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
+        .count();
+}
+
+/// What comes before any work: loading the libraries, and whatever they do by then. The quickest
+/// runs tell how much of it is the engine's.
+void AddStart() {
+    const std::string name = "program/start: --version / gdalinfo --version";
+    struct Quickest {
+        double own = 1e9;
+        double gdal = 1e9;
+    };
+    const auto quickest = std::make_shared<Quickest>();
+    AddRatio(name, 0.0, {[=] {
+                 quickest->own = std::min(quickest->own, TimeOf(Zelto({"--version"})));
+                 const double beyond = std::max(quickest->own - quickest->gdal, 0.0);
+                 Remark(name, std::to_string(std::lround(beyond)) + " ms beyond, promised 10");
+             }},
+             {[=] {
+                 quickest->gdal = std::min(quickest->gdal, TimeOf({"gdalinfo", "--version"}));
+             }},
+             25);
 }
 
 void AddInfo(const std::string& image, const std::string& suffix) {
@@ -209,6 +239,7 @@ void Register() {
     setenv("GDAL_PAM_ENABLED", "NO", 1);
     const std::string plain = PixelInterleaved(SIZE, Pyramid::None);
     const std::string pyramid = PixelInterleaved(SIZE, Pyramid::Built);
+    AddStart();
     AddInfo(pyramid, "with pyramid");
     AddInfo(plain, "without pyramid");
     AddStatistics(plain);
