@@ -134,11 +134,11 @@ void RequireSoundHeader(const CRasterSource& raster, const std::string& path) {
         throw Failure(path, "its header tells of more pixels than it can hold");
 }
 
-/// Throws Failure where the raster cannot be opened for a change. The engine opens what is
-/// protected for reading.
+/// Throws Failure where the raster cannot be opened, or is protected: the engine opens that for
+/// reading. It is opened for a change as a copy only.
 void RequireChangeable(const std::string& path) {
     CRasterSource raster;
-    OpenOrFail(raster, path, GIS_UPDATE);
+    OpenOrFail(raster, path);
     std::error_code ignored;
     if (std::filesystem::is_regular_file(path, ignored) &&
         faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)

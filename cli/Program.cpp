@@ -3,6 +3,7 @@
 #include "cli/Cluster.h"
 #include "cli/Commands.h"
 #include "cli/Manual.h"
+#include "cli/support/Breakdown.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
 #include "cli/support/Message.h"
@@ -112,6 +113,7 @@ int RunProgram(int argc, char** argv) {
     TakeStandardStreams();
     if (IsForCluster(argc, argv))
         return HandOverToPython(argc, argv);
+    TellBreakdowns(EXIT_FAILED);
     ListenForInterrupts();
     LogBelowStateFolder();
     // A file that may not grow any more is a failure with a reason, not the end of the program.

@@ -32,12 +32,16 @@ void FillClosedStreams() {
             open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
+} // namespace
+
 bool IsDebugging() {
     const char* const debug = std::getenv("CPL_DEBUG");
     return debug != nullptr && *debug != '\0' && std::string_view(debug) != "OFF";
 }
 
-} // namespace
+int MessageDescriptor() {
+    return g_messages;
+}
 
 void TakeStandardStreams() {
     FillClosedStreams();

@@ -10,6 +10,12 @@ namespace zelto::cli {
 /// stays unusable, rather than being the next file that is opened.
 void TakeStandardStreams();
 
+/// Whether CPL_DEBUG asks for all that GDAL says.
+bool IsDebugging();
+
+/// Where the program's messages go.
+int MessageDescriptor();
+
 /// Prints one line on standard error behind the program's name, fit for a terminal.
 void Tell(const std::string& line);
 

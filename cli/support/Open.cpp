@@ -2,6 +2,7 @@
 
 #include "zelto/datasource/GISDataSource.h"
 
+#include "cli/support/Breakdown.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
 #include "cli/support/Message.h"
@@ -79,6 +80,7 @@ void TellOfDoubtfulPyramid() {
 
 void OpenOrFail(CGISDataSource& source, const std::string& path, GISDataAccess access, bool warp) {
     ForgetReasons();
+    TellAtWork(path);
     TrustFileEncodings();
     const GISError error = source.Open(Wide(path).c_str(), access, warp);
     EndIfInterrupted();

@@ -224,6 +224,19 @@ TEST(Interrupting, ASecondRequestEndsAtOnce) {
     EXPECT_LT(after, milliseconds(500));
 }
 
+TEST(BreakingDown, EndsWithALineAndTheStatusOfAFailure) {
+    const SilentPipe pipe;
+    for (const int signalNumber : {SIGSEGV, SIGBUS, SIGFPE, SIGABRT}) {
+        const auto breakDown = [&](pid_t process) {
+            zelto::test::WaitUntilItCatches(process, signalNumber);
+            kill(process, signalNumber);
+        };
+        const auto run = RunZelto(READS_INPUT, "", breakDown, {.input = pipe.Path()});
+        EXPECT_EQ(run.exitStatus, 1) << signalNumber;
+        EXPECT_EQ(run.errors, "zelto: a library broke down; the file may be damaged\n");
+    }
+}
+
 TEST(Interrupting, ASignalWhileTheProgramIsBeingLoadedLeavesNothing) {
     const TemporaryFolder folder;
     const auto run =

@@ -28,15 +28,21 @@ void Redirect(const std::string& path, int flags, int descriptor) {
     close(file);
 }
 
-/// Whether a process keeps a signal back.
-bool Holds(pid_t process, int signalNumber) {
+/// Whether one of a process's sets of signals, as the system calls them, has a signal.
+bool Has(pid_t process, const char* set, int signalNumber) {
     std::ifstream status("/proc/" + std::to_string(process) + "/status");
     for (std::string word; status >> word;) {
-        std::uint64_t held = 0;
-        if (word == "SigBlk:" && status >> std::hex >> held)
-            return (held >> (signalNumber - 1) & 1U) != 0;
+        std::uint64_t signals = 0;
+        if (word == set && status >> std::hex >> signals)
+            return (signals >> (signalNumber - 1) & 1U) != 0;
     }
     return false;
+}
+
+void WaitUntilItHas(pid_t process, const char* set, int signalNumber) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!Has(process, set, signalNumber) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 } // namespace
@@ -84,9 +90,11 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
 }
 
 void WaitUntilItListens(pid_t process) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!Holds(process, SIGINT) && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    WaitUntilItHas(process, "SigBlk:", SIGINT);
+}
+
+void WaitUntilItCatches(pid_t process, int signalNumber) {
+    WaitUntilItHas(process, "SigCgt:", signalNumber);
 }
 
 } // namespace zelto::test

@@ -37,4 +37,7 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
 /// by them while the system loads it.
 void WaitUntilItListens(pid_t process);
 
+/// Waits until a process has a function of its own for a signal.
+void WaitUntilItCatches(pid_t process, int signalNumber);
+
 } // namespace zelto::test
