@@ -13,6 +13,12 @@
 
 namespace zelto::fuzz {
 
+namespace {
+
+bool g_choosesAll = false;
+
+} // namespace
+
 void PrepareEngine() {
     static const bool prepared = [] {
         CGISDataSource::RegisterGDAL();
@@ -36,13 +42,13 @@ void Require(bool holds, const char* rule) {
     std::abort();
 }
 
-bool IsChosen([[maybe_unused]] const std::uint8_t* data, [[maybe_unused]] std::size_t size,
-              [[maybe_unused]] std::uint32_t oneIn) {
-#ifdef ZELTO_FUZZ_REPLAY
-    return true;
-#else
-    return std::hash<std::string_view>()({reinterpret_cast<const char*>(data), size}) % oneIn == 0;
-#endif
+void ChooseAll(bool all) {
+    g_choosesAll = all;
+}
+
+bool IsChosen(const std::uint8_t* data, std::size_t size, std::uint32_t oneIn) {
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    return g_choosesAll || std::hash<std::string_view>()(bytes) % oneIn == 0;
 }
 
 } // namespace zelto::fuzz

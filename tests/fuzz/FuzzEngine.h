@@ -14,8 +14,10 @@ void PrepareEngine();
 void Require(bool holds, const char* rule);
 
 /// Whether an input is one of those, one in `oneIn` by its bytes, for which a target does what
-/// takes much longer than reading: writing, references, whole commands. A replay of the corpus does
-/// all.
+/// takes much longer than reading: writing, references, whole commands.
 bool IsChosen(const std::uint8_t* data, std::size_t size, std::uint32_t oneIn);
+
+/// Whether all inputs are, as in a replay of the corpus.
+void ChooseAll(bool all);
 
 } // namespace zelto::fuzz

@@ -8,8 +8,19 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <unistd.h>
 
 namespace zelto::fuzz {
+
+namespace {
+
+/// In memory where the system has such a folder: no disk slows an input down.
+std::filesystem::path Place() {
+    const char* const memory = "/dev/shm";
+    return access(memory, W_OK) == 0 ? memory : std::filesystem::temp_directory_path();
+}
+
+} // namespace
 
 const InputFolder& InputFolder::Get() {
     static const InputFolder folder;
@@ -17,7 +28,7 @@ const InputFolder& InputFolder::Get() {
 }
 
 InputFolder::InputFolder() {
-    m_path = std::filesystem::temp_directory_path() / "zelto-fuzz-XXXXXX";
+    m_path = Place() / "zelto-fuzz-XXXXXX";
     Require(mkdtemp(m_path.data()) != nullptr, "a folder can be made");
 }
 

@@ -6,8 +6,8 @@
 
 namespace zelto::fuzz {
 
-/// A folder for the files of one process, in the system's temporary folder: TMPDIR may name one in
-/// memory. It goes with the process.
+/// A folder for the files of one process, in memory where the system has a place for that. It goes
+/// with the process.
 class InputFolder {
   public:
     static const InputFolder& Get();
