@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <random>
 
@@ -129,6 +131,29 @@ TEST(ClassifyDisplayTable, FindsWhatAWalkThroughTheItemsFinds) {
             ASSERT_EQ(RedOf(table, value), expected) << value;
         }
     }
+}
+
+TEST(ClassifyDisplayTable, ManyClassesInAnyOrderTakeLittleTime) {
+    constexpr int COUNT = 400'000;
+    const auto begin = std::chrono::steady_clock::now();
+    for (const int step : {1, -1, 7919}) { // coprime to the count: every value once
+        CClassifyDisplayTable table;
+        for (int i = 0; i < COUNT; ++i) {
+            const auto value = static_cast<double>(
+                ((static_cast<std::int64_t>(i) * step) % COUNT + COUNT) % COUNT);
+            const auto grey = static_cast<unsigned char>(static_cast<int>(value) % 251);
+            table.AddClassifyItem({{grey, 1, 2, 255}, value - 0.25, value + 0.25, L""});
+        }
+        table.AddClassifyItem({{252, 1, 2, 255}, -10.0, COUNT + 10.0, L""});
+        EXPECT_EQ(RedOf(table, -5.0), 252);
+        EXPECT_EQ(RedOf(table, COUNT + 5.0), 252);
+        for (int value = 0; value < COUNT; value += 997) {
+            ASSERT_EQ(RedOf(table, value), value % 251);
+            ASSERT_EQ(RedOf(table, value + 0.5), 252);
+        }
+    }
+    // Minutes, if every class moved all those behind it.
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
 TEST(ClassifyDisplayTable, GivesItsItemsAndRangeAndCopies) {

@@ -37,13 +37,27 @@ class ZELTO_API CClassifyDisplayTable {
         std::size_t item = 0;
     };
 
+    /// Ascending, never empty; a part of all segments, so that one in their middle is inserted
+    /// quickly however many there are.
+    using Chunk = std::vector<Segment>;
+
+    /// Between two segments: before the one that it names, if there is one.
+    struct Place {
+        std::size_t chunk = 0;
+        std::size_t at = 0;
+    };
+
     void Claim(double low, double high, std::size_t item);
+    Place FirstThatEndsAfter(double value) const;
+    const Segment* SegmentAt(Place place) const;
+    Place Next(Place place) const;
+    Place Insert(Place place, const Segment& segment);
     const CClassifyDisplayItem* Find(double value) const;
 
     std::vector<CClassifyDisplayItem> m_items;
     /// The ranges without what earlier items took, disjoint and ascending: a colour is wanted
     /// for every pixel.
-    std::vector<Segment> m_segments;
+    std::vector<Chunk> m_segments;
     double m_min = 0.0;
     double m_max = 0.0;
 };
