@@ -1,4 +1,5 @@
 #include "tests/display/ShownRaster.h"
+#include "tests/support/LimitedMemory.h"
 
 #include <omp.h>
 
@@ -253,6 +254,26 @@ TEST(InterleavedRendering, APictureWithoutColumnsTakesNoMemoryForItsRows) {
     const long before = peakKilobytes();
     EXPECT_FALSE(source.GetShowData(&box, 0, std::numeric_limits<int>::max(), image.data(), true));
     EXPECT_LT(peakKilobytes() - before, 100'000);
+}
+
+TEST(InterleavedRendering, ABoxFarLargerThanTheImageTakesNoMoreMemory) {
+    if (!CanLimitMemory())
+        GTEST_SKIP() << "a sanitizer takes more memory than can be limited";
+    ShownRaster source({.width = 400, .height = 300, .geoTransform = NorthUp(0, 300, 1)},
+                       {Pixels(120'000, 5), Pixels(120'000, 6), Pixels(120'000, 7)});
+    Bytes image(std::size_t{4} * 64 * 48, 91);
+    for (const double side : {1e4, 1e7, 1e10, 1e15})
+        for (CBoundingBox box :
+             {CBoundingBox(-side, side, side, -side), CBoundingBox(-side, 200, side, 100),
+              CBoundingBox(100, side, 200, -side), CBoundingBox(0, 300, side, 300 - side)}) {
+            SCOPED_TRACE(side);
+            constexpr std::size_t LITTLE = 32U << 20U;
+            const auto ending = RunWithMemory(LITTLE, [&] {
+                source.GetShowData(&box, 64, 48, image.data(), true);
+                return true;
+            });
+            EXPECT_EQ(ending, Ending::ANSWERED_TRUE);
+        }
 }
 
 TEST(ShowStatistics, AreTheDisplayedBytesPerShownBand) {
