@@ -80,11 +80,6 @@ void CheckWithImage(const std::string& image, std::size_t classCount) {
                                  " classes instead of " + std::to_string(classCount));
 }
 
-/// Where an image's classes are.
-std::string AssistantOf(const std::string& image) {
-    return std::filesystem::path(image).replace_extension("acf").string();
-}
-
 /// The file that --image is to be checked with is the one that is written, or none.
 void RequireAssistantOf(const Options& options) {
     std::error_code ignored;

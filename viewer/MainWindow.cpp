@@ -195,7 +195,8 @@ void MainWindow::MakeMenus() {
               "statistics statistics-each histograms");
     AddToMenu(*menuBar()->addMenu(tr("&Training")),
               "class-add class-assign class-remove - spectra samples-open samples-save");
-    AddToMenu(*menuBar()->addMenu(tr("&Work")), "pyramids copy-to polygonize - georef");
+    AddToMenu(*menuBar()->addMenu(tr("&Work")),
+              "pyramids copy-to polygonize - georef classes-save");
 }
 
 void MainWindow::MakeToolBar() {

@@ -1,6 +1,5 @@
 #include "cli/support/ClassFacts.h"
 
-#include "cli/support/Table.h"
 #include "cli/support/Text.h"
 
 namespace zelto::cli {
@@ -12,12 +11,16 @@ Json ToJson(const std::vector<ClassFacts>& classes) {
     return json;
 }
 
-void PrintClasses(const std::vector<ClassFacts>& classes, int indent) {
-    Table table({"value", "red", "green", "blue", "name"});
+TableContent ClassTableOf(const std::vector<ClassFacts>& classes) {
+    TableContent table{{"value", "red", "green", "blue", "name"}, {}};
     for (const ClassFacts& c : classes)
-        table.AddRow({FormatNumber(c.value), std::to_string(c.color[0]), std::to_string(c.color[1]),
-                      std::to_string(c.color[2]), c.name});
-    table.Print(indent);
+        table.rows.push_back({FormatNumber(c.value), std::to_string(c.color[0]),
+                              std::to_string(c.color[1]), std::to_string(c.color[2]), c.name});
+    return table;
+}
+
+void PrintClasses(const std::vector<ClassFacts>& classes, int indent) {
+    Table(ClassTableOf(classes)).Print(indent);
 }
 
 } // namespace zelto::cli

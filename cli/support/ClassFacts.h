@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/support/Json.h"
+#include "cli/support/Table.h"
 
 #include <array>
 #include <string>
@@ -18,7 +19,10 @@ struct ClassFacts {
 /// [{value, color: [red, green, blue], name}]
 Json ToJson(const std::vector<ClassFacts>& classes);
 
-/// Prints a table for people on standard output.
+/// Value, colour and name of each class.
+TableContent ClassTableOf(const std::vector<ClassFacts>& classes);
+
+/// Prints the table for people on standard output.
 void PrintClasses(const std::vector<ClassFacts>& classes, int indent = 0);
 
 } // namespace zelto::cli

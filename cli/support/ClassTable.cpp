@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 
 namespace zelto::cli {
@@ -59,6 +60,10 @@ std::vector<ClassRecord> ReadClassTable(const std::string& path) {
     if (classes.empty())
         throw Failure(path, "holds no classes");
     return classes;
+}
+
+std::string AssistantOf(const std::string& image) {
+    return std::filesystem::path(image).replace_extension("acf").string();
 }
 
 } // namespace zelto::cli

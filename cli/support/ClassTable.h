@@ -12,4 +12,7 @@ namespace zelto::cli {
 /// then hold commas; a quote within is doubled. Throws Failure naming file and line.
 std::vector<CClassifiedAssistantFile::ClassRecord> ReadClassTable(const std::string& path);
 
+/// Where an image's classes are: the assistant file beside it.
+std::string AssistantOf(const std::string& image);
+
 } // namespace zelto::cli

@@ -51,37 +51,22 @@ Json ToJson(const BandFacts& band, int number) {
     return json;
 }
 
-void AddGrid(Table& table, const RasterFacts& facts) {
+void AddGrid(TableContent& table, const RasterFacts& facts) {
     const auto& g = facts.geoTransform;
     if (g[2] == 0.0 && g[4] == 0.0) {
-        table.AddRow({"origin", Numbers({g[0], g[3]})});
-        table.AddRow({"pixel size", Numbers({g[1], g[5]})});
+        table.rows.push_back({"origin", Numbers({g[0], g[3]})});
+        table.rows.push_back({"pixel size", Numbers({g[1], g[5]})});
     } else {
-        table.AddRow({"geotransform", Numbers({g[0], g[1], g[2], g[3], g[4], g[5]})});
+        table.rows.push_back({"geotransform", Numbers({g[0], g[1], g[2], g[3], g[4], g[5]})});
     }
-    table.AddRow({"extent", Numbers({facts.extent.GetLeft(), facts.extent.GetTop(),
-                                     facts.extent.GetRight(), facts.extent.GetBottom()}) +
-                                " (left, top, right, bottom)"});
+    table.rows.push_back({"extent", Numbers({facts.extent.GetLeft(), facts.extent.GetTop(),
+                                             facts.extent.GetRight(), facts.extent.GetBottom()}) +
+                                        " (left, top, right, bottom)"});
     if (!facts.controlPoints.empty())
-        table.AddRow({"control points",
-                      std::to_string(facts.controlPoints.size()) + " in " +
-                          (facts.controlPointName.empty() ? "no system" : facts.controlPointName)});
-}
-
-void PrintSummary(const RasterFacts& facts) {
-    std::cout << Printable(facts.path) << '\n';
-    Table table({"format", facts.format + ", " + facts.formatName});
-    if (!facts.bands.empty()) {
-        table.AddRow({"size", Size(facts.width, facts.height) + " pixels"});
-        table.AddRow({"bands", std::to_string(facts.bands.size()) + " of " + facts.dataType});
-        AddGrid(table, facts);
-    }
-    table.AddRow({"coordinates", facts.coordinateName.empty() ? "none" : facts.coordinateName});
-    if (!facts.datum.empty())
-        table.AddRow({"datum", facts.datum});
-    if (!facts.units.empty())
-        table.AddRow({"units", facts.units});
-    table.Print(2);
+        table.rows.push_back(
+            {"control points",
+             std::to_string(facts.controlPoints.size()) + " in " +
+                 (facts.controlPointName.empty() ? "no system" : facts.controlPointName)});
 }
 
 /// Largest and smallest, and how many: "175 x 176 to 22 x 22 (4)".
@@ -94,18 +79,6 @@ std::string OverviewSizes(const BandFacts& band) {
     if (band.overviews.size() > 1)
         text += " to " + Size(lastWidth, lastHeight);
     return text + " (" + std::to_string(band.overviews.size()) + ")";
-}
-
-void PrintBands(const RasterFacts& facts) {
-    std::cout << '\n';
-    Table table({"band", "type", "block", "no-data", "colours", "overviews"});
-    int number = 0;
-    for (const BandFacts& band : facts.bands)
-        table.AddRow({std::to_string(++number), band.dataType,
-                      Size(band.blockWidth, band.blockHeight),
-                      band.noData ? FormatNumber(*band.noData) : "-",
-                      band.colors > 0 ? std::to_string(band.colors) : "-", OverviewSizes(band)});
-    table.Print(2);
 }
 
 /// Digits enough for people; the JSON has them all.
@@ -138,14 +111,6 @@ void PrintStatistics(const RasterFacts& facts) {
     table.Print(2);
 }
 
-void PrintSubdatasets(const RasterFacts& facts) {
-    std::cout << '\n';
-    Table table({"sub-data-set", "description"});
-    for (const SubdatasetFacts& sub : facts.subdatasets)
-        table.AddRow({sub.name, sub.description});
-    table.Print(2);
-}
-
 void PrintReference(const RasterFacts& facts) {
     OGRSpatialReference reference;
     char* pretty = nullptr;
@@ -168,14 +133,9 @@ Json ControlPointsJson(const RasterFacts& facts) {
     return points;
 }
 
-void PrintControlPoints(const RasterFacts& facts) {
+void PrintPart(const TableContent& content) {
     std::cout << '\n';
-    Table table({"point", "column", "row", "x", "y"});
-    int number = 0;
-    for (const ControlPointFacts& point : facts.controlPoints)
-        table.AddRow({std::to_string(++number), FormatNumber(point.column), FormatNumber(point.row),
-                      FormatNumber(point.x), FormatNumber(point.y)});
-    table.Print(2);
+    Table(content).Print(2);
 }
 
 /// Null where no values are told.
@@ -219,20 +179,69 @@ Json ToJson(const RasterFacts& facts) {
     return json;
 }
 
+TableContent SummaryTable(const RasterFacts& facts) {
+    TableContent table;
+    table.rows.push_back({"format", facts.format + ", " + facts.formatName});
+    if (!facts.bands.empty()) {
+        table.rows.push_back({"size", Size(facts.width, facts.height) + " pixels"});
+        table.rows.push_back(
+            {"bands", std::to_string(facts.bands.size()) + " of " + facts.dataType});
+        AddGrid(table, facts);
+    }
+    table.rows.push_back(
+        {"coordinates", facts.coordinateName.empty() ? "none" : facts.coordinateName});
+    if (!facts.datum.empty())
+        table.rows.push_back({"datum", facts.datum});
+    if (!facts.units.empty())
+        table.rows.push_back({"units", facts.units});
+    return table;
+}
+
+TableContent BandTable(const RasterFacts& facts) {
+    TableContent table{{"band", "type", "block", "no-data", "colours", "overviews"}, {}};
+    int number = 0;
+    for (const BandFacts& band : facts.bands)
+        table.rows.push_back(
+            {std::to_string(++number), band.dataType, Size(band.blockWidth, band.blockHeight),
+             band.noData ? FormatNumber(*band.noData) : "-",
+             band.colors > 0 ? std::to_string(band.colors) : "-", OverviewSizes(band)});
+    return table;
+}
+
+TableContent ControlPointTable(const RasterFacts& facts) {
+    TableContent table{{"point", "column", "row", "x", "y"}, {}};
+    int number = 0;
+    for (const ControlPointFacts& point : facts.controlPoints)
+        table.rows.push_back({std::to_string(++number), FormatNumber(point.column),
+                              FormatNumber(point.row), FormatNumber(point.x),
+                              FormatNumber(point.y)});
+    return table;
+}
+
+TableContent SubdatasetTable(const RasterFacts& facts) {
+    TableContent table{{"sub-data-set", "description"}, {}};
+    for (const SubdatasetFacts& sub : facts.subdatasets)
+        table.rows.push_back({sub.name, sub.description});
+    return table;
+}
+
 void PrintReport(const RasterFacts& facts, bool reference) {
-    PrintSummary(facts);
+    // The first fact is laid out with the others: the summary has no heading.
+    TableContent summary = SummaryTable(facts);
+    summary.columns = summary.rows.front();
+    summary.rows.erase(summary.rows.begin());
+    std::cout << Printable(facts.path) << '\n';
+    Table(summary).Print(2);
     if (!facts.bands.empty())
-        PrintBands(facts);
+        PrintPart(BandTable(facts));
     if ((facts.values.exact || facts.values.sampled) && !facts.bands.empty())
         PrintStatistics(facts);
     if (!facts.controlPoints.empty())
-        PrintControlPoints(facts);
-    if (!facts.classes.empty()) {
-        std::cout << '\n';
-        PrintClasses(facts.classes, 2);
-    }
+        PrintPart(ControlPointTable(facts));
+    if (!facts.classes.empty())
+        PrintPart(ClassTableOf(facts.classes));
     if (!facts.subdatasets.empty())
-        PrintSubdatasets(facts);
+        PrintPart(SubdatasetTable(facts));
     if (reference && !facts.wkt.empty())
         PrintReference(facts);
 }

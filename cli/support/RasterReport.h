@@ -2,10 +2,19 @@
 
 #include "cli/support/Json.h"
 #include "cli/support/RasterFacts.h"
+#include "cli/support/Table.h"
 
 namespace zelto::cli {
 
 Json ToJson(const RasterFacts& facts);
+
+// The facts in the words of the report for people, one table for each part of it.
+
+/// Without a heading: name and text of each fact, those that the file has.
+TableContent SummaryTable(const RasterFacts& facts);
+TableContent BandTable(const RasterFacts& facts);
+TableContent ControlPointTable(const RasterFacts& facts);
+TableContent SubdatasetTable(const RasterFacts& facts);
 
 /// Prints the facts for people on standard output.
 /// @param reference with the reference system's WKT

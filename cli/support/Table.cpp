@@ -33,6 +33,11 @@ Table::Table(std::vector<std::string> header) {
     m_rows.push_back(std::move(header));
 }
 
+Table::Table(const TableContent& content) : Table(content.columns) {
+    for (const auto& row : content.rows)
+        AddRow(row);
+}
+
 void Table::AddRow(std::vector<std::string> cells) {
     cells.resize(m_rows.front().size());
     for (std::string& cell : cells)

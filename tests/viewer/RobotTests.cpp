@@ -26,7 +26,7 @@ namespace {
 /// Actions that ask for files or end the program: a robot has no answer to what they ask.
 const QSet<QString> LEFT_OUT = {"quit",         "open",       "compose",    "export",
                                 "georef",       "areas-open", "areas-save", "samples-open",
-                                "samples-save", "polygonize", "copy-to"};
+                                "samples-save", "polygonize", "copy-to",    "classes-save"};
 
 /// Does to the window, step by step, what a hasty person might.
 class Robot {

@@ -239,7 +239,9 @@ TEST_F(Window, BuildsAPyramidAndShowsTheImageAnew) {
     ASSERT_TRUE(OpenAndSettle(*m_window, {QString::fromStdString(path)}));
     Trigger("pyramids");
     ASSERT_TRUE(Settle(*m_window));
-    EXPECT_FALSE(Current().facts.pyramid.isEmpty());
+    CRasterSource written;
+    ASSERT_EQ(written.Open(CommonFun::M2U(path).c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    EXPECT_GT(written.GetRasterBand(0)->GetOverviewCount(), 0);
     EXPECT_EQ(m_window->GetDocument().Layers().size(), 2U);
 }
 

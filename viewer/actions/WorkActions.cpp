@@ -1,5 +1,6 @@
 #include "viewer/actions/WorkActions.h"
 
+#include "cli/support/RasterFacts.h"
 #include "viewer/actions/ActionTable.h"
 #include "viewer/model/Document.h"
 #include "viewer/model/Preferences.h"
@@ -10,6 +11,7 @@
 #include "viewer/views/PropertiesDialog.h"
 #include "viewer/worker/Engine.h"
 #include "viewer/worker/ImageWork.h"
+#include "viewer/worker/LayerClasses.h"
 #include "viewer/worker/TaskRunner.h"
 
 #include <QFileDialog>
@@ -49,6 +51,11 @@ WorkActions::WorkActions(const Workbench& bench, QObject* parent)
     actions.Add({"copy-to", tr("&Copy to another format…"),
                  tr("Write all bands of the image into a new file"), tr("Ctrl+Alt+C"), "copy"},
                 [this] { ChooseCopy(); });
+    actions.Add({"classes-save", tr("Save c&lasses…"),
+                 tr("Write the classes and their colours into a file; beside the image it is where "
+                    "they are read from"),
+                 tr("Ctrl+Shift+L"), ""},
+                [this] { ChooseClassFile(); });
     actions.Add({"georef", tr("&Georeference…"), tr("Say where the image lies"), tr("Ctrl+Shift+G"),
                  "georef"},
                 [this] { ChoosePlace(); });
@@ -66,6 +73,7 @@ void WorkActions::Enable() {
     m_bench.actions.Find("pyramids")->setEnabled(isFile);
     m_bench.actions.Find("polygonize")->setEnabled(isFile);
     m_bench.actions.Find("copy-to")->setEnabled(isFile);
+    m_bench.actions.Find("classes-save")->setEnabled(isFile && !layer->facts.classes.empty());
     m_bench.actions.Find("georef")->setEnabled(isFile);
 }
 
@@ -178,10 +186,46 @@ void WorkActions::ChoosePlace() {
          }});
 }
 
+/// The files are asked anew, and for what they hold, however they are shown.
 void WorkActions::ShowProperties() {
-    auto* dialog = new PropertiesDialog(m_bench.document.Current()->facts, &m_bench.window);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->show();
+    const LayerFacts layer = m_bench.document.Current()->facts;
+    m_bench.tasks.Start(
+        {tr("Properties"), [this, layer](CDataProgress& progress) {
+             std::vector<cli::RasterFacts> files;
+             for (const QString& path : layer.origin.paths)
+                 files.push_back(cli::DescribeRaster(path.toStdString(), {}, progress));
+             return TaskResult{{}, [this, layer, files] {
+                                   auto* dialog =
+                                       new PropertiesDialog(layer, files, &m_bench.window);
+                                   dialog->setAttribute(Qt::WA_DeleteOnClose);
+                                   dialog->show();
+                               }};
+         }});
+}
+
+void WorkActions::ChooseClassFile() {
+    const QString path = QFileDialog::getSaveFileName(
+        &m_bench.window, tr("Save classes"), ClassFileOf(m_bench.document.Current()->origin.Path()),
+        tr("Classes of an image (*.acf)"));
+    if (!path.isEmpty())
+        SaveClasses(path);
+}
+
+void WorkActions::SaveClasses(const QString& path) {
+    const Layer* layer = m_bench.document.Current();
+    if (layer == nullptr)
+        return;
+    const int id = layer->id;
+    const bool isOfImage = path == ClassFileOf(layer->origin.Path());
+    const std::vector<ClassColor> classes = Edited(layer->facts.classes, layer->settings.classes);
+    m_bench.tasks.Start({tr("Saving classes"), [=, this](CDataProgress&) {
+                             return TaskResult{WriteClasses(path, classes), [=, this] {
+                                                   m_bench.messages.Tell(
+                                                       tr("%1 is saved.").arg(path));
+                                                   if (isOfImage)
+                                                       Reopen(id);
+                                               }};
+                         }});
 }
 
 } // namespace zelto::view

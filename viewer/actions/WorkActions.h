@@ -18,12 +18,14 @@ class WorkActions : public QObject {
     void CopyTo(const QString& target);
     void MakePolygons(const QString& path, int band, bool eight);
     void Export(const QString& path);
+    void SaveClasses(const QString& path);
 
   private:
     void ChooseCopy();
     void ChoosePolygons();
     void ChooseExport();
     void ChoosePlace();
+    void ChooseClassFile();
     void ShowProperties();
     void Enable();
     /// Opens a layer's file anew after it has changed.

@@ -41,7 +41,43 @@ float Limited(const QVariant& value, float otherwise, float least) {
     return isNumber ? std::clamp(number, least, 1.0F) : otherwise;
 }
 
+QVariantList ClassesToList(const ClassEdits& edits) {
+    QVariantList list;
+    for (const auto& [low, look] : edits)
+        list.append(QVariant(QVariantList{low, look.color.name(QColor::HexArgb), look.name}));
+    return list;
+}
+
+ClassEdits ClassesFromList(const QVariantList& list) {
+    ClassEdits edits;
+    for (const QVariant& entry : list) {
+        const QVariantList parts = entry.toList();
+        if (parts.size() == 3)
+            if (const QColor color(parts[1].toString()); color.isValid())
+                edits[parts[0].toDouble()] = {color, parts[2].toString()};
+    }
+    return edits;
+}
+
 } // namespace
+
+std::vector<ClassColor> Edited(std::vector<ClassColor> classes, const ClassEdits& edits) {
+    for (ClassColor& each : classes)
+        if (const auto found = edits.find(each.low); found != edits.end()) {
+            each.color = found->second.color;
+            each.name = found->second.name;
+        }
+    return classes;
+}
+
+ClassEdits EditsBetween(const std::vector<ClassColor>& ofFile,
+                        const std::vector<ClassColor>& edited) {
+    ClassEdits edits;
+    for (std::size_t i = 0; i < ofFile.size() && i < edited.size(); ++i)
+        if (edited[i] != ofFile[i])
+            edits[edited[i].low] = {edited[i].color, edited[i].name};
+    return edits;
+}
 
 QVariantMap DisplaySettings::ToMap() const {
     QVariantMap map = {{"bands", BandsToList(bands)},
@@ -59,7 +95,8 @@ QVariantMap DisplaySettings::ToMap() const {
                        {"saturation", saturation},
                        {"contrast", contrast},
                        {"transparency", transparency},
-                       {"ramp", ramp}};
+                       {"ramp", ramp},
+                       {"classes", ClassesToList(classes)}};
     for (std::size_t k = 0; k < ranges.size(); ++k)
         if (ranges[k])
             map[QString("range%1").arg(k)] = QVariantList{ranges[k]->low, ranges[k]->high};
@@ -89,6 +126,7 @@ DisplaySettings DisplaySettings::FromMap(const QVariantMap& map, const DisplaySe
     settings.contrast = Limited(map["contrast"], settings.contrast, -1.0F);
     settings.transparency = Limited(map["transparency"], settings.transparency, 0.0F);
     settings.ramp = map["ramp"].toString();
+    settings.classes = ClassesFromList(map["classes"].toList());
     for (std::size_t k = 0; k < settings.ranges.size(); ++k) {
         const QVariantList pair = map[QString("range%1").arg(k)].toList();
         settings.ranges[k].reset();

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QVariantMap>
 #include <array>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -16,7 +17,7 @@ struct Bounds {
     bool operator==(const Bounds&) const = default;
 };
 
-/// A class of a classified image as the legend shows it.
+/// A class of a classified image, or an entry of a colour table, as the legend shows it.
 struct ClassColor {
     double low = 0.0; ///< values low ≤ v < high belong to it
     double high = 0.0;
@@ -24,6 +25,22 @@ struct ClassColor {
     QString name;
     bool operator==(const ClassColor&) const = default;
 };
+
+/// What a class looks like where the user has changed it.
+struct ClassLook {
+    QColor color;
+    QString name;
+    bool operator==(const ClassLook&) const = default;
+};
+
+/// Changed classes by their least values.
+using ClassEdits = std::map<double, ClassLook>;
+
+/// The classes of a file with what the user has changed of them.
+std::vector<ClassColor> Edited(std::vector<ClassColor> classes, const ClassEdits& edits);
+/// What tells edited classes from those of the file.
+ClassEdits EditsBetween(const std::vector<ClassColor>& ofFile,
+                        const std::vector<ClassColor>& edited);
 
 /// How a layer is shown. A value, so that requests carry a copy to the thread that draws and the
 /// interface may go on changing its own.
@@ -44,8 +61,8 @@ struct DisplaySettings {
     float saturation = 0.0F;
     float contrast = 0.0F;
     float transparency = 0.0F;
-    QString ramp;                                   ///< of a single band; empty: none
-    std::optional<std::vector<ClassColor>> classes; ///< set where the user edited the file's
+    QString ramp;       ///< of a single band; empty: none
+    ClassEdits classes; ///< what the user has changed of the file's
 
     bool operator==(const DisplaySettings&) const = default;
 

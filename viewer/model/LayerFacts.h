@@ -29,17 +29,13 @@ struct LayerOrigin {
 
 struct BandFacts {
     QString type; ///< GDAL's name
-    bool isByte = false;
     bool hasColorTable = false;
-    std::optional<double> noData;
 };
 
 /// What the interface thread knows of an open image. The thread that owns the image makes it
 /// once, so that nothing here asks the engine.
 struct LayerFacts {
     LayerOrigin origin;
-    QString format;  ///< GDAL's usual extension of it; empty where the engine has no name for it
-    QString pyramid; ///< sizes of the reduced copies; empty without
     int width = 0;
     int height = 0;
     CBoundingBox extent;
@@ -50,11 +46,11 @@ struct LayerFacts {
     QString coordinateName;  ///< readable; empty without a reference system
     QString coordinateWords; ///< the reference system explained line by line
     bool geographic = false;
-    bool warped = false;       ///< shown in another reference system than its own
-    bool lacksPyramid = false; ///< drawing all of it reads most of a large file
-    QStringList subdatasets;   ///< images of the container whose first one is shown
-    std::vector<ClassColor> classes;
-    DisplaySettings initial; ///< what the engine would show
+    bool warped = false;             ///< shown in another reference system than its own
+    bool lacksPyramid = false;       ///< drawing all of it reads most of a large file
+    QStringList subdatasets;         ///< images of the container whose first one is shown
+    std::vector<ClassColor> classes; ///< or the entries of the first band's colour table
+    DisplaySettings initial;         ///< what the engine would show
 
     double PixelSize() const;
     /// Position in the image's pixels, with fractions.

@@ -48,6 +48,7 @@ DisplayPanel::DisplayPanel(Document& document, Engine& engine, QWidget* parent)
     AddSliders(*inner);
     m_legend = new ClassLegend;
     connect(m_legend, &ClassLegend::Edited, this, &DisplayPanel::TakeControls);
+    connect(m_legend, &ClassLegend::ResetWanted, this, &DisplayPanel::ResetClasses);
     inner->addWidget(m_legend);
     inner->addStretch(1);
 
@@ -141,8 +142,10 @@ void DisplayPanel::ShowLayer() {
     m_stretch->ShowSettings(layer->settings);
     for (std::size_t i = 0; i < m_sliders.size(); ++i)
         m_sliders[i]->SetValue(layer->settings.*SLIDER_MEMBERS[i]);
-    m_legend->SetClasses(layer->settings.classes.value_or(layer->facts.classes));
-    m_legend->setVisible(!layer->facts.classes.empty());
+    m_legend->SetClasses(Edited(layer->facts.classes, layer->settings.classes),
+                         !layer->settings.classes.empty());
+    m_legend->setVisible(!layer->facts.classes.empty() && layer->settings.bands.size() == 1 &&
+                         layer->settings.ramp.isEmpty());
     m_isFilling = false;
     ShowHistograms(*layer);
 }
@@ -227,8 +230,16 @@ void DisplayPanel::TakeControls() {
     for (std::size_t i = 0; i < m_sliders.size(); ++i)
         settings.*SLIDER_MEMBERS[i] = m_sliders[i]->Value();
     settings.ramp = isSingle ? m_ramp->currentData().toString() : QString();
-    if (m_legend->Classes() != layer->facts.classes)
-        settings.classes = m_legend->Classes();
+    settings.classes = EditsBetween(layer->facts.classes, m_legend->Classes());
+    m_document.SetSettings(layer->id, settings);
+}
+
+void DisplayPanel::ResetClasses() {
+    const Layer* layer = m_document.Current();
+    if (layer == nullptr || !layer->isOpen)
+        return;
+    DisplaySettings settings = layer->settings;
+    settings.classes.clear();
     m_document.SetSettings(layer->id, settings);
 }
 

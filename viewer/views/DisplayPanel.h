@@ -40,6 +40,7 @@ class DisplayPanel : public QWidget {
     Bounds BoundsOf(const Layer& layer, std::size_t k, const BandHistogram& histogram) const;
     void TakeControls();
     void TakeBounds();
+    void ResetClasses();
     void AskForHistograms();
     void TakeHistograms(int layer, const std::vector<BandHistogram>& histograms);
 

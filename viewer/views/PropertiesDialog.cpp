@@ -1,78 +1,17 @@
 #include "viewer/views/PropertiesDialog.h"
 
-#include "viewer/views/StatusLine.h"
+#include "cli/support/RasterReport.h"
+#include "viewer/views/ReportView.h"
 
 #include <QDialogButtonBox>
 #include <QFontDatabase>
-#include <QFormLayout>
-#include <QHeaderView>
-#include <QLabel>
 #include <QPlainTextEdit>
 #include <QTabWidget>
-#include <QTableWidget>
 #include <QVBoxLayout>
 
 namespace zelto::view {
 
 namespace {
-
-void AddFact(QFormLayout& form, const QString& name, const QString& text) {
-    if (text.isEmpty())
-        return;
-    auto* label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setWordWrap(true);
-    form.addRow(name, label);
-}
-
-QString Pair(double a, double b) {
-    return QString("%1, %2").arg(QString::number(a, 'g', 12), QString::number(b, 'g', 12));
-}
-
-QWidget* MakeSummary(const LayerFacts& facts) {
-    auto* page = new QWidget;
-    auto* form = new QFormLayout(page);
-    form->setHorizontalSpacing(18);
-    AddFact(*form, PropertiesDialog::tr("File"), facts.origin.paths.join('\n'));
-    AddFact(*form, PropertiesDialog::tr("Format"), facts.format);
-    AddFact(*form, PropertiesDialog::tr("Size"),
-            PropertiesDialog::tr("%1 × %2 pixels").arg(facts.width).arg(facts.height));
-    AddFact(*form, PropertiesDialog::tr("Bands"), QString::number(facts.bands.size()));
-    AddFact(*form, PropertiesDialog::tr("Origin"),
-            Pair(facts.geoTransform[0], facts.geoTransform[3]));
-    AddFact(*form, PropertiesDialog::tr("Pixel size"),
-            Pair(facts.geoTransform[1], facts.geoTransform[5]));
-    AddFact(*form, PropertiesDialog::tr("Left, top"),
-            Pair(facts.extent.GetLeft(), facts.extent.GetTop()));
-    AddFact(*form, PropertiesDialog::tr("Right, bottom"),
-            Pair(facts.extent.GetRight(), facts.extent.GetBottom()));
-    AddFact(*form, PropertiesDialog::tr("Coordinates"),
-            facts.coordinateName.isEmpty() ? PropertiesDialog::tr("none") : facts.coordinateName);
-    AddFact(*form, PropertiesDialog::tr("Pyramid"),
-            facts.pyramid.isEmpty() ? PropertiesDialog::tr("none") : facts.pyramid);
-    return page;
-}
-
-QWidget* MakeBands(const LayerFacts& facts) {
-    auto* table = new QTableWidget(static_cast<int>(facts.bands.size()), 4);
-    table->setHorizontalHeaderLabels({PropertiesDialog::tr("Band"), PropertiesDialog::tr("Type"),
-                                      PropertiesDialog::tr("No-data value"),
-                                      PropertiesDialog::tr("Colour table")});
-    table->verticalHeader()->hide();
-    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table->setShowGrid(false);
-    for (int row = 0; row < table->rowCount(); ++row) {
-        const BandFacts& band = facts.bands[static_cast<std::size_t>(row)];
-        table->setItem(row, 0, new QTableWidgetItem(QString::number(row + 1)));
-        table->setItem(row, 1, new QTableWidgetItem(band.type));
-        table->setItem(row, 2,
-                       new QTableWidgetItem(band.noData ? ReadableNumber(*band.noData) : "–"));
-        table->setItem(
-            row, 3, new QTableWidgetItem(band.hasColorTable ? PropertiesDialog::tr("yes") : "–"));
-    }
-    return table;
-}
 
 QWidget* MakeText(const QString& text) {
     auto* page = new QPlainTextEdit(text);
@@ -84,20 +23,46 @@ QWidget* MakeText(const QString& text) {
 
 } // namespace
 
-PropertiesDialog::PropertiesDialog(const LayerFacts& facts, QWidget* parent) : QDialog(parent) {
+PropertiesDialog::PropertiesDialog(const LayerFacts& layer,
+                                   const std::vector<cli::RasterFacts>& files, QWidget* parent)
+    : QDialog(parent) {
     setObjectName("properties");
-    setWindowTitle(facts.origin.Name());
-    auto* tabs = new QTabWidget;
-    tabs->addTab(MakeSummary(facts), tr("Image"));
-    tabs->addTab(MakeBands(facts), tr("Bands"));
-    tabs->addTab(MakeText(facts.coordinateWords), tr("Coordinate system"));
-    tabs->addTab(MakeText(QString::fromStdString(facts.wkt)), tr("As text"));
+    setWindowTitle(layer.origin.Name());
+    QWidget* content = nullptr;
+    if (files.size() == 1) {
+        content = MakeFile(layer, files.front());
+    } else {
+        auto* all = new QTabWidget;
+        for (const cli::RasterFacts& file : files)
+            all->addTab(MakeFile(layer, file),
+                        LayerOrigin{{QString::fromStdString(file.path)}, {}}.Name());
+        content = all;
+    }
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(tabs);
+    layout->addWidget(content);
     layout->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
-    resize(620, 420);
+    resize(680, 440);
+}
+
+QWidget* PropertiesDialog::MakeFile(const LayerFacts& layer, const cli::RasterFacts& file) {
+    cli::TableContent summary = cli::SummaryTable(file);
+    summary.rows.insert(summary.rows.begin(), {"file", file.path});
+    auto* tabs = new QTabWidget;
+    tabs->addTab(MakeFactsForm(summary), tr("Image"));
+    tabs->addTab(MakeReportView("bands", cli::BandTable(file)), tr("Bands"));
+    if (!file.controlPoints.empty())
+        tabs->addTab(MakeReportView("controlPoints", cli::ControlPointTable(file)),
+                     tr("Control points"));
+    if (!file.classes.empty())
+        tabs->addTab(MakeReportView("classes", cli::ClassTableOf(file.classes)), tr("Classes"));
+    if (!file.subdatasets.empty())
+        tabs->addTab(MakeReportView("subdatasets", cli::SubdatasetTable(file)),
+                     tr("Sub-data-sets"));
+    tabs->addTab(MakeText(layer.coordinateWords), tr("Coordinate system"));
+    tabs->addTab(MakeText(QString::fromStdString(file.wkt)), tr("As text"));
+    return tabs;
 }
 
 } // namespace zelto::view

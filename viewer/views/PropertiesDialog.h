@@ -1,17 +1,24 @@
 #pragma once
 
+#include "cli/support/RasterFacts.h"
 #include "viewer/model/LayerFacts.h"
 
 #include <QDialog>
 
 namespace zelto::view {
 
-/// What there is to say about an image and its reference system.
+/// What there is to say about an image, as `zelto info` tells it, and its reference system in
+/// words.
 class PropertiesDialog : public QDialog {
     Q_OBJECT
 
   public:
-    PropertiesDialog(const LayerFacts& facts, QWidget* parent = nullptr);
+    /// @param files of the image: one, or those composed
+    PropertiesDialog(const LayerFacts& layer, const std::vector<cli::RasterFacts>& files,
+                     QWidget* parent = nullptr);
+
+  private:
+    QWidget* MakeFile(const LayerFacts& layer, const cli::RasterFacts& file);
 };
 
 } // namespace zelto::view

@@ -54,8 +54,11 @@ class LayerSource {
     /// @return false with the reason when the stretch cannot be had; the former one stays
     bool Apply(const DisplaySettings& settings, const CBoundingBox& box, QString& reason);
     bool ApplyStretch(const DisplaySettings& settings, const CBoundingBox& box);
-    void ApplyLook(CRasterSource& source, const DisplaySettings& settings) const;
-    bool DrawMasked(CBoundingBox& box, const Shapes& mask, QImage& image);
+    void ApplyLook(CRasterSource& source, const DisplaySettings& settings);
+    bool IsFadedAfterwards(const DisplaySettings& settings);
+    bool ShowsClasses(const DisplaySettings& settings) const;
+    void ApplyClasses(CRasterSource& source, const DisplaySettings& settings) const;
+    bool DrawMasked(CBoundingBox& box, const Shapes& mask, float transparency, QImage& image);
 
     LayerOrigin m_origin;
     std::string m_reference;
@@ -64,6 +67,8 @@ class LayerSource {
     std::unique_ptr<CComposedRaster> m_composed;           ///< borrows the sources: goes first
     std::optional<DisplaySettings> m_applied;
     ShownRanges m_ranges;
+    std::vector<ClassColor> m_classes; ///< of the file: its classes or its colour table
+    bool m_hasClassTable = false;      ///< they are its classes
     CCoordinateTransformation* m_toLonLat = nullptr; ///< owned
 };
 
