@@ -62,14 +62,20 @@ int main(int argc, char** argv) {
         return 1;
     scene.SetStretchType(StretchStdDev);
     CBoundingBox box = scene.GetExtent();
-    std::vector<unsigned char> picture(std::size_t{SIDE} * SIDE * 4);
+    // Each has memory of its own, as the arrays that the package returns.
+    const auto newPixels = [](std::size_t channels) {
+        return std::unique_ptr<unsigned char[]>(
+            new unsigned char[std::size_t{SIDE} * SIDE * channels]);
+    };
     Report("render", 30, [&] {
-        scene.GetShowData(&box, SIDE, SIDE, picture.data(), true);
-        scene.ApplyShowDataHISC(SIDE, SIDE, picture.data());
+        const auto picture = newPixels(4);
+        scene.GetShowData(&box, SIDE, SIDE, picture.get(), true);
+        scene.ApplyShowDataHISC(SIDE, SIDE, picture.get());
     });
     int bands[] = {1, 2, 3};
     Report("read", 30, [&] {
-        if (scene.GetGDALDataset()->RasterIO(GF_Read, 0, 0, SIDE, SIDE, picture.data(), SIDE, SIDE,
+        const auto values = newPixels(3);
+        if (scene.GetGDALDataset()->RasterIO(GF_Read, 0, 0, SIDE, SIDE, values.get(), SIDE, SIDE,
                                              GDT_Byte, 3, bands, 0, 0, 0, nullptr) != CE_None)
             std::abort();
     });

@@ -79,11 +79,13 @@ std::array<double, 4> ExtentOf(Area& area) {
 }
 
 /// Calls test(x, y) for every point and gathers the answers; ends early when interrupted.
+/// @param test may be called by several threads at once
 template <typename Test>
 py::array_t<bool> TestPoints(const Doubles& xs, const Doubles& ys, Test test) {
     if (xs.ndim() != 1 || ys.ndim() != 1 || xs.size() != ys.size())
         throw py::value_error("x and y are two rows of as many numbers");
-    constexpr py::ssize_t STEP = 1 << 16;
+    constexpr py::ssize_t STEP = 1 << 18;
+    constexpr py::ssize_t ALONE = 1 << 12;
     py::array_t<bool> inside(xs.size());
     const double* const x = xs.data();
     const double* const y = ys.data();
@@ -93,6 +95,7 @@ py::array_t<bool> TestPoints(const Doubles& xs, const Doubles& ys, Test test) {
     Run(progress, [&] {
         for (py::ssize_t first = 0; first < count; first += STEP) {
             const py::ssize_t end = std::min(first + STEP, count);
+#pragma omp parallel for if (end - first > ALONE)
             for (py::ssize_t i = first; i < end; ++i)
                 out[i] = test(x[i], y[i]);
             if (!progress.StepProgress(0, L""))

@@ -5,7 +5,6 @@
 #include "zelto/coordinate/CoordinateTransformation.h"
 #include "zelto/raster/RasterBand.h"
 
-#include "viewer/worker/AreaFiles.h"
 #include "viewer/worker/LayerClasses.h"
 #include "viewer/worker/Texts.h"
 

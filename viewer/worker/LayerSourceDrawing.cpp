@@ -4,7 +4,7 @@
 #include "zelto/display/StretchPreparation.h"
 #include "zelto/raster/RasterBand.h"
 
-#include "cli/RenderRamps.h"
+#include "cli/support/RenderRamps.h"
 #include "viewer/worker/AreaFiles.h"
 #include "viewer/worker/LayerClasses.h"
 #include "viewer/worker/LayerSource.h"
