@@ -81,8 +81,8 @@ bool IsMade(const std::filesystem::path& file, const SceneLayout& layout) {
     if (!std::filesystem::exists(file))
         return false;
     const GDALDatasetUniquePtr scene(GDALDataset::Open(file.c_str(), GDAL_OF_RASTER));
-    return scene && scene->GetRasterBand(1)->GetOverviewCount() ==
-                        static_cast<int>(layout.overviews.size());
+    return scene &&
+           scene->GetRasterBand(1)->GetOverviewCount() == static_cast<int>(layout.overviews.size());
 }
 
 std::string Make(const SceneLayout& layout) {
