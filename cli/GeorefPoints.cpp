@@ -75,6 +75,7 @@ void RemoveWorldFile(GDALDataset& dataset, const ChangedRaster& file) {
 std::vector<ControlPoint> ReadControlPoints(const std::vector<std::string>& texts,
                                             const std::string& file) {
     std::vector<ControlPoint> points;
+    points.reserve(texts.size());
     for (const std::string& text : texts)
         points.push_back(ParsePoint("--gcp", text));
     if (!file.empty())

@@ -19,9 +19,10 @@ constexpr std::array SIGNALS = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 constexpr std::size_t LONGEST_NAME = 4096;
 
 // The program may be in any state then: what is to be printed is there before.
-thread_local std::array<char, LONGEST_NAME + 2>
-    t_name;           // NOLINT(*-avoid-non-const-global-variables)
-int g_exitStatus = 1; // NOLINT(*-avoid-non-const-global-variables)
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
+thread_local std::array<char, LONGEST_NAME + 2> t_name;
+int g_exitStatus = 1;
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 void Print(const char* text) {
     [[maybe_unused]] const ssize_t written = write(MessageDescriptor(), text, std::strlen(text));
