@@ -21,6 +21,13 @@
     </message>
 </context>
 <context>
+    <name>HistogramWork</name>
+    <message>
+        <source>its pixels cannot be read</source>
+        <translation>像元无法读取</translation>
+    </message>
+</context>
+<context>
     <name>ImageWork</name>
     <message>
         <source>cannot be written</source>
@@ -45,6 +52,17 @@
     <message>
         <source>the format cannot store a reference system</source>
         <translation>该格式无法保存坐标系</translation>
+    </message>
+    <message>
+        <source>the format cannot hold</source>
+        <translation>该格式无法保存</translation>
+    </message>
+</context>
+<context>
+    <name>LayerClasses</name>
+    <message>
+        <source>cannot be written</source>
+        <translation>无法写入</translation>
     </message>
 </context>
 <context>
@@ -108,6 +126,14 @@
         <source>Covariance %1</source>
         <translation>协方差 %1</translation>
     </message>
+    <message>
+        <source>From</source>
+        <translation>起</translation>
+    </message>
+    <message>
+        <source>To</source>
+        <translation>止</translation>
+    </message>
 </context>
 <context>
     <name>RegionWork</name>
@@ -118,6 +144,121 @@
     <message>
         <source>its pixels cannot be read</source>
         <translation>无法读取像素</translation>
+    </message>
+</context>
+<context>
+    <name>Report</name>
+    <message>
+        <source>file</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>format</source>
+        <translation>格式</translation>
+    </message>
+    <message>
+        <source>size</source>
+        <translation>大小</translation>
+    </message>
+    <message>
+        <source>bands</source>
+        <translation>波段数</translation>
+    </message>
+    <message>
+        <source>origin</source>
+        <translation>原点</translation>
+    </message>
+    <message>
+        <source>pixel size</source>
+        <translation>像元大小</translation>
+    </message>
+    <message>
+        <source>geotransform</source>
+        <translation>地理变换</translation>
+    </message>
+    <message>
+        <source>extent</source>
+        <translation>范围</translation>
+    </message>
+    <message>
+        <source>coordinates</source>
+        <translation>坐标系</translation>
+    </message>
+    <message>
+        <source>control points</source>
+        <translation>控制点</translation>
+    </message>
+    <message>
+        <source>datum</source>
+        <translation>基准面</translation>
+    </message>
+    <message>
+        <source>units</source>
+        <translation>单位</translation>
+    </message>
+    <message>
+        <source>band</source>
+        <translation>波段</translation>
+    </message>
+    <message>
+        <source>type</source>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>block</source>
+        <translation>块</translation>
+    </message>
+    <message>
+        <source>no-data</source>
+        <translation>无数据值</translation>
+    </message>
+    <message>
+        <source>colours</source>
+        <translation>颜色数</translation>
+    </message>
+    <message>
+        <source>overviews</source>
+        <translation>金字塔</translation>
+    </message>
+    <message>
+        <source>point</source>
+        <translation>点</translation>
+    </message>
+    <message>
+        <source>column</source>
+        <translation>列</translation>
+    </message>
+    <message>
+        <source>row</source>
+        <translation>行</translation>
+    </message>
+    <message>
+        <source>value</source>
+        <translation>值</translation>
+    </message>
+    <message>
+        <source>red</source>
+        <translation>红</translation>
+    </message>
+    <message>
+        <source>green</source>
+        <translation>绿</translation>
+    </message>
+    <message>
+        <source>blue</source>
+        <translation>蓝</translation>
+    </message>
+    <message>
+        <source>name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>sub-data-set</source>
+        <translation>子数据集</translation>
+    </message>
+    <message>
+        <source>description</source>
+        <translation>说明</translation>
     </message>
 </context>
 <context>
@@ -348,6 +489,22 @@
         <source>Statistics</source>
         <translation>统计</translation>
     </message>
+    <message>
+        <source>Hi&amp;stograms</source>
+        <translation>直方图(&amp;S)</translation>
+    </message>
+    <message>
+        <source>How often each value occurs in the selected areas, in all, or in the whole image</source>
+        <translation>各值在所选区域、全部区域或整幅图像中出现的次数</translation>
+    </message>
+    <message>
+        <source>Ctrl+Alt+H</source>
+        <translation>Ctrl+Alt+H</translation>
+    </message>
+    <message>
+        <source>Histograms</source>
+        <translation>直方图</translation>
+    </message>
 </context>
 <context>
     <name>zelto::view::AreaModel</name>
@@ -383,8 +540,16 @@
         <translation>类别</translation>
     </message>
     <message>
-        <source>A double click on a colour chooses another one</source>
-        <translation>双击颜色可更换</translation>
+        <source>Colours of the file</source>
+        <translation>文件中的颜色</translation>
+    </message>
+    <message>
+        <source>A double click on a colour chooses another one, on a name edits it</source>
+        <translation>双击颜色可另选颜色，双击名称可编辑</translation>
+    </message>
+    <message>
+        <source>Show the classes as the file has them</source>
+        <translation>按文件中的样子显示类别</translation>
     </message>
 </context>
 <context>
@@ -567,6 +732,21 @@
     </message>
 </context>
 <context>
+    <name>zelto::view::HistogramPanel</name>
+    <message>
+        <source>The band whose histogram is shown</source>
+        <translation>显示其直方图的波段</translation>
+    </message>
+    <message>
+        <source>All bands</source>
+        <translation>所有波段</translation>
+    </message>
+    <message>
+        <source>Band %1</source>
+        <translation>波段 %1</translation>
+    </message>
+</context>
+<context>
     <name>zelto::view::HistogramView</name>
     <message>
         <source>Drag the bounds to stretch between them</source>
@@ -686,7 +866,7 @@
         </translation>
     </message>
     <message>
-        <source>Shown in the first layer's reference system</source>
+        <source>Shown in the first layer&apos;s reference system</source>
         <translation>按第一个图层的坐标系显示</translation>
     </message>
 </context>
@@ -759,6 +939,10 @@
     <message>
         <source>%1: cancelled</source>
         <translation>%1：已取消</translation>
+    </message>
+    <message>
+        <source>Histograms</source>
+        <translation>直方图</translation>
     </message>
 </context>
 <context>
@@ -855,72 +1039,8 @@
 <context>
     <name>zelto::view::PropertiesDialog</name>
     <message>
-        <source>File</source>
-        <translation>文件</translation>
-    </message>
-    <message>
-        <source>Format</source>
-        <translation>格式</translation>
-    </message>
-    <message>
-        <source>Size</source>
-        <translation>大小</translation>
-    </message>
-    <message>
-        <source>%1 × %2 pixels</source>
-        <translation>%1 × %2 像素</translation>
-    </message>
-    <message>
         <source>Bands</source>
         <translation>波段</translation>
-    </message>
-    <message>
-        <source>Origin</source>
-        <translation>原点</translation>
-    </message>
-    <message>
-        <source>Pixel size</source>
-        <translation>像素大小</translation>
-    </message>
-    <message>
-        <source>Left, top</source>
-        <translation>左、上</translation>
-    </message>
-    <message>
-        <source>Right, bottom</source>
-        <translation>右、下</translation>
-    </message>
-    <message>
-        <source>Coordinates</source>
-        <translation>坐标系</translation>
-    </message>
-    <message>
-        <source>none</source>
-        <translation>无</translation>
-    </message>
-    <message>
-        <source>Pyramid</source>
-        <translation>金字塔</translation>
-    </message>
-    <message>
-        <source>Band</source>
-        <translation>波段</translation>
-    </message>
-    <message>
-        <source>Type</source>
-        <translation>类型</translation>
-    </message>
-    <message>
-        <source>No-data value</source>
-        <translation>无效值</translation>
-    </message>
-    <message>
-        <source>Colour table</source>
-        <translation>颜色表</translation>
-    </message>
-    <message>
-        <source>yes</source>
-        <translation>有</translation>
     </message>
     <message>
         <source>Image</source>
@@ -933,6 +1053,29 @@
     <message>
         <source>As text</source>
         <translation>文本</translation>
+    </message>
+    <message>
+        <source>Control points</source>
+        <translation>控制点</translation>
+    </message>
+    <message>
+        <source>Classes</source>
+        <translation>类别</translation>
+    </message>
+    <message>
+        <source>Sub-data-sets</source>
+        <translation>子数据集</translation>
+    </message>
+</context>
+<context>
+    <name>zelto::view::RegionHistogramPlot</name>
+    <message>
+        <source>How often each value occurs in the area</source>
+        <translation>各值在区域中出现的次数</translation>
+    </message>
+    <message>
+        <source>No values</source>
+        <translation>没有值</translation>
     </message>
 </context>
 <context>
@@ -963,33 +1106,6 @@
     <message>
         <source>Give shapes a class, then compute the spectra</source>
         <translation>先为图形指定类别，再计算光谱</translation>
-    </message>
-</context>
-<context>
-    <name>zelto::view::StatisticsPanel</name>
-    <message>
-        <source>Copy the table</source>
-        <translation>复制表格</translation>
-    </message>
-    <message>
-        <source>Save the table as CSV</source>
-        <translation>将表格保存为 CSV</translation>
-    </message>
-    <message>
-        <source>The table is on the clipboard.</source>
-        <translation>表格已复制到剪贴板。</translation>
-    </message>
-    <message>
-        <source>Save the table</source>
-        <translation>保存表格</translation>
-    </message>
-    <message>
-        <source>Tables (*.csv)</source>
-        <translation>表格 (*.csv)</translation>
-    </message>
-    <message>
-        <source>%1 is saved.</source>
-        <translation>已保存 %1。</translation>
     </message>
 </context>
 <context>
@@ -1144,6 +1260,33 @@
     <message>
         <source>Stretch by the values in view instead of the whole image</source>
         <translation>按视图内的值而不是整幅影像拉伸</translation>
+    </message>
+</context>
+<context>
+    <name>zelto::view::TablePanel</name>
+    <message>
+        <source>Copy the table</source>
+        <translation>复制表格</translation>
+    </message>
+    <message>
+        <source>Save the table as CSV</source>
+        <translation>将表格保存为 CSV</translation>
+    </message>
+    <message>
+        <source>The table is on the clipboard.</source>
+        <translation>表格已复制到剪贴板。</translation>
+    </message>
+    <message>
+        <source>Save the table</source>
+        <translation>保存表格</translation>
+    </message>
+    <message>
+        <source>Tables (*.csv)</source>
+        <translation>表格 (*.csv)</translation>
+    </message>
+    <message>
+        <source>%1 is saved.</source>
+        <translation>%1 已保存。</translation>
     </message>
 </context>
 <context>
@@ -1538,6 +1681,34 @@
     <message>
         <source>Copying</source>
         <translation>正在复制</translation>
+    </message>
+    <message>
+        <source>Save c&amp;lasses…</source>
+        <translation>保存类别(&amp;L)…</translation>
+    </message>
+    <message>
+        <source>Write the classes and their colours into a file; beside the image it is where they are read from</source>
+        <translation>将类别及其颜色写入文件；放在图像旁边时，图像从中读取类别</translation>
+    </message>
+    <message>
+        <source>Ctrl+Shift+L</source>
+        <translation>Ctrl+Shift+L</translation>
+    </message>
+    <message>
+        <source>Properties</source>
+        <translation>属性</translation>
+    </message>
+    <message>
+        <source>Save classes</source>
+        <translation>保存类别</translation>
+    </message>
+    <message>
+        <source>Classes of an image (*.acf)</source>
+        <translation>图像的类别 (*.acf)</translation>
+    </message>
+    <message>
+        <source>Saving classes</source>
+        <translation>正在保存类别</translation>
     </message>
 </context>
 </TS>
