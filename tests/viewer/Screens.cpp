@@ -135,11 +135,16 @@ class Screens {
         window->FindAction("areas-mask")->trigger();
         test::Settle(*window);
         Take(*window, "statistics");
+        window->FindAction("areas-mask")->trigger();
+        window->FindAction("histograms")->trigger();
+        test::Settle(*window);
+        Take(*window, "histograms");
     }
 
     void Properties() {
         const WindowPointer window = Open();
         window->FindAction("properties")->trigger();
+        test::Settle(*window);
         Take(*window->findChild<QWidget*>("properties"), "properties");
     }
 
