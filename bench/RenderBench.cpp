@@ -82,9 +82,11 @@ struct Scene {
 /// Never deleted: the benchmarks' functions hold it until after GDAL has cleaned up its threads.
 using ScenePointer = Scene*;
 
-void EmptyBlockCache() {
+/// GDAL's, and what the engine keeps of the view before.
+void EmptyCaches(Scene& scene) {
     while (GDALRasterBlock::FlushCacheBlock()) {
     }
+    scene.source.GetRasterBand(0)->FlushCache();
 }
 
 /// Sets a stretch with everything it needs.
@@ -125,22 +127,23 @@ void AddColdView(const std::string& name, ScenePointer scene, const CBoundingBox
                     {[=] { scene->Draw(box, side); },
                      [=] {
                          SetStretch(scene->source, type);
-                         EmptyBlockCache();
+                         EmptyCaches(*scene);
                      }},
-                    {[=] { scene->Read(box, side); }, EmptyBlockCache}, 5);
+                    {[=] { scene->Read(box, side); }, [=] { EmptyCaches(*scene); }}, 5);
 }
 
 /// The same into planes. Enlarged planes are read at the file's resolution, a few samples for a
 /// whole picture, so that their ratio is for information.
 void AddColdPlanes(const std::string& name, ScenePointer scene, const CBoundingBox& box,
                    double limit) {
-    bench::AddRatio(name, limit,
-                    {[=] { scene->DrawPlanes(box, side); },
-                     [=] {
-                         SetStretch(scene->source, StretchStdDev);
-                         EmptyBlockCache();
-                     }},
-                    {[=] { scene->Read(box, side, ViewRule::Planes); }, EmptyBlockCache}, 5);
+    bench::AddRatio(
+        name, limit,
+        {[=] { scene->DrawPlanes(box, side); },
+         [=] {
+             SetStretch(scene->source, StretchStdDev);
+             EmptyCaches(*scene);
+         }},
+        {[=] { scene->Read(box, side, ViewRule::Planes); }, [=] { EmptyCaches(*scene); }}, 5);
 }
 
 void AddColdViews(const std::string& file, ScenePointer scene) {
@@ -168,14 +171,14 @@ void AddPan(const std::string& file, ScenePointer scene) {
     bench::AddRatio("render/" + file + "/cold/pan of 200", 1.25,
                     {[=] {
                          Pan(scene, [&](const CBoundingBox& box) {
-                             EmptyBlockCache();
+                             EmptyCaches(*scene);
                              scene->Draw(box, panSide);
                          });
                      },
                      [=] { SetStretch(scene->source, StretchStdDev); }},
                     {[=] {
                         Pan(scene, [&](const CBoundingBox& box) {
-                            EmptyBlockCache();
+                            EmptyCaches(*scene);
                             scene->Read(box, panSide);
                         });
                     }},
@@ -194,14 +197,14 @@ void AddQuarterPan(const std::string& file, ScenePointer scene) {
     bench::AddRatio("render/" + file + "/cold/200 views moved on by a quarter", 1.15,
                     {[=] {
                          PanByQuarters(scene, [&](const CBoundingBox& box) {
-                             EmptyBlockCache();
+                             EmptyCaches(*scene);
                              scene->Draw(box, panSide);
                          });
                      },
                      [=] { SetStretch(scene->source, StretchStdDev); }},
                     {[=] {
                         PanByQuarters(scene, [&](const CBoundingBox& box) {
-                            EmptyBlockCache();
+                            EmptyCaches(*scene);
                             scene->Read(box, panSide);
                         });
                     }},
@@ -260,7 +263,7 @@ void AddMasked(const std::string& file, ScenePointer scene) {
         auto* area = new CRasterAOI(&scene->source, StarIn(box));
         const auto prepare = [=] {
             SetStretch(scene->source, StretchStdDev);
-            EmptyBlockCache();
+            EmptyCaches(*scene);
         };
         bench::AddRatio("render/" + file + "/cold/" + name + "/masked planes (planes)", 1.15,
                         {[=] { scene->DrawPlanes(box, side, area); }, prepare},
@@ -281,7 +284,7 @@ void AddMemory(const std::string& file, ScenePointer scene) {
     bench::AddTime(name, 1.0, {[=] {
                        std::vector<unsigned char> image(std::size_t{4} * LARGE * LARGE);
                        const GIntBig cache = GDALGetCacheMax64();
-                       EmptyBlockCache();
+                       EmptyCaches(*scene);
                        GDALSetCacheMax64(16 << 20);
                        bench::ResetPeakMemory();
                        const double before = bench::PeakMemoryMegabytes();

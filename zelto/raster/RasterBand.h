@@ -109,7 +109,7 @@ class ZELTO_API CRasterBand {
                         int bufHeight, PixelDataType type, int pixelSpace, int lineSpace);
     /// Reads one pixel into `value` as `type` (PDT_Unknown: the band's own).
     GISError GetPixel(void* value, int col, int row, PixelDataType type);
-    /// Flushes the GDAL band's block cache.
+    /// Flushes the GDAL band's block cache, and forgets the samples of a large view.
     void FlushCache();
 
     /// Replaces the data cache by a region read as doubles, bufWidth × bufHeight.

@@ -2,6 +2,7 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/LastWindow.h"
 
 #include <gdal_priv.h>
 
@@ -79,6 +80,8 @@ GISError CRasterBand::GetPixel(void* value, int col, int row, PixelDataType type
 }
 
 void CRasterBand::FlushCache() {
-    if (m_band != nullptr)
-        m_band->FlushCache();
+    if (m_band == nullptr)
+        return;
+    m_band->FlushCache();
+    zelto::ForgetLastWindow(m_band->GetDataset());
 }

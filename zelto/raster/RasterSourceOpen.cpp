@@ -11,6 +11,7 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/FragileFiles.h"
+#include "zelto/raster/internal/LastWindow.h"
 #include "zelto/raster/internal/OpenedFile.h"
 #include "zelto/raster/internal/PyramidBeside.h"
 #include "zelto/raster/internal/PyramidFiles.h"
@@ -382,7 +383,9 @@ void CRasterSource::Close() {
     // A warped view holds the file as well: the file's count must sink before the view, which
     // then closes it.
     const zelto::GdalWatch watch;
-    zelto::NoteClosed(m_baseDataset != nullptr ? m_baseDataset : m_dataset);
+    const GDALDataset* const file = m_baseDataset != nullptr ? m_baseDataset : m_dataset;
+    zelto::ForgetLastWindow(file);
+    zelto::NoteClosed(file);
     if (m_baseDataset != nullptr)
         GDALReleaseDataset(m_baseDataset);
     m_baseDataset = nullptr;

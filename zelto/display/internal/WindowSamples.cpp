@@ -3,6 +3,7 @@
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/LastWindow.h"
 #include "zelto/raster/internal/PickedSamples.h"
 #include "zelto/raster/internal/VirtualBand.h"
 
@@ -133,12 +134,14 @@ std::vector<WindowSamples> WindowSamples::ReadTogether(const std::vector<GDALRas
                                  static_cast<std::size_t>(window.bufHeight));
         for (auto& ofBand : samples)
             targets.push_back(ofBand.data());
-        if (!ReadPicked(bands,
-                        {{window.xOff, window.yOff, window.xSize, window.ySize},
-                         window.bufWidth,
-                         window.bufHeight},
-                        targets))
-            return {};
+        const SampledWindow picked = {{window.xOff, window.yOff, window.xSize, window.ySize},
+                                      window.bufWidth,
+                                      window.bufHeight};
+        if (!CopyLastWindow(bands, picked, targets)) {
+            if (!ReadPicked(bands, picked, targets))
+                return {};
+            KeepLastWindow(bands, picked, targets);
+        }
         std::vector<WindowSamples> read;
         for (auto& ofBand : samples)
             read.push_back(WindowSamples(std::move(ofBand)));

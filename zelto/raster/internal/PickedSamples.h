@@ -20,6 +20,8 @@ struct SampledWindow {
     PixelBox box;
     int columns;
     int rows;
+
+    bool operator==(const SampledWindow&) const = default;
 };
 
 /// Memory for the pixels that the samples of a part of the window are picked from.

@@ -8,6 +8,8 @@ struct PixelBox {
     int top;
     int width;
     int height;
+
+    bool operator==(const PixelBox&) const = default;
 };
 
 } // namespace zelto
