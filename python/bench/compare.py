@@ -142,7 +142,7 @@ def main() -> None:
 
     # One thread a worker: two workers are compared with one, not with one that has both processors.
     os.environ["GDAL_NUM_THREADS"] = "1"
-    scenes = [make_scene(os.path.join(folder, f"many{n}.tif"), 6000, 1, compress="deflate")
+    scenes = [make_scene(os.path.join(folder, f"four{n}.tif"), 6000, 4, compress="deflate")
               for n in range(8)]
     report("eight scenes of 6000 x 6000: 2 workers, 1",
            least(1, lambda: many.statistics(scenes, jobs=2)),

@@ -87,21 +87,21 @@ bool IsSameList(CSLConstList a, CSLConstList b) {
 }
 
 /// Whether both turn what is stored into samples in the same way.
-bool AreAlike(GDALMajorObject& a, GDALMajorObject& b) {
+bool StoreAlike(GDALMajorObject& a, GDALMajorObject& b) {
     return IsSameList(a.GetMetadata("IMAGE_STRUCTURE"), b.GetMetadata("IMAGE_STRUCTURE"));
 }
 
 /// Whether both show the same image of the file. Options that were set while one was opened may
 /// not have been set for the other.
-bool AreAlikeWithBands(GDALDataset& a, GDALDataset& b) {
+bool ShowTheSame(GDALDataset& a, GDALDataset& b) {
     if (a.GetRasterXSize() != b.GetRasterXSize() || a.GetRasterYSize() != b.GetRasterYSize() ||
-        a.GetRasterCount() != b.GetRasterCount() || !AreAlike(a, b))
+        a.GetRasterCount() != b.GetRasterCount() || !StoreAlike(a, b))
         return false;
     for (int number = 1; number <= a.GetRasterCount(); ++number) {
         GDALRasterBand& ofA = *a.GetRasterBand(number);
         GDALRasterBand& ofB = *b.GetRasterBand(number);
         if (ofA.GetRasterDataType() != ofB.GetRasterDataType() ||
-            ofA.GetColorInterpretation() != ofB.GetColorInterpretation() || !AreAlike(ofA, ofB))
+            ofA.GetColorInterpretation() != ofB.GetColorInterpretation() || !StoreAlike(ofA, ofB))
             return false;
     }
     return true;
@@ -182,7 +182,7 @@ bool ThreadedReader::OpenHandles(GDALDataset& dataset, std::size_t count) {
         return false;
     for (std::size_t i = 0; i < count; ++i) {
         m_handles.push_back(OpenAgain(dataset));
-        if (!m_handles.back() || !AreAlikeWithBands(dataset, *m_handles.back()))
+        if (!m_handles.back() || !ShowTheSame(dataset, *m_handles.back()))
             return false;
     }
     // Meanwhile another file may have come.
