@@ -7,7 +7,6 @@
 #include "cli/Commands.h"
 #include "cli/RenderMany.h"
 #include "cli/RenderOpacity.h"
-#include "cli/support/RenderRamps.h"
 #include "cli/RenderRecipe.h"
 #include "cli/RenderSheet.h"
 #include "cli/RenderStretch.h"
@@ -23,6 +22,7 @@
 #include "cli/support/Picture.h"
 #include "cli/support/PyramidHint.h"
 #include "cli/support/Region.h"
+#include "cli/support/RenderRamps.h"
 #include "cli/support/Text.h"
 
 #include <CLI/CLI.hpp>

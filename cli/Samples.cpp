@@ -1,5 +1,5 @@
-#include "cli/support/AoiFile.h"
 #include "cli/Commands.h"
+#include "cli/support/AoiFile.h"
 #include "cli/support/Csv.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Json.h"

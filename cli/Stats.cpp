@@ -1,5 +1,5 @@
-#include "cli/support/AoiFile.h"
 #include "cli/Commands.h"
+#include "cli/support/AoiFile.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Interrupts.h"
 #include "cli/support/ManyFiles.h"
@@ -134,7 +134,7 @@ void PrintRemarks(const std::string& file, const std::vector<RegionReport>& repo
         sampled = sampled || report.sampled;
         if (report.Count() == 0)
             Remark(file + ": no values in " +
-                 (report.shape.empty() ? "the region" : "shape " + report.shape));
+                   (report.shape.empty() ? "the region" : "shape " + report.shape));
     }
     if (sampled)
         Remark(file + ": a sample was taken; the counts are those of the sample");

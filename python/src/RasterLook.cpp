@@ -5,9 +5,9 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/RenderRamps.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
+#include "cli/support/RenderRamps.h"
 #include "python/src/Errors.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include "zelto/aoi/DrawShape.h"
 
-#include "cli/support/RenderRamps.h"
 #include "cli/RenderStretch.h"
 #include "cli/support/Failure.h"
 #include "cli/support/RasterChoice.h"
 #include "cli/support/Region.h"
+#include "cli/support/RenderRamps.h"
 #include "cli/support/Text.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/fuzz/InputBytes.h"

@@ -66,6 +66,7 @@ GISError CRegionStatistics::ComputeHistograms(std::vector<Histogram>& histograms
 bool CRegionStatistics::CountTogether(std::vector<Histogram>& histograms,
                                       CDataProgress* progress) const {
     std::vector<int> bands;
+    bands.reserve(histograms.size());
     for (const Histogram& histogram : histograms)
         bands.push_back(m_bands[static_cast<std::size_t>(histogram.position)].index);
     const auto add = [&](std::size_t i, std::span<const double> values) {

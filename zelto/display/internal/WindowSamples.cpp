@@ -129,6 +129,7 @@ std::vector<WindowSamples> WindowSamples::ReadTogether(const std::vector<GDALRas
     const auto as = [&](auto sample) -> std::vector<WindowSamples> {
         std::vector<Samples<decltype(sample)>> samples;
         std::vector<void*> targets;
+        targets.reserve(bands.size());
         for (std::size_t b = 0; b < bands.size(); ++b)
             samples.emplace_back(static_cast<std::size_t>(window.bufWidth) *
                                  static_cast<std::size_t>(window.bufHeight));
@@ -143,6 +144,7 @@ std::vector<WindowSamples> WindowSamples::ReadTogether(const std::vector<GDALRas
             KeepLastWindow(bands, picked, targets);
         }
         std::vector<WindowSamples> read;
+        read.reserve(samples.size());
         for (auto& ofBand : samples)
             read.push_back(WindowSamples(std::move(ofBand)));
         return read;
