@@ -14,9 +14,12 @@
 #include <gtest/gtest.h>
 
 #include <QComboBox>
+#include <QDialog>
 #include <QLabel>
+#include <QMenu>
 #include <QPainter>
 #include <QTest>
+#include <QTimer>
 #include <QWheelEvent>
 #include <filesystem>
 #include <memory>
@@ -310,5 +313,58 @@ TEST_F(Window, HasATooltipForEveryActionAndAShortcutOfItsOwn) {
             << qPrintable(action->objectName()) << " and "
             << qPrintable(taken.value(action->shortcut()));
         taken[action->shortcut()] = action->objectName();
+    }
+}
+
+TEST_F(Window, HasAMenuEntryForEveryAction) {
+    QSet<QAction*> inMenus;
+    for (const QMenu* menu : m_window->findChildren<QMenu*>())
+        for (QAction* entry : menu->actions())
+            inMenus.insert(entry);
+    for (QAction* action : m_window->Actions().All())
+        EXPECT_TRUE(inMenus.contains(action)) << qPrintable(action->objectName());
+}
+
+TEST_F(Window, RunsEveryActionByItsShortcut) {
+    // Whatever an action asks is answered with no.
+    QTimer refusal;
+    QObject::connect(&refusal, &QTimer::timeout, [] {
+        if (QWidget* dialog = QApplication::activeModalWidget())
+            dialog->close();
+    });
+    refusal.start(20);
+    ASSERT_TRUE(OpenAndSettle(*m_window, {QString::fromStdString(SampleScene())}));
+    for (QAction* action : m_window->Actions().All()) {
+        const QString id = action->objectName();
+        // The one ends the program, the other writes beside the sample scene.
+        if (id == "quit" || id == "pyramids")
+            continue;
+        DrawRectangle();
+        if (id == "samples-save" || id == "spectra" || id == "class-assign" || id == "class-remove")
+            Trigger("class-add");
+        if (id == "redo")
+            Trigger("undo");
+        if (id == "display-paste")
+            Trigger("display-copy");
+        ASSERT_TRUE(Settle(*m_window));
+        int ran = 0;
+        const auto count = [&ran] { ++ran; };
+        const QMetaObject::Connection connection =
+            QObject::connect(action, &QAction::triggered, count);
+        if (id == "classes-save")
+            action->setEnabled(true); // the scene has no classes
+        // Shortcuts are the active window's; a dialog was that before.
+        m_window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+        Map().setFocus();
+        QTest::keySequence(&Map(), action->shortcut());
+        EXPECT_EQ(ran, 1) << qPrintable(id);
+        QObject::disconnect(connection);
+        ASSERT_TRUE(Settle(*m_window)) << qPrintable(id);
+        for (QDialog* dialog : m_window->findChildren<QDialog*>())
+            dialog->close();
+        if (!m_window->GetDocument().HasPicture()) {
+            ASSERT_TRUE(OpenAndSettle(*m_window, {QString::fromStdString(SampleScene())}));
+        }
     }
 }
