@@ -70,6 +70,7 @@ int HandOverToPython(int argc, char** argv) {
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     arguments.push_back(nullptr);
     LetSignalsThrough();
+    GiveBackStandardError();
     execvp(interpreter.c_str(), arguments.data());
     Tell("--cluster takes Python: " + interpreter + ": " + std::strerror(errno));
     return 1;

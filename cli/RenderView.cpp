@@ -25,8 +25,9 @@ struct Size {
 int ParseSide(const std::string& text, const std::string& whole) {
     if (text.empty())
         return 0;
-    const double side = ParseNumbers("--size", text, 1).front();
-    if (!(side >= 1 && side <= LARGEST_SIDE) || side != std::floor(side))
+    const std::vector<double> sides = ParseNumbers("--size", text);
+    const double side = sides.front();
+    if (sides.size() != 1 || !(side >= 1 && side <= LARGEST_SIDE) || side != std::floor(side))
         throw UsageError("--size: '" + whole + "' is not WxH with sides of 1 to " +
                          std::to_string(LARGEST_SIDE) + " pixels");
     return static_cast<int>(side);

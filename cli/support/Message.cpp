@@ -59,6 +59,11 @@ void TakeStandardStreams() {
         __sanitizer_set_report_fd(reinterpret_cast<void*>(std::intptr_t{g_messages}));
 }
 
+void GiveBackStandardError() {
+    if (g_messages != STDERR_FILENO)
+        dup2(g_messages, STDERR_FILENO);
+}
+
 void PrintOnTerminal(const std::string& text) {
     std::size_t done = 0;
     while (done < text.size()) {

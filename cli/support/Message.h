@@ -16,6 +16,9 @@ bool IsDebugging();
 /// Where the program's messages go.
 int MessageDescriptor();
 
+/// Gives standard error back, for a program that takes this one's place.
+void GiveBackStandardError();
+
 /// Prints one line on standard error behind the program's name, fit for a terminal.
 void Tell(const std::string& line);
 

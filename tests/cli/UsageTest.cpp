@@ -210,3 +210,9 @@ TEST(StandardOutput, AClosedPipeIsToldWhereItsSignalIsIgnored) {
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.errors, "zelto: standard output: Broken pipe\n");
 }
+
+TEST(Cluster, WhatThePackageTellsIsHeard) {
+    const auto run = RunZelto({"stats", "--cluster"});
+    EXPECT_NE(run.exitStatus, 0);
+    EXPECT_NE(run.errors.find("--cluster"), std::string::npos) << run.errors;
+}
