@@ -1,12 +1,11 @@
 #include "viewer/views/LayersPanel.h"
 
 #include "viewer/model/Document.h"
+#include "viewer/views/ButtonRow.h"
 
 #include <QAbstractItemModel>
 #include <QAction>
-#include <QHBoxLayout>
 #include <QListWidget>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace zelto::view {
@@ -43,16 +42,7 @@ LayersPanel::LayersPanel(Document& document, QWidget* parent)
 }
 
 void LayersPanel::AddToolBarActions(const QList<QAction*>& actions) {
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(4, 2, 4, 4);
-    row->setSpacing(2);
-    for (QAction* action : actions) {
-        auto* button = new QToolButton;
-        button->setDefaultAction(action);
-        row->addWidget(button);
-    }
-    row->addStretch(1);
-    static_cast<QVBoxLayout*>(layout())->addLayout(row);
+    static_cast<QVBoxLayout*>(layout())->addLayout(MakeButtonRow(actions));
 }
 
 void LayersPanel::Fill(QListWidgetItem& item, const Layer& layer) const {

@@ -2,14 +2,13 @@
 
 #include "viewer/model/AreaModel.h"
 #include "viewer/model/TrainingClasses.h"
+#include "viewer/views/ButtonRow.h"
 #include "viewer/views/SpectralPlot.h"
 
 #include <QAction>
 #include <QColorDialog>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QTableWidget>
-#include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -66,16 +65,7 @@ TrainingPanel::TrainingPanel(TrainingClasses& classes, AreaModel& areas, QWidget
 }
 
 void TrainingPanel::AddToolBarActions(const QList<QAction*>& actions) {
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(4, 2, 4, 4);
-    row->setSpacing(2);
-    for (QAction* action : actions) {
-        auto* button = new QToolButton;
-        button->setDefaultAction(action);
-        row->addWidget(button);
-    }
-    row->addStretch(1);
-    static_cast<QVBoxLayout*>(layout())->addLayout(row);
+    static_cast<QVBoxLayout*>(layout())->addLayout(MakeButtonRow(actions));
 }
 
 int TrainingPanel::NumberOf(int row) const {
