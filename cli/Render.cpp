@@ -155,6 +155,9 @@ Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
 /// drawing left.
 Picture DrawSheet(const View& view, const Options& options) {
     std::vector<SheetCell> cells;
+    // What one picture reads of the file serves the others for as long as it is open.
+    CRasterSource kept;
+    OpenForDisplay(kept, options.file, "");
     for (const std::string& name : StretchesOfSheet()) {
         CRasterSource source;
         OpenForDisplay(source, options.file, options.srs);

@@ -28,7 +28,7 @@ class LastWindow : public testing::Test {
         m_bands = {m_dataset->GetRasterBand(1), m_dataset->GetRasterBand(2)};
     }
     ~LastWindow() override {
-        zelto::ForgetLastWindow(m_dataset.get());
+        zelto::ForgetLastWindow(*zelto::FileState::Of(m_path));
         zelto::NoteClosed(m_dataset.get());
         m_dataset.reset();
         CGISDataSource::DestroyGDAL();
@@ -77,17 +77,27 @@ TEST_F(LastWindow, IsReplacedByTheNext) {
     EXPECT_EQ(Copy({{0, 0, 2, 2}, 1, 1}), (std::vector<Values>{{1}, {2}}));
 }
 
-TEST_F(LastWindow, IsNoneOfAFileThatWasWrittenToOrIsClosed) {
+TEST_F(LastWindow, IsNoneOfAFileThatWasWrittenToOrIsReadAnew) {
     Keep(WINDOW, {5, 6}, {7, 8});
     const auto before = std::filesystem::last_write_time(m_path);
     std::filesystem::last_write_time(m_path, before + std::chrono::seconds(1));
     EXPECT_EQ(Copy(WINDOW), std::nullopt);
     std::filesystem::last_write_time(m_path, before);
     EXPECT_NE(Copy(WINDOW), std::nullopt);
-    zelto::ForgetLastWindow(nullptr);
-    EXPECT_NE(Copy(WINDOW), std::nullopt);
-    zelto::ForgetLastWindow(m_dataset.get());
+    zelto::ForgetLastWindow(*zelto::StateAsOpened(*m_dataset));
     EXPECT_EQ(Copy(WINDOW), std::nullopt);
+}
+
+TEST_F(LastWindow, IsThatOfEveryDataSetOfTheFile) {
+    Keep(WINDOW, {5, 6}, {7, 8});
+    const GDALDatasetUniquePtr second(GDALDataset::Open(m_path.c_str(), GDAL_OF_RASTER));
+    m_bands = {second->GetRasterBand(1), second->GetRasterBand(2)};
+    EXPECT_EQ(Copy(WINDOW), std::nullopt);
+    zelto::NoteOpened(*second, zelto::FileState::Of(m_path));
+    EXPECT_EQ(Copy(WINDOW), (std::vector<Values>{{5, 6}, {7, 8}}));
+
+    EXPECT_EQ(zelto::NoteClosed(m_dataset.get()), std::nullopt);
+    EXPECT_EQ(zelto::NoteClosed(second.get()), zelto::FileState::Of(m_path));
 }
 
 TEST_F(LastWindow, IsNotKeptOfADataSetThatIsNoSourcesOrBeyondItsMemory) {

@@ -15,6 +15,7 @@
 #include <bit>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 #include <thread>
@@ -186,10 +187,9 @@ class StatisticsOnDemand : public testing::Test {
             GDALDataset::Open(m_folder.File(name).c_str(), GDAL_OF_RASTER));
         const char* offset = dataset->GetRasterBand(1)->GetMetadataItem(block, "TIFF");
         ASSERT_NE(offset, nullptr);
-        std::string bytes = zelto::test::ReadFile(m_folder.Path() / name);
-        bytes.replace(std::stoul(offset), 64, 64, '\xFF');
-        dataset.reset();
-        zelto::test::WriteFile(m_folder.Path() / name, bytes);
+        std::fstream file(m_folder.Path() / name, std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(std::stoll(offset));
+        file << std::string(64, '\xFF');
     }
 
     TemporaryFolder m_folder;
@@ -317,6 +317,7 @@ TEST_F(StatisticsOnDemand, ManyThreadsMayBeTheFirstToAsk) {
     ASSERT_EQ(eager.source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
     for (int b = 0; b < 4; ++b)
         eager.NoteStatistics(*eager.source.GetRasterBand(b));
+    eager.source.Close(); // What it found would be known to the others.
     for (int round = 0; round < 20; ++round) {
         Host host;
         ASSERT_EQ(host.source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
@@ -337,6 +338,49 @@ TEST_F(StatisticsOnDemand, ManyThreadsMayBeTheFirstToAsk) {
             for (std::size_t i = 0; i < 4; ++i)
                 EXPECT_EQ(answers[t][i], eager.answers[(t + i) % 4 * 6 + 2]);
     }
+}
+
+TEST_F(StatisticsOnDemand, OfAFileThatIsOpenAreTakenOnceForAllItsSources) {
+    const std::wstring path = Write("twice.tif",
+                                    {.width = 90,
+                                     .height = 70,
+                                     .type = GDT_Int16,
+                                     .options = {"COMPRESS=DEFLATE", "BLOCKYSIZE=70"}},
+                                    {RAMP});
+    const fs::path file = m_folder.Path() / "twice.tif";
+    const auto written = fs::last_write_time(file);
+    CRasterSource first;
+    ASSERT_EQ(first.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(first.GetRasterBand(0)->GetMaximum(), 250.0);
+
+    // Whoever reads the pixels once more meets rubbish.
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    Damage("twice.tif", "BLOCK_OFFSET_0_0");
+    fs::last_write_time(file, written);
+    CRasterSource second;
+    ASSERT_EQ(second.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    first.Close();
+    EXPECT_EQ(second.GetRasterBand(0)->GetMaximum(), 250.0);
+
+    second.Close();
+    ASSERT_EQ(second.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(second.GetRasterBand(0)->GetMaximum(), 32768.0) << "of its type, for want of pixels";
+}
+
+TEST_F(StatisticsOnDemand, OfAFileThatWasChangedAreTakenAnew) {
+    const zelto::test::RasterSpec spec{
+        .width = 90, .height = 70, .type = GDT_Int16, .options = {"COMPRESS=DEFLATE"}};
+    const std::wstring path = Write("changed.tif", spec, {RAMP});
+    CRasterSource first;
+    ASSERT_EQ(first.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(first.GetRasterBand(0)->GetMaximum(), 250.0);
+
+    Write("other.tif", spec, {Pixels(RAMP.size(), 7.0)});
+    fs::rename(m_folder.Path() / "other.tif", m_folder.Path() / "changed.tif");
+    CRasterSource second;
+    ASSERT_EQ(second.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(second.GetRasterBand(0)->GetMaximum(), 7.0);
+    EXPECT_EQ(first.GetRasterBand(0)->GetMaximum(), 250.0);
 }
 
 TEST_F(StatisticsOnDemand, AnswersWhatSamplingAtOpeningAnswersInAnyOrder) {

@@ -83,5 +83,8 @@ void CRasterBand::FlushCache() {
     if (m_band == nullptr)
         return;
     m_band->FlushCache();
-    zelto::ForgetLastWindow(m_band->GetDataset());
+    const GDALDataset* dataset = m_band->GetDataset();
+    const auto file = dataset != nullptr ? zelto::StateAsOpened(*dataset) : std::nullopt;
+    if (file)
+        zelto::ForgetLastWindow(*file);
 }

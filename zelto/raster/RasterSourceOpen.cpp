@@ -11,6 +11,7 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/FragileFiles.h"
+#include "zelto/raster/internal/KnownStatistics.h"
 #include "zelto/raster/internal/LastWindow.h"
 #include "zelto/raster/internal/OpenedFile.h"
 #include "zelto/raster/internal/PyramidBeside.h"
@@ -384,8 +385,10 @@ void CRasterSource::Close() {
     // then closes it.
     const zelto::GdalWatch watch;
     const GDALDataset* const file = m_baseDataset != nullptr ? m_baseDataset : m_dataset;
-    zelto::ForgetLastWindow(file);
-    zelto::NoteClosed(file);
+    if (const auto closed = zelto::NoteClosed(file)) {
+        zelto::ForgetLastWindow(*closed);
+        zelto::ForgetStatistics(*closed);
+    }
     if (m_baseDataset != nullptr)
         GDALReleaseDataset(m_baseDataset);
     m_baseDataset = nullptr;

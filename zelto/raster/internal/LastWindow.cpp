@@ -1,10 +1,9 @@
 #include "zelto/raster/internal/LastWindow.h"
 
-#include "zelto/raster/internal/OpenedFile.h"
-
 #include <cstring>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace zelto {
@@ -12,22 +11,30 @@ namespace zelto {
 namespace {
 
 struct Kept {
-    const GDALDataset* dataset = nullptr;
-    std::vector<GDALRasterBand*> bands;
-    SampledWindow window{};
+    FileState file;
+    std::vector<int> bands; ///< their numbers
+    SampledWindow window;
     std::vector<std::vector<std::byte>> samples; ///< per band
 };
 
 /// Several threads may have sources of their own.
 struct LastWindow {
     std::mutex access;
-    Kept kept;
+    std::optional<Kept> kept;
 };
 
 /// Outlives the last source, which a host may keep in a static object.
 LastWindow& TheLastWindow() {
     static auto* const last = new LastWindow; // NOLINT(cppcoreguidelines-owning-memory)
     return *last;
+}
+
+std::vector<int> NumbersOf(const std::vector<GDALRasterBand*>& bands) {
+    std::vector<int> numbers;
+    numbers.reserve(bands.size());
+    for (GDALRasterBand* band : bands)
+        numbers.push_back(band->GetBand());
+    return numbers;
 }
 
 std::size_t BytesOfBand(GDALRasterBand& band, const SampledWindow& window) {
@@ -39,13 +46,12 @@ std::size_t BytesOfBand(GDALRasterBand& band, const SampledWindow& window) {
 
 void KeepLastWindow(const std::vector<GDALRasterBand*>& bands, const SampledWindow& window,
                     const std::vector<void*>& samples) {
-    const GDALDataset* dataset = bands.front()->GetDataset();
+    const std::optional<FileState> file = StateAsOpened(*bands.front()->GetDataset());
     const std::size_t bytes = BytesOfBand(*bands.front(), window);
-    if (bytes * bands.size() > static_cast<std::size_t>(LARGEST_LAST_WINDOW) ||
-        !IsAsOpened(*dataset))
+    if (!file || bytes * bands.size() > static_cast<std::size_t>(LARGEST_LAST_WINDOW))
         return;
     try {
-        Kept kept{dataset, bands, window, {}};
+        Kept kept{*file, NumbersOf(bands), window, {}};
         for (const void* ofBand : samples) {
             const auto* first = static_cast<const std::byte*>(ofBand);
             kept.samples.emplace_back(first, first + bytes);
@@ -54,7 +60,7 @@ void KeepLastWindow(const std::vector<GDALRasterBand*>& bands, const SampledWind
         const std::lock_guard lock(last.access);
         last.kept = std::move(kept);
     } catch (const std::bad_alloc&) {
-        ForgetLastWindow(dataset);
+        ForgetLastWindow(*file);
     }
 }
 
@@ -62,20 +68,21 @@ bool CopyLastWindow(const std::vector<GDALRasterBand*>& bands, const SampledWind
                     const std::vector<void*>& samples) {
     LastWindow& last = TheLastWindow();
     const std::lock_guard lock(last.access);
-    const Kept& kept = last.kept;
-    if (kept.dataset == nullptr || kept.bands != bands || kept.window != window ||
-        !IsAsOpened(*kept.dataset))
+    const std::optional<Kept>& kept = last.kept;
+    if (!kept || kept->window != window ||
+        kept->file != StateAsOpened(*bands.front()->GetDataset()) ||
+        kept->bands != NumbersOf(bands))
         return false;
     for (std::size_t b = 0; b < samples.size(); ++b)
-        std::memcpy(samples[b], kept.samples[b].data(), kept.samples[b].size());
+        std::memcpy(samples[b], kept->samples[b].data(), kept->samples[b].size());
     return true;
 }
 
-void ForgetLastWindow(const GDALDataset* dataset) {
+void ForgetLastWindow(const FileState& file) {
     LastWindow& last = TheLastWindow();
     const std::lock_guard lock(last.access);
-    if (dataset != nullptr && last.kept.dataset == dataset)
-        last.kept = {};
+    if (last.kept && last.kept->file == file)
+        last.kept.reset();
 }
 
 } // namespace zelto

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelto/raster/internal/OpenedFile.h"
 #include "zelto/raster/internal/PickedSamples.h"
 
 #include <gdal_priv.h>
@@ -10,8 +11,9 @@
 
 /// @file
 /// The samples of the window that was picked last. A view of a large image without a pyramid costs
-/// seconds, and is mostly wanted again at once: with another stretch, or for the next picture of a
-/// contact sheet.
+/// seconds, and is mostly wanted again at once: with another stretch, or by another source of the
+/// same file for the next picture of a contact sheet. Which samples are picked depends on nothing
+/// but the file, the bands and the window.
 
 namespace zelto {
 
@@ -23,12 +25,13 @@ inline constexpr std::int64_t LARGEST_LAST_WINDOW = std::int64_t{16} << 20; // b
 void KeepLastWindow(const std::vector<GDALRasterBand*>& bands, const SampledWindow& window,
                     const std::vector<void*>& samples);
 
-/// Does what ReadPicked() does where it was done last, and the file is still the same.
+/// Does what ReadPicked() does where it was done last, of the same file, and that is still the
+/// same.
 /// @return whether it was
 bool CopyLastWindow(const std::vector<GDALRasterBand*>& bands, const SampledWindow& window,
                     const std::vector<void*>& samples);
 
-/// Drops what is kept of a data set, which is about to be closed.
-void ForgetLastWindow(const GDALDataset* dataset);
+/// Drops what is kept of a file, which is closed or to be read anew.
+void ForgetLastWindow(const FileState& file);
 
 } // namespace zelto

@@ -1,5 +1,6 @@
 #include "zelto/raster/internal/OpenedFile.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <sys/stat.h>
@@ -40,17 +41,24 @@ void NoteOpened(const GDALDataset& dataset, const std::optional<FileState>& befo
     opened.states[&dataset] = *before;
 }
 
-void NoteClosed(const GDALDataset* dataset) {
+std::optional<FileState> NoteClosed(const GDALDataset* dataset) {
     OpenedFiles& opened = Opened();
     const std::lock_guard lock(opened.access);
-    opened.states.erase(dataset);
+    const auto closed = opened.states.extract(dataset);
+    if (closed.empty() ||
+        std::any_of(opened.states.begin(), opened.states.end(),
+                    [&](const auto& other) { return other.second == closed.mapped(); }))
+        return std::nullopt;
+    return closed.mapped();
 }
 
-bool IsAsOpened(const GDALDataset& dataset) {
+std::optional<FileState> StateAsOpened(const GDALDataset& dataset) {
     OpenedFiles& opened = Opened();
     const std::lock_guard lock(opened.access);
     const auto found = opened.states.find(&dataset);
-    return found != opened.states.end() && FileState::Of(dataset.GetDescription()) == found->second;
+    if (found == opened.states.end() || FileState::Of(dataset.GetDescription()) != found->second)
+        return std::nullopt;
+    return found->second;
 }
 
 } // namespace zelto

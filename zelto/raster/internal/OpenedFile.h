@@ -28,8 +28,13 @@ struct FileState {
 /// @param before the state of the file before it was opened
 void NoteOpened(const GDALDataset& dataset, const std::optional<FileState>& before);
 /// To be called before the data set is closed.
-void NoteClosed(const GDALDataset* dataset);
-/// Whether the name of a noted data set still stands for the file it was opened from, as it was.
-bool IsAsOpened(const GDALDataset& dataset);
+/// @return the state of its file where no other noted data set has it open
+std::optional<FileState> NoteClosed(const GDALDataset* dataset);
+/// The state of the file of a noted data set, as long as its name still stands for that file, as it
+/// was.
+std::optional<FileState> StateAsOpened(const GDALDataset& dataset);
+inline bool IsAsOpened(const GDALDataset& dataset) {
+    return StateAsOpened(dataset).has_value();
+}
 
 } // namespace zelto

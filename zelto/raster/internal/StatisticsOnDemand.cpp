@@ -3,6 +3,7 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/JointSampling.h"
+#include "zelto/raster/internal/KnownStatistics.h"
 #include "zelto/raster/internal/StatisticsBand.h"
 
 #include <algorithm>
@@ -28,7 +29,9 @@ BandSummary ApproximateRange(GDALRasterBand& band) {
 
 BandSummary SampledOrTypeRange(GDALRasterBand& band, const double* noData) {
     BandSummary found;
-    if (!SampleBand(band, noData, nullptr, found))
+    if (SampleBand(band, noData, nullptr, found))
+        KeepStatistics(band, noData != nullptr ? std::optional(*noData) : std::nullopt, found);
+    else
         CRasterAlgorithm::GetMaxMinVal(static_cast<PixelDataType>(band.GetRasterDataType()),
                                        found.maximum, found.minimum);
     return found;
@@ -57,13 +60,15 @@ void StatisticsOnDemand::TakeAll() {
 }
 
 void StatisticsOnDemand::Take(Member& member) {
-    if (member.kind == Kind::Sampled)
+    if (member.kind == Kind::Range) {
+        member.found = ApproximateRange(*member.band);
+        return;
+    }
+    member.found = KnownStatistics(*member.band, member.noData);
+    if (!member.found)
         TakeJointly(member);
     if (!member.found)
-        member.found =
-            member.kind == Kind::Range
-                ? ApproximateRange(*member.band)
-                : SampledOrTypeRange(*member.band, member.noData ? &*member.noData : nullptr);
+        member.found = SampledOrTypeRange(*member.band, member.noData ? &*member.noData : nullptr);
 }
 
 /// Whoever asks for one band mostly asks for the others next.
@@ -74,8 +79,10 @@ void StatisticsOnDemand::TakeJointly(const Member& wanted) {
     for (const Member* member : pass)
         bands.push_back({member->band, member->noData});
     const std::vector<BandSummary> found = SampleJointly(bands);
-    for (std::size_t i = 0; i < found.size(); ++i)
+    for (std::size_t i = 0; i < found.size(); ++i) {
         pass[i]->found = found[i];
+        KeepStatistics(*pass[i]->band, pass[i]->noData, found[i]);
+    }
 }
 
 std::vector<StatisticsOnDemand::Member*>
