@@ -21,7 +21,7 @@ constexpr const char* SOURCE_SRS = "EPSG:32650";
 constexpr const char* TARGET_SRS = "EPSG:4326";
 constexpr const char* IMAGE = "/vsimem/coordinate-bench.tif";
 constexpr int POINTS = 10'000'000;
-constexpr int PAIRS = 3;
+constexpr int PAIRS = 5;
 
 struct DestroyTransformation {
     void operator()(OGRCoordinateTransformation* transformation) const {

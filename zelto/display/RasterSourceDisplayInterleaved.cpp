@@ -8,8 +8,13 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstring>
+#include <list>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace zelto {
@@ -58,24 +63,88 @@ class InterleavedView {
                  });
     }
 
-    /// Draws into the channel of the k-th shown band.
+    /// Draws the samples into the channel of the k-th shown band, at the latest with the next
+    /// DrawAwaited(): channels that are drawn together pass over the image once.
     /// @param sums counts what is drawn, may be null
-    void DrawChannel(const WindowSamples& samples, CRasterBand& band, int k, ShowSums* sums) {
-        const ChannelRule rule{ShownChannel(k), k == 0};
-        const SamplePositions positions = PositionsOf(band);
+    void DrawChannel(WindowSamples samples, CRasterBand& band, int k, ShowSums* sums) {
+        // The image is asked below, and an auto-levels map takes the place of what others show by.
+        if (DisplayMapping::AwaitsAutoLevels(band))
+            DrawAwaited();
+        AwaitedChannel& channel = m_awaited.emplace_back(AwaitedChannel{
+            std::move(samples), PositionsOf(band), {}, {ShownChannel(k), k == 0}, sums});
         const bool shows = NeedsDisplayState(
-            samples, band, m_w, m_h, positions, m_noMask,
+            channel.samples, band, m_w, m_h, channel.positions, m_noMask,
             [k, out = m_out](std::size_t pixel) { return k == 0 || out[pixel * 4 + 3] != 0; });
-        const auto lookup = shows ? ShowBytes(samples, band) : ShowNothing(samples, ShownByte{0});
+        channel.lookup.emplace(shows ? ShowBytes(channel.samples, band)
+                                     : ShowNothing(channel.samples, ShownByte{0}));
+        m_awaitedBytes += channel.samples.Visit(
+            [](const auto& values) { return values.size() * sizeof values[0]; });
+        if (m_awaitedBytes > MOST_AWAITED)
+            DrawAwaited();
+    }
+
+    /// Draws the channels that wait for it.
+    void DrawAwaited() {
+        if (m_awaited.empty())
+            return;
         // A repeated row would not be counted.
-        DrawRows(BandView{m_w, m_h, positions, lookup, m_noMask},
-                 sums == nullptr ? Repeatable() : RowBuffers{},
-                 [&](std::size_t pixel, int count, const ShownByte* bytes) {
-                     ComposeChannel(bytes, count, rule, m_out + pixel * 4, sums);
-                 });
+        const bool counts =
+            std::any_of(m_awaited.begin(), m_awaited.end(),
+                        [](const AwaitedChannel& of) { return of.sums != nullptr; });
+        ForEachRow(
+            m_w, m_h, counts ? RowBuffers{} : Repeatable(),
+            [this](int row) {
+                return std::all_of(
+                    m_awaited.begin(), m_awaited.end(),
+                    [&](const AwaitedChannel& of) { return ShowsSameAsRowAbove(ViewOf(of), row); });
+            },
+            [this, all = !counts && m_awaited.size() == mostShownBands](int row) {
+                if (all)
+                    DrawRowOfAll(row);
+                else
+                    DrawRowOfEach(row);
+            });
+        m_awaited.clear();
+        m_awaitedBytes = 0;
     }
 
   private:
+    /// What is to be drawn into one channel of the image.
+    struct AwaitedChannel {
+        WindowSamples samples;
+        SamplePositions positions;
+        std::optional<SampleLookup<ShownByte>> lookup; ///< refers to the samples
+        ChannelRule rule;
+        ShowSums* sums;
+    };
+
+    /// Bytes of samples that wait to be drawn together: what a core's cache holds until then. More
+    /// of them cost more than the second pass over the image that they save.
+    static constexpr std::size_t MOST_AWAITED = std::size_t{1} << 20;
+
+    BandView<ShownByte> ViewOf(const AwaitedChannel& of) const {
+        return {m_w, m_h, of.positions, *of.lookup, m_noMask};
+    }
+    void DrawRowOfEach(int row) const {
+        for (const AwaitedChannel& of : m_awaited)
+            VisitRow(ViewOf(of), row, [&](std::size_t pixel, int count, const ShownByte* bytes) {
+                ComposeChannel(bytes, count, of.rule, m_out + pixel * 4, of.sums);
+            });
+    }
+    /// The same of red, green and blue, none of which is counted.
+    void DrawRowOfAll(int row) const {
+        SamplePositions::Scratch scratch;
+        std::array<std::array<ShownByte, SamplePositions::chunk>, mostShownBands> bytes;
+        for (int column = 0; column < m_w; column += SamplePositions::chunk) {
+            const int count = std::min(SamplePositions::chunk, m_w - column);
+            auto* ofChannel = bytes.data();
+            for (const AwaitedChannel& of : m_awaited)
+                of.lookup->Get(of.positions.RunOf(row, column, count, scratch),
+                               (ofChannel++)->data());
+            ComposeChannels(bytes[0].data(), bytes[1].data(), bytes[2].data(), count,
+                            m_out + (PixelIndex(row, m_w) + static_cast<std::size_t>(column)) * 4);
+        }
+    }
     RowBuffers Repeatable() { return {{&m_out, 1}, PixelIndex(1, m_w) * 4, m_sameRows.data()}; }
     SamplePositions PositionsOf(const CRasterBand& band) const {
         return {m_output, m_window.read, band.GetWidth(), band.GetHeight()};
@@ -90,6 +159,8 @@ class InterleavedView {
     ShownReads m_reads;
     ViewMask m_noMask;
     std::vector<unsigned char> m_sameRows; ///< see RowBuffers
+    std::list<AwaitedChannel> m_awaited;   ///< stays in its place as it grows
+    std::size_t m_awaitedBytes = 0;        ///< of their samples
 };
 
 } // namespace
@@ -113,22 +184,26 @@ bool CRasterSource::DrawInterleaved(const CBoundingBox* box, int w, int h, unsig
     InterleavedView view(*this, *box, w, h, out);
     if (view.Status() != ViewStatus::Selected)
         return Refuse(ReasonOf(view.Status()));
-    for (int k = 0; k < m_showBandCount; ++k) {
+    std::array<ShowSums, mostShownBands> sums;
+    bool isComplete = true;
+    for (int k = 0; k < m_showBandCount && isComplete; ++k) {
         CRasterBand* band = GetShownBand(k);
-        const auto samples = view.Read(k, band, keepsCaches);
-        if (!samples) {
-            // The bands drawn so far stay in the buffer.
-            if (k == 0)
-                view.Clear();
-            return false;
-        }
-        ShowSums sums;
-        if (m_showBandCount == 1)
+        auto samples = view.Read(k, band, keepsCaches);
+        isComplete = samples.has_value();
+        if (!isComplete && k == 0)
+            view.Clear();
+        else if (isComplete && m_showBandCount == 1)
             view.DrawColors(*samples, *band);
-        else
-            view.DrawChannel(*samples, *band, k, m_showStatisticsKnown ? nullptr : &sums);
-        sums.Report(m_showMeans[k], m_showStandardDeviations[k]);
+        else if (isComplete)
+            view.DrawChannel(std::move(*samples), *band, k,
+                             m_showStatisticsKnown ? nullptr : &sums[static_cast<std::size_t>(k)]);
     }
+    // Where a band could not be read, those before it stay in the image.
+    view.DrawAwaited();
+    for (int k = 0; k < m_showBandCount; ++k)
+        sums[static_cast<std::size_t>(k)].Report(m_showMeans[k], m_showStandardDeviations[k]);
+    if (!isComplete)
+        return false;
     if (m_showBandCount < 1)
         view.Clear();
     // Computed once per source, on the first image that has something to count.

@@ -23,10 +23,30 @@ void StorePixel(unsigned char* pixel, PackedColor color) {
 
 constexpr PackedColor alphaBits = 0xFF000000;
 
+/// Whether a band writes its byte into a pixel.
+bool IsWritten(ShownByte byte, PackedColor before) {
+    return (byte & isShown) != 0 && (before & alphaBits) != 0;
+}
+
+/// @param kept bits of the pixel that a written byte leaves as they are
+/// @param alpha bits that it sets besides
+PackedColor WithChannel(PackedColor before, ShownByte byte, int shift, PackedColor kept,
+                        PackedColor alpha) {
+    return IsWritten(byte, before) ? (before & kept) | (byte & 255U) << shift | alpha
+                                   : before & ~alphaBits;
+}
+
+constexpr int ShiftOf(Channel channel) {
+    return 8 * static_cast<int>(channel);
+}
+
+/// A pixel before its first band.
+constexpr PackedColor untouched = ~PackedColor{0};
+
 template <bool isFirst, bool counting>
 void ComposeChannelRun(const ShownByte* bytes, int count, const ChannelRule& rule,
                        unsigned char* pixels, ShowSums* sums) {
-    const int shift = 8 * static_cast<int>(rule.channel);
+    const int shift = ShiftOf(rule.channel);
     const PackedColor kept = ~(PackedColor{255} << shift) & (rule.setsAlpha ? ~alphaBits : ~0U);
     const PackedColor alpha = rule.setsAlpha ? PackedColor{rule.alpha} << 24 : 0;
     // A run is short enough for 32 bits.
@@ -34,12 +54,11 @@ void ComposeChannelRun(const ShownByte* bytes, int count, const ChannelRule& rul
     std::uint32_t sum = 0;
     std::uint32_t squares = 0;
     for (int i = 0; i < count; ++i) {
-        const PackedColor before = isFirst ? ~0U : LoadPixel(pixels + 4 * i);
-        const PackedColor byte = bytes[i] & 255U;
-        const bool isWritten = (bytes[i] & isShown) != 0 && (before & alphaBits) != 0;
-        StorePixel(pixels + 4 * i,
-                   isWritten ? (before & kept) | byte << shift | alpha : before & ~alphaBits);
+        const PackedColor before = isFirst ? untouched : LoadPixel(pixels + 4 * i);
+        StorePixel(pixels + 4 * i, WithChannel(before, bytes[i], shift, kept, alpha));
         if constexpr (counting) {
+            const bool isWritten = IsWritten(bytes[i], before);
+            const PackedColor byte = bytes[i] & 255U;
             shown += isWritten ? 1 : 0;
             sum += isWritten ? byte : 0;
             squares += isWritten ? byte * byte : 0;
@@ -68,6 +87,20 @@ void ComposeChannel(const ShownByte* bytes, int count, const ChannelRule& rule,
             ? (sums != nullptr ? ComposeChannelRun<true, true> : ComposeChannelRun<true, false>)
             : (sums != nullptr ? ComposeChannelRun<false, true> : ComposeChannelRun<false, false>);
     compose(bytes, count, rule, pixels, sums);
+}
+
+void ComposeChannels(const ShownByte* red, const ShownByte* green, const ShownByte* blue, int count,
+                     unsigned char* pixels) {
+    const auto add = [](PackedColor before, ShownByte byte, Channel channel) {
+        const int shift = ShiftOf(channel);
+        return WithChannel(before, byte, shift, ~(PackedColor{255} << shift), 0);
+    };
+    for (int i = 0; i < count; ++i) {
+        PackedColor color = add(untouched, red[i], Channel::Red);
+        color = add(color, green[i], Channel::Green);
+        color = add(color, blue[i], Channel::Blue);
+        StorePixel(pixels + 4 * i, color);
+    }
 }
 
 void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels) {

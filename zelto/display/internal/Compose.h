@@ -68,6 +68,11 @@ struct ChannelRule {
 void ComposeChannel(const ShownByte* bytes, int count, const ChannelRule& rule,
                     unsigned char* pixels, ShowSums* sums);
 
+/// What ComposeChannel() makes of three shown bands one after the other, in one pass over the
+/// pixels and without counting.
+void ComposeChannels(const ShownByte* red, const ShownByte* green, const ShownByte* blue, int count,
+                     unsigned char* pixels);
+
 /// Writes colours as interleaved pixels of blue, green, red, alpha.
 void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels);
 

@@ -83,27 +83,35 @@ void VisitRow(const BandView<Entry>& view, int row, const Use& use) {
     }
 }
 
-/// Calls `draw(pixel, count, entries)` for runs of output pixels that together make up the whole
-/// image: `pixel` is the index of the run's first one. Rows are divided evenly among the
-/// threads; each row is one thread's own.
-template <typename Entry, typename Draw>
-void DrawRows(const BandView<Entry>& view, const RowBuffers& written, const Draw& draw) {
+/// Calls `draw(row)` for the rows of an image of w × h output pixels, divided evenly among the
+/// threads, but for those that `isSame(row)` says show the same as the row above.
+template <typename IsSame, typename Draw>
+void ForEachRow(int w, int h, const RowBuffers& written, const IsSame& isSame, const Draw& draw) {
     // Starting threads costs more than a thumbnail.
-    const bool isLarge = static_cast<std::int64_t>(view.w) * view.h >= 128 * 128;
+    const bool isLarge = static_cast<std::int64_t>(w) * h >= 128 * 128;
 #pragma omp parallel if (isLarge)
     {
         int rowBefore = -1; // drawn by this thread just now
 #pragma omp for schedule(static)
-        for (int row = 0; row < view.h; ++row) {
+        for (int row = 0; row < h; ++row) {
             // A thread's first row is drawn: the one above may not be finished.
             const bool isBelow = row > 0 && rowBefore == row - 1;
-            if (written.MayRepeat(row, isBelow && ShowsSameAsRowAbove(view, row)))
+            if (written.MayRepeat(row, isBelow && isSame(row)))
                 written.RepeatRow(row);
             else
-                VisitRow(view, row, draw);
+                draw(row);
             rowBefore = row;
         }
     }
+}
+
+/// Calls `draw(pixel, count, entries)` for runs of output pixels that together make up the whole
+/// image: `pixel` is the index of the run's first one. Each row is one thread's own.
+template <typename Entry, typename Draw>
+void DrawRows(const BandView<Entry>& view, const RowBuffers& written, const Draw& draw) {
+    ForEachRow(
+        view.w, view.h, written, [&](int row) { return ShowsSameAsRowAbove(view, row); },
+        [&](int row) { VisitRow(view, row, draw); });
 }
 
 } // namespace zelto
