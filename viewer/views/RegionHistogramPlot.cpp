@@ -1,6 +1,6 @@
 #include "viewer/views/RegionHistogramPlot.h"
 
-#include "viewer/views/StatusLine.h"
+#include "viewer/views/PlotAxes.h"
 #include "viewer/views/Theme.h"
 
 #include <QPainter>
@@ -11,7 +11,6 @@ namespace zelto::view {
 
 namespace {
 
-constexpr int MARKS = 6;
 constexpr int TEXT_HEIGHT = 16;
 
 /// Pixels per unit of value, so that buckets of different widths compare.
@@ -27,19 +26,6 @@ QColor ColorOf(int band, int bandCount) {
 
 } // namespace
 
-/// Where values and densities lie on the widget.
-struct RegionHistogramPlot::Axes {
-    QRectF area;
-    double low = 0.0;
-    double high = 1.0;
-    double most = 0.0;
-
-    QPointF At(double value, double density) const {
-        return {area.left() + (value - low) / (high - low) * area.width(),
-                area.bottom() - density / most * area.height()};
-    }
-};
-
 RegionHistogramPlot::RegionHistogramPlot(QWidget* parent) : QWidget(parent) {
     setObjectName("regionHistogram");
     setMinimumSize(200, 80);
@@ -53,18 +39,19 @@ void RegionHistogramPlot::SetHistograms(const std::vector<RegionHistogram>& hist
     update();
 }
 
-RegionHistogramPlot::Axes RegionHistogramPlot::MakeAxes() const {
-    Axes axes;
+/// Values along x, densities from 0 along y.
+PlotAxes RegionHistogramPlot::MakeAxes() const {
+    PlotAxes axes;
     axes.area = QRectF(rect()).adjusted(10, 6, -10, -TEXT_HEIGHT - 4);
+    axes.y = {0.0, 0.0};
     for (const RegionHistogram& each : m_histograms) {
         const cli::BandHistogram& histogram = each.histogram;
         if (histogram.counts.empty())
             continue;
-        const bool isFirst = axes.most == 0.0;
-        axes.low = isFirst ? histogram.low : std::min(axes.low, histogram.low);
-        axes.high = isFirst ? histogram.High() : std::max(axes.high, histogram.High());
+        axes.x.Include(histogram.low, axes.y.high == 0.0);
+        axes.x.Include(histogram.High(), false);
         for (const int count : histogram.counts)
-            axes.most = std::max(axes.most, Density(histogram, count));
+            axes.y.high = std::max(axes.y.high, Density(histogram, count));
     }
     return axes;
 }
@@ -72,42 +59,17 @@ RegionHistogramPlot::Axes RegionHistogramPlot::MakeAxes() const {
 void RegionHistogramPlot::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const Axes axes = MakeAxes();
-    if (!(axes.most > 0.0)) {
-        painter.setPen(palette().color(QPalette::PlaceholderText));
-        painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap,
-                         tr("No values"));
+    const PlotAxes axes = MakeAxes();
+    if (!(axes.y.high > 0.0)) {
+        DrawInsteadOfPlot(painter, *this, tr("No values"));
         return;
     }
-    DrawAxes(painter, axes);
+    DrawMarksOfX(painter, *this, axes);
     for (const RegionHistogram& each : m_histograms)
         DrawCurve(painter, axes, each);
 }
 
-void RegionHistogramPlot::DrawAxes(QPainter& painter, const Axes& axes) const {
-    QColor line = palette().color(QPalette::PlaceholderText);
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * 0.85);
-    painter.setFont(small);
-    for (int i = 0; i <= MARKS; ++i) {
-        const double value = axes.low + (axes.high - axes.low) * i / MARKS;
-        const QPointF foot = axes.At(value, 0.0);
-        line.setAlpha(70);
-        painter.setPen(line);
-        painter.drawLine(foot, QPointF(foot.x(), axes.area.top()));
-        line.setAlpha(255);
-        painter.setPen(line);
-        const QRectF place(foot.x() - 40, foot.y() + 4, 80, TEXT_HEIGHT);
-        const bool isEnd = i == 0 || i == MARKS;
-        painter.drawText(isEnd ? place.translated(i == 0 ? 32 : -32, 0) : place,
-                         i == 0       ? Qt::AlignLeft
-                         : i == MARKS ? Qt::AlignRight
-                                      : Qt::AlignHCenter,
-                         ReadableNumber(value));
-    }
-}
-
-void RegionHistogramPlot::DrawCurve(QPainter& painter, const Axes& axes,
+void RegionHistogramPlot::DrawCurve(QPainter& painter, const PlotAxes& axes,
                                     const RegionHistogram& histogram) const {
     const cli::BandHistogram& counted = histogram.histogram;
     if (counted.counts.empty())

@@ -6,6 +6,8 @@
 
 namespace zelto::view {
 
+struct PlotAxes;
+
 /// Histograms as curves over one axis of values, each band in a colour of its own.
 class RegionHistogramPlot : public QWidget {
     Q_OBJECT
@@ -21,10 +23,8 @@ class RegionHistogramPlot : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    struct Axes;
-    Axes MakeAxes() const;
-    void DrawAxes(QPainter& painter, const Axes& axes) const;
-    void DrawCurve(QPainter& painter, const Axes& axes, const RegionHistogram& histogram) const;
+    PlotAxes MakeAxes() const;
+    void DrawCurve(QPainter& painter, const PlotAxes& axes, const RegionHistogram& histogram) const;
 
     std::vector<RegionHistogram> m_histograms;
     int m_bandCount = 0;

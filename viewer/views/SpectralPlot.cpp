@@ -1,9 +1,8 @@
 #include "viewer/views/SpectralPlot.h"
 
-#include "viewer/views/StatusLine.h"
+#include "viewer/views/PlotAxes.h"
 
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 
@@ -11,25 +10,10 @@ namespace zelto::view {
 
 namespace {
 
-constexpr int LINES = 4;
 constexpr double SPREAD = 2.0; ///< deviations around the mean
+constexpr double PIXELS_PER_BAND = 26.0;
 
 } // namespace
-
-/// Where bands and values lie on the widget.
-struct SpectralPlot::Axes {
-    QRectF area;
-    double low = 0.0;
-    double high = 1.0;
-    int bands = 0;
-
-    QPointF At(int band, double value) const {
-        const double step = bands > 1 ? area.width() / (bands - 1) : 0.0;
-        const double part = (value - low) / (high - low);
-        return {bands > 1 ? area.left() + band * step : area.center().x(),
-                area.bottom() - part * area.height()};
-    }
-};
 
 SpectralPlot::SpectralPlot(TrainingClasses& classes, QWidget* parent)
     : QWidget(parent), m_classes(classes) {
@@ -40,21 +24,24 @@ SpectralPlot::SpectralPlot(TrainingClasses& classes, QWidget* parent)
     connect(&classes, &TrainingClasses::ClassesChanged, this, qOverload<>(&QWidget::update));
 }
 
-SpectralPlot::Axes SpectralPlot::MakeAxes() const {
-    Axes axes;
-    bool first = true;
+/// The bands from 0 on along x, their values along y.
+PlotAxes SpectralPlot::MakeAxes() const {
+    PlotAxes axes;
+    bool isFirst = true;
+    std::size_t bands = 1;
     for (const ClassSpectrum& spectrum : m_classes.Spectra()) {
-        axes.bands = std::max(axes.bands, static_cast<int>(spectrum.mean.size()));
-        for (std::size_t b = 0; b < spectrum.mean.size(); ++b) {
-            const double low = spectrum.mean[b] - SPREAD * spectrum.deviation[b];
-            const double high = spectrum.mean[b] + SPREAD * spectrum.deviation[b];
-            axes.low = first ? low : std::min(axes.low, low);
-            axes.high = first ? high : std::max(axes.high, high);
-            first = false;
-        }
+        bands = std::max(bands, spectrum.mean.size());
+        for (std::size_t b = 0; b < spectrum.mean.size(); ++b)
+            for (const double side : {-SPREAD, SPREAD}) {
+                axes.y.Include(spectrum.mean[b] + side * spectrum.deviation[b], isFirst);
+                isFirst = false;
+            }
     }
-    if (!(axes.high > axes.low))
-        axes.high = axes.low + 1.0;
+    if (!(axes.y.high > axes.y.low))
+        axes.y.high = axes.y.low + 1.0;
+    // A single band stands in the middle.
+    axes.x = bands > 1 ? PlotAxes::Range{0.0, static_cast<double>(bands - 1)}
+                       : PlotAxes::Range{-1.0, 1.0};
     axes.area = QRectF(rect()).adjusted(44, 10, -12, -22);
     return axes;
 }
@@ -62,41 +49,27 @@ SpectralPlot::Axes SpectralPlot::MakeAxes() const {
 void SpectralPlot::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const Axes axes = MakeAxes();
-    if (axes.bands == 0) {
-        painter.setPen(palette().color(QPalette::PlaceholderText));
-        painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap,
-                         tr("Give shapes a class, then compute the spectra"));
+    if (m_classes.Spectra().empty()) {
+        DrawInsteadOfPlot(painter, *this, tr("Give shapes a class, then compute the spectra"));
         return;
     }
-    DrawAxes(painter, axes);
+    const PlotAxes axes = MakeAxes();
+    DrawMarksOfY(painter, *this, axes);
+    DrawBands(painter, axes);
     for (const ClassSpectrum& spectrum : m_classes.Spectra())
         DrawClass(painter, axes, spectrum);
 }
 
-void SpectralPlot::DrawAxes(QPainter& painter, const Axes& axes) const {
-    QColor line = palette().color(QPalette::PlaceholderText);
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * 0.85);
-    painter.setFont(small);
-    for (int i = 0; i <= LINES; ++i) {
-        const double value = axes.low + (axes.high - axes.low) * i / LINES;
-        const double y = axes.At(0, value).y();
-        line.setAlpha(70);
-        painter.setPen(line);
-        painter.drawLine(QPointF(axes.area.left(), y), QPointF(axes.area.right(), y));
-        line.setAlpha(255);
-        painter.setPen(line);
-        painter.drawText(QRectF(0, y - 8, axes.area.left() - 6, 16),
-                         Qt::AlignRight | Qt::AlignVCenter, QString::number(value, 'g', 4));
-    }
-    const int step = std::max(1, axes.bands / 10);
-    for (int band = 0; band < axes.bands; band += step)
-        painter.drawText(QRectF(axes.At(band, axes.low).x() - 20, axes.area.bottom() + 4, 40, 16),
-                         Qt::AlignHCenter | Qt::AlignTop, QString::number(band + 1));
+/// The numbers of the bands, as many as there is room for.
+void SpectralPlot::DrawBands(QPainter& painter, const PlotAxes& axes) const {
+    for (const double band :
+         MarksOf({axes.x.low + 1.0, axes.x.high + 1.0}, axes.area.width(), PIXELS_PER_BAND))
+        if (band >= 1.0 && band == std::floor(band))
+            DrawBelow(painter, *this, axes, axes.At(band - 1.0, axes.y.low).x(),
+                      QString::number(static_cast<int>(band)));
 }
 
-void SpectralPlot::DrawClass(QPainter& painter, const Axes& axes,
+void SpectralPlot::DrawClass(QPainter& painter, const PlotAxes& axes,
                              const ClassSpectrum& spectrum) const {
     const TrainingClass* owner = m_classes.Find(spectrum.number);
     if (owner == nullptr || spectrum.mean.empty())

@@ -6,6 +6,8 @@
 
 namespace zelto::view {
 
+struct PlotAxes;
+
 /// Per class the mean of each band as a line, and two deviations around it as a ribbon.
 class SpectralPlot : public QWidget {
     Q_OBJECT
@@ -18,10 +20,9 @@ class SpectralPlot : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    struct Axes;
-    Axes MakeAxes() const;
-    void DrawAxes(QPainter& painter, const Axes& axes) const;
-    void DrawClass(QPainter& painter, const Axes& axes, const ClassSpectrum& spectrum) const;
+    PlotAxes MakeAxes() const;
+    void DrawBands(QPainter& painter, const PlotAxes& axes) const;
+    void DrawClass(QPainter& painter, const PlotAxes& axes, const ClassSpectrum& spectrum) const;
 
     TrainingClasses& m_classes;
 };
