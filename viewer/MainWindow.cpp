@@ -44,14 +44,14 @@ QStringList FilesOf(const QMimeData& data) {
 
 } // namespace
 
-MainWindow::MainWindow() {
+MainWindow::MainWindow(const QStringList& files) {
     setObjectName("window");
     setWindowTitle("Zelto");
     setAcceptDrops(true);
     setDockOptions(AnimatedDocks | AllowNestedDocks | AllowTabbedDocks);
     resize(1280, 800);
     MakeCentre();
-    MakeActions();
+    MakeActions(files);
     MakePanels();
     MakeMenus();
     MakeToolBar();
@@ -83,10 +83,11 @@ void MainWindow::MakeCentre() {
     m_pictures = new MapPictures(m_document, m_engine, *m_map, this);
 }
 
-void MainWindow::MakeActions() {
+void MainWindow::MakeActions(const QStringList& files) {
     const Workbench bench{*this,  m_document,  m_engine,    m_areas,       m_training, m_tasks,
                           *m_map, *m_pictures, *m_messages, m_preferences, m_actions};
     m_fileActions = new FileActions(bench, this);
+    OpenFiles(files);
     new ViewActions(bench, this);
     new LayerActions(bench, this);
     m_areaActions = new AreaActions(bench, this);
@@ -111,6 +112,7 @@ void MainWindow::MakePanels() {
     auto* layers = new LayersPanel(m_document);
     layers->AddToolBarActions({m_actions.Find("open"), m_actions.Find("layer-up"),
                                m_actions.Find("layer-down"), m_actions.Find("layer-remove")});
+    connect(&m_engine, &Engine::MemoryChanged, layers, &LayersPanel::ShowMemory);
     m_overview = new OverviewMap;
     QDockWidget* overviewDock =
         AddPanel("overviewPanel", tr("Overview"), "F5", m_overview, Qt::LeftDockWidgetArea);

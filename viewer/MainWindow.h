@@ -29,7 +29,8 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 
   public:
-    MainWindow();
+    /// Begins to open the files before anything else is made, which takes about as long.
+    explicit MainWindow(const QStringList& files = {});
     ~MainWindow() override;
 
     void OpenFiles(const QStringList& paths);
@@ -56,7 +57,7 @@ class MainWindow : public QMainWindow {
 
   private:
     void MakeCentre();
-    void MakeActions();
+    void MakeActions(const QStringList& files);
     void MakePanels();
     QWidget* MakeNumbers();
     QDockWidget* AddPanel(const QString& id, const QString& title, const QString& shortcut,

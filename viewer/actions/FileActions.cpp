@@ -66,10 +66,13 @@ void FileActions::OpenFiles(const QStringList& paths) {
 void FileActions::OpenOrigin(const LayerOrigin& origin) {
     const int reference = m_bench.document.ReferenceLayer();
     const int id = m_bench.document.Add(origin);
-    m_bench.engine.Open(id, origin, reference);
+    // Of three images together nothing is remembered.
+    m_bench.engine.Open(id, origin, reference,
+                        origin.IsComposed() ? QVariantMap()
+                                            : m_bench.preferences.DisplayOf(origin.Path()));
 }
 
-void FileActions::TakeOpened(int id, const LayerFacts& facts) {
+void FileActions::TakeOpened(int id, const LayerFacts& facts, const DisplaySettings& settings) {
     const Layer* layer = m_bench.document.Find(id);
     if (layer == nullptr) {
         m_bench.engine.Close(id); // it was removed meanwhile
@@ -78,13 +81,9 @@ void FileActions::TakeOpened(int id, const LayerFacts& facts) {
     const bool isFirstPicture = !m_bench.document.HasPicture();
     const QString path = facts.origin.Path();
     const bool isReopened = !layer->settings.bands.empty();
-    const DisplaySettings settings =
-        isReopened ? layer->settings
-                   : DisplaySettings::FromMap(m_bench.preferences.DisplayOf(path), facts.initial,
-                                              static_cast<int>(facts.bands.size()));
     if (isFirstPicture)
         m_bench.map.Fit(facts.extent);
-    m_bench.document.TakeFacts(id, facts, settings);
+    m_bench.document.TakeFacts(id, facts, isReopened ? layer->settings : settings);
     if (!facts.origin.IsComposed())
         m_bench.preferences.AddRecentFile(path);
     if (facts.subdatasets.size() > 1 && !isReopened)

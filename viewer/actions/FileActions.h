@@ -25,7 +25,7 @@ class FileActions : public QObject {
     void ChooseFiles();
     void ChooseComposition();
     void ChooseSubdataset(const QString& container, const QStringList& names);
-    void TakeOpened(int id, const LayerFacts& facts);
+    void TakeOpened(int id, const LayerFacts& facts, const DisplaySettings& settings);
     void TakeFailure(int id, const QString& reason);
     void OfferPyramid(const LayerFacts& facts);
 

@@ -81,7 +81,8 @@ void WorkActions::Reopen(int id) {
     if (const Layer* layer = m_bench.document.Find(id))
         m_bench.engine.Open(
             id, layer->origin,
-            id == m_bench.document.ReferenceLayer() ? -1 : m_bench.document.ReferenceLayer());
+            id == m_bench.document.ReferenceLayer() ? -1 : m_bench.document.ReferenceLayer(),
+            layer->settings.ToMap());
 }
 
 void WorkActions::BuildPyramid(int id) {

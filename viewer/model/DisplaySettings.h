@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QMetaType>
 #include <QString>
 #include <QVariantMap>
 #include <array>
@@ -73,3 +74,5 @@ struct DisplaySettings {
 };
 
 } // namespace zelto::view
+
+Q_DECLARE_METATYPE(zelto::view::DisplaySettings)

@@ -61,10 +61,11 @@ void Document::TakeFacts(int id, const LayerFacts& facts, const DisplaySettings&
     layer->isOpen = true;
     layer->facts = facts;
     layer->settings = settings;
+    // The picture is asked for before anything that panels show.
+    emit LookChanged();
     emit LayersChanged();
     if (id == m_current)
         emit CurrentChanged();
-    emit LookChanged();
 }
 
 void Document::Remove(int id) {

@@ -23,6 +23,13 @@
 %2 × %3 pixels, %n bands of %4</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%n file(s) closed for that.</source>
+        <translation>
+            <numerusform>%n file closed for that.</numerusform>
+            <numerusform>%n files closed for that.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>zelto::view::TaskLine</name>

@@ -85,6 +85,17 @@
     </message>
 </context>
 <context>
+    <name>LayerStore</name>
+    <message>
+        <source>another image now; open it again</source>
+        <translation>文件已是另一幅影像，请重新打开</translation>
+    </message>
+    <message>
+        <source>not enough memory for the picture</source>
+        <translation>内存不足，无法绘制</translation>
+    </message>
+</context>
+<context>
     <name>RegionTable</name>
     <message>
         <source>Shape</source>
@@ -285,6 +296,10 @@
     <message>
         <source>Images to open</source>
         <translation>要打开的影像</translation>
+    </message>
+    <message>
+        <source>End when the first picture is shown; to measure that</source>
+        <translation>显示第一幅画面后结束，用于测量</translation>
     </message>
 </context>
 <context>
@@ -868,6 +883,20 @@
     <message>
         <source>Shown in the first layer&apos;s reference system</source>
         <translation>按第一个图层的坐标系显示</translation>
+    </message>
+    <message>
+        <source>%1 of %2 in memory</source>
+        <translation>内存 %1，上限 %2</translation>
+    </message>
+    <message>
+        <source>What is kept of all layers together: blocks of the files, drawings, histograms, open files. Beyond the bound what was seen longest ago is let go, and made again when it is wanted.</source>
+        <translation>全部图层共同占用的内存：文件数据块、绘制结果、直方图和已打开的文件。超过上限时，先释放最久未显示的内容，需要时再重新生成。</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n file(s) closed for that.</source>
+        <translation>
+            <numerusform>为此已关闭 %n 个文件。</numerusform>
+        </translation>
     </message>
 </context>
 <context>

@@ -2,10 +2,13 @@
 
 #include "viewer/model/Document.h"
 #include "viewer/views/ButtonRow.h"
+#include "viewer/worker/Requests.h"
 
 #include <QAbstractItemModel>
 #include <QAction>
+#include <QLabel>
 #include <QListWidget>
+#include <QLocale>
 #include <QVBoxLayout>
 
 namespace zelto::view {
@@ -17,7 +20,7 @@ constexpr int ID_ROLE = Qt::UserRole;
 } // namespace
 
 LayersPanel::LayersPanel(Document& document, QWidget* parent)
-    : QWidget(parent), m_document(document), m_list(new QListWidget) {
+    : QWidget(parent), m_document(document), m_list(new QListWidget), m_memory(new QLabel) {
     m_list->setObjectName("layers");
     m_list->setDragDropMode(QAbstractItemView::InternalMove);
     m_list->setAlternatingRowColors(false);
@@ -26,6 +29,10 @@ LayersPanel::LayersPanel(Document& document, QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_list, 1);
+    m_memory->setObjectName("layersMemory");
+    m_memory->setForegroundRole(QPalette::PlaceholderText);
+    m_memory->setContentsMargins(8, 4, 8, 0);
+    layout->addWidget(m_memory);
     connect(&document, &Document::LayersChanged, this, &LayersPanel::Rebuild);
     connect(&document, &Document::CurrentChanged, this, &LayersPanel::SelectCurrent);
     connect(m_list, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
@@ -39,10 +46,24 @@ LayersPanel::LayersPanel(Document& document, QWidget* parent)
     // The list has moved the row already; the document follows when the list is done with it.
     connect(m_list->model(), &QAbstractItemModel::rowsMoved, this, &LayersPanel::TakeOrder,
             Qt::QueuedConnection);
+    Rebuild();
 }
 
 void LayersPanel::AddToolBarActions(const QList<QAction*>& actions) {
     static_cast<QVBoxLayout*>(layout())->addLayout(MakeButtonRow(actions));
+}
+
+void LayersPanel::ShowMemory(const LayersMemory& memory) {
+    const QLocale locale;
+    m_memory->setText(tr("%1 of %2 in memory")
+                          .arg(locale.formattedDataSize(memory.bytes, 0),
+                               locale.formattedDataSize(memory.bound, 0)));
+    QString tip = tr("What is kept of all layers together: blocks of the files, drawings, "
+                     "histograms, open files. Beyond the bound what was seen longest ago is let "
+                     "go, and made again when it is wanted.");
+    if (memory.closedFiles > 0)
+        tip += '\n' + tr("%n file(s) closed for that.", nullptr, memory.closedFiles);
+    m_memory->setToolTip(tip);
 }
 
 void LayersPanel::Fill(QListWidgetItem& item, const Layer& layer) const {

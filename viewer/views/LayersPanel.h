@@ -10,6 +10,7 @@ namespace zelto::view {
 
 class Document;
 struct Layer;
+struct LayersMemory;
 
 /// The list of layers, topmost first: a check mark shows or hides, a drag moves.
 class LayersPanel : public QWidget {
@@ -19,6 +20,7 @@ class LayersPanel : public QWidget {
     LayersPanel(Document& document, QWidget* parent = nullptr);
 
     void AddToolBarActions(const QList<QAction*>& actions);
+    void ShowMemory(const LayersMemory& memory);
 
   private:
     void Rebuild();
@@ -28,6 +30,7 @@ class LayersPanel : public QWidget {
 
     Document& m_document;
     QListWidget* m_list;
+    QLabel* m_memory;
     bool m_isFilling = false;
 };
 

@@ -53,10 +53,11 @@ DrawRequest MapPictures::RequestFor(const ViewTransform& view) {
 }
 
 void MapPictures::DrawView() {
-    if (!m_map.View().IsValid())
+    if (!m_map.View().IsValid() || !m_document.HasPicture())
         return;
     DrawRequest request = RequestFor(m_map.View());
     request.mask = m_mask;
+    request.isKept = true;
     request.revision = ++m_wanted;
     m_engine.Draw(request);
 }

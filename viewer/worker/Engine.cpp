@@ -2,8 +2,6 @@
 
 #include "zelto/datasource/GISDataSource.h"
 
-#include "viewer/worker/LayerSource.h"
-
 #include <QElapsedTimer>
 #include <QPainter>
 #include <exception>
@@ -12,10 +10,12 @@ namespace zelto::view {
 
 Engine::Engine(QObject* parent) : QObject(parent) {
     qRegisterMetaType<LayerFacts>();
+    qRegisterMetaType<DisplaySettings>();
     qRegisterMetaType<Picture>();
     qRegisterMetaType<Reading>();
     qRegisterMetaType<std::vector<BandHistogram>>();
     qRegisterMetaType<ShownRanges>();
+    qRegisterMetaType<LayersMemory>();
     // The first user configures GDAL and the last one tears it down, both on this thread.
     CGISDataSource::RegisterGDAL();
     m_thread = std::thread([this] { Run(); });
@@ -31,38 +31,36 @@ void Engine::Run() {
     while (auto job = m_mailbox.Take()) {
         try {
             (*job)();
+            TellMemory();
         } catch (const std::exception& error) {
             // Pictures and lists of the program's own may lack memory; the engine throws nothing.
             emit DrawFailed(-1, QString::fromUtf8(error.what()));
         }
     }
-    m_layers.clear();
+    m_layers = LayerStore();
 }
 
-LayerSource* Engine::Find(int layer) const {
-    const auto found = m_layers.find(layer);
-    return found != m_layers.end() ? found->second.get() : nullptr;
-}
-
-void Engine::Open(int layer, const LayerOrigin& origin, int referenceLayer) {
+void Engine::Open(int layer, const LayerOrigin& origin, int referenceLayer,
+                  const QVariantMap& display) {
     m_mailbox.Post([=, this] {
-        m_layers.erase(layer);
-        LayerSource* const first = Find(referenceLayer);
         QString reason;
-        auto opened = LayerSource::Open(origin, first ? first->Reference() : "", reason);
-        if (!opened) {
+        if (!m_layers.Open(layer, origin, referenceLayer, reason)) {
             emit OpenFailed(layer, reason);
             return;
         }
-        const LayerFacts facts = opened->Describe();
-        m_layers[layer] = std::move(opened);
-        emit Opened(layer, facts);
+        const LayerFacts& facts = m_layers.Facts(layer);
+        const DisplaySettings settings =
+            DisplaySettings::FromMap(display, facts.initial, static_cast<int>(facts.bands.size()));
+        emit Opened(layer, facts, settings);
+        // While the interface makes room for the picture.
+        if (LayerSource* source = m_layers.Find(layer, reason))
+            source->Prepare(settings);
     });
 }
 
 void Engine::Close(int layer) {
     m_mailbox.Post([=, this] {
-        m_layers.erase(layer);
+        m_layers.Close(layer);
         m_told.erase(layer);
     });
 }
@@ -91,21 +89,19 @@ Picture Engine::DrawNow(const DrawRequest& request, const std::function<bool()>&
     picture.revision = request.revision;
     picture.image = QImage(request.view.Size(), QImage::Format_ARGB32_Premultiplied);
     picture.image.fill(Qt::transparent);
-    QImage drawn(request.view.Size(), QImage::Format_ARGB32);
     QPainter painter(&picture.image);
     for (const LayerDrawing& each : request.layers) {
-        LayerSource* source = Find(each.layer);
-        QString reason;
         if (isOutOfDate())
             return {};
-        if (source == nullptr)
+        if (!m_layers.Has(each.layer))
             continue;
-        if (!source->Draw(request.view, each.settings, request.mask, drawn, reason))
+        QString reason;
+        painter.drawImage(0, 0, m_layers.Draw(each, request, reason));
+        if (!reason.isEmpty())
             emit DrawFailed(each.layer, reason);
-        painter.drawImage(0, 0, drawn);
-        if (m_told[each.layer] != source->Ranges()) {
-            m_told[each.layer] = source->Ranges();
-            emit Stretched(each.layer, source->Ranges());
+        if (m_told[each.layer] != m_layers.Ranges(each.layer)) {
+            m_told[each.layer] = m_layers.Ranges(each.layer);
+            emit Stretched(each.layer, m_told[each.layer]);
         }
     }
     painter.end();
@@ -115,9 +111,10 @@ Picture Engine::DrawNow(const DrawRequest& request, const std::function<bool()>&
 
 void Engine::Read(int layer, QPointF ground) {
     m_mailbox.PostLatest(Mailbox::Latest::Reading, [=, this] {
-        LayerSource* source = Find(layer);
+        QString reason;
+        LayerSource* source = m_layers.Has(layer) ? m_layers.Find(layer, reason) : nullptr;
         if (source == nullptr)
-            return;
+            return; // the next picture tells why
         Reading reading = source->Read(ground);
         reading.layer = layer;
         emit Found(reading);
@@ -125,15 +122,39 @@ void Engine::Read(int layer, QPointF ground) {
 }
 
 void Engine::CountValues(int layer, const std::vector<int>& bands) {
-    m_mailbox.PostLatest(Mailbox::Latest::Histograms, [=, this] {
-        LayerSource* source = Find(layer);
-        if (source == nullptr)
+    m_mailbox.PostLatest(Mailbox::Latest::Histograms, [=, this] { CountNow(layer, bands, {}); });
+}
+
+/// Goes on after the picture when one is wanted meanwhile.
+void Engine::CountNow(int layer, std::vector<int> bands, std::vector<BandHistogram> counted) {
+    while (!bands.empty() && m_layers.Has(layer)) {
+        QString reason;
+        counted.push_back(m_layers.CountValues(layer, bands.front(), reason));
+        bands.erase(bands.begin());
+        if (!reason.isEmpty())
             return;
-        std::vector<BandHistogram> histograms;
-        for (const int band : bands)
-            histograms.push_back(source->CountValues(band));
-        emit Counted(layer, histograms);
-    });
+        if (!bands.empty() && m_mailbox.IsWaiting(Mailbox::Latest::Picture)) {
+            m_mailbox.PostUnlessWaiting(Mailbox::Latest::Histograms,
+                                        [=, this] { CountNow(layer, bands, counted); });
+            return;
+        }
+    }
+    if (m_layers.Has(layer))
+        emit Counted(layer, counted);
+}
+
+void Engine::SetMemoryBound(qint64 bytes) {
+    m_mailbox.Post([=, this] { m_layers.SetBound(bytes); });
+}
+
+void Engine::TellMemory() {
+    constexpr qint64 SEEN = qint64{1} << 20;
+    const LayersMemory memory = m_layers.Memory();
+    if (memory.bytes / SEEN == m_toldMemory.bytes / SEEN && memory.bound == m_toldMemory.bound &&
+        memory.closedFiles == m_toldMemory.closedFiles)
+        return;
+    m_toldMemory = memory;
+    emit MemoryChanged(memory);
 }
 
 void Engine::Rest() {

@@ -21,6 +21,9 @@ constexpr std::int64_t LARGE = std::int64_t{4096} * 4096;
 /// Samples a side that a histogram is counted from.
 constexpr int HISTOGRAM_SIDE = 512;
 constexpr int HISTOGRAM_BUCKETS = 256;
+/// Of an open file, and of a block in its index: position and size.
+constexpr qint64 FILE_BYTES = qint64{1} << 20;
+constexpr qint64 BLOCK_BYTES = 16;
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(LayerSource)
@@ -57,6 +60,17 @@ BandFacts Describe(const CRasterBand& band) {
     facts.type = FromWide(band.GetDataTypeName());
     facts.hasColorTable = band.IsHaveColorTable();
     return facts;
+}
+
+qint64 IndexBytes(const CRasterBand& band) {
+    const auto blocks = [](int side, int block) {
+        return block > 0 ? (qint64{side} + block - 1) / block : 0;
+    };
+    qint64 bytes = blocks(band.GetWidth(), band.GetBlockXSize()) *
+                   blocks(band.GetHeight(), band.GetBlockYSize()) * BLOCK_BYTES;
+    for (int i = 0; i < band.GetOverviewCount(); ++i)
+        bytes += IndexBytes(*band.GetOverview(i));
+    return bytes;
 }
 
 bool LacksPyramid(const CRasterSource& source) {
@@ -151,6 +165,16 @@ LayerFacts LayerSource::Describe() {
     if (!m_composed && bandCount > 4 && facts.initial.bands.size() == 3)
         facts.initial.stretch = "percent";
     return facts;
+}
+
+qint64 LayerSource::Bytes() const {
+    qint64 bytes = 0;
+    for (const auto& source : m_sources) {
+        bytes += FILE_BYTES;
+        for (int i = 0; i < source->GetBandCount(); ++i)
+            bytes += IndexBytes(*source->GetRasterBand(i));
+    }
+    return bytes;
 }
 
 CRasterBand* LayerSource::BandOf(int index) {

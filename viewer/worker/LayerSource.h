@@ -27,8 +27,8 @@ class LayerSource {
     LayerSource& operator=(const LayerSource&) = delete;
 
     LayerFacts Describe();
-    /// The reference system that it is shown in; may be empty.
-    std::string Reference() const { return m_reference; }
+    /// About what the opened file takes: GDAL's index of its blocks, and a flat sum for the rest.
+    qint64 Bytes() const;
 
     /// Draws the view into `image`, of the view's size and Format_ARGB32.
     /// @param mask pixels outside these shapes stay transparent; empty: none is masked
@@ -37,6 +37,10 @@ class LayerSource {
     ///         transparent
     bool Draw(const ViewTransform& view, const DisplaySettings& settings, const Shapes& mask,
               QImage& image, QString& reason);
+
+    /// Finds what the settings' stretch goes by, so that the drawing need not. Where that cannot be
+    /// had the drawing tells.
+    void Prepare(const DisplaySettings& settings);
 
     /// What the last drawing went between, per shown band.
     const ShownRanges& Ranges() const { return m_ranges; }

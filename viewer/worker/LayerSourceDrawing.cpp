@@ -89,6 +89,12 @@ bool LayerSource::ShowsClasses(const DisplaySettings& settings) const {
                                settings.bands == std::vector<int>{0});
 }
 
+void LayerSource::Prepare(const DisplaySettings& settings) {
+    QString reason;
+    if (!settings.ofView && !Apply(settings, Shown().GetExtent(), reason))
+        m_applied.reset();
+}
+
 bool LayerSource::Apply(const DisplaySettings& settings, const CBoundingBox& box, QString& reason) {
     if (m_applied == settings && !settings.ofView)
         return true;

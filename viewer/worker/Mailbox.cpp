@@ -16,6 +16,14 @@ void Mailbox::PostLatest(Latest kind, Job job) {
     m_changed.notify_one();
 }
 
+void Mailbox::PostUnlessWaiting(Latest kind, Job job) {
+    const std::lock_guard lock(m_mutex);
+    Job& waiting = m_latest[static_cast<std::size_t>(kind)];
+    if (!waiting && !m_stopped)
+        waiting = std::move(job);
+    m_changed.notify_one();
+}
+
 std::optional<Mailbox::Job> Mailbox::Take() {
     std::unique_lock lock(m_mutex);
     std::optional<Job> next;

@@ -23,6 +23,8 @@ class Mailbox {
     void Post(Job job);
     /// Takes the place of a waiting one of the same kind.
     void PostLatest(Latest kind, Job job);
+    /// Gives way to a waiting one of the same kind, which is later than this.
+    void PostUnlessWaiting(Latest kind, Job job);
     /// Waits for the next; nothing after Stop().
     std::optional<Job> Take();
     /// Whether something waits that makes the one in work not worth finishing.

@@ -31,6 +31,7 @@ struct DrawRequest {
     std::vector<LayerDrawing> layers; ///< from the lowest to the topmost
     Shapes mask;                      ///< pixels outside are left out; empty: none
     quint64 revision = 0;             ///< tells answers apart
+    bool isKept = false;              ///< the drawings of its layers are kept for the next picture
 };
 
 /// The answer: premultiplied, transparent where no layer is.
@@ -64,9 +65,18 @@ struct BandHistogram {
     bool whole = false; ///< the values are whole numbers, one bucket each
 };
 
+/// What is kept in memory for all layers together.
+struct LayersMemory {
+    qint64 bytes = 0;
+    qint64 bound = 0;
+    int closedFiles = 0; ///< layers whose files are opened again when they are wanted
+    bool operator==(const LayersMemory&) const = default;
+};
+
 } // namespace zelto::view
 
 Q_DECLARE_METATYPE(zelto::view::Picture)
 Q_DECLARE_METATYPE(zelto::view::Reading)
 Q_DECLARE_METATYPE(std::vector<zelto::view::BandHistogram>)
 Q_DECLARE_METATYPE(zelto::view::ShownRanges)
+Q_DECLARE_METATYPE(zelto::view::LayersMemory)
