@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 namespace zelto {
 
@@ -51,6 +52,25 @@ class SampleStatistics {
                (m_excluded != nullptr && IsNearNoData(sample, *m_excluded));
     }
 
+    /// So many samples of 16 bits have a sum of 32 bits, and those of 8 bits such squares.
+    static constexpr std::size_t RUN = std::size_t{1} << 14;
+
+    /// Sum and squares of at most RUN samples, in the narrowest types that hold them, of which a
+    /// processor adds up the most at a time.
+    template <typename Sample>
+    static auto SumsOfRun(const Sample* samples, std::size_t count) {
+        using Squares = std::conditional_t<sizeof(Sample) == 1, std::uint32_t, std::uint64_t>;
+        std::int32_t sum = 0;
+        Squares squares = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            const int sample = samples[i];
+            const auto magnitude = static_cast<std::uint32_t>(sample < 0 ? -sample : sample);
+            sum += sample;
+            squares += magnitude * magnitude;
+        }
+        return std::pair(sum, squares);
+    }
+
     /// Sums of whole numbers below 2^53 are exact in any order, so that integers, several at a
     /// time, come to what doubles one by one come to.
     /// @return false, with nothing added, where that does not hold or samples are left out
@@ -65,13 +85,16 @@ class SampleStatistics {
         std::uint64_t squares = 0;
         Sample low = samples[0];
         Sample high = samples[0];
-        for (std::size_t i = 0; i < count; ++i) {
-            const int sample = samples[i];
-            const auto magnitude = static_cast<std::uint32_t>(sample < 0 ? -sample : sample);
-            sum += sample;
-            squares += magnitude * magnitude;
-            low = std::min(low, samples[i]);
-            high = std::max(high, samples[i]);
+        for (std::size_t first = 0; first < count; first += RUN) {
+            const Sample* const run = samples + first;
+            const std::size_t length = std::min(RUN, count - first);
+            const auto [runSum, runSquares] = SumsOfRun(run, length);
+            sum += runSum;
+            squares += runSquares;
+            for (std::size_t i = 0; i < length; ++i) {
+                low = std::min(low, run[i]);
+                high = std::max(high, run[i]);
+            }
         }
         if (squares >= EXACT)
             return false;
