@@ -28,3 +28,25 @@ def test_an_installation_is_complete(tmp_path):
     output = subprocess.run([sys.executable, "-c", script], env=environment, capture_output=True,
                             text=True, check=True).stdout
     assert output.startswith(str(tmp_path))
+
+
+def test_a_picture_needs_no_more_than_what_draws():
+    script = ("import sys, zelto\n"
+              f"zelto.open({str(SCENE)!r}).render(size=10)\n"
+              "print(*sys.modules)")
+    loaded = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True,
+                            check=True).stdout.split()
+    assert "numpy" in loaded and "zelto._raster" in loaded
+    assert not {"numpy.typing", "tempfile", "dataclasses", "zelto._area", "zelto._statistics",
+                "zelto.many"} & set(loaded)
+
+
+def test_names_are_there_before_they_are_loaded():
+    assert set(zelto.__all__) <= set(dir(zelto))
+    for name in zelto.__all__:
+        assert getattr(zelto, name) is getattr(zelto, name)
+    with pytest.raises(AttributeError, match="no attribute 'nonsense'"):
+        zelto.nonsense
+    everything = {}
+    exec("from zelto import *", everything)
+    assert set(zelto.__all__) <= set(everything)

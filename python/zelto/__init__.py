@@ -11,44 +11,81 @@ Rasters are opened with :func:`open`, made with :func:`create`; areas are
 :func:`histogram`. Many scenes at once, on one machine or a cluster, are in :mod:`zelto.many`.
 """
 
-from ._area import AreaOfInterest, Ellipse, Line, Point, Polygon, Rectangle, Shape
+from __future__ import annotations
+
+from typing import TYPE_CHECKING, Any, List
+
 from ._arguments import Bounds
-from ._compose import Composition, compose
-from ._coordinates import (
-    CoordinateTransformation,
-    CrsDescription,
-    GeoGrid,
-    Residuals,
-    describe_crs,
-    gauss_kruger,
-    is_same_crs,
-)
-from ._copy import copy
 from ._errors import Error
-from ._facts import Affine, Band, Sampled, Subdataset
-from ._looks import ClassColor
-from ._pictures import save_picture
-from ._polygons import polygonize
 from ._raster import Raster, create, open
-from ._samples import (
-    ClassEntry,
-    ClassFile,
-    SampleClass,
-    SampleFile,
-    SamplePixels,
-    sample_pixels,
-)
-from ._statistics import (
-    BandStatistics,
-    Covariance,
-    Histogram,
-    RegionStatistics,
-    StatisticsTable,
-    covariance,
-    histogram,
-    statistics,
-)
-from ._zones import ZoneBand, zonal_statistics
+
+if TYPE_CHECKING:
+    from ._area import AreaOfInterest, Ellipse, Line, Point, Polygon, Rectangle, Shape
+    from ._compose import Composition, compose
+    from ._coordinates import (
+        CoordinateTransformation,
+        CrsDescription,
+        GeoGrid,
+        Residuals,
+        describe_crs,
+        gauss_kruger,
+        is_same_crs,
+    )
+    from ._copy import copy
+    from ._facts import Affine, Band, Sampled, Subdataset
+    from ._looks import ClassColor
+    from ._pictures import save_picture
+    from ._polygons import polygonize
+    from ._samples import (
+        ClassEntry,
+        ClassFile,
+        SampleClass,
+        SampleFile,
+        SamplePixels,
+        sample_pixels,
+    )
+    from ._statistics import (
+        BandStatistics,
+        Covariance,
+        Histogram,
+        RegionStatistics,
+        StatisticsTable,
+        covariance,
+        histogram,
+        statistics,
+    )
+    from ._zones import ZoneBand, zonal_statistics
+else:
+    # Scripts that only draw need not wait for the rest: it is loaded when it is first named.
+    _LATER = {
+        "_area": "AreaOfInterest Ellipse Line Point Polygon Rectangle Shape",
+        "_compose": "Composition compose",
+        "_coordinates": "CoordinateTransformation CrsDescription GeoGrid Residuals describe_crs "
+        "gauss_kruger is_same_crs",
+        "_copy": "copy",
+        "_facts": "Affine Band Sampled Subdataset",
+        "_looks": "ClassColor",
+        "_pictures": "save_picture",
+        "_polygons": "polygonize",
+        "_samples": "ClassEntry ClassFile SampleClass SampleFile SamplePixels sample_pixels",
+        "_statistics": "BandStatistics Covariance Histogram RegionStatistics StatisticsTable "
+        "covariance histogram statistics",
+        "_zones": "ZoneBand zonal_statistics",
+    }
+
+    def __getattr__(name: str) -> Any:
+        from importlib import import_module
+
+        for module, names in _LATER.items():
+            if name in names.split():
+                found = getattr(import_module("." + module, __name__), name)
+                globals()[name] = found
+                return found
+        raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
+
+    def __dir__() -> List[str]:
+        return sorted({*globals(), *__all__})
+
 
 __version__ = "1.0.0"
 

@@ -8,7 +8,6 @@ from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Mapping, Sequence, Tuple, Union
 
 import numpy as np
-import numpy.typing as npt
 
 from . import _engine
 from ._arguments import (
@@ -22,9 +21,9 @@ from ._arguments import (
 )
 
 if TYPE_CHECKING:
+    from ._arrays import Mask
     from ._raster import Raster
 
-Mask = npt.NDArray[np.bool_]
 Coordinates = Tuple[Tuple[float, float], ...]
 
 

@@ -5,15 +5,16 @@ from __future__ import annotations
 import math
 import operator
 import os
-from typing import Any, Iterable, List, NamedTuple, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Iterable, List, NamedTuple, Optional, Sequence, Tuple, Union
 
 import numpy as np
-import numpy.typing as npt
+
+if TYPE_CHECKING:
+    from ._arrays import Doubles
 
 PathLike = Union[str, "os.PathLike[str]"]
 Box = Sequence[float]
 Window = Sequence[int]
-FloatArray = npt.NDArray[np.float64]
 
 _LARGEST_INT = 2**31 - 1
 
@@ -110,7 +111,7 @@ def band_numbers(bands: Optional[Union[int, Sequence[int]]], count: int) -> List
     return found
 
 
-def coordinates(x: Any, y: Any) -> Tuple[FloatArray, FloatArray, Tuple[int, ...]]:
+def coordinates(x: Any, y: Any) -> Tuple[Doubles, Doubles, Tuple[int, ...]]:
     """Two arrays of one shape as packed rows of doubles, and the shape."""
     xs, ys = np.broadcast_arrays(
         np.asarray(x, dtype=np.float64), np.asarray(y, dtype=np.float64)

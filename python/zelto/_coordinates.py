@@ -3,12 +3,15 @@
 from __future__ import annotations
 
 from dataclasses import asdict, dataclass
-from typing import Any, Dict, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _engine
-from ._arguments import FloatArray, coordinates, numbers, text_argument, whole
+from ._arguments import coordinates, numbers, text_argument, whole
+
+if TYPE_CHECKING:
+    from ._arrays import Doubles
 
 
 class CoordinateTransformation:
@@ -46,7 +49,7 @@ class CoordinateTransformation:
         """Points without an answer become infinite. With heights z, three arrays."""
         xs, ys, shape = coordinates(x, y)
         xs, ys = xs.copy(), ys.copy()
-        zs: Optional[FloatArray] = None
+        zs: Optional[Doubles] = None
         if z is not None:
             xs, zs, shape = coordinates(xs.reshape(shape), z)
             ys = np.broadcast_to(np.asarray(y, np.float64), shape).reshape(-1).copy()
@@ -131,8 +134,8 @@ def gauss_kruger(crs: str, *, zone: int, width: int) -> str:
 class Residuals:
     """What a fitted grid misses its points by, in pixels."""
 
-    columns: FloatArray
-    rows: FloatArray
+    columns: Doubles
+    rows: Doubles
 
     @property
     def rms(self) -> Tuple[float, float]:
@@ -169,7 +172,7 @@ class GeoGrid:
         return self._order
 
     @property
-    def coefficients(self) -> Optional[Tuple[FloatArray, FloatArray]]:
+    def coefficients(self) -> Optional[Tuple[Doubles, Doubles]]:
         """Of the column and of the row: 1, u, v, u², uv, v², u³, u²v, uv², v³, with u and v the
         coordinates less :attr:`input_centre`. None before the fit."""
         found = self._native.coefficients()

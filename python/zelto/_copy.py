@@ -3,15 +3,17 @@
 from __future__ import annotations
 
 import math
-from typing import Any, List, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
-import numpy.typing as npt
 
 from ._arguments import PathLike, Window, band_numbers
 from ._pixels import numpy_dtype
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster, create
+
+if TYPE_CHECKING:
+    from ._arrays import DTypeLike
 
 
 def copy(
@@ -20,7 +22,7 @@ def copy(
     *,
     window: Optional[Window] = None,
     bands: Union[None, int, Sequence[int]] = None,
-    dtype: Optional[npt.DTypeLike] = None,
+    dtype: Optional[DTypeLike] = None,
     format: str = "",
     options: Sequence[str] = (),
     progress: Progress = None,

@@ -2,19 +2,30 @@
 
 from __future__ import annotations
 
-from typing import Any, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Optional, Sequence, Tuple, Union
 
 import numpy as np
-import numpy.typing as npt
 
 from . import _engine
-from ._area import AreaLike, as_area
 from ._arguments import Bounds, Box, PathLike, engine_box, text_argument
 from ._facts import RasterFacts
 from ._looks import as_settings, check_look
-from ._pictures import Bytes, png_bytes, save_picture
+from ._pictures import png_bytes, save_picture
 from ._progress import Progress, as_callable
 from ._views import Size, choose_view
+
+if TYPE_CHECKING:
+    from ._area import AreaLike
+    from ._arrays import Bytes, Mask
+
+
+def _shapes(area: Optional[AreaLike]) -> Optional[_engine.Area]:
+    """The engine's form of an area. What makes areas is only loaded for one."""
+    if area is None:
+        return None
+    from ._area import as_area
+
+    return as_area(area)._native
 
 
 class RasterDrawing(RasterFacts):
@@ -138,7 +149,7 @@ class RasterDrawing(RasterFacts):
             raise ValueError("outside is 'transparent' or 'black'")
         system = text_argument("crs", crs)
         view = self._view(box, center, scale, size, system)
-        shapes = None if area is None else as_area(area)
+        shapes = _shapes(area)
         picture = np.empty((view.height, view.width, 4), dtype=np.uint8)
         _engine.render(
             self._native,
@@ -146,7 +157,7 @@ class RasterDrawing(RasterFacts):
             engine_box(view.box),
             settings,
             system,
-            None if shapes is None else shapes._native,
+            shapes,
             outside == "black",
             as_callable(progress),
         )
@@ -163,7 +174,7 @@ class RasterDrawing(RasterFacts):
         crs: str = "",
         progress: Progress = None,
         **look: Any,
-    ) -> Tuple[Bytes, Optional[npt.NDArray[np.bool_]]]:
+    ) -> Tuple[Bytes, Optional[Mask]]:
         """A picture as planes, 3 × rows × columns of uint8, and which pixels lie in the area
         (None without one). A pixel takes the value under its middle; in :meth:`render`, that
         under its first corner.
@@ -177,7 +188,7 @@ class RasterDrawing(RasterFacts):
         check_look(look)
         system = text_argument("crs", crs)
         view = self._view(box, center, scale, size, system)
-        shapes = None if area is None else as_area(area)
+        shapes = _shapes(area)
         planes = np.empty((3, view.height, view.width), dtype=np.uint8)
         inside = None
         if shapes is not None:
@@ -189,7 +200,7 @@ class RasterDrawing(RasterFacts):
             engine_box(view.box),
             as_settings(look),
             system,
-            None if shapes is None else shapes._native,
+            shapes,
             as_callable(progress),
         )
         return planes, None if inside is None else inside.view(np.bool_)

@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import os
-from dataclasses import asdict, dataclass
 from typing import Any, Dict, NamedTuple, Optional, Tuple
 
 import numpy as np
@@ -43,8 +42,7 @@ class Subdataset(NamedTuple):
     description: str
 
 
-@dataclass(frozen=True)
-class Band:
+class Band(NamedTuple):
     """Facts of a band."""
 
     number: int
@@ -61,7 +59,7 @@ class Band:
     overviews: Tuple[Tuple[int, int], ...]
 
     def to_dict(self) -> Dict[str, Any]:
-        return asdict(self)
+        return self._asdict()
 
 
 class Grid:

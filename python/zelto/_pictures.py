@@ -3,17 +3,15 @@
 from __future__ import annotations
 
 import os
-import tempfile
-from pathlib import Path
-from typing import Optional
+from typing import TYPE_CHECKING, Optional
 
 import numpy as np
-import numpy.typing as npt
 
 from . import _engine
 from ._arguments import Box, PathLike, box_argument, encoded, engine_box, text_argument
 
-Bytes = npt.NDArray[np.uint8]
+if TYPE_CHECKING:
+    from ._arrays import Bytes
 
 
 def save_picture(
@@ -35,7 +33,11 @@ def save_picture(
 
 def png_bytes(picture: Bytes) -> bytes:
     """A picture as the bytes of a PNG file."""
+    # Takes as long to load as all of this package, for this alone.
+    import tempfile
+
     with tempfile.TemporaryDirectory() as folder:
         path = os.path.join(folder, "picture.png")
         save_picture(path, picture)
-        return Path(path).read_bytes()
+        with open(path, "rb") as file:
+            return file.read()

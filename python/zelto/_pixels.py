@@ -3,10 +3,9 @@
 from __future__ import annotations
 
 import os
-from typing import Any, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Optional, Sequence, Tuple, Union
 
 import numpy as np
-import numpy.typing as npt
 
 from . import _engine
 from ._arguments import Window, band_numbers, numbers, text_argument, whole
@@ -14,7 +13,8 @@ from ._facts import RasterFacts
 from ._looks import as_color
 from ._progress import Progress, as_callable
 
-Array = npt.NDArray[Any]
+if TYPE_CHECKING:
+    from ._arrays import Array, DTypeLike
 
 _DTYPES = ("uint8", "uint16", "int16", "uint32", "int32", "float32", "float64")
 
@@ -31,7 +31,7 @@ def _storable(values: Array, dtype: str) -> Array:
     return stored
 
 
-def numpy_dtype(dtype: npt.DTypeLike) -> "np.dtype[Any]":
+def numpy_dtype(dtype: DTypeLike) -> "np.dtype[Any]":
     found = np.dtype(dtype)
     if found.name not in _DTYPES or not found.isnative:
         raise TypeError(f"dtype is one of {', '.join(_DTYPES)}, not {found}")
@@ -58,7 +58,7 @@ class RasterPixels(RasterFacts):
         bands: Union[None, int, Sequence[int]] = None,
         window: Optional[Window] = None,
         shape: Optional[Tuple[int, int]] = None,
-        dtype: Optional[npt.DTypeLike] = None,
+        dtype: Optional[DTypeLike] = None,
         *,
         resampling: str = "nearest",
         out: Optional[Array] = None,

@@ -2,14 +2,16 @@
 
 from __future__ import annotations
 
-from typing import Any, Tuple
+from typing import TYPE_CHECKING, Any, Tuple
 
 import numpy as np
-import numpy.typing as npt
 
 from . import _engine
 from ._arguments import coordinates
 from ._facts import RasterFacts
+
+if TYPE_CHECKING:
+    from ._arrays import Array
 
 
 class RasterPlaces(RasterFacts):
@@ -56,7 +58,7 @@ class RasterPlaces(RasterFacts):
             return int(rows[0]), int(columns[0])
         return rows.reshape(shape).astype(np.int64), columns.reshape(shape).astype(np.int64)
 
-    def value_at(self, x: Any, y: Any) -> npt.NDArray[Any]:
+    def value_at(self, x: Any, y: Any) -> Array:
         """Values of all bands under ground points, as float64: an array of the points' shape and
         one axis more for the bands. Points beside the raster have NaN.
 

@@ -5,15 +5,17 @@ from __future__ import annotations
 import os
 import warnings
 from types import TracebackType
-from typing import Any, Optional, Sequence, Tuple, Type, Union
+from typing import TYPE_CHECKING, Any, Optional, Sequence, Tuple, Type, Union
 
-import numpy.typing as npt
 
 from . import _engine
 from ._arguments import PathLike, encoded, numbers, text_argument, whole
 from ._drawing import RasterDrawing
 from ._pixels import RasterPixels, numpy_dtype
 from ._places import RasterPlaces
+
+if TYPE_CHECKING:
+    from ._arrays import DTypeLike
 
 
 class Raster(RasterPlaces, RasterPixels, RasterDrawing):
@@ -90,7 +92,7 @@ def create(
     width: int,
     height: int,
     bands: int = 1,
-    dtype: npt.DTypeLike = "uint8",
+    dtype: DTypeLike = "uint8",
     geotransform: Optional[Sequence[float]] = None,
     crs: str = "",
     nodata: Optional[float] = None,

@@ -4,16 +4,19 @@ from __future__ import annotations
 
 import os
 from dataclasses import asdict, dataclass, field
-from typing import Any, Dict, List, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _engine
 from ._area import AreaLike, Shape, _shape_of, as_area
-from ._arguments import FloatArray, PathLike, encoded, whole
+from ._arguments import PathLike, encoded, whole
 from ._looks import Color, as_color
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster
+
+if TYPE_CHECKING:
+    from ._arrays import Doubles
 
 
 @dataclass(frozen=True)
@@ -23,7 +26,7 @@ class SamplePixels:
     #: Number of the shape in its area, from 1.
     shape: int
     #: Pixels × bands; None for a shape beside the raster.
-    values: Optional[FloatArray]
+    values: Optional[Doubles]
 
     def to_dict(self) -> Dict[str, Any]:
         return {

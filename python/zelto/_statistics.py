@@ -4,16 +4,18 @@ from __future__ import annotations
 
 import math
 from dataclasses import asdict, dataclass
-from typing import Any, Dict, Iterator, List, Optional, Sequence, Tuple, Union, overload
+from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Optional, Sequence, Tuple, Union, overload
 
 import numpy as np
-import numpy.typing as npt
 
 from . import _engine
 from ._area import AreaLike, AreaOfInterest, Rectangle, as_area
-from ._arguments import Box, FloatArray, PathLike, band_numbers, box_argument, numbers, whole
+from ._arguments import Box, PathLike, band_numbers, box_argument, numbers, whole
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster
+
+if TYPE_CHECKING:
+    from ._arrays import Counts, Doubles
 
 
 @dataclass(frozen=True)
@@ -40,14 +42,14 @@ class Covariance:
 
     bands: Tuple[int, ...]
     count: int
-    matrix: FloatArray
+    matrix: Doubles
 
     @property
-    def correlation(self) -> FloatArray:
+    def correlation(self) -> Doubles:
         """NaN for bands of a single value."""
         deviations = np.sqrt(np.diagonal(self.matrix))
         with np.errstate(divide="ignore", invalid="ignore"):
-            found: FloatArray = self.matrix / np.outer(deviations, deviations)
+            found: Doubles = self.matrix / np.outer(deviations, deviations)
         return found
 
     def to_dict(self) -> Dict[str, Any]:
@@ -217,8 +219,8 @@ class Histogram:
     """Counts of the values from each edge up to, but not including, the next."""
 
     band: int
-    counts: npt.NDArray[np.int64]
-    edges: FloatArray
+    counts: Counts
+    edges: Doubles
 
     def to_dict(self) -> Dict[str, Any]:
         return {
@@ -236,7 +238,7 @@ class Buckets:
     width: float
     count: int
 
-    def edges(self) -> FloatArray:
+    def edges(self) -> Doubles:
         return self.low + self.width * np.arange(self.count + 1)
 
 

@@ -4,16 +4,18 @@ from __future__ import annotations
 
 import os
 from dataclasses import dataclass
-from typing import Any, Dict, List, Optional, Sequence, Tuple
+from typing import TYPE_CHECKING, Any, Dict, List, Optional, Sequence, Tuple
 
 import numpy as np
-import numpy.typing as npt
 
 from .. import _engine
 from .._area import AreaOfInterest
 from .._raster import Raster, open
 from .._statistics import Buckets
 from ._exact import BandSums, ProductSums, band_sums, product_sums
+
+if TYPE_CHECKING:
+    from .._arrays import Counts
 
 
 @dataclass(frozen=True)
@@ -63,7 +65,7 @@ def products_of(
 
 def counts_of(
     part: Part, area: Optional[AreaOfInterest], band: int, buckets: Buckets
-) -> npt.NDArray[np.int64]:
+) -> Counts:
     with open(part.path) as scene:
         return _engine.histogram(
             scene._native,
