@@ -39,6 +39,7 @@
 #include "zelto/datasource/DatasetOpenInfo.h"
 #include "zelto/datasource/Enumerations.h"
 #include "zelto/datasource/GISDataSource.h"
+#include "zelto/datasource/StretchType.h"
 #include "zelto/display/ComposedRaster.h"
 #include "zelto/display/DisplayRecipe.h"
 #include "zelto/display/ImgEnhance.h"

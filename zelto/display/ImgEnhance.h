@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelto/Export.h"
-#include "zelto/display/StretchType.h"
+#include "zelto/datasource/StretchType.h"
 #include "zelto/geometry/Point2D.h"
 
 #include <memory>

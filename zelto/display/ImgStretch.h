@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zelto/Export.h"
-#include "zelto/display/StretchType.h"
+#include "zelto/datasource/StretchType.h"
 
 /// A stretch function: turns one value of 0 … 255 (a sample already stretched between the
 /// band's display bounds) into a display byte.

@@ -3,7 +3,7 @@
 #include "zelto/Export.h"
 #include "zelto/datasource/DataProgress.h"
 #include "zelto/datasource/Enumerations.h"
-#include "zelto/display/StretchType.h"
+#include "zelto/datasource/StretchType.h"
 #include "zelto/geometry/BoundingBox.h"
 #include "zelto/geometry/PlatformTypes.h"
 

@@ -3,8 +3,8 @@
 #include "zelto/baselib/ClassifyDisplayItem.h"
 #include "zelto/baselib/ColorRamp.h"
 #include "zelto/datasource/Enumerations.h"
+#include "zelto/datasource/StretchType.h"
 #include "zelto/display/DisplayRecipe.h"
-#include "zelto/display/StretchType.h"
 #include "zelto/raster/internal/BandSampling.h"
 
 #include <array>
