@@ -1,6 +1,7 @@
 # Compiler options that the targets of the project share: INTERFACE targets Zelto::options for the
-# library and the benchmarks, Zelto::program_options for the programs that only use the library.
-# Those are many and heavy on templates: quick to build matters more there than speed.
+# library and the benchmarks, Zelto::program_options for the programs that only use the library,
+# Zelto::test_options for the tests. Those are many and heavy on templates: quick to build matters
+# more there than speed.
 
 add_library(zelto_common_options INTERFACE)
 # The engine's arithmetic is what the source says: no contraction to fused operations.
@@ -28,13 +29,19 @@ add_library(Zelto::program_options ALIAS zelto_program_options)
 target_link_libraries(zelto_program_options INTERFACE zelto_common_options)
 target_compile_options(zelto_program_options INTERFACE $<$<CONFIG:Release>:-O1>)
 
+add_library(zelto_test_options INTERFACE)
+add_library(Zelto::test_options ALIAS zelto_test_options)
+target_link_libraries(zelto_test_options INTERFACE zelto_common_options)
+target_compile_options(zelto_test_options INTERFACE $<$<CONFIG:Release>:-Og>)
+
 if(ZELTO_SANITIZE)
     target_compile_options(zelto_options INTERFACE -fsanitize=${ZELTO_SANITIZE})
     # Programs are watched for errors of memory and threads; undefined behaviour is looked for in
     # the engine, where the arithmetic is.
     string(REPLACE ",undefined" "" ZELTO_SANITIZE_PROGRAMS "${ZELTO_SANITIZE}")
-    target_compile_options(zelto_program_options INTERFACE
-        -O0 -fsanitize=${ZELTO_SANITIZE_PROGRAMS})
+    foreach(options IN ITEMS zelto_program_options zelto_test_options)
+        target_compile_options(${options} INTERFACE -O0 -fsanitize=${ZELTO_SANITIZE_PROGRAMS})
+    endforeach()
 endif()
 
 # GDAL looks for its own support files in the folder `data` beside the running program.

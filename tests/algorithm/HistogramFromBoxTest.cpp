@@ -11,8 +11,6 @@ using namespace zelto::test;
 
 namespace {
 
-constexpr double SMALLEST_POSITIVE = 2.2250738585072014e-308;
-
 class HistogramFromBox : public RegionTest {
   protected:
     bool Compute(CRasterSource& source, CBoundingBox box, double low = -1e300, double high = 1e300,

@@ -16,6 +16,8 @@
 
 namespace zelto::test {
 
+constexpr double SMALLEST_POSITIVE = 2.2250738585072014e-308;
+
 struct PlainStatistics {
     std::vector<long long> count;
     std::vector<double> minimum, maximum, mean, deviation;

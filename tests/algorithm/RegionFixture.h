@@ -118,4 +118,9 @@ std::unique_ptr<CAOISource> Area(std::unique_ptr<Shapes>... shapes) {
     return area;
 }
 
+/// The digits of column and row.
+inline Pixels Digits() {
+    return MakePixels(10, 10, [](int c, int r) { return 10.0 * c + r; });
+}
+
 } // namespace zelto::test

@@ -31,11 +31,6 @@ class StatisticsFromAoi : public RegionTest {
     std::vector<double> m_min, m_max, m_mean;
 };
 
-/// 10 × c + r on 10 × 10 pixels.
-Pixels Digits() {
-    return MakePixels(10, 10, [](int c, int r) { return 10.0 * c + r; });
-}
-
 } // namespace
 
 TEST_F(StatisticsFromAoi, ANullSourceAnswersFalse) {

@@ -25,10 +25,6 @@ class StatisticsFromShape : public RegionTest {
     std::vector<double> m_min, m_max, m_mean;
 };
 
-Pixels Digits() {
-    return MakePixels(10, 10, [](int c, int r) { return 10.0 * c + r; });
-}
-
 } // namespace
 
 TEST_F(StatisticsFromShape, ANullSourceAnswersFalse) {

@@ -7,8 +7,6 @@ using namespace zelto::test;
 
 namespace {
 
-constexpr double SMALLEST_POSITIVE = 2.2250738585072014e-308;
-
 /// What the seeded operations compute, from samples that passed the filter.
 struct PlainSeeded {
     long long count = 0;

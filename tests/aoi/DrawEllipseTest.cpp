@@ -15,53 +15,53 @@ CDrawEllipse Wide() {
     return Drag<CDrawEllipse>({0, 10}, {20, 0});
 }
 
-int Hit(CDrawEllipse& e, CPoint2D p, int mode) {
+int HitEllipse(CDrawEllipse& e, CPoint2D p, int mode) {
     return e.TopoRelationWithPoint(p, 0.5, mode);
 }
 
-int Meet(CDrawEllipse& e, CBoundingBox box) {
+int MeetEllipse(CDrawEllipse& e, CBoundingBox box) {
     return e.TopoRelationWithBoundingbox(&box);
 }
 
 TEST(DrawEllipse, EditingModeIsTheRectanglesTest) {
     CDrawEllipse e = Wide();
-    EXPECT_EQ(Hit(e, {0, 10}, 0), 2);
+    EXPECT_EQ(HitEllipse(e, {0, 10}, 0), 2);
     EXPECT_EQ(e.m_selectedPointIndex, 0);
-    EXPECT_EQ(Hit(e, {2, 9}, 0), 3) << "in the rectangle, outside the ellipse";
+    EXPECT_EQ(HitEllipse(e, {2, 9}, 0), 3) << "in the rectangle, outside the ellipse";
     EXPECT_EQ(e.m_selectedPointIndex, -1);
 }
 
 TEST(DrawEllipse, ContainmentIncludesTheBoundaryAndKeepsTheSelectedPoint) {
     CDrawEllipse e = Wide();
     e.m_selectedPointIndex = 4;
-    EXPECT_EQ(Hit(e, {10, 5}, 1), 3);
-    EXPECT_EQ(Hit(e, {0, 5}, 1), 3);
-    EXPECT_EQ(Hit(e, {10, 10}, 1), 3);
-    EXPECT_EQ(Hit(e, {16, 9}, 1), 3) << "(6/10)² + (4/5)² is 1";
-    EXPECT_EQ(Hit(e, {16, 9.001}, 1), 0);
-    EXPECT_EQ(Hit(e, {2, 9}, 1), 0);
-    EXPECT_EQ(Hit(e, {-1, 5}, 1), 0);
+    EXPECT_EQ(HitEllipse(e, {10, 5}, 1), 3);
+    EXPECT_EQ(HitEllipse(e, {0, 5}, 1), 3);
+    EXPECT_EQ(HitEllipse(e, {10, 10}, 1), 3);
+    EXPECT_EQ(HitEllipse(e, {16, 9}, 1), 3) << "(6/10)² + (4/5)² is 1";
+    EXPECT_EQ(HitEllipse(e, {16, 9.001}, 1), 0);
+    EXPECT_EQ(HitEllipse(e, {2, 9}, 1), 0);
+    EXPECT_EQ(HitEllipse(e, {-1, 5}, 1), 0);
     EXPECT_EQ(e.m_selectedPointIndex, 4);
 }
 
 TEST(DrawEllipse, TheExtentComesFirst) {
     CDrawEllipse e = Wide();
     e.m_extent.SetBoundingBox(0, 10, 5, 0);
-    EXPECT_EQ(Hit(e, {10, 5}, 1), 0);
+    EXPECT_EQ(HitEllipse(e, {10, 5}, 1), 0);
 }
 
 TEST(DrawEllipse, WithoutASizeNothingIsInside) {
     CDrawEllipse e = Drag<CDrawEllipse>({3, 3}, {3, 3});
-    EXPECT_EQ(Hit(e, {3, 3}, 1), 0);
+    EXPECT_EQ(HitEllipse(e, {3, 3}, 1), 0);
 }
 
 TEST(DrawEllipse, TheFourBoxAnswers) {
     CDrawEllipse e = Wide();
-    EXPECT_EQ(Meet(e, {30, 10, 40, 0}), 0) << "apart from the extent";
-    EXPECT_EQ(Meet(e, {15, 7, 30, 3}), 1) << "a side crosses the boundary";
-    EXPECT_EQ(Meet(e, {8, 6, 12, 4}), 3) << "inside";
-    EXPECT_EQ(Meet(e, {-5, 15, 25, -5}), 1) << "around: the centre lies in the box";
-    EXPECT_EQ(Meet(e, {0, 10, 1, 9.5}), 0) << "in a corner of the extent, off the ellipse";
+    EXPECT_EQ(MeetEllipse(e, {30, 10, 40, 0}), 0) << "apart from the extent";
+    EXPECT_EQ(MeetEllipse(e, {15, 7, 30, 3}), 1) << "a side crosses the boundary";
+    EXPECT_EQ(MeetEllipse(e, {8, 6, 12, 4}), 3) << "inside";
+    EXPECT_EQ(MeetEllipse(e, {-5, 15, 25, -5}), 1) << "around: the centre lies in the box";
+    EXPECT_EQ(MeetEllipse(e, {0, 10, 1, 9.5}), 0) << "in a corner of the extent, off the ellipse";
     EXPECT_EQ(e.TopoRelationWithBoundingbox(nullptr), 0);
 }
 
@@ -69,7 +69,7 @@ TEST(DrawEllipse, ABoxFromTheCentreToTheBoundaryTouchesFromInside) {
     CDrawEllipse e = Wide();
     // The right side ends on the boundary at (16, 9), which is not strictly inside, while its
     // other end is: exactly one end inside crosses.
-    EXPECT_EQ(Meet(e, {10, 9, 16, 5}), 1);
+    EXPECT_EQ(MeetEllipse(e, {10, 9, 16, 5}), 1);
 }
 
 TEST(DrawEllipse, SegmentsCrossTheBoundaryOnce) {
@@ -148,7 +148,7 @@ bool PlainCrosses(const CDrawEllipse& e, CPoint2D P, CPoint2D Q) {
     return x >= std::min(P.x, Q.x) && x <= std::max(P.x, Q.x);
 }
 
-int PlainBoxTest(const CDrawEllipse& e, const CBoundingBox& q) {
+int PlainEllipseBoxTest(const CDrawEllipse& e, const CBoundingBox& q) {
     const CBoundingBox& x = e.m_extent;
     if (q.m_left > x.m_right || x.m_bottom > q.m_top || x.m_left > q.m_right ||
         q.m_bottom > x.m_top)
@@ -181,7 +181,8 @@ TEST(DrawEllipse, AnswersAsTheRuleOnRandomBoxesAndSegments) {
         const CPoint2D q = point();
         ASSERT_EQ(e.IsIntersect(p, q), PlainCrosses(e, p, q)) << "pair " << i;
         CBoundingBox box(p.x, p.y, q.x, q.y);
-        ASSERT_EQ(int(e.TopoRelationWithBoundingbox(&box)), PlainBoxTest(e, box)) << "pair " << i;
+        ASSERT_EQ(int(e.TopoRelationWithBoundingbox(&box)), PlainEllipseBoxTest(e, box))
+            << "pair " << i;
     }
 }
 

@@ -10,63 +10,63 @@ namespace {
 using zelto::test::MakePolygon;
 using zelto::test::UnitSquareTimes10;
 
-int Meet(CDrawPolygon& polygon, CBoundingBox box) {
+int MeetPolygon(CDrawPolygon& polygon, CBoundingBox box) {
     return polygon.TopoRelationWithBoundingbox(&box);
 }
 
 TEST(DrawPolygonBox, CoincidingCornersTouch) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Meet(square, {0, 10, 10, 0}), 2);
-    EXPECT_EQ(Meet(square, {1e-8, 10, 10, -1e-8}), 2) << "within the points' tolerance";
+    EXPECT_EQ(MeetPolygon(square, {0, 10, 10, 0}), 2);
+    EXPECT_EQ(MeetPolygon(square, {1e-8, 10, 10, -1e-8}), 2) << "within the points' tolerance";
 }
 
 TEST(DrawPolygonBox, FourVerticesOnTwoCornersTouchAsWell) {
     auto folded = MakePolygon({{0, 0}, {10, 10}, {0, 0}, {10, 10}});
-    EXPECT_EQ(Meet(folded, {0, 10, 10, 0}), 2);
+    EXPECT_EQ(MeetPolygon(folded, {0, 10, 10, 0}), 2);
 }
 
 TEST(DrawPolygonBox, FiveVerticesOnTheCornersDoNotTouch) {
     auto closed = MakePolygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}});
-    EXPECT_EQ(Meet(closed, {0, 10, 10, 0}), 1);
+    EXPECT_EQ(MeetPolygon(closed, {0, 10, 10, 0}), 1);
 }
 
 TEST(DrawPolygonBox, ABoxInsideIsContained) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Meet(square, {2, 8, 8, 2}), 3);
+    EXPECT_EQ(MeetPolygon(square, {2, 8, 8, 2}), 3);
 }
 
 TEST(DrawPolygonBox, AnEdgeThatMeetsASideIntersects) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Meet(square, {5, 20, 20, 5}), 1);
-    EXPECT_EQ(Meet(square, {10, 20, 20, 10}), 1) << "a shared corner";
-    EXPECT_EQ(Meet(square, {2, 10, 8, 2}), 1) << "a shared part of a side";
+    EXPECT_EQ(MeetPolygon(square, {5, 20, 20, 5}), 1);
+    EXPECT_EQ(MeetPolygon(square, {10, 20, 20, 10}), 1) << "a shared corner";
+    EXPECT_EQ(MeetPolygon(square, {2, 10, 8, 2}), 1) << "a shared part of a side";
 }
 
 TEST(DrawPolygonBox, APolygonInsideTheBoxIntersects) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Meet(square, {-5, 15, 15, -5}), 1);
+    EXPECT_EQ(MeetPolygon(square, {-5, 15, 15, -5}), 1);
 }
 
 TEST(DrawPolygonBox, ApartIsDisjoint) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Meet(square, {20, 10, 30, 0}), 0);
+    EXPECT_EQ(MeetPolygon(square, {20, 10, 30, 0}), 0);
     EXPECT_EQ(square.TopoRelationWithBoundingbox(nullptr), 0);
 }
 
 TEST(DrawPolygonBox, ABoxInANotchIsDisjoint) {
     auto notched = MakePolygon({{0, 0}, {10, 0}, {10, 10}, {5, 2}, {0, 10}});
-    EXPECT_EQ(Meet(notched, {4.5, 9, 5.5, 8}), 0);
+    EXPECT_EQ(MeetPolygon(notched, {4.5, 9, 5.5, 8}), 0);
 }
 
 TEST(DrawPolygonBox, WithTooFewVerticesNothingMeets) {
     CDrawPolygon empty;
-    EXPECT_EQ(Meet(empty, {-1, 1, 1, -1}), 0);
+    EXPECT_EQ(MeetPolygon(empty, {-1, 1, 1, -1}), 0);
     auto point = MakePolygon({{5, 5}});
-    EXPECT_EQ(Meet(point, {0, 10, 10, 0}), 0);
+    EXPECT_EQ(MeetPolygon(point, {0, 10, 10, 0}), 0);
     auto segment = MakePolygon({{-5, 5}, {15, 5}});
-    EXPECT_EQ(Meet(segment, {0, 10, 10, 0}), 0) << "its line crosses the box";
+    EXPECT_EQ(MeetPolygon(segment, {0, 10, 10, 0}), 0) << "its line crosses the box";
     segment.AddVertex({15, 6});
-    EXPECT_EQ(Meet(segment, {0, 10, 10, 0}), 1);
+    EXPECT_EQ(MeetPolygon(segment, {0, 10, 10, 0}), 1);
 }
 
 /// The rule of the box test, written down a second time.
@@ -90,7 +90,7 @@ bool PlainMeet(CPoint2D a, CPoint2D b, CPoint2D c, CPoint2D d) {
            (o3 == 0 && InBox(c, a, b)) || (o4 == 0 && InBox(d, a, b));
 }
 
-int PlainBoxTest(CDrawPolygon& polygon, const CBoundingBox& b) {
+int PlainPolygonBoxTest(CDrawPolygon& polygon, const CBoundingBox& b) {
     const CPoint2D tl(b.m_left, b.m_top);
     const CPoint2D tr(b.m_right, b.m_top);
     const CPoint2D bl(b.m_left, b.m_bottom);
@@ -127,7 +127,7 @@ TEST(DrawPolygonBox, AnswersAsTheRuleOnRandomPolygons) {
             points.emplace_back(c(engine), c(engine));
         CDrawPolygon polygon = MakePolygon(points);
         CBoundingBox box(c(engine), c(engine), c(engine), c(engine));
-        ASSERT_EQ(int(polygon.TopoRelationWithBoundingbox(&box)), PlainBoxTest(polygon, box))
+        ASSERT_EQ(int(polygon.TopoRelationWithBoundingbox(&box)), PlainPolygonBoxTest(polygon, box))
             << "case " << i;
     }
 }

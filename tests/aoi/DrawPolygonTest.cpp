@@ -10,52 +10,52 @@ namespace {
 using zelto::test::MakePolygon;
 using zelto::test::UnitSquareTimes10;
 
-int Hit(CDrawPolygon& polygon, CPoint2D p, double tolerance, int mode) {
+int HitPolygon(CDrawPolygon& polygon, CPoint2D p, double tolerance, int mode) {
     return polygon.TopoRelationWithPoint(p, tolerance, mode);
 }
 
 TEST(DrawPolygon, PointInsideIsContained) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Hit(square, {5, 5}, 0, 0), 3);
-    EXPECT_EQ(Hit(square, {5, 5}, 0, 1), 3);
+    EXPECT_EQ(HitPolygon(square, {5, 5}, 0, 0), 3);
+    EXPECT_EQ(HitPolygon(square, {5, 5}, 0, 1), 3);
     EXPECT_EQ(square.m_selectedPointIndex, -1);
 }
 
 TEST(DrawPolygon, AVertexIsFoundInEditingModeOnly) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Hit(square, {0, 0}, 0.1, 0), 2);
+    EXPECT_EQ(HitPolygon(square, {0, 0}, 0.1, 0), 2);
     EXPECT_EQ(square.m_selectedPointIndex, 0);
-    EXPECT_EQ(Hit(square, {9.5, 9.5}, 0.5, 0), 2);
+    EXPECT_EQ(HitPolygon(square, {9.5, 9.5}, 0.5, 0), 2);
     EXPECT_EQ(square.m_selectedPointIndex, 2);
-    EXPECT_EQ(Hit(square, {9.5, 9.5}, 0.5, 1), 3);
+    EXPECT_EQ(HitPolygon(square, {9.5, 9.5}, 0.5, 1), 3);
     EXPECT_EQ(square.m_selectedPointIndex, -1);
-    EXPECT_EQ(Hit(square, {5, 5}, 100, 0), 2);
+    EXPECT_EQ(HitPolygon(square, {5, 5}, 100, 0), 2);
     EXPECT_EQ(square.m_selectedPointIndex, 0) << "the first vertex within the tolerance";
-    EXPECT_EQ(Hit(square, {-0.05, 0}, 0.1, 0), 0) << "outside the extent no vertex is found";
+    EXPECT_EQ(HitPolygon(square, {-0.05, 0}, 0.1, 0), 0) << "outside the extent no vertex is found";
 }
 
 TEST(DrawPolygon, PointOnTheLeftEdgeCountsAsInside) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Hit(square, {0, 5}, 0, 1), 3);
+    EXPECT_EQ(HitPolygon(square, {0, 5}, 0, 1), 3);
 }
 
 TEST(DrawPolygon, PointOnTheRightEdgeCountsAsOutside) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Hit(square, {10, 5}, 0, 1), 0);
+    EXPECT_EQ(HitPolygon(square, {10, 5}, 0, 1), 0);
 }
 
 TEST(DrawPolygon, BottomEdgeCountsAndTopEdgeDoesNot) {
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Hit(square, {5, 0}, 0, 1), 3);
-    EXPECT_EQ(Hit(square, {5, 10}, 0, 1), 0);
-    EXPECT_EQ(Hit(square, {0, 0}, 0, 1), 3);
-    EXPECT_EQ(Hit(square, {10, 10}, 0, 1), 0);
+    EXPECT_EQ(HitPolygon(square, {5, 0}, 0, 1), 3);
+    EXPECT_EQ(HitPolygon(square, {5, 10}, 0, 1), 0);
+    EXPECT_EQ(HitPolygon(square, {0, 0}, 0, 1), 3);
+    EXPECT_EQ(HitPolygon(square, {10, 10}, 0, 1), 0);
 }
 
 TEST(DrawPolygon, NeedsThreeVertices) {
     auto polygon = MakePolygon({{0, 0}, {10, 10}});
     CPoint2D p(5, 5);
-    EXPECT_EQ(Hit(polygon, p, 100, 0), 0);
+    EXPECT_EQ(HitPolygon(polygon, p, 100, 0), 0);
     EXPECT_EQ(polygon.m_selectedPointIndex, -1);
     EXPECT_FALSE(polygon.IsPointIn(&p));
 }
@@ -75,18 +75,18 @@ TEST(DrawPolygon, SelfOverlapIsDecidedByParity) {
     // A square walked twice: every point is surrounded twice.
     auto twice = MakePolygon(
         {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}});
-    EXPECT_EQ(Hit(twice, {5, 5}, 0, 1), 0);
+    EXPECT_EQ(HitPolygon(twice, {5, 5}, 0, 1), 0);
     auto bowTie = MakePolygon({{0, 0}, {10, 10}, {10, 0}, {0, 10}});
-    EXPECT_EQ(Hit(bowTie, {1, 5}, 0, 1), 3);
-    EXPECT_EQ(Hit(bowTie, {5, 8}, 0, 1), 0);
-    EXPECT_EQ(Hit(bowTie, {9, 5}, 0, 1), 3);
+    EXPECT_EQ(HitPolygon(bowTie, {1, 5}, 0, 1), 3);
+    EXPECT_EQ(HitPolygon(bowTie, {5, 8}, 0, 1), 0);
+    EXPECT_EQ(HitPolygon(bowTie, {9, 5}, 0, 1), 3);
 }
 
 TEST(DrawPolygon, UndefinedCoordinatesHoldNothing) {
     auto polygon = MakePolygon({{0, 0}, {std::nan(""), 5}, {10, 10}, {0, 10}});
-    EXPECT_EQ(Hit(polygon, {std::nan(""), 5}, 1, 1), 0);
+    EXPECT_EQ(HitPolygon(polygon, {std::nan(""), 5}, 1, 1), 0);
     auto square = UnitSquareTimes10();
-    EXPECT_EQ(Hit(square, {5, std::nan("")}, 1, 0), 0);
+    EXPECT_EQ(HitPolygon(square, {5, std::nan("")}, 1, 0), 0);
 }
 
 /// The rule of the point test, written down a second time. `index` receives the vertex found.
@@ -128,10 +128,10 @@ TEST(DrawPolygon, AnswersAsTheRuleOnRandomPolygonsInBothModes) {
         int index = 0;
         const int mode = i % 2;
         const double tol = tolerances[i % 3];
-        ASSERT_EQ(Hit(polygon, p, tol, mode), PlainPointTest(polygon, p, tol, mode, index));
+        ASSERT_EQ(HitPolygon(polygon, p, tol, mode), PlainPointTest(polygon, p, tol, mode, index));
         ASSERT_EQ(polygon.m_selectedPointIndex, index);
         CPoint2D same = p;
-        ASSERT_EQ(polygon.IsPointIn(&same), Hit(polygon, p, tol, 1) == 3);
+        ASSERT_EQ(polygon.IsPointIn(&same), HitPolygon(polygon, p, tol, 1) == 3);
     }
 }
 

@@ -7,13 +7,7 @@
 namespace {
 
 using zelto::test::Drag;
-
-void ExpectBox(const CBoundingBox& box, double left, double top, double right, double bottom) {
-    EXPECT_EQ(box.m_left, left);
-    EXPECT_EQ(box.m_top, top);
-    EXPECT_EQ(box.m_right, right);
-    EXPECT_EQ(box.m_bottom, bottom);
-}
+using zelto::test::ExpectBox;
 
 void ExpectRectangle(const CDrawRectangle& r, double left, double top, double width,
                      double height) {
@@ -164,7 +158,7 @@ TEST(DrawRectangle, ARefusedSetterDoesNotEvenUpdateTheExtent) {
 }
 
 /// The rule of the box test, written down a second time.
-int PlainBoxTest(const CBoundingBox& e, const CBoundingBox& b) {
+int PlainRectangleBoxTest(const CBoundingBox& e, const CBoundingBox& b) {
     if (b.m_left >= e.m_left && e.m_right >= b.m_right && b.m_bottom >= e.m_bottom &&
         e.m_top >= b.m_top)
         return 3;
@@ -182,7 +176,7 @@ TEST(DrawRectangle, AnswersAsTheRuleOnRandomBoxes) {
         if (i % 2 == 0)
             r.UpdateExtent();
         CBoundingBox b(c(engine), c(engine), c(engine), c(engine));
-        ASSERT_EQ(int(r.TopoRelationWithBoundingbox(&b)), PlainBoxTest(r.m_extent, b));
+        ASSERT_EQ(int(r.TopoRelationWithBoundingbox(&b)), PlainRectangleBoxTest(r.m_extent, b));
     }
 }
 

@@ -13,6 +13,7 @@
 
 namespace {
 
+using zelto::test::ExpectBox;
 using zelto::test::SlotOf;
 
 void ExpectColor(const CRgbaColor& color, int red, int green, int blue, int alpha) {
@@ -20,13 +21,6 @@ void ExpectColor(const CRgbaColor& color, int red, int green, int blue, int alph
     EXPECT_EQ(color.green, green);
     EXPECT_EQ(color.blue, blue);
     EXPECT_EQ(color.alpha, alpha);
-}
-
-void ExpectBox(const CBoundingBox& box, double left, double top, double right, double bottom) {
-    EXPECT_EQ(box.m_left, left);
-    EXPECT_EQ(box.m_top, top);
-    EXPECT_EQ(box.m_right, right);
-    EXPECT_EQ(box.m_bottom, bottom);
 }
 
 TEST(DrawShape, StartsEmptyWithTheDefaults) {

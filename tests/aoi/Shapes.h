@@ -4,6 +4,8 @@
 #include "zelto/aoi/DrawPolygon.h"
 #include "zelto/aoi/DrawRectangle.h"
 
+#include <gtest/gtest.h>
+
 #include <vector>
 
 namespace zelto::test {
@@ -29,6 +31,14 @@ Shape Drag(CPoint2D from, CPoint2D to) {
 /// The polygon (0,0), (10,0), (10,10), (0,10).
 inline CDrawPolygon UnitSquareTimes10() {
     return MakePolygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
+}
+
+inline void ExpectBox(const CBoundingBox& box, double left, double top, double right,
+                      double bottom) {
+    EXPECT_EQ(box.m_left, left);
+    EXPECT_EQ(box.m_top, top);
+    EXPECT_EQ(box.m_right, right);
+    EXPECT_EQ(box.m_bottom, bottom);
 }
 
 } // namespace zelto::test

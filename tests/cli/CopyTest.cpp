@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <thread>
 
+using zelto::test::GeoTransformOf;
 using zelto::test::MakePixels;
 using zelto::test::NorthUp;
 using zelto::test::OpenImage;
@@ -26,14 +27,8 @@ using Names = std::vector<std::string>;
 
 namespace {
 
-std::array<double, 6> GeoTransformOf(const std::string& path) {
-    std::array<double, 6> geoTransform = {};
-    EXPECT_EQ(OpenImage(path)->GetGeoTransform(geoTransform.data()), CE_None);
-    return geoTransform;
-}
-
 /// 10 × 8 pixels of 100·band + 10·row + column, three bands, UInt16, no-data 0, 5 m pixels.
-std::string WriteImage(const TemporaryFolder& folder) {
+std::string WriteThreeBands(const TemporaryFolder& folder) {
     zelto::test::RasterSpec spec = {.width = 10, .height = 8, .type = GDT_UInt16};
     spec.geoTransform = NorthUp(1000.0, 2000.0, 5.0);
     spec.srs = "EPSG:32650";
@@ -49,7 +44,7 @@ std::string WriteImage(const TemporaryFolder& folder) {
 
 TEST(CopyCommand, CopiesEverythingOfAnImage) {
     const TemporaryFolder folder;
-    const std::string in = WriteImage(folder);
+    const std::string in = WriteThreeBands(folder);
     for (const char* name : {"a.img", "a.pix", "影.tif"}) {
         const auto run = RunZelto({"copy", in, folder.File(name)});
         EXPECT_EQ(run.exitStatus, 0) << run.errors;
@@ -65,7 +60,7 @@ TEST(CopyCommand, CopiesEverythingOfAnImage) {
 
 TEST(CopyCommand, BandsWindowAndTypeCanBeChosen) {
     const TemporaryFolder folder;
-    const std::string in = WriteImage(folder);
+    const std::string in = WriteThreeBands(folder);
     ASSERT_EQ(RunZelto({"copy", in, folder.File("a.tif"), "--bands", "3,1", "--window", "2,3,4,2",
                         "--type", "Float32"})
                   .exitStatus,
@@ -78,7 +73,7 @@ TEST(CopyCommand, BandsWindowAndTypeCanBeChosen) {
 
 TEST(CopyCommand, ABoxChoosesThePixelsItTouches) {
     const TemporaryFolder folder;
-    const std::string in = WriteImage(folder);
+    const std::string in = WriteThreeBands(folder);
     ASSERT_EQ(
         RunZelto({"copy", in, folder.File("a.tif"), "--box", "1011,1984,1029,1976"}).exitStatus, 0);
     EXPECT_EQ(GeoTransformOf(folder.File("a.tif")), NorthUp(1010.0, 1985.0, 5.0));
@@ -87,7 +82,7 @@ TEST(CopyCommand, ABoxChoosesThePixelsItTouches) {
 
 TEST(CopyCommand, PartsBeyondTheImageAreCutOff) {
     const TemporaryFolder folder;
-    const std::string in = WriteImage(folder);
+    const std::string in = WriteThreeBands(folder);
     ASSERT_EQ(RunZelto({"copy", in, folder.File("a.tif"), "--window", "8,6,50,50"}).exitStatus, 0);
     EXPECT_EQ(ReadBand(folder.File("a.tif"), 1), (Pixels{168, 169, 178, 179}));
     const auto outside = RunZelto({"copy", in, folder.File("b.tif"), "--window", "10,0,5,5"});
@@ -278,7 +273,7 @@ TEST(CopyCommand, AFullDiskLeavesTheOldFile) {
 
 TEST(CopyCommand, WrongUsageEndsWithTwo) {
     const TemporaryFolder folder;
-    const std::string in = WriteImage(folder);
+    const std::string in = WriteThreeBands(folder);
     const std::string out = folder.File("a.tif");
     const std::vector<std::vector<std::string>> lines = {
         {"copy", in},

@@ -62,7 +62,7 @@ Arguments For(const Case& which, const fs::path& file, const TemporaryFolder& ma
     return arguments;
 }
 
-void Check(const RunResult& run, const Arguments& arguments) {
+void CheckRun(const RunResult& run, const Arguments& arguments) {
     SCOPED_TRACE(testing::PrintToString(arguments) + " printed\n" + run.errors);
     EXPECT_TRUE(run.exitStatus == 0 || run.exitStatus == 1)
         << run.exitStatus << ", signal " << run.endSignal;
@@ -105,7 +105,7 @@ TEST_P(DamagedFiles, AreDoneOrToldInOneLine) {
                                                     [arguments] { return RunZelto(arguments); }));
         }
         for (auto& [arguments, run] : runs)
-            Check(run.get(), arguments);
+            CheckRun(run.get(), arguments);
     }
 }
 

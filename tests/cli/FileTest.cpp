@@ -18,8 +18,8 @@ using Names = std::vector<std::string>;
 
 namespace {
 
-void WriteImage(const TemporaryFolder& folder, const std::string& name, double value,
-                const char* driver = "GTiff") {
+void WriteRow(const TemporaryFolder& folder, const std::string& name, double value,
+              const char* driver = "GTiff") {
     zelto::test::RasterSpec spec = {.width = 4, .height = 1};
     spec.driver = driver;
     spec.geoTransform = NorthUp(0.0, 1.0, 1.0);
@@ -32,8 +32,8 @@ void WriteImage(const TemporaryFolder& folder, const std::string& name, double v
 
 TEST(FileCommand, RemovesRastersWithTheirSideFiles) {
     const TemporaryFolder folder;
-    WriteImage(folder, "a.tif", 1.0);
-    WriteImage(folder, "b", 2.0, "ENVI");
+    WriteRow(folder, "a.tif", 1.0);
+    WriteRow(folder, "b", 2.0, "ENVI");
     ASSERT_EQ(folder.Names(), (Names{"a.tfw", "a.tif", "b", "b.hdr"}));
     const auto run = RunZelto({"file", "rm", folder.File("a.tif"), folder.File("b")});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
@@ -54,7 +54,7 @@ TEST(FileCommand, RemovesNothingThatIsNoRaster) {
 
 TEST(FileCommand, MovesToANewName) {
     const TemporaryFolder folder;
-    WriteImage(folder, "a.tif", 1.0);
+    WriteRow(folder, "a.tif", 1.0);
     auto run = RunZelto({"file", "mv", folder.File("a.tif"), folder.File("新.tif")});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
     EXPECT_EQ(folder.Names(), (Names{"新.tfw", "新.tif"}));
@@ -64,7 +64,7 @@ TEST(FileCommand, MovesToANewName) {
 TEST(FileCommand, MovesAndCopiesIntoAFolder) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.Path() / "sub");
-    WriteImage(folder, "a", 1.0, "ENVI");
+    WriteRow(folder, "a", 1.0, "ENVI");
     EXPECT_EQ(RunZelto({"file", "cp", folder.File("a"), folder.File("sub")}).exitStatus, 0);
     EXPECT_EQ(ReadBand(folder.File("sub/a"), 1), Pixels(4, 1.0));
     EXPECT_EQ(folder.Names(), (Names{"a", "a.hdr", "sub"}));
@@ -76,7 +76,7 @@ TEST(FileCommand, MovesAndCopiesIntoAFolder) {
 
 TEST(FileCommand, CopiesWithTheWorldFile) {
     const TemporaryFolder folder;
-    WriteImage(folder, "a.tif", 1.0);
+    WriteRow(folder, "a.tif", 1.0);
     EXPECT_EQ(RunZelto({"file", "cp", folder.File("a.tif"), folder.File("b.tif")}).exitStatus, 0);
     EXPECT_EQ(folder.Names(), (Names{"a.tfw", "a.tif", "b.tfw", "b.tif"}));
     EXPECT_EQ(ReadBand(folder.File("b.tif"), 1), Pixels(4, 1.0));
@@ -84,8 +84,8 @@ TEST(FileCommand, CopiesWithTheWorldFile) {
 
 TEST(FileCommand, OverwritesOnlyWhenTold) {
     const TemporaryFolder folder;
-    WriteImage(folder, "a.tif", 1.0);
-    WriteImage(folder, "b.tif", 2.0);
+    WriteRow(folder, "a.tif", 1.0);
+    WriteRow(folder, "b.tif", 2.0);
     for (const char* command : {"mv", "cp"}) {
         const auto run = RunZelto({"file", command, folder.File("a.tif"), folder.File("b.tif")});
         EXPECT_EQ(run.exitStatus, 1);
@@ -107,8 +107,8 @@ TEST(FileCommand, TheWorldFileOfWhatIsReplacedGoesWithIt) {
     for (const char* command : {"mv", "cp"}) {
         SCOPED_TRACE(command);
         const TemporaryFolder folder;
-        WriteImage(folder, "a.tif", 1.0);
-        WriteImage(folder, "b.tif", 2.0);
+        WriteRow(folder, "a.tif", 1.0);
+        WriteRow(folder, "b.tif", 2.0);
         WriteFile(folder.Path() / "a.tfw", "1\n0\n0\n-1\n100.5\n99.5\n");
         const std::string moved = ReadFile(folder.Path() / "a.tfw");
         EXPECT_EQ(
@@ -144,7 +144,7 @@ TEST(FileCommand, AFullDiskLeavesTheOldFile) {
 
 TEST(FileCommand, WhatStandsThereUnderTheNameOfASideFileIsReplacedOnlyWhenTold) {
     const TemporaryFolder folder;
-    WriteImage(folder, "a.tif", 1.0);
+    WriteRow(folder, "a.tif", 1.0);
     WriteFile(folder.File("b.tfw"), "somebody's");
     const auto run = RunZelto({"file", "cp", folder.File("a.tif"), folder.File("b.tif")});
     EXPECT_EQ(run.exitStatus, 1);
@@ -166,8 +166,8 @@ TEST(FileCommand, APyramidFollowsItsImageToAnotherExtension) {
 
 TEST(FileCommand, AMoveKeepsThePermissionsOfTheFileThatMoves) {
     const TemporaryFolder folder;
-    WriteImage(folder, "a.tif", 1.0);
-    WriteImage(folder, "b.tif", 2.0);
+    WriteRow(folder, "a.tif", 1.0);
+    WriteRow(folder, "b.tif", 2.0);
     using std::filesystem::perms;
     std::filesystem::permissions(folder.Path() / "a.tif", perms(0600));
     std::filesystem::permissions(folder.Path() / "b.tif", perms(0644));
@@ -180,8 +180,8 @@ TEST(FileCommand, AMoveKeepsThePermissionsOfTheFileThatMoves) {
 TEST(FileCommand, AVirtualRasterLeavesWhatItReads) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.Path() / "sub");
-    WriteImage(folder, "abc.tif", 1.0);
-    WriteImage(folder, "other.tif", 2.0);
+    WriteRow(folder, "abc.tif", 1.0);
+    WriteRow(folder, "other.tif", 2.0);
     const std::string text =
         R"(<VRTDataset rasterXSize="4" rasterYSize="1"><VRTRasterBand dataType="Byte" band="1">)"
         R"(<SimpleSource><SourceFilename relativeToVRT="1">abc.tif</SourceFilename>)"

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <unistd.h>
 
+using zelto::test::GeoTransformOf;
 using zelto::test::OpenImage;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
@@ -23,15 +24,9 @@ using Names = std::vector<std::string>;
 
 namespace {
 
-GeoTransform GeoTransformOf(const std::string& path) {
-    GeoTransform geoTransform = {};
-    EXPECT_EQ(OpenImage(path)->GetGeoTransform(geoTransform.data()), CE_None);
-    return geoTransform;
-}
-
 /// 4 × 2 pixels of 7 without a place.
-std::string WriteImage(const TemporaryFolder& folder, const std::string& name,
-                       const char* driver = "GTiff") {
+std::string WriteUnplaced(const TemporaryFolder& folder, const std::string& name,
+                          const char* driver = "GTiff") {
     return zelto::test::WriteRaster(folder.File(name), {.width = 4, .height = 2, .driver = driver},
                                     {Pixels(8, 7.0)});
 }
@@ -42,7 +37,7 @@ TEST(GeorefCommand, PlacesAnImageByABoxAndAReference) {
     const TemporaryFolder folder;
     for (const char* driver : {"GTiff", "HFA", "ENVI"}) {
         SCOPED_TRACE(driver);
-        const std::string path = WriteImage(folder, std::string("图") + driver, driver);
+        const std::string path = WriteUnplaced(folder, std::string("图") + driver, driver);
         const auto run =
             RunZelto({"georef", path, "--box", "-80,2060,0,2020", "--srs", "EPSG:32650"});
         EXPECT_EQ(run.exitStatus, 0) << run.errors;
@@ -55,7 +50,7 @@ TEST(GeorefCommand, PlacesAnImageByABoxAndAReference) {
 
 TEST(GeorefCommand, TakesTheSixTermsOfARotatedImage) {
     const TemporaryFolder folder;
-    const std::string path = WriteImage(folder, "a.tif");
+    const std::string path = WriteUnplaced(folder, "a.tif");
     ASSERT_EQ(RunZelto({"georef", path, "--geotransform", "1000,8,3,2000,3,-8"}).exitStatus, 0);
     EXPECT_EQ(GeoTransformOf(path), (GeoTransform{1000.0, 8.0, 3.0, 2000.0, 3.0, -8.0}));
     EXPECT_EQ(OpenImage(path)->GetSpatialRef(), nullptr);
@@ -67,7 +62,7 @@ TEST(GeorefCommand, TakesTheSixTermsOfARotatedImage) {
 
 TEST(GeorefCommand, ControlPointsGiveWayOnRequestAndLeaveTheirReference) {
     const TemporaryFolder folder;
-    const std::string path = WriteImage(folder, "a.tif");
+    const std::string path = WriteUnplaced(folder, "a.tif");
     {
         const GDALDatasetUniquePtr image(
             GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));
@@ -110,7 +105,7 @@ TEST(GeorefCommand, AWorldFileMovesWithItsImage) {
 
 TEST(GeorefCommand, WrongUsageIsToldApartFromFailure) {
     const TemporaryFolder folder;
-    const std::string path = WriteImage(folder, "a.tif");
+    const std::string path = WriteUnplaced(folder, "a.tif");
     const std::vector<std::vector<std::string>> wrong = {
         {"georef"},
         {"georef", path},
@@ -140,7 +135,7 @@ TEST(GeorefCommand, WrongUsageIsToldApartFromFailure) {
 
 TEST(GeorefCommand, ControlPointsFromTheLineAndFromAFilePlaceAnImage) {
     const TemporaryFolder folder;
-    const std::string path = WriteImage(folder, "a.tif");
+    const std::string path = WriteUnplaced(folder, "a.tif");
     ASSERT_EQ(RunZelto({"georef", path, "--box", "0,2,4,0", "--srs", "EPSG:32650"}).exitStatus, 0);
     zelto::test::WriteFile(folder.File("points.csv"),
                            "column,row,x,y\n# the corner\n0,2,500000,3999940\n");
@@ -173,7 +168,7 @@ TEST(GeorefCommand, ControlPointsFromTheLineAndFromAFilePlaceAnImage) {
 
 TEST(GeorefCommand, ControlPointsThatPlaceNothingAreRefused) {
     const TemporaryFolder folder;
-    const std::string path = WriteImage(folder, "a.tif");
+    const std::string path = WriteUnplaced(folder, "a.tif");
     const std::string before = ReadFile(path);
     const std::vector<std::vector<std::string>> wrong = {
         {"--gcp", "0,0,1,1", "--gcp", "1,0,2,1"},
@@ -195,7 +190,7 @@ TEST(GeorefCommand, ControlPointsThatPlaceNothingAreRefused) {
 
 TEST(GeorefCommand, ManyControlPointsOnOneLineAreRefusedInLittleTime) {
     const TemporaryFolder folder;
-    const std::string path = WriteImage(folder, "a.tif");
+    const std::string path = WriteUnplaced(folder, "a.tif");
     std::string line;
     for (int i = 0; i < 200'000; ++i) {
         const std::string number = std::to_string(i);
@@ -209,7 +204,7 @@ TEST(GeorefCommand, ManyControlPointsOnOneLineAreRefusedInLittleTime) {
 
 TEST(GeorefCommand, AFileThatMayNotBeWrittenIsAFailure) {
     const TemporaryFolder folder;
-    const std::string path = WriteImage(folder, "a.tif");
+    const std::string path = WriteUnplaced(folder, "a.tif");
     const std::string before = ReadFile(path);
     std::filesystem::permissions(path, std::filesystem::perms::owner_read);
     if (access(path.c_str(), W_OK) == 0)

@@ -34,7 +34,7 @@ json Describe(std::vector<std::string> arguments) {
     return json::parse(run.output);
 }
 
-void ExpectOneLine(const std::string& errors, const std::string& file) {
+void ExpectOneLineAbout(const std::string& errors, const std::string& file) {
     EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
     EXPECT_NE(errors.find(file), std::string::npos) << errors;
 }
@@ -197,7 +197,7 @@ TEST(InfoCommand, AVirtualRasterWithNothingBehindItFails) {
     std::filesystem::remove(image);
     const auto run = RunZelto({"info", path});
     EXPECT_EQ(run.exitStatus, 1);
-    ExpectOneLine(run.errors, path);
+    ExpectOneLineAbout(run.errors, path);
 }
 
 TEST(InfoCommand, ARotatedImageKeepsItsSizeAndGeotransform) {
@@ -304,7 +304,7 @@ TEST(InfoCommand, FilesThatFailAreNamedAndTheOthersDescribed) {
         const auto run = RunZelto({"info", file});
         EXPECT_EQ(run.exitStatus, 1);
         EXPECT_EQ(run.output, "");
-        ExpectOneLine(run.errors, file);
+        ExpectOneLineAbout(run.errors, file);
     }
     EXPECT_NE(RunZelto({"info", missing}).errors.find("No such file"), std::string::npos);
     const auto run = RunZelto({"info", "--json", missing, good, empty});

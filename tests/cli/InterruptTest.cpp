@@ -28,7 +28,7 @@ using Arguments = std::vector<std::string>;
 
 /// The longest a command may go on after a signal: a second, and what a busy machine takes to
 /// notice.
-constexpr milliseconds LONGEST(2500);
+constexpr milliseconds LONGEST_STOP(2500);
 
 /// An image that keeps every command busy: noise, which no driver compresses, in one part, and
 /// nothing in the rest.
@@ -160,7 +160,7 @@ TEST_P(InterruptedCommand, EndsWithinASecondAndLeavesWhatWasThere) {
         const Stopped stopped = StopAfter(milliseconds(wait), arguments);
         if (stopped.run.exitStatus == 0)
             continue; // it was done before
-        EXPECT_LT(stopped.after, LONGEST);
+        EXPECT_LT(stopped.after, LONGEST_STOP);
         EXPECT_EQ(Contents(m_folder), before);
         EXPECT_EQ(s_origin->Names(), origin);
         EXPECT_EQ(stopped.run.exitStatus, 130);
@@ -203,7 +203,7 @@ TEST(Interrupting, AReadThatNeverComesBackIsLeft) {
         StopAfter(milliseconds(300), READS_INPUT, SIGINT, {.input = pipe.Path()});
     EXPECT_EQ(stopped.run.exitStatus, 130);
     EXPECT_EQ(stopped.run.errors, "zelto: interrupted\n");
-    EXPECT_LT(stopped.after, LONGEST);
+    EXPECT_LT(stopped.after, LONGEST_STOP);
 }
 
 TEST(Interrupting, ASecondRequestEndsAtOnce) {

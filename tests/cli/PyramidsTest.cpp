@@ -16,7 +16,7 @@ using zelto::test::TemporaryFolder;
 
 namespace {
 
-std::string WriteImage(const TemporaryFolder& folder, const std::string& name, int side) {
+std::string WriteSquare(const TemporaryFolder& folder, const std::string& name, int side) {
     return zelto::test::WriteRaster(folder.File(name), {.width = side, .height = side},
                                     {Pixels(static_cast<std::size_t>(side) * side, 7.0)});
 }
@@ -25,8 +25,8 @@ std::string WriteImage(const TemporaryFolder& folder, const std::string& name, i
 
 TEST(PyramidsCommand, ChecksBuildsAndChecksAgain) {
     const TemporaryFolder folder;
-    const std::string large = WriteImage(folder, "large.tif", 300);
-    const std::string small = WriteImage(folder, "small.tif", 100);
+    const std::string large = WriteSquare(folder, "large.tif", 300);
+    const std::string small = WriteSquare(folder, "small.tif", 100);
     auto run = RunZelto({"pyramids", "check", small, large});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.errors, "zelto: " + large + ": it is large and has no pyramid\n");
@@ -60,7 +60,7 @@ TEST(PyramidsCommand, RebuildsTheLevelsInsideACompressedFileWithItsPixels) {
 
 TEST(PyramidsCommand, PrintsJson) {
     const TemporaryFolder folder;
-    const std::string large = WriteImage(folder, "大.tif", 300);
+    const std::string large = WriteSquare(folder, "大.tif", 300);
     ASSERT_EQ(RunZelto({"pyramids", "build", large}).exitStatus, 0);
     const auto run = RunZelto({"pyramids", "check", "--json", large});
     const json result = json::parse(run.output);
@@ -84,7 +84,7 @@ TEST(PyramidsCommand, BandsCanBeChosen) {
 
 TEST(PyramidsCommand, FailuresNameTheFile) {
     const TemporaryFolder folder;
-    const std::string path = WriteImage(folder, "a.tif", 300);
+    const std::string path = WriteSquare(folder, "a.tif", 300);
     auto run = RunZelto({"pyramids", "build", path, "--resampling", "no such method"});
     EXPECT_EQ(run.exitStatus, 2);
     EXPECT_EQ(

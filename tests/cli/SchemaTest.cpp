@@ -16,13 +16,13 @@ using nlohmann::json;
 
 namespace {
 
-struct Case {
+struct SchemaCase {
     std::string schema;
     std::vector<std::string> words; ///< "SCENE" and names of the folder's files among them
 };
 
 /// A folder with a file of every kind.
-class Schemas : public testing::TestWithParam<Case> {
+class Schemas : public testing::TestWithParam<SchemaCase> {
   protected:
     Schemas() {
         RasterSpec spec = {.width = 4, .height = 4, .type = GDT_Float32};
@@ -77,43 +77,44 @@ TEST_P(Schemas, AreWhatTheCommandsPrint) {
 
 INSTANTIATE_TEST_SUITE_P(
     AllCommands, Schemas,
-    testing::Values(Case{"info", {"info", "SCENE", "--stats", "--sample"}},
-                    Case{"info", {"info", "a.tif", "b.tif", "--stats"}},
-                    Case{"info", {"info", "b.tif"}}, Case{"aoi-info", {"aoi", "info", "a.aif"}},
-                    Case{"aoi-info", {"aoi", "info", "n.aif"}},
-                    Case{"aoi-hit", {"aoi", "hit", "a.aif", "500001,39"}},
-                    Case{"aoi-mask", {"aoi", "mask", "a.aif", "a.tif", "m.tif"}},
-                    Case{"classes-show", {"classes", "show", "a.acf"}},
-                    Case{"histogram", {"histogram", "SCENE", "--buckets", "8"}},
-                    Case{"pyramids", {"pyramids", "check", "SCENE", "b.tif"}},
-                    Case{"reproject-points",
-                         {"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:32650"}},
-                    Case{"reproject-box",
-                         {"reproject", "box", "--from", "EPSG:4326", "--to", "EPSG:32650", "--box",
-                          "117,1,118,0"}},
-                    Case{"reproject-window",
-                         {"reproject", "window", "SCENE", "--srs", "EPSG:4326", "--box",
-                          "-34.88,-7.98,-34.85,-8.02"}},
-                    Case{"reproject-grid", {"reproject", "grid", "SCENE", "--srs", "EPSG:4326"}},
-                    Case{"reproject-grid",
-                         {"reproject", "grid", "SCENE", "--srs", "EPSG:4326", "--order", "0"}},
-                    Case{"samples-collect", {"samples", "collect", "a.tif", "--aoi", "a.aif"}},
-                    Case{"samples-collect", {"samples", "import", "s.csv", "i.smp"}},
-                    Case{"samples-show", {"samples", "show", "a.smp"}},
-                    Case{"srs-info", {"srs", "info", "EPSG:32650"}},
-                    Case{"srs-info", {"srs", "info", "EPSG:4978"}},
-                    Case{"srs-compare", {"srs", "compare", "EPSG:4326", "EPSG:32650"}},
-                    Case{"srs-gk", {"srs", "gk", "EPSG:4490", "--zone", "39", "--width", "3"}},
-                    Case{"stats", {"stats", "SCENE", "--covariance", "--percentiles", "2,98"}},
-                    Case{"stats", {"stats", "a.tif", "--aoi", "a.aif", "--each"}},
-                    Case{"stats", {"stats", "SCENE", "b.tif"}},
-                    Case{"stats", {"stats", "a.tif", "d.tif", "--aoi", "a.aif", "--each"}},
-                    Case{"zonal", {"zonal", "a.tif", "z.geojson"}},
-                    Case{"zonal",
-                         {"zonal", "a.tif", "z.geojson", "--weights", "coverage", "--id-field",
-                          "name", "--include-fields", "name", "--percentiles", "10,50"}},
-                    Case{"vector-info", {"vector", "info", "a.shp"}}),
-    [](const testing::TestParamInfo<Case>& tested) {
+    testing::Values(
+        SchemaCase{"info", {"info", "SCENE", "--stats", "--sample"}},
+        SchemaCase{"info", {"info", "a.tif", "b.tif", "--stats"}},
+        SchemaCase{"info", {"info", "b.tif"}}, SchemaCase{"aoi-info", {"aoi", "info", "a.aif"}},
+        SchemaCase{"aoi-info", {"aoi", "info", "n.aif"}},
+        SchemaCase{"aoi-hit", {"aoi", "hit", "a.aif", "500001,39"}},
+        SchemaCase{"aoi-mask", {"aoi", "mask", "a.aif", "a.tif", "m.tif"}},
+        SchemaCase{"classes-show", {"classes", "show", "a.acf"}},
+        SchemaCase{"histogram", {"histogram", "SCENE", "--buckets", "8"}},
+        SchemaCase{"pyramids", {"pyramids", "check", "SCENE", "b.tif"}},
+        SchemaCase{"reproject-points",
+                   {"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:32650"}},
+        SchemaCase{"reproject-box",
+                   {"reproject", "box", "--from", "EPSG:4326", "--to", "EPSG:32650", "--box",
+                    "117,1,118,0"}},
+        SchemaCase{"reproject-window",
+                   {"reproject", "window", "SCENE", "--srs", "EPSG:4326", "--box",
+                    "-34.88,-7.98,-34.85,-8.02"}},
+        SchemaCase{"reproject-grid", {"reproject", "grid", "SCENE", "--srs", "EPSG:4326"}},
+        SchemaCase{"reproject-grid",
+                   {"reproject", "grid", "SCENE", "--srs", "EPSG:4326", "--order", "0"}},
+        SchemaCase{"samples-collect", {"samples", "collect", "a.tif", "--aoi", "a.aif"}},
+        SchemaCase{"samples-collect", {"samples", "import", "s.csv", "i.smp"}},
+        SchemaCase{"samples-show", {"samples", "show", "a.smp"}},
+        SchemaCase{"srs-info", {"srs", "info", "EPSG:32650"}},
+        SchemaCase{"srs-info", {"srs", "info", "EPSG:4978"}},
+        SchemaCase{"srs-compare", {"srs", "compare", "EPSG:4326", "EPSG:32650"}},
+        SchemaCase{"srs-gk", {"srs", "gk", "EPSG:4490", "--zone", "39", "--width", "3"}},
+        SchemaCase{"stats", {"stats", "SCENE", "--covariance", "--percentiles", "2,98"}},
+        SchemaCase{"stats", {"stats", "a.tif", "--aoi", "a.aif", "--each"}},
+        SchemaCase{"stats", {"stats", "SCENE", "b.tif"}},
+        SchemaCase{"stats", {"stats", "a.tif", "d.tif", "--aoi", "a.aif", "--each"}},
+        SchemaCase{"zonal", {"zonal", "a.tif", "z.geojson"}},
+        SchemaCase{"zonal",
+                   {"zonal", "a.tif", "z.geojson", "--weights", "coverage", "--id-field", "name",
+                    "--include-fields", "name", "--percentiles", "10,50"}},
+        SchemaCase{"vector-info", {"vector", "info", "a.shp"}}),
+    [](const testing::TestParamInfo<SchemaCase>& tested) {
         std::string name = std::to_string(tested.index) + tested.param.schema;
         name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
         return name;

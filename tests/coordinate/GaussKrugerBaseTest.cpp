@@ -1,6 +1,7 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/datasource/GISDataSource.h"
 
+#include "tests/coordinate/GaussKruger.h"
 #include "tests/coordinate/ReferenceDialects.h"
 #include "tests/support/TestData.h"
 
@@ -22,7 +23,9 @@
 
 /// What a Gauss-Kruger system is built on: the geographic system of the text given, whole.
 
+using zelto::test::BuildZone;
 using zelto::test::InDialect;
+using zelto::test::ReadReference;
 
 namespace {
 
@@ -30,17 +33,6 @@ using Shift = std::array<double, 7>;
 
 constexpr Shift THREE = {15.8, -154.4, -82.3, 0, 0, 0, 0};
 constexpr Shift SEVEN = {22, -118, 30.5, 0.1, -0.2, 0.3, 1.5};
-
-std::string Build(const std::string& srs, int zone, int width) {
-    return CCoordinateAlgorithm::NewChinaProjCS(srs.c_str(), zone, width);
-}
-
-OGRSpatialReference Read(const std::string& text) {
-    OGRSpatialReference reference;
-    EXPECT_EQ(reference.SetFromUserInput(text.c_str()), OGRERR_NONE) << text;
-    reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    return reference;
-}
 
 std::string Export(const OGRSpatialReference& reference, const char* dialect) {
     const std::string option = std::string("FORMAT=") + dialect;
@@ -98,7 +90,7 @@ void ExpectZone(const std::string& wkt, double meridian, const std::string& abou
         << about << '\n'
         << wkt;
     EXPECT_NE(wkt.find(R"(UNIT["Meter",1])"), std::string::npos) << about << '\n' << wkt;
-    const OGRSpatialReference built = Read(wkt);
+    const OGRSpatialReference built = ReadReference(wkt);
     EXPECT_NEAR(built.GetNormProjParm("central_meridian"), meridian, 1e-9) << about;
     EXPECT_EQ(built.GetNormProjParm("scale_factor"), 1.0) << about;
     EXPECT_EQ(built.GetNormProjParm("false_easting"), 500000.0) << about;
@@ -108,14 +100,14 @@ void ExpectZone(const std::string& wkt, double meridian, const std::string& abou
 /// Builds zone 20 of 6 degrees on a text whose horizontal part is `horizontal` and looks at what
 /// became of it.
 void ExpectBaseIsKept(const std::string& text, const OGRSpatialReference& horizontal) {
-    const std::string wkt = Build(text, 20, 6);
+    const std::string wkt = BuildZone(text, 20, 6);
     ExpectZone(wkt, 117.0, text);
     if (!wkt.empty())
-        ExpectSame(Geographic(Read(wkt)), Geographic(horizontal), text + "\n" + wkt);
+        ExpectSame(Geographic(ReadReference(wkt)), Geographic(horizontal), text + "\n" + wkt);
 }
 
 void ExpectBaseIsKept(const std::string& text) {
-    ExpectBaseIsKept(text, Read(text));
+    ExpectBaseIsKept(text, ReadReference(text));
 }
 
 /// Geographic systems and projected ones, of the national systems and others.
@@ -124,25 +116,25 @@ const std::vector<std::string> CODES = {"EPSG:4214", "EPSG:4610", "EPSG:4490",  
                                         "EPSG:4547", "EPSG:2278", "EPSG:32650", "EPSG:31466"};
 
 std::string WithShift(const std::string& code, const Shift& s, const char* dialect) {
-    OGRSpatialReference reference = Read(code);
+    OGRSpatialReference reference = ReadReference(code);
     reference.SetTOWGS84(s[0], s[1], s[2], s[3], s[4], s[5], s[6]);
     return Export(reference, dialect);
 }
 
 /// Number and width of the zone that a system of the registry describes, if it is one that
 /// carries no zone prefix in its eastings.
-struct Zone {
+struct NamedZone {
     int number;
     int width;
 };
 
-std::optional<Zone> ZoneOf(const OGRSpatialReference& reference, const std::string& name) {
+std::optional<NamedZone> ZoneOf(const OGRSpatialReference& reference, const std::string& name) {
     const double meridian = reference.GetNormProjParm("central_meridian", -1.0);
     const bool three = name.find("3-degree") != std::string::npos;
     const double zone = three ? meridian / 3 : (meridian + 3) / 6;
     if (zone < 1 || zone != static_cast<int>(zone))
         return std::nullopt;
-    return Zone{static_cast<int>(zone), three ? 3 : 6};
+    return NamedZone{static_cast<int>(zone), three ? 3 : 6};
 }
 
 /// Calls f(code, name) for every Gauss-Kruger system of the registry.
@@ -167,14 +159,14 @@ TEST(GaussKrugerBase, EveryZoneOfTheRegistryKeepsItsGeographicSystem) {
     int zones = 0;
     int same = 0;
     ForRegistryZones([&](const std::string& code, const std::string& name) {
-        const OGRSpatialReference system = Read(code);
+        const OGRSpatialReference system = ReadReference(code);
         const auto zone = ZoneOf(system, name);
         if (!zone)
             return;
         ++zones;
-        const std::string wkt = Build(code, zone->number, zone->width);
+        const std::string wkt = BuildZone(code, zone->number, zone->width);
         ExpectZone(wkt, system.GetNormProjParm("central_meridian"), name);
-        ExpectSame(Geographic(Read(wkt)), Geographic(system), name);
+        ExpectSame(Geographic(ReadReference(wkt)), Geographic(system), name);
         // A system without a zone prefix is the very one that is built.
         if (system.GetNormProjParm("false_easting") == 500000.0 &&
             system.GetNormProjParm("scale_factor") == 1.0 && system.GetLinearUnits() == 1.0) {
@@ -201,7 +193,7 @@ TEST(GaussKrugerBase, ShiftParametersAreKept) {
             for (const char* dialect : {"WKT1_GDAL", "WKT2_2015", "WKT2_2019"}) {
                 const std::string text = WithShift(code, shift, dialect);
                 ExpectBaseIsKept(text);
-                ExpectSame(Geographic(Read(Build(text, 20, 6))).shift, shift, text);
+                ExpectSame(Geographic(ReadReference(BuildZone(text, 20, 6))).shift, shift, text);
             }
         }
     }
@@ -216,32 +208,32 @@ TEST(GaussKrugerBase, ShiftOfAPathOfParametersIsKept) {
 }
 
 TEST(GaussKrugerBase, GridsOfTheDatumAreKept) {
-    const std::string wkt = Build("+proj=longlat +datum=NAD27 +nadgrids=conus +no_defs", 20, 6);
+    const std::string wkt = BuildZone("+proj=longlat +datum=NAD27 +nadgrids=conus +no_defs", 20, 6);
     EXPECT_NE(wkt.find("North_American_Datum_1927"), std::string::npos) << wkt;
     EXPECT_NE(wkt.find(R"(EXTENSION["PROJ4_GRIDS","conus"])"), std::string::npos) << wkt;
 }
 
 TEST(GaussKrugerBase, HeightsOfACompoundSystemAreLeftOut) {
-    ExpectBaseIsKept("EPSG:2432+5737", Read("EPSG:2432"));
-    ExpectBaseIsKept("EPSG:4214+5737", Read("EPSG:4214"));
-    ExpectBaseIsKept("EPSG:4490+5737", Read("EPSG:4490"));
+    ExpectBaseIsKept("EPSG:2432+5737", ReadReference("EPSG:2432"));
+    ExpectBaseIsKept("EPSG:4214+5737", ReadReference("EPSG:4214"));
+    ExpectBaseIsKept("EPSG:4490+5737", ReadReference("EPSG:4490"));
     for (const char* dialect : {"WKT1_GDAL", "WKT2_2015", "WKT2_2019"})
-        ExpectBaseIsKept(InDialect("EPSG:2432+5737", dialect), Read("EPSG:2432"));
+        ExpectBaseIsKept(InDialect("EPSG:2432+5737", dialect), ReadReference("EPSG:2432"));
     const std::string shifted = WithShift("EPSG:2432", SEVEN, "WKT1_GDAL");
     ExpectBaseIsKept(R"(COMPD_CS["with heights",)" + shifted + "," +
                          InDialect("EPSG:5737", "WKT1_GDAL") + "]",
-                     Read(shifted));
+                     ReadReference(shifted));
 }
 
 TEST(GaussKrugerBase, SystemsOfThreeDimensionsLendTheirHorizontalPart) {
-    ExpectBaseIsKept("EPSG:4979", Read("EPSG:4326"));
-    ExpectBaseIsKept("EPSG:4480", Read("EPSG:4490"));
-    EXPECT_EQ(Build("EPSG:4979", 20, 6).find("4979"), std::string::npos);
+    ExpectBaseIsKept("EPSG:4979", ReadReference("EPSG:4326"));
+    ExpectBaseIsKept("EPSG:4480", ReadReference("EPSG:4490"));
+    EXPECT_EQ(BuildZone("EPSG:4979", 20, 6).find("4979"), std::string::npos);
 }
 
 TEST(GaussKrugerBase, MeridianIsInDegreesWhateverTheUnitOfTheBase) {
     // 117 degrees are 130 gradians.
-    EXPECT_NE(Build("EPSG:4807", 20, 6).find(R"(PARAMETER["central_meridian",130])"),
+    EXPECT_NE(BuildZone("EPSG:4807", 20, 6).find(R"(PARAMETER["central_meridian",130])"),
               std::string::npos);
 }
 
@@ -252,7 +244,7 @@ TEST(GaussKrugerBase, SystemsWithoutAGeographicOneAreRefused) {
           R"(LENGTHUNIT["metre",1]])",
           zelto::test::VERTICAL_ESRI, zelto::test::ELLIPSOIDAL_ESRI}) {
         CGISDataSource::ClearLastErrorText();
-        EXPECT_EQ(Build(text, 20, 6), "") << text;
+        EXPECT_EQ(BuildZone(text, 20, 6), "") << text;
         EXPECT_NE(CGISDataSource::GetLastErrorText().find("no geographic system"),
                   std::string::npos)
             << CGISDataSource::GetLastErrorText();
@@ -262,7 +254,8 @@ TEST(GaussKrugerBase, SystemsWithoutAGeographicOneAreRefused) {
 TEST(GaussKrugerBase, ARotatedPoleCannotBeWritten) {
     CGISDataSource::ClearLastErrorText();
     EXPECT_EQ(
-        Build("+proj=ob_tran +o_proj=longlat +o_lon_p=0 +o_lat_p=39 +lon_0=18 +ellps=krass", 20, 6),
+        BuildZone("+proj=ob_tran +o_proj=longlat +o_lon_p=0 +o_lat_p=39 +lon_0=18 +ellps=krass", 20,
+                  6),
         "");
     EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
 }
@@ -271,7 +264,7 @@ TEST(GaussKrugerBase, UnreadableTextTellsItsReason) {
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     for (const char* text : {"", "no system", "EPSG:1"}) {
         CGISDataSource::ClearLastErrorText();
-        EXPECT_EQ(Build(text, 20, 6), "") << text;
+        EXPECT_EQ(BuildZone(text, 20, 6), "") << text;
         EXPECT_NE(CGISDataSource::GetLastErrorText(), "") << text;
     }
 }
@@ -306,11 +299,11 @@ TEST(GaussKrugerBase, PointsArriveWhereTheShiftTakesThem) {
         return std::unique_ptr<OGRCoordinateTransformation>(
             OGRCreateCoordinateTransformation(&from, &to));
     };
-    const OGRSpatialReference built = Read(Build(shifted, 20, 6));
-    ASSERT_TRUE(connect(Read("EPSG:4326"), built)->Transform(1, &actualX, &actualY));
+    const OGRSpatialReference built = ReadReference(BuildZone(shifted, 20, 6));
+    ASSERT_TRUE(connect(ReadReference("EPSG:4326"), built)->Transform(1, &actualX, &actualY));
     // The same zone on the spheroid alone.
-    ASSERT_TRUE(connect(Read("+proj=longlat +ellps=krass +no_defs"),
-                        Read("+proj=tmerc +lon_0=117 +x_0=500000 +ellps=krass +no_defs"))
+    ASSERT_TRUE(connect(ReadReference("+proj=longlat +ellps=krass +no_defs"),
+                        ReadReference("+proj=tmerc +lon_0=117 +x_0=500000 +ellps=krass +no_defs"))
                     ->Transform(1, &expectedX, &expectedY));
     EXPECT_NEAR(actualX, expectedX, 1e-3);
     EXPECT_NEAR(actualY, expectedY, 1e-3);
@@ -337,9 +330,9 @@ TEST(GaussKrugerBase, SystemsOfRealFilesAreKept) {
     texts.erase("");
     EXPECT_GT(texts.size(), 20U);
     for (const std::string& text : texts) {
-        const OGRSpatialReference reference = Read(text);
+        const OGRSpatialReference reference = ReadReference(text);
         if (!reference.IsGeographic() && !reference.IsProjected())
-            EXPECT_EQ(Build(text, 20, 6), "") << text;
+            EXPECT_EQ(BuildZone(text, 20, 6), "") << text;
         else if (!reference.IsCompound())
             ExpectBaseIsKept(text);
     }

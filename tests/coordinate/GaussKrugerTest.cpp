@@ -1,3 +1,5 @@
+#include "tests/coordinate/GaussKruger.h"
+
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 
 #include "tests/coordinate/ReferenceDialects.h"
@@ -10,7 +12,9 @@
 #include <string>
 #include <vector>
 
+using zelto::test::BuildZone;
 using zelto::test::InDialect;
+using zelto::test::ReadReference;
 
 namespace {
 
@@ -21,20 +25,9 @@ constexpr const char* BEIJING =
     R"(GEOGCS["GCS_Beijing_1954",DATUM["D_Beijing_1954",SPHEROID["Krasovsky_1940",6378245.0,298.3]],)"
     R"(PRIMEM["Greenwich",0.0],UNIT["Degree",0.0174532925199433]])";
 
-std::string Build(const char* srs, int zone, int width) {
-    return CCoordinateAlgorithm::NewChinaProjCS(srs, zone, width);
-}
-
 /// Start of the WKT up to the end of the system's name.
 std::string Name(const std::string& wkt) {
     return wkt.substr(0, wkt.find(','));
-}
-
-OGRSpatialReference Read(const std::string& text) {
-    OGRSpatialReference reference;
-    EXPECT_EQ(reference.SetFromUserInput(text.c_str()), OGRERR_NONE) << text;
-    reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    return reference;
 }
 
 struct DestroyTransformation {
@@ -42,18 +35,19 @@ struct DestroyTransformation {
         OGRCoordinateTransformation::DestroyCT(t);
     }
 };
-using Transformation = std::unique_ptr<OGRCoordinateTransformation, DestroyTransformation>;
+using OwnedTransformation = std::unique_ptr<OGRCoordinateTransformation, DestroyTransformation>;
 
-Transformation Connect(const OGRSpatialReference& from, const OGRSpatialReference& to) {
-    return Transformation(OGRCreateCoordinateTransformation(&from, &to));
+OwnedTransformation TransformationBetween(const OGRSpatialReference& from,
+                                          const OGRSpatialReference& to) {
+    return OwnedTransformation(OGRCreateCoordinateTransformation(&from, &to));
 }
 
-struct Position {
+struct PlanePosition {
     double x;
     double y;
 };
 
-constexpr double RADIANS = 3.14159265358979323846 / 180.0;
+constexpr double RADIANS_OF_A_DEGREE = 3.14159265358979323846 / 180.0;
 
 /// Length of the meridian from the equator by Simpson's rule.
 double MeridianArc(double a, double e2, double latitude) {
@@ -67,12 +61,12 @@ double MeridianArc(double a, double e2, double latitude) {
 
 /// The classic Gauss-Kruger series of the textbooks, up to the sixth power of the distance from
 /// the central meridian; good to a tenth of a millimetre within three degrees of it.
-Position GaussKruger(double a, double inverseFlattening, double meridian, double longitude,
-                     double latitude) {
+PlanePosition GaussKruger(double a, double inverseFlattening, double meridian, double longitude,
+                          double latitude) {
     const double f = 1 / inverseFlattening;
     const double e2 = f * (2 - f);
-    const double phi = latitude * RADIANS;
-    const double l = (longitude - meridian) * RADIANS * std::cos(phi);
+    const double phi = latitude * RADIANS_OF_A_DEGREE;
+    const double l = (longitude - meridian) * RADIANS_OF_A_DEGREE * std::cos(phi);
     const double t = std::tan(phi);
     const double t2 = t * t;
     const double n2 = e2 / (1 - e2) * std::cos(phi) * std::cos(phi);
@@ -125,50 +119,50 @@ void ForPointsOf(const Zone& zone, Function f) {
 } // namespace
 
 TEST(GaussKruger, ThreeDegreeZoneIsNamedAfterItsMeridian) {
-    const std::string wkt = Build(XIAN, 39, 3);
+    const std::string wkt = BuildZone(XIAN, 39, 3);
     EXPECT_EQ(Name(wkt), R"(PROJCS["Xian_1980_3_Degree_GK_CM_117E")");
-    EXPECT_EQ(Read(wkt).GetProjParm("central_meridian"), 117.0);
-    EXPECT_EQ(Name(Build(BEIJING, 39, 3)), R"(PROJCS["Beijing_1954_3_Degree_GK_CM_117E")");
+    EXPECT_EQ(ReadReference(wkt).GetProjParm("central_meridian"), 117.0);
+    EXPECT_EQ(Name(BuildZone(BEIJING, 39, 3)), R"(PROJCS["Beijing_1954_3_Degree_GK_CM_117E")");
 }
 
 TEST(GaussKruger, SixDegreeZoneIsNamedAfterItsMeridian) {
-    const std::string wkt = Build(XIAN, 20, 6);
+    const std::string wkt = BuildZone(XIAN, 20, 6);
     EXPECT_EQ(Name(wkt), R"(PROJCS["Xian_1980_GK_CM_117E")");
-    EXPECT_EQ(Read(wkt).GetProjParm("central_meridian"), 117.0);
+    EXPECT_EQ(ReadReference(wkt).GetProjParm("central_meridian"), 117.0);
 }
 
 TEST(GaussKruger, FirstSixDegreeZoneLiesAtThreeDegrees) {
-    const std::string wkt = Build(XIAN, 1, 6);
+    const std::string wkt = BuildZone(XIAN, 1, 6);
     EXPECT_EQ(Name(wkt), R"(PROJCS["Xian_1980_GK_CM_3E")");
-    EXPECT_EQ(Read(wkt).GetProjParm("central_meridian"), 3.0);
+    EXPECT_EQ(ReadReference(wkt).GetProjParm("central_meridian"), 3.0);
 }
 
 TEST(GaussKruger, OtherWidthsKeepTheBareNameAndMeridianZero) {
     for (int width : {4, 0, -6, 1}) {
-        const std::string wkt = Build(XIAN, 39, width);
+        const std::string wkt = BuildZone(XIAN, 39, width);
         EXPECT_EQ(Name(wkt), R"(PROJCS["Xian_1980")") << width;
-        EXPECT_EQ(Read(wkt).GetProjParm("central_meridian", -1.0), 0.0) << width;
+        EXPECT_EQ(ReadReference(wkt).GetProjParm("central_meridian", -1.0), 0.0) << width;
     }
 }
 
 TEST(GaussKruger, NamesOfOtherFormsOfTextAreThoseOfTheReference) {
-    EXPECT_EQ(Name(Build("EPSG:4610", 39, 3)), R"(PROJCS["Xian 1980_3_Degree_GK_CM_117E")");
-    EXPECT_EQ(Name(Build(InDialect("EPSG:4490", "WKT2_2019").c_str(), 20, 6)),
+    EXPECT_EQ(Name(BuildZone("EPSG:4610", 39, 3)), R"(PROJCS["Xian 1980_3_Degree_GK_CM_117E")");
+    EXPECT_EQ(Name(BuildZone(InDialect("EPSG:4490", "WKT2_2019").c_str(), 20, 6)),
               R"(PROJCS["China Geodetic Coordinate System 2000_GK_CM_117E")");
-    EXPECT_EQ(Name(Build(InDialect("EPSG:4490", "WKT1_ESRI").c_str(), 20, 6)),
+    EXPECT_EQ(Name(BuildZone(InDialect("EPSG:4490", "WKT1_ESRI").c_str(), 20, 6)),
               R"(PROJCS["China_Geodetic_Coordinate_System_2000_GK_CM_117E")");
 }
 
 TEST(GaussKruger, ZonesAndOtherWidthsAreTheSameInEveryDialect) {
     for (const char* dialect : zelto::test::DIALECTS) {
         const std::string beijing = InDialect("EPSG:4214", dialect);
-        const std::string first = Build(beijing.c_str(), 1, 6);
+        const std::string first = BuildZone(beijing.c_str(), 1, 6);
         EXPECT_NE(Name(first).find("_GK_CM_3E\""), std::string::npos) << dialect;
-        EXPECT_EQ(Read(first).GetProjParm("central_meridian"), 3.0) << dialect;
-        EXPECT_EQ(Read(first).GetSemiMajor(), 6378245.0) << dialect;
-        const std::string other = Build(beijing.c_str(), 1, 4);
+        EXPECT_EQ(ReadReference(first).GetProjParm("central_meridian"), 3.0) << dialect;
+        EXPECT_EQ(ReadReference(first).GetSemiMajor(), 6378245.0) << dialect;
+        const std::string other = BuildZone(beijing.c_str(), 1, 4);
         EXPECT_EQ(Name(other).find("_CM_"), std::string::npos) << dialect;
-        EXPECT_EQ(Read(other).GetProjParm("central_meridian", -1.0), 0.0) << dialect;
+        EXPECT_EQ(ReadReference(other).GetProjParm("central_meridian", -1.0), 0.0) << dialect;
     }
 }
 
@@ -176,18 +170,18 @@ TEST(GaussKruger, OnlyWhatFollowsTheFirstPrefixIsKept) {
     const std::string text =
         R"(GEOGCS["My_GCS_Own_GCS_Name",DATUM["D",SPHEROID["S",6378137.0,298.0]],)"
         R"(PRIMEM["Greenwich",0.0],UNIT["Degree",0.0174532925199433]])";
-    EXPECT_EQ(Name(Build(text.c_str(), 1, 6)), R"(PROJCS["Own_GCS_Name_GK_CM_3E")");
+    EXPECT_EQ(Name(BuildZone(text.c_str(), 1, 6)), R"(PROJCS["Own_GCS_Name_GK_CM_3E")");
 }
 
 TEST(GaussKruger, MeridianTextHasThreeCharacters) {
-    EXPECT_EQ(Name(Build(XIAN, 333, 3)), R"(PROJCS["Xian_1980_3_Degree_GK_CM_999E")");
-    EXPECT_EQ(Name(Build(XIAN, 334, 3)), R"(PROJCS["Xian_1980_3_Degree_GK_CM_100E")");
-    EXPECT_EQ(Name(Build(XIAN, 0, 6)), R"(PROJCS["Xian_1980_GK_CM_-3E")");
-    EXPECT_EQ(Name(Build(XIAN, 0, 3)), R"(PROJCS["Xian_1980_3_Degree_GK_CM_0E")");
+    EXPECT_EQ(Name(BuildZone(XIAN, 333, 3)), R"(PROJCS["Xian_1980_3_Degree_GK_CM_999E")");
+    EXPECT_EQ(Name(BuildZone(XIAN, 334, 3)), R"(PROJCS["Xian_1980_3_Degree_GK_CM_100E")");
+    EXPECT_EQ(Name(BuildZone(XIAN, 0, 6)), R"(PROJCS["Xian_1980_GK_CM_-3E")");
+    EXPECT_EQ(Name(BuildZone(XIAN, 0, 3)), R"(PROJCS["Xian_1980_3_Degree_GK_CM_0E")");
 }
 
 TEST(GaussKruger, ParametersAreTheNationalOnes) {
-    const OGRSpatialReference system = Read(Build(XIAN, 39, 3));
+    const OGRSpatialReference system = ReadReference(BuildZone(XIAN, 39, 3));
     EXPECT_EQ(system.GetProjParm("latitude_of_origin", -1.0), 0.0);
     EXPECT_EQ(system.GetProjParm("scale_factor", -1.0), 1.0);
     EXPECT_EQ(system.GetProjParm("false_easting", -1.0), 500000.0);
@@ -196,24 +190,24 @@ TEST(GaussKruger, ParametersAreTheNationalOnes) {
 }
 
 TEST(GaussKruger, TextNamesTheProjectionGaussKruger) {
-    const std::string wkt = Build("EPSG:4490", 39, 3);
+    const std::string wkt = BuildZone("EPSG:4490", 39, 3);
     EXPECT_NE(wkt.find(R"(PROJECTION["Gauss_Kruger"])"), std::string::npos);
     EXPECT_NE(wkt.find(R"(UNIT["Meter",1])"), std::string::npos);
     EXPECT_EQ(wkt.find("Transverse_Mercator"), std::string::npos);
 }
 
 TEST(GaussKruger, ProjectedInputLendsItsGeographicSystemOnly) {
-    const std::string fromUtm = Build("EPSG:32650", 20, 6);
+    const std::string fromUtm = BuildZone("EPSG:32650", 20, 6);
     EXPECT_EQ(Name(fromUtm), R"(PROJCS["WGS 84_GK_CM_117E")");
-    EXPECT_TRUE(
-        CCoordinateAlgorithm::IsSameCoordinate(fromUtm.c_str(), Build("EPSG:4326", 20, 6).c_str()));
+    EXPECT_TRUE(CCoordinateAlgorithm::IsSameCoordinate(fromUtm.c_str(),
+                                                       BuildZone("EPSG:4326", 20, 6).c_str()));
     EXPECT_EQ(fromUtm.find("32650"), std::string::npos);
 }
 
 TEST(GaussKruger, SystemIsReadBackWithItsName) {
     for (const System& system : SYSTEMS) {
-        const std::string wkt = Build(system.srs, 39, 3);
-        const OGRSpatialReference back = Read(wkt);
+        const std::string wkt = BuildZone(system.srs, 39, 3);
+        const OGRSpatialReference back = ReadReference(wkt);
         EXPECT_EQ(Name(wkt), "PROJCS[\"" + std::string(back.GetAttrValue("PROJCS")) + "\"");
         EXPECT_TRUE(CCoordinateAlgorithm::IsSameCoordinate(wkt.c_str(), wkt.c_str()));
         EXPECT_TRUE(CCoordinateAlgorithm::IsProjected(wkt.c_str()));
@@ -223,20 +217,21 @@ TEST(GaussKruger, SystemIsReadBackWithItsName) {
 TEST(GaussKruger, CodeOfTheSameZoneDescribesTheSameSystem) {
     // CGCS2000, Xian 1980 and Beijing 1954, zone of meridian 117 without zone prefix.
     EXPECT_TRUE(
-        CCoordinateAlgorithm::IsSameCoordinate(Build("EPSG:4490", 39, 3).c_str(), "EPSG:4548"));
+        CCoordinateAlgorithm::IsSameCoordinate(BuildZone("EPSG:4490", 39, 3).c_str(), "EPSG:4548"));
     EXPECT_TRUE(
-        CCoordinateAlgorithm::IsSameCoordinate(Build("EPSG:4610", 39, 3).c_str(), "EPSG:2384"));
+        CCoordinateAlgorithm::IsSameCoordinate(BuildZone("EPSG:4610", 39, 3).c_str(), "EPSG:2384"));
     EXPECT_TRUE(
-        CCoordinateAlgorithm::IsSameCoordinate(Build("EPSG:4214", 39, 3).c_str(), "EPSG:2436"));
+        CCoordinateAlgorithm::IsSameCoordinate(BuildZone("EPSG:4214", 39, 3).c_str(), "EPSG:2436"));
 }
 
 TEST(GaussKruger, ThereAndBackStaysWithinABillionthOfADegree) {
     for (const System& system : SYSTEMS) {
-        const OGRSpatialReference geographic = Read(system.srs);
+        const OGRSpatialReference geographic = ReadReference(system.srs);
         for (const Zone& zone : ZONES) {
-            const OGRSpatialReference projected = Read(Build(system.srs, zone.number, zone.width));
-            const auto forward = Connect(geographic, projected);
-            const auto back = Connect(projected, geographic);
+            const OGRSpatialReference projected =
+                ReadReference(BuildZone(system.srs, zone.number, zone.width));
+            const auto forward = TransformationBetween(geographic, projected);
+            const auto back = TransformationBetween(projected, geographic);
             ForPointsOf(zone, [&](double longitude, double latitude) {
                 double x = longitude;
                 double y = latitude;
@@ -251,14 +246,15 @@ TEST(GaussKruger, ThereAndBackStaysWithinABillionthOfADegree) {
 
 TEST(GaussKruger, AgreesWithTheTransverseMercatorOfTheProjectionLibrary) {
     for (const System& system : SYSTEMS) {
-        const OGRSpatialReference geographic = Read(system.srs);
+        const OGRSpatialReference geographic = ReadReference(system.srs);
         for (const Zone& zone : ZONES) {
             const std::string ellipsoid = std::string(system.proj) + " +no_defs";
-            const auto ours = Connect(geographic, Read(Build(system.srs, zone.number, zone.width)));
-            const auto theirs =
-                Connect(Read("+proj=longlat " + ellipsoid),
-                        Read("+proj=tmerc +lat_0=0 +k=1 +x_0=500000 +y_0=0 +lon_0=" +
-                             std::to_string(static_cast<int>(zone.meridian)) + " " + ellipsoid));
+            const auto ours = TransformationBetween(
+                geographic, ReadReference(BuildZone(system.srs, zone.number, zone.width)));
+            const auto theirs = TransformationBetween(
+                ReadReference("+proj=longlat " + ellipsoid),
+                ReadReference("+proj=tmerc +lat_0=0 +k=1 +x_0=500000 +y_0=0 +lon_0=" +
+                              std::to_string(static_cast<int>(zone.meridian)) + " " + ellipsoid));
             ForPointsOf(zone, [&](double longitude, double latitude) {
                 double x[] = {longitude, longitude};
                 double y[] = {latitude, latitude};
@@ -273,13 +269,14 @@ TEST(GaussKruger, AgreesWithTheTransverseMercatorOfTheProjectionLibrary) {
 
 TEST(GaussKruger, AgreesWithTheClassicSeries) {
     for (const System& system : SYSTEMS) {
-        const auto forward = Connect(Read(system.srs), Read(Build(system.srs, 20, 6)));
+        const auto forward = TransformationBetween(ReadReference(system.srs),
+                                                   ReadReference(BuildZone(system.srs, 20, 6)));
         for (double latitude : {0.0, 3.0, 18.0, 40.0, 53.5}) {
             for (double longitude : {114.0, 115.5, 117.0, 117.5, 120.0}) {
                 double x = longitude;
                 double y = latitude;
                 ASSERT_TRUE(forward->Transform(1, &x, &y));
-                const Position expected =
+                const PlanePosition expected =
                     GaussKruger(system.a, system.inverseFlattening, 117.0, longitude, latitude);
                 EXPECT_NEAR(x, expected.x, 1e-3) << longitude << " " << latitude;
                 EXPECT_NEAR(y, expected.y, 1e-3) << longitude << " " << latitude;

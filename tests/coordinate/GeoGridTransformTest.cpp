@@ -12,14 +12,14 @@ using zelto::test::PlacedRaster;
 namespace {
 
 /// Pixels of 30 m, top-left corner (485000, 4412000).
-PlacedRaster Scene() {
+PlacedRaster SmallScene() {
     return PlacedRaster(10, 8, NorthUp(485000, 4412000, 30), "EPSG:32650");
 }
 
 } // namespace
 
 TEST(GeoGridTransform, TakesPositionsToTheGroundOfTheSource) {
-    auto raster = Scene();
+    auto raster = SmallScene();
     CGeoGrid grid(2, 2, 1, 1, 1);
     // col = 2x + 1, row = 3y
     double x[] = {0, 1, 0, 1};
@@ -39,7 +39,7 @@ TEST(GeoGridTransform, TakesPositionsToTheGroundOfTheSource) {
 }
 
 TEST(GeoGridTransform, WithoutAPolynomialTakesTheCoordinatesForPositions) {
-    auto raster = Scene();
+    auto raster = SmallScene();
     CGeoGrid grid(2, 2, 1, 1, 2);
     double x[] = {10, 20};
     double y[] = {1, 2};
@@ -52,7 +52,7 @@ TEST(GeoGridTransform, WithoutAPolynomialTakesTheCoordinatesForPositions) {
 }
 
 TEST(GeoGridTransform, InterpolatesForOtherOrders) {
-    auto raster = Scene();
+    auto raster = SmallScene();
     CGeoGrid grid(2, 2, 10, 10, 9);
     grid.GetColumns()[1] = 5;
     double x = 10;
@@ -64,7 +64,7 @@ TEST(GeoGridTransform, InterpolatesForOtherOrders) {
 }
 
 TEST(GeoGridTransform, NeedsASourceAndPoints) {
-    auto raster = Scene();
+    auto raster = SmallScene();
     CGeoGrid grid(2, 2, 10, 10, 0);
     double v = 1;
     EXPECT_FALSE(grid.Transform(nullptr, 1, &v, &v, nullptr));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zelto/coordinate/Reproject.h"
 #include "zelto/raster/RasterSource.h"
 
 #include "tests/support/RasterFile.h"
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <memory>
 #include <string>
 
 namespace zelto::test {
@@ -31,5 +33,11 @@ class PlacedRaster {
     TemporaryFolder m_folder;
     CRasterSource m_source;
 };
+
+constexpr const char* UTM50 = "EPSG:32650";
+
+inline std::unique_ptr<CReproject> Bind(PlacedRaster& raster, const char* target) {
+    return std::unique_ptr<CReproject>(CReproject::Create(raster.Get(), target, nullptr, nullptr));
+}
 
 } // namespace zelto::test

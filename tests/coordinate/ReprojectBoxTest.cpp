@@ -13,16 +13,12 @@
 #include <random>
 #include <string>
 
+using zelto::test::Bind;
 using zelto::test::NorthUp;
 using zelto::test::PlacedRaster;
+using zelto::test::UTM50;
 
 namespace {
-
-constexpr const char* UTM50 = "EPSG:32650";
-
-std::unique_ptr<CReproject> Bind(PlacedRaster& raster, const char* target) {
-    return std::unique_ptr<CReproject>(CReproject::Create(raster.Get(), target, nullptr, nullptr));
-}
 
 void ExpectBox(const CBoundingBox& box, double left, double top, double right, double bottom,
                double tolerance) {

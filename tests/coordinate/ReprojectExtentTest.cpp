@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char* UTM50 = "EPSG:32650";
+constexpr const char* UTM_ZONE_50 = "EPSG:32650";
 
 tagImageInfo Image(int width, int height, double left, double top, double pixel,
                    const std::string& srs) {
@@ -25,9 +25,9 @@ tagImageInfo Image(int width, int height, double left, double top, double pixel,
 } // namespace
 
 TEST(ImageExtent, InTheSameSystemIsTheImageItself) {
-    tagImageInfo source = Image(120, 50, 500000, 4400000, 30, UTM50);
+    tagImageInfo source = Image(120, 50, 500000, 4400000, 30, UTM_ZONE_50);
     tagImageInfo target;
-    target.srs = UTM50;
+    target.srs = UTM_ZONE_50;
     ASSERT_TRUE(CReproject::GetExtent(source, target));
     EXPECT_EQ(target.width, 120);
     EXPECT_EQ(target.height, 50);
@@ -44,12 +44,12 @@ TEST(ImageExtent, InTheSameSystemIsTheImageItself) {
 
 TEST(ImageExtent, OfARotatedImageCoversItsCornersWithPixelsOfTheSameArea) {
     // 100 × 100 pixels of 10 m turned by 45°: a diamond of half diagonal 500 √2.
-    tagImageInfo source = Image(100, 100, 0, 0, 10, UTM50);
+    tagImageInfo source = Image(100, 100, 0, 0, 10, UTM_ZONE_50);
     const double c = 10 * std::sqrt(0.5);
     const double g[] = {500000, c, c, 4400000, -c, c};
     std::copy_n(g, 6, source.geoTransform);
     tagImageInfo target;
-    target.srs = UTM50;
+    target.srs = UTM_ZONE_50;
     ASSERT_TRUE(CReproject::GetExtent(source, target));
     const double half = 500 * std::sqrt(2.0);
     EXPECT_NEAR(target.geoTransform[1], 10, 1e-6);
@@ -61,7 +61,7 @@ TEST(ImageExtent, OfARotatedImageCoversItsCornersWithPixelsOfTheSameArea) {
 }
 
 TEST(ImageExtent, InAnotherSystemCoversEveryPoint) {
-    tagImageInfo source = Image(1000, 800, 485000, 4412000, 30, UTM50);
+    tagImageInfo source = Image(1000, 800, 485000, 4412000, 30, UTM_ZONE_50);
     tagImageInfo target;
     target.srs = "EPSG:4326";
     ASSERT_TRUE(CReproject::GetExtent(source, target));
@@ -70,7 +70,7 @@ TEST(ImageExtent, InAnotherSystemCoversEveryPoint) {
         for (int column = 0; column <= 1000; column += 100) {
             double x = 485000 + 30.0 * column;
             double y = 4412000 - 30.0 * row;
-            ASSERT_TRUE(CReproject::CoorTransform(&x, &y, 1, UTM50, "EPSG:4326"));
+            ASSERT_TRUE(CReproject::CoorTransform(&x, &y, 1, UTM_ZONE_50, "EPSG:4326"));
             const double slack = target.geoTransform[1] / 100;
             EXPECT_GE(x, box.m_left - slack);
             EXPECT_LE(x, box.m_right + slack);
@@ -97,7 +97,7 @@ TEST(ImageExtent, LeavesOutWhatHasNoPositionThere) {
 }
 
 TEST(ImageExtent, WithoutPixelsSystemsOrPositionsIsNone) {
-    const tagImageInfo good = Image(10, 10, 500000, 4400000, 30, UTM50);
+    const tagImageInfo good = Image(10, 10, 500000, 4400000, 30, UTM_ZONE_50);
     const auto fails = [](tagImageInfo source, const char* srs) {
         tagImageInfo target;
         target.srs = srs;
@@ -107,28 +107,28 @@ TEST(ImageExtent, WithoutPixelsSystemsOrPositionsIsNone) {
         return failed;
     };
     EXPECT_FALSE(good.srs.empty());
-    EXPECT_TRUE(fails(Image(0, 10, 0, 0, 1, UTM50), UTM50));
-    EXPECT_TRUE(fails(Image(10, -1, 0, 0, 1, UTM50), UTM50));
-    EXPECT_TRUE(fails(Image(10, 10, 0, 0, 0, UTM50), UTM50));
-    EXPECT_TRUE(fails(Image(10, 10, std::nan(""), 0, 1, UTM50), UTM50));
-    EXPECT_TRUE(fails(Image(10, 10, 0, 0, 1, ""), UTM50));
+    EXPECT_TRUE(fails(Image(0, 10, 0, 0, 1, UTM_ZONE_50), UTM_ZONE_50));
+    EXPECT_TRUE(fails(Image(10, -1, 0, 0, 1, UTM_ZONE_50), UTM_ZONE_50));
+    EXPECT_TRUE(fails(Image(10, 10, 0, 0, 0, UTM_ZONE_50), UTM_ZONE_50));
+    EXPECT_TRUE(fails(Image(10, 10, std::nan(""), 0, 1, UTM_ZONE_50), UTM_ZONE_50));
+    EXPECT_TRUE(fails(Image(10, 10, 0, 0, 1, ""), UTM_ZONE_50));
     EXPECT_TRUE(fails(good, "junk"));
     EXPECT_TRUE(fails(Image(10, 10, 0, 300, 1, "EPSG:4326"), "EPSG:3395"));
 }
 
 TEST(ImageExtent, ThatNeedsMorePixelsThanCanBeCountedIsNone) {
     // Pixels a billionth of a metre high and a metre wide make square ones far too many.
-    tagImageInfo source = Image(2000000000, 1, 0, 0, 1e-3, UTM50);
+    tagImageInfo source = Image(2000000000, 1, 0, 0, 1e-3, UTM_ZONE_50);
     source.geoTransform[5] = -1e-9;
     tagImageInfo target;
-    target.srs = UTM50;
+    target.srs = UTM_ZONE_50;
     EXPECT_FALSE(CReproject::GetExtent(source, target));
 }
 
 TEST(PointTransform, GoesTheLibrarysWayWithoutParameters) {
     double x = 117;
     double y = 0;
-    ASSERT_TRUE(CReproject::CoorTransform(&x, &y, 1, "EPSG:4326", UTM50));
+    ASSERT_TRUE(CReproject::CoorTransform(&x, &y, 1, "EPSG:4326", UTM_ZONE_50));
     EXPECT_NEAR(x, 500000, 1e-6);
     EXPECT_NEAR(y, 0, 1e-6);
 }
@@ -148,9 +148,9 @@ TEST(PointTransform, GoesByTheParametersOfEitherSide) {
 TEST(PointTransform, OfUnreadableSystemsOrMissingPointsFails) {
     double x = 1;
     double y = 2;
-    EXPECT_FALSE(CReproject::CoorTransform(&x, &y, 1, "junk", UTM50));
-    EXPECT_FALSE(CReproject::CoorTransform(&x, &y, 1, UTM50, ""));
-    EXPECT_FALSE(CReproject::CoorTransform(nullptr, &y, 1, UTM50, UTM50));
-    EXPECT_FALSE(CReproject::CoorTransform(&x, &y, -1, UTM50, UTM50));
+    EXPECT_FALSE(CReproject::CoorTransform(&x, &y, 1, "junk", UTM_ZONE_50));
+    EXPECT_FALSE(CReproject::CoorTransform(&x, &y, 1, UTM_ZONE_50, ""));
+    EXPECT_FALSE(CReproject::CoorTransform(nullptr, &y, 1, UTM_ZONE_50, UTM_ZONE_50));
+    EXPECT_FALSE(CReproject::CoorTransform(&x, &y, -1, UTM_ZONE_50, UTM_ZONE_50));
     EXPECT_EQ(x, 1);
 }

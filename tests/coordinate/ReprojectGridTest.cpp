@@ -9,16 +9,12 @@
 #include <memory>
 #include <vector>
 
+using zelto::test::Bind;
 using zelto::test::NorthUp;
 using zelto::test::PlacedRaster;
+using zelto::test::UTM50;
 
 namespace {
-
-constexpr const char* UTM50 = "EPSG:32650";
-
-std::unique_ptr<CReproject> Bind(PlacedRaster& raster, const char* target) {
-    return std::unique_ptr<CReproject>(CReproject::Create(raster.Get(), target, nullptr, nullptr));
-}
 
 /// 1000 × 800 pixels of 30 m around 117° E 39.7° N.
 PlacedRaster Scene() {

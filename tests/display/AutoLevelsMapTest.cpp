@@ -14,7 +14,7 @@ namespace {
 
 constexpr int WIDTH = 60;
 
-const RasterSpec GROUND = {.width = WIDTH, .height = 1, .geoTransform = NorthUp(0, 1, 1)};
+const RasterSpec ONE_ROW = {.width = WIDTH, .height = 1, .geoTransform = NorthUp(0, 1, 1)};
 
 /// Values 1 … 179 with many small ones, so that equalisation and auto levels differ.
 Pixels Skewed() {
@@ -50,7 +50,7 @@ Bytes Shown(PlainDisplay& plain, int type, const Pixels& pixels) {
 
 /// One band, equalised, its stretch set to auto levels.
 struct EqualisedScene {
-    ShownRaster source{GROUND, {Skewed()}};
+    ShownRaster source{ONE_ROW, {Skewed()}};
     PlainDisplay plain;
 
     EqualisedScene() {
@@ -121,7 +121,7 @@ TEST(AutoLevelsMap, NoDataIsNoSample) {
 
 TEST(AutoLevelsMap, PixelsThatAnEarlierBandMadeTransparentShowNoSample) {
     const Pixels nothing(WIDTH, 7.0);
-    ShownRaster source(GROUND, {nothing, Skewed(), Skewed()});
+    ShownRaster source(ONE_ROW, {nothing, Skewed(), Skewed()});
     source.Show({0, 1, 2});
     CRasterBand& green = *source.GetRasterBand(1);
     ASSERT_TRUE(green.EnableHistogramEqualize());

@@ -20,14 +20,14 @@ namespace {
 
 constexpr int COLORS = 3;
 
-struct Scene {
+struct ThreeSources {
     TemporaryFolder folder;
     CRasterSource sources[COLORS];
     CComposedRaster composed;
 };
 
 /// Three overlapping rasters of different resolution, type and stretch.
-void MakeScene(Scene& scene, std::mt19937& random, bool rotated) {
+void MakeScene(ThreeSources& scene, std::mt19937& random, bool rotated) {
     const GDALDataType types[] = {GDT_Byte, GDT_UInt16, GDT_Float32, GDT_Int16};
     const StretchType stretches[] = {StretchNone, StretchLinear, StretchStdDev};
     for (int k = 0; k < COLORS; ++k) {
@@ -100,7 +100,7 @@ bool ForEachPixel(CRasterSource& source, CBoundingBox box, int w, int h, Use use
     return true;
 }
 
-bool RenderInterleavedPlainly(Scene& scene, CBoundingBox box, int w, int h,
+bool RenderInterleavedPlainly(ThreeSources& scene, CBoundingBox box, int w, int h,
                               std::vector<unsigned char>& out) {
     std::fill(out.begin(), out.end(), 255);
     const auto alpha =
@@ -135,7 +135,7 @@ TEST(ComposedRendering, InterleavedImagesFollowTheRulesByteForByte) {
     std::mt19937 random(SEED);
     for (int i = 0; i < 24; ++i) {
         SCOPED_TRACE("seed " + std::to_string(SEED) + ", scene " + std::to_string(i));
-        Scene scene;
+        ThreeSources scene;
         MakeScene(scene, random, i % 4 == 3);
         scene.composed.m_transparency = static_cast<float>(i % 3) / 4.0F;
         for (int view = 0; view < 6; ++view) {
@@ -156,7 +156,7 @@ TEST(ComposedRendering, InterleavedImagesFollowTheRulesByteForByte) {
 
 TEST(ComposedRendering, FullTransparencyKeepsTheColoursAfterTheFirstOut) {
     std::mt19937 random(10);
-    Scene scene;
+    ThreeSources scene;
     MakeScene(scene, random, false);
     // The first colour makes every pixel transparent, and transparent pixels are skipped.
     scene.composed.m_transparency = 1.0F;
@@ -178,7 +178,7 @@ TEST(ComposedRendering, PlanesFollowTheRulesByteForByteWithAndWithoutAnArea) {
     std::mt19937 random(SEED);
     for (int i = 0; i < 24; ++i) {
         SCOPED_TRACE("seed " + std::to_string(SEED) + ", scene " + std::to_string(i));
-        Scene scene;
+        ThreeSources scene;
         MakeScene(scene, random, i % 4 == 3);
         CAOISource aoi;
         auto* ellipse = new CDrawEllipse;
@@ -214,7 +214,7 @@ TEST(ComposedRendering, PlanesFollowTheRulesByteForByteWithAndWithoutAnArea) {
 
 TEST(ComposedRendering, AdjustmentsAreAppliedWhateverTheFlagSays) {
     std::mt19937 random(7);
-    Scene scene;
+    ThreeSources scene;
     MakeScene(scene, random, false);
     CBoundingBox box = scene.composed.GetExtent();
     std::vector<unsigned char> plain(30 * 30 * 4);
@@ -228,7 +228,7 @@ TEST(ComposedRendering, AdjustmentsAreAppliedWhateverTheFlagSays) {
 
 TEST(ComposedRendering, FewerPlanesThanColoursReceiveTheFirstOnes) {
     std::mt19937 random(8);
-    Scene scene;
+    ThreeSources scene;
     MakeScene(scene, random, false);
     CBoundingBox box = scene.composed.GetExtent();
     std::vector<unsigned char> planes[3];
@@ -244,7 +244,7 @@ TEST(ComposedRendering, FewerPlanesThanColoursReceiveTheFirstOnes) {
 
 TEST(ComposedRendering, BadArgumentsAreRefused) {
     std::mt19937 random(9);
-    Scene scene;
+    ThreeSources scene;
     MakeScene(scene, random, false);
     CBoundingBox box = scene.composed.GetExtent();
     std::vector<unsigned char> out(10 * 10 * 4);

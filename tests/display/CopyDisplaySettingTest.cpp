@@ -4,14 +4,7 @@
 
 using namespace zelto::test;
 
-namespace {
-
-/// A source of so many bands, two pixels each.
-ShownRaster BandsOf(int count) {
-    return {{.width = 2, .height = 1}, std::vector<Pixels>(count, Pixels{10.0, 200.0})};
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(CopyDisplaySetting, CopiesWhatTheSourceStores) {
     ShownRaster from = BandsOf(5);

@@ -5,13 +5,7 @@
 
 using namespace zelto::test;
 
-namespace {
-
-ShownRaster BandsOf(int count) {
-    return {{.width = 2, .height = 1}, std::vector<Pixels>(count, Pixels{10.0, 200.0})};
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(ShowBandNum, TakesOneToThreeBands) {
     ShownRaster source = BandsOf(4);

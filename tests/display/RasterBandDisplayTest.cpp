@@ -12,11 +12,11 @@ using zelto::test::TestBand;
 namespace {
 
 /// A 16-bit band shown between 0 and 1000.
-TestBand SixteenBit() {
+TestBand TwoOfSixteenBits() {
     return {{.width = 2, .height = 1, .type = GDT_UInt16}, {0, 1000}};
 }
 
-std::array<unsigned char, 256> Inverted() {
+std::array<unsigned char, 256> InvertedTable() {
     std::array<unsigned char, 256> table{};
     for (int i = 0; i < 256; ++i)
         table[static_cast<std::size_t>(i)] = static_cast<unsigned char>(255 - i);
@@ -74,7 +74,7 @@ TEST(SetStretchType, LeavesTheObjectAsItIs) {
 }
 
 TEST(EnableHistogramEqualize, TakesAtMost256Buckets) {
-    TestBand band = SixteenBit();
+    TestBand band = TwoOfSixteenBits();
     ASSERT_TRUE(band->EnableHistogramEqualize());
     double min = 0.0;
     double max = 0.0;
@@ -117,7 +117,7 @@ TEST(EnableHistogramEqualize, ARangeBelowOneAsksForNoBucketsAndFails) {
 }
 
 TEST(EnableHistogramEqualize, ReusesACoincidingHistogram) {
-    TestBand band = SixteenBit();
+    TestBand band = TwoOfSixteenBits();
     ASSERT_TRUE(band->EnableHistogramEqualize());
     const CRasterHistogram* first = band->GetHistogramObject();
     ASSERT_TRUE(band->EnableHistogramEqualize());
@@ -158,7 +158,7 @@ TEST(SetCustomHistogram, MissingCountsAreRefusedAndThePresentOneStays) {
 
 TEST(SetEnhancedData, StoresTableLineTypeAndPoints) {
     TestBand band({.width = 2, .height = 1}, {0, 255});
-    auto table = Inverted();
+    auto table = InvertedTable();
     CPoint2D points[] = {{0, 255}, {255, 0}};
     ASSERT_TRUE(band->SetEnhancedData(table.data(), HistogramLineCurve, points, 2));
     CImgEnhance* enhancer = band->GetEnhancer();

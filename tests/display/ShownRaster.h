@@ -79,6 +79,11 @@ inline CClassifyDisplayTable TwoClasses() {
     return table;
 }
 
+/// Two pixels, 10 and 200, in each of so many bands.
+inline ShownRaster BandsOf(int count) {
+    return {{.width = 2, .height = 1}, std::vector<Pixels>(count, Pixels{10.0, 200.0})};
+}
+
 using Bytes = std::vector<unsigned char>;
 
 } // namespace zelto::test

@@ -8,8 +8,8 @@
 
 namespace {
 
-const double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
-const double ENDLESS = std::numeric_limits<double>::infinity();
+const double NO_VALUE = std::numeric_limits<double>::quiet_NaN();
+const double INFINITE_VALUE = std::numeric_limits<double>::infinity();
 
 CZoomLinear ZoomLinear(double inputLow, double inputHigh, double outputLow, double outputHigh) {
     return {StretchZoomLinear, inputLow, inputHigh, -1, -2, outputLow, outputHigh, -3, -4};
@@ -45,7 +45,7 @@ TEST(ZoomLinear, AnOutputSpanThatIsNotPositiveHasScaleZero) {
     EXPECT_EQ(ZoomLinear(0, 255, 60, 60).GetScale(), 0.0);
     EXPECT_EQ(ZoomLinear(0, 255, 60, 20).GetScale(), 0.0);
     EXPECT_EQ(ZoomLinear(0, 255, 60, 20).GetStretchValue8UB(200), 60);
-    EXPECT_EQ(ZoomLinear(0, 255, 60, NOT_A_NUMBER).GetScale(), 0.0);
+    EXPECT_EQ(ZoomLinear(0, 255, 60, NO_VALUE).GetScale(), 0.0);
 }
 
 TEST(ZoomLinear, ClampsToTheByteRange) {
@@ -55,8 +55,8 @@ TEST(ZoomLinear, ClampsToTheByteRange) {
     EXPECT_EQ(object.GetStretchValue8UB(11), 1);
     EXPECT_EQ(object.GetStretchValue8UB(265), 255);
     EXPECT_EQ(object.GetStretchValue8UB(1e300), 255);
-    EXPECT_EQ(object.GetStretchValue8UB(-ENDLESS), 0);
-    EXPECT_EQ(object.GetStretchValue8UB(NOT_A_NUMBER), 0);
+    EXPECT_EQ(object.GetStretchValue8UB(-INFINITE_VALUE), 0);
+    EXPECT_EQ(object.GetStretchValue8UB(NO_VALUE), 0);
 }
 
 TEST(ZoomLinear002, SpreadsLowToHighOverTheByteRange) {
@@ -72,7 +72,7 @@ TEST(ZoomLinear002, ClampsToOneAnd254) {
     EXPECT_EQ(object.GetStretchValue8UB(50), 1);
     EXPECT_EQ(object.GetStretchValue8UB(0), 1);
     EXPECT_EQ(object.GetStretchValue8UB(200), 254);
-    EXPECT_EQ(object.GetStretchValue8UB(ENDLESS), 254);
+    EXPECT_EQ(object.GetStretchValue8UB(INFINITE_VALUE), 254);
 }
 
 TEST(ZoomLinear002, AnEmptyRangeIsDecidedByTheClamps) {
@@ -114,7 +114,7 @@ TEST(Wallis, WithoutAnyDeviationTheFunctionIsUndefinedAndShowsZero) {
 }
 
 TEST(Wallis, AnInfiniteSourceMeanShowsZero) {
-    const CWallisStretch object(StretchWallis, 0, 255, -ENDLESS, 20, 5, 250, 130, 50);
+    const CWallisStretch object(StretchWallis, 0, 255, -INFINITE_VALUE, 20, 5, 250, 130, 50);
     EXPECT_EQ(object.GetStretchValue8UB(100), 0); // the weight-zero mean turns it into NaN
 }
 

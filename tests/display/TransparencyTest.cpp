@@ -10,10 +10,6 @@ using namespace zelto::test;
 
 namespace {
 
-ShownRaster BandsOf(int count) {
-    return {{.width = 2, .height = 1}, std::vector<Pixels>(count, Pixels{10.0, 200.0})};
-}
-
 /// Alphas of a 2 × 2 image of alphas 255, 0, 7, 128 after the transparency.
 Bytes Alphas(ShownRaster& source, float transparency) {
     source.m_transparency = transparency;

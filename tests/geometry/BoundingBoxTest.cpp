@@ -1,19 +1,18 @@
 #include "zelto/geometry/BoundingBox.h"
 
+#include "tests/geometry/ExpectPoint.h"
+
 #include <gtest/gtest.h>
 
 namespace {
+
+using zelto::test::ExpectPoint;
 
 void ExpectBox(const CBoundingBox& box, double left, double top, double right, double bottom) {
     EXPECT_EQ(box.GetLeft(), left);
     EXPECT_EQ(box.GetTop(), top);
     EXPECT_EQ(box.GetRight(), right);
     EXPECT_EQ(box.GetBottom(), bottom);
-}
-
-void ExpectPoint(const CPoint2D& p, double x, double y) {
-    EXPECT_EQ(p.x, x);
-    EXPECT_EQ(p.y, y);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "zelto/geometry/Line2D.h"
 
+#include "tests/geometry/ExpectPoint.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,15 +9,12 @@
 
 namespace {
 
+using zelto::test::ExpectPoint;
+
 constexpr double EPS = GEOMETRY_EPSILON;
 
 CLine2D Line(double x1, double y1, double x2, double y2) {
     return {CPoint2D(x1, y1), CPoint2D(x2, y2)};
-}
-
-void ExpectPoint(const CPoint2D& p, double x, double y) {
-    EXPECT_EQ(p.x, x);
-    EXPECT_EQ(p.y, y);
 }
 
 } // namespace

@@ -1,15 +1,14 @@
 #include "zelto/geometry/Point2D.h"
 
+#include "tests/geometry/ExpectPoint.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 namespace {
 
-void ExpectPoint(const CPoint2D& p, double x, double y) {
-    EXPECT_EQ(p.x, x);
-    EXPECT_EQ(p.y, y);
-}
+using zelto::test::ExpectPoint;
 
 } // namespace
 

@@ -22,15 +22,15 @@ std::array<std::uint64_t, 4> Bits(const BandSummary& summary) {
             std::bit_cast<std::uint64_t>(summary.standardDeviation)};
 }
 
-struct RandomRaster {
+struct CompressedRaster {
     zelto::test::RasterSpec spec;
     std::vector<Pixels> bands;
 };
 
-RandomRaster MakeRaster(std::mt19937& random) {
+CompressedRaster MakeCompressed(std::mt19937& random) {
     constexpr GDALDataType TYPES[] = {GDT_Byte,  GDT_UInt16,  GDT_Int16,  GDT_UInt32,
                                       GDT_Int32, GDT_Float32, GDT_Float64};
-    RandomRaster raster;
+    CompressedRaster raster;
     raster.spec.width = static_cast<int>(1 + random() % 5000);
     raster.spec.height = static_cast<int>(1 + random() % (400'000U / raster.spec.width));
     if (random() % 2 == 0)
@@ -60,7 +60,7 @@ TEST(JointSampling, FindsForEveryBandWhatSamplingItAloneFinds) {
     std::mt19937 random(seed);
     GDALAllRegister();
     for (int round = 0; round < 40; ++round) {
-        const RandomRaster raster = MakeRaster(random);
+        const CompressedRaster raster = MakeCompressed(random);
         const zelto::test::TemporaryFolder folder;
         const std::string path =
             zelto::test::WriteRaster(folder.File("bands.tif"), raster.spec, raster.bands);

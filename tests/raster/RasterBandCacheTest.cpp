@@ -8,16 +8,12 @@
 using zelto::test::MakePixels;
 using zelto::test::Pixels;
 using zelto::test::TestBand;
+using zelto::test::Twelve;
 
 namespace {
 
 const double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 const double ENDLESS = std::numeric_limits<double>::infinity();
-
-/// 4 × 3: 0 … 11, row by row.
-Pixels Twelve() {
-    return MakePixels(4, 3, [](int c, int r) { return r * 4 + c; });
-}
 
 double NearestAt(TestBand& band, double x, double y) {
     double value = -99.0;

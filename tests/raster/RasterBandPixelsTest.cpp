@@ -7,15 +7,9 @@ using zelto::test::MakePixels;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
 using zelto::test::TestBand;
+using zelto::test::Twelve;
 
-namespace {
-
-/// 4 × 3: 0 … 11, row by row.
-Pixels Twelve() {
-    return MakePixels(4, 3, [](int c, int r) { return r * 4 + c; });
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(RasterBandBlocks, ReadsARegionInTheAskedType) {
     TestBand band({.width = 4, .height = 3}, Twelve());

@@ -9,7 +9,7 @@ using zelto::test::TestBand;
 
 namespace {
 
-const Pixels RAMP = MakePixels(64, 64, [](int c, int r) { return c + r; });
+const Pixels SLOPE = MakePixels(64, 64, [](int c, int r) { return c + r; });
 
 /// Everything that GDAL would write down.
 void ComputeAll(CRasterBand& band) {
@@ -27,7 +27,7 @@ void ComputeAll(CRasterBand& band) {
 } // namespace
 
 TEST(ReadOnlySource, StatisticsLeaveNoFileBehind) {
-    TestBand band({.width = 64, .height = 64, .overviews = {2}}, RAMP);
+    TestBand band({.width = 64, .height = 64, .overviews = {2}}, SLOPE);
     const std::string before = ReadFile(band.Path());
     ComputeAll(*band);
     ComputeAll(*band->GetOverview(0));
@@ -37,7 +37,7 @@ TEST(ReadOnlySource, StatisticsLeaveNoFileBehind) {
 }
 
 TEST(ReadOnlySource, AVirtualRasterAndItsSourceStayAsTheyAre) {
-    TestBand band({.width = 64, .height = 64}, RAMP);
+    TestBand band({.width = 64, .height = 64}, SLOPE);
     band.Close();
     const std::string path = band.Folder().File("view.vrt");
     {
@@ -60,7 +60,7 @@ TEST(ReadOnlySource, AVirtualRasterAndItsSourceStayAsTheyAre) {
 }
 
 TEST(ReadOnlySource, AnExistingSideFileIsNotTouched) {
-    TestBand band({.width = 64, .height = 64}, RAMP);
+    TestBand band({.width = 64, .height = 64}, SLOPE);
     // Let GDAL write one with its own statistics.
     double ignored[4];
     ASSERT_EQ(band.Gdal()->ComputeStatistics(FALSE, &ignored[0], &ignored[1], &ignored[2],
@@ -79,7 +79,7 @@ TEST(ReadOnlySource, ExactResultsAreGdalsOwn) {
     for (const GDALDataType type :
          {GDT_Byte, GDT_UInt16, GDT_Int16, GDT_UInt32, GDT_Int32, GDT_Float32, GDT_Float64}) {
         TestBand band(
-            {.width = 64, .height = 64, .type = type, .noData = 30.0, .overviews = {2, 4}}, RAMP);
+            {.width = 64, .height = 64, .type = type, .noData = 30.0, .overviews = {2, 4}}, SLOPE);
         double found[4] = {};
         std::array<int, 50> counts{};
         ASSERT_TRUE(
@@ -136,7 +136,7 @@ TEST(ReadOnlySource, AMaskIsTreatedAsGdalTreatsIt) {
 }
 
 TEST(SourceOpenForUpdate, KeepsItsStatistics) {
-    TestBand band({.width = 64, .height = 64}, RAMP, GDAL_OF_UPDATE);
+    TestBand band({.width = 64, .height = 64}, SLOPE, GDAL_OF_UPDATE);
     ComputeAll(*band);
     band.Open(GDAL_OF_READONLY);
     EXPECT_NE(band.Gdal()->GetMetadataItem("STATISTICS_MEAN"), nullptr);

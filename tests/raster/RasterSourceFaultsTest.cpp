@@ -45,7 +45,8 @@ class WithoutPrivileges {
     bool m_dropped = false;
 };
 
-GISError Create(CRasterSource& source, const std::wstring& path, int width = 4, int height = 4) {
+GISError CreateTiff(CRasterSource& source, const std::wstring& path, int width = 4,
+                    int height = 4) {
     return source.CreateRaster(RDF_GTiff, path.c_str(), width, height, 1, PDT_Byte, nullptr,
                                nullptr, nullptr);
 }
@@ -91,9 +92,9 @@ TEST(CreationFaults, AFolderWithoutTheRightToWriteKeepsItsFile) {
         const WithoutPrivileges unprivileged;
         const RecordingLog log;
         CRasterSource source;
-        EXPECT_EQ(Create(source, folder.WideFile("a.tif")), GIS_FAILED);
+        EXPECT_EQ(CreateTiff(source, folder.WideFile("a.tif")), GIS_FAILED);
         ExpectDeletionMessage(log, L"CRasterSource::CreateGTiffRaster", folder.WideFile("a.tif"));
-        EXPECT_EQ(Create(source, folder.WideFile("new.tif")), GIS_FAILED);
+        EXPECT_EQ(CreateTiff(source, folder.WideFile("new.tif")), GIS_FAILED);
         EXPECT_EQ(CRasterSource::DeleteFileW(folder.WideFile("a.tif").c_str()), GIS_FAILED);
         // Unreadable and unwritable files open as far as the rights go.
         EXPECT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
@@ -121,7 +122,7 @@ TEST(OpeningFaults, AFileWithoutTheRightToReadFailsToOpen) {
 TEST(CreationFaults, AMissingFolderFails) {
     const TemporaryFolder folder;
     CRasterSource source;
-    EXPECT_EQ(Create(source, folder.WideFile("missing/a.tif")), GIS_FAILED);
+    EXPECT_EQ(CreateTiff(source, folder.WideFile("missing/a.tif")), GIS_FAILED);
     EXPECT_FALSE(source.IsOpened());
     EXPECT_TRUE(folder.Names().empty());
 }
@@ -132,7 +133,7 @@ TEST(CreationFaults, AFileOpenElsewhereIsReplacedAndTheOtherSourceReadsOn) {
     CRasterSource reader;
     ASSERT_EQ(reader.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
     CRasterSource writer;
-    EXPECT_EQ(Create(writer, folder.WideFile("a.tif"), 8, 8), GIS_SUCCESS);
+    EXPECT_EQ(CreateTiff(writer, folder.WideFile("a.tif"), 8, 8), GIS_SUCCESS);
     unsigned char value = 0;
     EXPECT_EQ(reader.GetPixel(&value, 3, 3, PDT_Byte), GIS_SUCCESS);
     EXPECT_EQ(value, 1);
@@ -147,7 +148,7 @@ TEST(CreationFaults, AFullDiskMakesWritingFail) {
     if (!disk.IsMounted())
         GTEST_SKIP() << "this user may not mount a small file system";
     CRasterSource source;
-    ASSERT_EQ(Create(source, folder.WideFile("disk/a.tif"), 2000, 2000), GIS_SUCCESS);
+    ASSERT_EQ(CreateTiff(source, folder.WideFile("disk/a.tif"), 2000, 2000), GIS_SUCCESS);
     std::vector<unsigned char> pixels(4000000, 5);
     EXPECT_EQ(source.GetRasterBand(0)->WriteBlock(0, 0, 2000, 2000, pixels.data(), 2000, 2000,
                                                   PDT_Byte, 0, 0),

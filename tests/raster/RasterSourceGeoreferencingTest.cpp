@@ -19,8 +19,8 @@ namespace {
 constexpr GeoTransform ROTATED = {1000.0, 8.0, 3.0, 2000.0, 3.0, -8.0};
 
 /// Opens a 10 × 10 image for update.
-void OpenImage(CRasterSource& source, const TemporaryFolder& folder, const std::string& name,
-               std::optional<GeoTransform> geoTransform, const char* driver = "GTiff") {
+void OpenPlaced(CRasterSource& source, const TemporaryFolder& folder, const std::string& name,
+                std::optional<GeoTransform> geoTransform, const char* driver = "GTiff") {
     WriteRaster(folder.File(name),
                 {.width = 10, .height = 10, .driver = driver, .geoTransform = geoTransform},
                 {Pixels(100, 7.0), Pixels(100, 8.0)});
@@ -42,7 +42,7 @@ TEST(GetGeoTransform, GivesTheMembersUnlessTheFileIsAsked) {
     GeoTransform read = {};
     EXPECT_TRUE(source.GetGeoTransform(read.data(), true)) << "nothing is open";
     EXPECT_EQ(read, (GeoTransform{0.0, 1.0, 0.0, 0.0, 0.0, -1.0}));
-    OpenImage(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
+    OpenPlaced(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
     EXPECT_TRUE(source.GetGeoTransform(read.data(), false));
     EXPECT_EQ(read, NorthUp(100.0, 200.0, 5.0));
     EXPECT_FALSE(source.GetGeoTransform(nullptr, false));
@@ -53,17 +53,17 @@ TEST(GetGeoTransform, AskingTheFileAnswersTrueExactlyWhenItHasNone) {
     const TemporaryFolder folder;
     CRasterSource source;
     GeoTransform read = {};
-    OpenImage(source, folder, "with.tif", NorthUp(100.0, 200.0, 5.0));
+    OpenPlaced(source, folder, "with.tif", NorthUp(100.0, 200.0, 5.0));
     EXPECT_FALSE(source.GetGeoTransform(read.data(), true));
     EXPECT_EQ(read, NorthUp(100.0, 200.0, 5.0));
-    OpenImage(source, folder, "without.tif", std::nullopt);
+    OpenPlaced(source, folder, "without.tif", std::nullopt);
     EXPECT_TRUE(source.GetGeoTransform(read.data(), true));
 }
 
 TEST(GetGeoTransform, OfAWarpedViewAsksTheFileBehindIt) {
     const TemporaryFolder folder;
     ExposedRasterSource source;
-    OpenImage(source, folder, "a.tif", ROTATED);
+    OpenPlaced(source, folder, "a.tif", ROTATED);
     ASSERT_TRUE(source.HasBase());
     GeoTransform read = {};
     EXPECT_FALSE(source.GetGeoTransform(read.data(), true));
@@ -75,7 +75,7 @@ TEST(GetGeoTransform, OfAWarpedViewAsksTheFileBehindIt) {
 TEST(SetGeoTransform, ChangesGridAndExtentInMemory) {
     const TemporaryFolder folder;
     ExposedRasterSource source;
-    OpenImage(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
+    OpenPlaced(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
     GeoTransform moved = NorthUp(1000.0, 2000.0, 2.0);
     EXPECT_EQ(source.SetGeoTransform(moved.data(), false), GIS_SUCCESS);
     EXPECT_EQ(source.GeoTransform(), moved);
@@ -93,7 +93,7 @@ TEST(SetGeoTransform, ChangesGridAndExtentInMemory) {
 TEST(SetGeoTransform, ReachesTheFileWhenAsked) {
     const TemporaryFolder folder;
     CRasterSource source;
-    OpenImage(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
+    OpenPlaced(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
     GeoTransform moved = NorthUp(1000.0, 2000.0, 2.0);
     EXPECT_EQ(source.SetGeoTransform(moved.data(), true), GIS_SUCCESS);
     EXPECT_EQ(InFile(folder.File("a.tif")), moved);
@@ -102,7 +102,7 @@ TEST(SetGeoTransform, ReachesTheFileWhenAsked) {
 TEST(SetGeoTransform, OfAWarpedViewLeavesTheFileBehindIt) {
     const TemporaryFolder folder;
     ExposedRasterSource source;
-    OpenImage(source, folder, "a.tif", ROTATED);
+    OpenPlaced(source, folder, "a.tif", ROTATED);
     ASSERT_TRUE(source.HasBase());
     GeoTransform moved = NorthUp(1000.0, 2000.0, 2.0);
     EXPECT_EQ(source.SetGeoTransform(moved.data(), true), GIS_SUCCESS);
@@ -128,13 +128,13 @@ TEST(SetBaseGeoTransform, WritesTheFileAndKeepsTheMembers) {
     ExposedRasterSource source;
     GeoTransform moved = NorthUp(1000.0, 2000.0, 2.0);
     EXPECT_EQ(source.SetBaseGeoTransform(moved.data()), GIS_FAILED) << "nothing is open";
-    OpenImage(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
+    OpenPlaced(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
     EXPECT_EQ(source.SetBaseGeoTransform(moved.data()), GIS_SUCCESS);
     EXPECT_EQ(source.GeoTransform(), NorthUp(100.0, 200.0, 5.0));
     EXPECT_EQ(InFile(folder.File("a.tif")), moved);
     EXPECT_EQ(source.SetBaseGeoTransform(nullptr), GIS_FAILED);
 
-    OpenImage(source, folder, "rotated.tif", ROTATED);
+    OpenPlaced(source, folder, "rotated.tif", ROTATED);
     const GeoTransform view = source.GeoTransform();
     EXPECT_EQ(source.SetBaseGeoTransform(moved.data()), GIS_SUCCESS);
     EXPECT_EQ(source.GeoTransform(), view);
@@ -181,7 +181,7 @@ TEST(ControlPoints, AreCountedAndClearedOnTheFileBehindAView) {
 TEST(SetProjection, StoresTheTextWhateverTheFileMakesOfIt) {
     const TemporaryFolder folder;
     CRasterSource source;
-    OpenImage(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
+    OpenPlaced(source, folder, "a.tif", NorthUp(100.0, 200.0, 5.0));
     EXPECT_EQ(source.SetProjection("EPSG:32650"), GIS_SUCCESS);
     EXPECT_EQ(source.GetProjectionWKT(), "EPSG:32650");
     EXPECT_TRUE(source.IsProjected());
@@ -203,7 +203,7 @@ TEST(SetProjection, StoresTheTextWhateverTheFileMakesOfIt) {
 TEST(AllBandNoData, IsSetOnEveryBand) {
     const TemporaryFolder folder;
     CRasterSource source;
-    OpenImage(source, folder, "a.tif", std::nullopt);
+    OpenPlaced(source, folder, "a.tif", std::nullopt);
     EXPECT_TRUE(source.SetAllBandNoDataValue(7.0, true));
     for (int i = 0; i < 2; ++i) {
         EXPECT_TRUE(source.GetRasterBand(i)->IsHaveNoData());
@@ -219,7 +219,7 @@ TEST(AllBandNoData, IsSetOnEveryBand) {
 TEST(AllBandNoData, IsClearedInMemoryOnly) {
     const TemporaryFolder folder;
     CRasterSource source;
-    OpenImage(source, folder, "a.tif", std::nullopt);
+    OpenPlaced(source, folder, "a.tif", std::nullopt);
     ASSERT_TRUE(source.SetAllBandNoDataValue(7.0, true));
     for (const bool writeToFile : {true, false}) {
         EXPECT_TRUE(source.ClearAllBandNoDataValue(writeToFile));

@@ -18,11 +18,11 @@ using GeoTransform = std::array<double, 6>;
 
 namespace {
 
-constexpr GeoTransform ROTATED = {1000.0, 8.0, 3.0, 2000.0, 3.0, -8.0};
+constexpr GeoTransform TURNED = {1000.0, 8.0, 3.0, 2000.0, 3.0, -8.0};
 constexpr GeoTransform SOUTH_UP = {1000.0, 10.0, 0.0, 2000.0, 0.0, 10.0};
 
 /// 20 × 10 pixels of the value 7.
-std::wstring WriteImage(const TemporaryFolder& folder, const GeoTransform& geoTransform) {
+std::wstring WritePlaced(const TemporaryFolder& folder, const GeoTransform& geoTransform) {
     WriteRaster(folder.File("a.tif"),
                 {.width = 20, .height = 10, .geoTransform = geoTransform, .srs = "EPSG:32650"},
                 {Pixels(200, 7.0)});
@@ -70,7 +70,7 @@ TEST(RasterInfo, WithoutGeoreferencingYCountsUpwardsFromTheBottomEdge) {
 
 TEST(RasterInfo, ARotatedImageIsShownThroughAWarpedView) {
     const TemporaryFolder folder;
-    const std::wstring path = WriteImage(folder, ROTATED);
+    const std::wstring path = WritePlaced(folder, TURNED);
     ExposedRasterSource source;
     ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
     EXPECT_TRUE(source.HasBase());
@@ -94,7 +94,7 @@ TEST(RasterInfo, ARotatedImageIsShownThroughAWarpedView) {
 
 TEST(RasterInfo, WithoutWarpingARotatedImageKeepsItsSizeAndLosesItsRotation) {
     const TemporaryFolder folder;
-    const std::wstring path = WriteImage(folder, ROTATED);
+    const std::wstring path = WritePlaced(folder, TURNED);
     ExposedRasterSource source;
     ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, false), GIS_SUCCESS);
     EXPECT_FALSE(source.HasBase());
@@ -106,12 +106,12 @@ TEST(RasterInfo, WithoutWarpingARotatedImageKeepsItsSizeAndLosesItsRotation) {
 
 TEST(RasterInfo, ForDisplayARotatedImageStaysAsItIs) {
     const TemporaryFolder folder;
-    const std::wstring path = WriteImage(folder, ROTATED);
+    const std::wstring path = WritePlaced(folder, TURNED);
     ExposedRasterSource source;
     source.SetForDisplay(true);
     ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
     EXPECT_FALSE(source.HasBase());
-    EXPECT_EQ(source.GeoTransform(), ROTATED);
+    EXPECT_EQ(source.GeoTransform(), TURNED);
     // x runs to 1000 + 20·8 + 10·3, y from 2000 − 10·8 to 2000 + 20·3
     EXPECT_EQ(source.GetRight(), 1190.0);
     EXPECT_EQ(source.GetBottom(), 1920.0);
@@ -122,7 +122,7 @@ TEST(RasterInfo, ForDisplayARotatedImageStaysAsItIs) {
 
 TEST(RasterInfo, ASouthUpImageIsWarpedOrForcedNorthUp) {
     const TemporaryFolder folder;
-    const std::wstring path = WriteImage(folder, SOUTH_UP);
+    const std::wstring path = WritePlaced(folder, SOUTH_UP);
     ExposedRasterSource source;
     ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
     EXPECT_TRUE(source.HasBase());
@@ -137,7 +137,7 @@ TEST(RasterInfo, ASouthUpImageIsWarpedOrForcedNorthUp) {
 
 TEST(RasterInfo, ANegativePixelWidthIsNotNorthUp) {
     const TemporaryFolder folder;
-    const std::wstring path = WriteImage(folder, {1000.0, -10.0, 0.0, 2000.0, 0.0, -10.0});
+    const std::wstring path = WritePlaced(folder, {1000.0, -10.0, 0.0, 2000.0, 0.0, -10.0});
     ExposedRasterSource source;
     ASSERT_EQ(source.Open(path.c_str(), GIS_READONLY, false), GIS_SUCCESS);
     EXPECT_EQ(source.GeoTransform(), (GeoTransform{1000.0, 10.0, 0.0, 2000.0, 0.0, -10.0}));
@@ -177,7 +177,7 @@ TEST(RasterInfo, ControlPointsWithoutWarpingAreIgnored) {
 
 TEST(RasterInfo, AWarpedViewHasFullBandsEvenWhenOpenedSimply) {
     const TemporaryFolder folder;
-    const std::wstring path = WriteImage(folder, SOUTH_UP);
+    const std::wstring path = WritePlaced(folder, SOUTH_UP);
     ExposedRasterSource source;
     ASSERT_EQ(source.OpenSimple(path.c_str(), GIS_READONLY, true), GIS_SUCCESS);
     EXPECT_EQ(source.GetRasterBand(0)->GetMean(), 7.0);

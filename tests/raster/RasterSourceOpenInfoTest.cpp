@@ -17,7 +17,7 @@ namespace {
 
 /// main.tif: Byte, 2 × 2, one band; a.tif: UInt16, 3 × 2, two bands; b.tif: Float32, 4 × 2,
 /// one band, rotated.
-CDatasetOpenInfo WriteScene(const TemporaryFolder& folder) {
+CDatasetOpenInfo WriteSubFiles(const TemporaryFolder& folder) {
     WriteRaster(folder.File("main.tif"), {.width = 2, .height = 2}, {Pixels(4, 1.0)});
     WriteRaster(
         folder.File("a.tif"),
@@ -39,7 +39,7 @@ CDatasetOpenInfo WriteScene(const TemporaryFolder& folder) {
 
 TEST(OpenWithSubFiles, WithoutSubFilesItIsThePlainOpening) {
     const TemporaryFolder folder;
-    WriteScene(folder);
+    WriteSubFiles(folder);
     CRasterSource source;
     EXPECT_EQ(source.Open(CDatasetOpenInfo(folder.WideFile("main.tif").c_str(), GIS_UPDATE)),
               GIS_SUCCESS);
@@ -49,7 +49,7 @@ TEST(OpenWithSubFiles, WithoutSubFilesItIsThePlainOpening) {
 
 TEST(OpenWithSubFiles, SubFilesBecomeSubRasters) {
     const TemporaryFolder folder;
-    const CDatasetOpenInfo info = WriteScene(folder);
+    const CDatasetOpenInfo info = WriteSubFiles(folder);
     CRasterSource source;
     ASSERT_EQ(source.Open(info), GIS_SUCCESS);
     ASSERT_EQ(source.GetSubRasterCount(), 2);
@@ -64,7 +64,7 @@ TEST(OpenWithSubFiles, SubFilesBecomeSubRasters) {
 
 TEST(OpenWithSubFiles, MergingAppendsTheirBandsAndTakesTheLastGrid) {
     const TemporaryFolder folder;
-    CDatasetOpenInfo info = WriteScene(folder);
+    CDatasetOpenInfo info = WriteSubFiles(folder);
     info.m_mergeBands = true;
     ExposedRasterSource source;
     source.SetForDisplay(true);
@@ -92,7 +92,7 @@ TEST(OpenWithSubFiles, MergingAppendsTheirBandsAndTakesTheLastGrid) {
 
 TEST(OpenWithSubFiles, FilesThatDoNotOpenAreLeftOut) {
     const TemporaryFolder folder;
-    WriteScene(folder);
+    WriteSubFiles(folder);
     CDatasetOpenInfo info(folder.WideFile("main.tif").c_str(), GIS_READONLY);
     info.AddSubFileNames(folder.WideFile("missing.tif").c_str());
     info.AddSubFileNames(folder.WideFile("a.tif").c_str());
@@ -103,7 +103,7 @@ TEST(OpenWithSubFiles, FilesThatDoNotOpenAreLeftOut) {
 
 TEST(OpenWithSubFiles, WithoutAnyOpenedSubFileItFailsButTheMainFileStaysOpen) {
     const TemporaryFolder folder;
-    WriteScene(folder);
+    WriteSubFiles(folder);
     for (const bool merge : {false, true}) {
         CDatasetOpenInfo info(folder.WideFile("main.tif").c_str(), GIS_READONLY);
         info.m_mergeBands = merge;
@@ -119,7 +119,7 @@ TEST(OpenWithSubFiles, WithoutAnyOpenedSubFileItFailsButTheMainFileStaysOpen) {
 
 TEST(OpenWithSubFiles, AMissingMainFileFails) {
     const TemporaryFolder folder;
-    WriteScene(folder);
+    WriteSubFiles(folder);
     CDatasetOpenInfo info(folder.WideFile("missing.tif").c_str(), GIS_READONLY);
     info.AddSubFileNames(folder.WideFile("a.tif").c_str());
     CRasterSource source;

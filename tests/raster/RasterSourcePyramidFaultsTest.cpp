@@ -25,7 +25,7 @@ using Sizes = std::vector<std::pair<int, int>>;
 
 namespace {
 
-constexpr int SIDE = 600;
+constexpr int PYRAMID_SIDE = 600;
 
 /// A format, and whether the host lets pyramids go to reduced-resolution files.
 struct Place {
@@ -48,8 +48,8 @@ class PyramidFaults : public testing::TestWithParam<Place> {
         m_reducedFiles.emplace("USE_RRD", on, false);
         m_reducedImagineFiles.emplace("HFA_USE_RRD", on, false);
         CRasterSource source;
-        EXPECT_EQ(source.CreateRaster(GetParam().format, Path().c_str(), SIDE, SIDE, 1, PDT_Byte,
-                                      nullptr, nullptr, nullptr),
+        EXPECT_EQ(source.CreateRaster(GetParam().format, Path().c_str(), PYRAMID_SIDE, PYRAMID_SIDE,
+                                      1, PDT_Byte, nullptr, nullptr, nullptr),
                   GIS_SUCCESS);
         Write(source, 1.0);
         source.Close();
@@ -60,8 +60,9 @@ class PyramidFaults : public testing::TestWithParam<Place> {
     std::wstring Path() const { return m_folder.WideFile(GetParam().name); }
 
     static void Write(CRasterSource& source, double value) {
-        Pixels pixels(static_cast<std::size_t>(SIDE) * SIDE, value);
-        ASSERT_EQ(source.GetRasterBand(0)->WriteBlock(0, 0, SIDE, SIDE, pixels.data(), SIDE, SIDE,
+        Pixels pixels(static_cast<std::size_t>(PYRAMID_SIDE) * PYRAMID_SIDE, value);
+        ASSERT_EQ(source.GetRasterBand(0)->WriteBlock(0, 0, PYRAMID_SIDE, PYRAMID_SIDE,
+                                                      pixels.data(), PYRAMID_SIDE, PYRAMID_SIDE,
                                                       PDT_Float64, 0, 0),
                   GIS_SUCCESS);
     }
@@ -96,7 +97,8 @@ class PyramidFaults : public testing::TestWithParam<Place> {
     }
 
     bool ImageIsUnchanged() const {
-        return ReadBand(m_folder.File(GetParam().name), 1) == Pixels(SIDE * SIDE, 1.0);
+        return ReadBand(m_folder.File(GetParam().name), 1) ==
+               Pixels(PYRAMID_SIDE * PYRAMID_SIDE, 1.0);
     }
 
     TemporaryFolder m_folder;

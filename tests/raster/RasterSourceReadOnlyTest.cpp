@@ -28,7 +28,7 @@ using zelto::test::WriteFile;
 
 namespace {
 
-constexpr int SIDE = 96;
+constexpr int SMALL_SIDE = 96;
 
 /// Every file of a folder, by its name, with its bytes.
 std::map<std::string, std::string> Contents(const TemporaryFolder& folder) {
@@ -48,16 +48,17 @@ std::string Source(const std::string& kind, const std::string& file, const std::
 
 std::string Placed(int left) {
     const std::string size =
-        " xSize='" + std::to_string(SIDE) + "' ySize='" + std::to_string(SIDE) + "'/>";
+        " xSize='" + std::to_string(SMALL_SIDE) + "' ySize='" + std::to_string(SMALL_SIDE) + "'/>";
     return "<SrcRect xOff='0' yOff='0'" + size + "<DstRect xOff='" + std::to_string(left) +
            "' yOff='0'" + size;
 }
 
 /// A virtual raster of one band.
 void WriteView(const TemporaryFolder& folder, const std::string& name, const std::string& type,
-               const std::string& band, int width = SIDE, const std::string& bandAttributes = {}) {
+               const std::string& band, int width = SMALL_SIDE,
+               const std::string& bandAttributes = {}) {
     WriteFile(folder.Path() / name, "<VRTDataset rasterXSize='" + std::to_string(width) +
-                                        "' rasterYSize='" + std::to_string(SIDE) +
+                                        "' rasterYSize='" + std::to_string(SMALL_SIDE) +
                                         "'><GeoTransform>0,1,0,96,0,-1</GeoTransform>"
                                         "<VRTRasterBand dataType='" +
                                         type + "' band='1'" + bandAttributes + ">" + band +
@@ -79,25 +80,27 @@ const std::string SHARPEN = "<Kernel><Size>3</Size><Coefs>0 -1 0 -1 6 -1 0 -1 0<
 
 /// Files and views of every kind over them. The kernel leads beyond the range of the file.
 void WriteFiles(const TemporaryFolder& folder) {
-    const Pixels pixels =
-        MakePixels(SIDE, SIDE, [](int c, int r) { return c < 8 ? 0 : (c * 37 + r * 101) % 900; });
-    const Pixels other = MakePixels(SIDE, SIDE, [](int c, int r) { return 5 + (c * r) % 700; });
+    const Pixels pixels = MakePixels(
+        SMALL_SIDE, SMALL_SIDE, [](int c, int r) { return c < 8 ? 0 : (c * 37 + r * 101) % 900; });
+    const Pixels other =
+        MakePixels(SMALL_SIDE, SMALL_SIDE, [](int c, int r) { return 5 + (c * r) % 700; });
     zelto::test::WriteRaster(folder.File("file.tif"),
-                             {.width = SIDE,
-                              .height = SIDE,
+                             {.width = SMALL_SIDE,
+                              .height = SMALL_SIDE,
                               .type = GDT_UInt16,
                               .geoTransform = zelto::test::NorthUp(0.0, 96.0, 1.0),
                               .srs = "EPSG:32650",
                               .noData = 0.0},
                              {pixels, other, pixels});
-    zelto::test::WriteRaster(folder.File("plain.tif"),
-                             {.width = SIDE, .height = SIDE, .type = GDT_UInt16, .overviews = {2}},
-                             {other});
+    zelto::test::WriteRaster(
+        folder.File("plain.tif"),
+        {.width = SMALL_SIDE, .height = SMALL_SIDE, .type = GDT_UInt16, .overviews = {2}}, {other});
     zelto::test::WriteRaster(folder.File("float.tif"),
-                             {.width = SIDE, .height = SIDE, .type = GDT_Float32}, {pixels});
+                             {.width = SMALL_SIDE, .height = SMALL_SIDE, .type = GDT_Float32},
+                             {pixels});
     zelto::test::WriteRaster(folder.File("rotated.tif"),
-                             {.width = SIDE,
-                              .height = SIDE,
+                             {.width = SMALL_SIDE,
+                              .height = SMALL_SIDE,
                               .type = GDT_UInt16,
                               .geoTransform = std::array<double, 6>{0, 1, 0.3, 96, 0.2, -1},
                               .srs = "EPSG:32650",
@@ -108,8 +111,8 @@ void WriteFiles(const TemporaryFolder& folder) {
     WriteView(folder, "float.vrt", "Float32", Source("SimpleSource", "float.tif"));
     WriteView(folder, "mosaic.vrt", "UInt16",
               NO_DATA + Source("SimpleSource", "file.tif", Placed(0)) +
-                  Source("SimpleSource", "file.tif", Placed(SIDE), 2),
-              2 * SIDE);
+                  Source("SimpleSource", "file.tif", Placed(SMALL_SIDE), 2),
+              2 * SMALL_SIDE);
     WriteView(folder, "scaled.vrt", "Float32",
               Source("ComplexSource", "file.tif", "<ScaleRatio>0.25</ScaleRatio>"));
     WriteView(folder, "filtered.vrt", "Int16",
@@ -118,7 +121,7 @@ void WriteFiles(const TemporaryFolder& folder) {
               NO_DATA + Source("KernelFilteredSource", "file.tif", SHARPEN));
     WriteView(folder, "derived.vrt", "Float32",
               "<PixelFunctionType>sqrt</PixelFunctionType>" + Source("SimpleSource", "file.tif"),
-              SIDE, " subClass='VRTDerivedRasterBand'");
+              SMALL_SIDE, " subClass='VRTDerivedRasterBand'");
     WriteView(folder, "nested.vrt", "UInt16", NO_DATA + Source("SimpleSource", "nodata.vrt"));
     WriteView(folder, "nested_filtered.vrt", "UInt16",
               NO_DATA + Source("SimpleSource", "filtered_nodata.vrt"));

@@ -15,7 +15,7 @@ using Names = std::vector<std::string>;
 
 namespace {
 
-constexpr int SIDE = 300;
+constexpr int STEM_SIDE = 300;
 
 struct Image {
     const char* name;
@@ -37,10 +37,11 @@ class SameStem : public testing::Test {
     ~SameStem() override { CGISDataSource::DestroyGDAL(); }
 
     void Write(const Image& image) {
-        zelto::test::RasterSpec spec = {.width = SIDE, .height = SIDE};
+        zelto::test::RasterSpec spec = {.width = STEM_SIDE, .height = STEM_SIDE};
         spec.driver = image.driver;
-        zelto::test::WriteRaster(m_folder.File(image.name), spec,
-                                 {Pixels(static_cast<std::size_t>(SIDE) * SIDE, image.value)});
+        zelto::test::WriteRaster(
+            m_folder.File(image.name), spec,
+            {Pixels(static_cast<std::size_t>(STEM_SIDE) * STEM_SIDE, image.value)});
     }
 
     void Build(const Image& image) {
@@ -58,9 +59,9 @@ class SameStem : public testing::Test {
         CRasterBand& band = *source.GetRasterBand(0);
         for (const int side : {150, 75, 38, 20}) {
             Pixels pixels(static_cast<std::size_t>(side) * side);
-            EXPECT_EQ(
-                band.ReadBlock(0, 0, SIDE, SIDE, pixels.data(), side, side, PDT_Float64, 0, 0),
-                GIS_SUCCESS);
+            EXPECT_EQ(band.ReadBlock(0, 0, STEM_SIDE, STEM_SIDE, pixels.data(), side, side,
+                                     PDT_Float64, 0, 0),
+                      GIS_SUCCESS);
             EXPECT_EQ(pixels, Pixels(pixels.size(), image.value)) << image.name << " at " << side;
         }
         EXPECT_EQ(band.GetMean(), image.value) << image.name;
@@ -166,8 +167,8 @@ TEST_F(SameStem, APyramidThatIsLeftOverDoesNotCountForANewImage) {
         if (!replaces)
             std::filesystem::remove(m_folder.File(GTIFF.name));
         CRasterSource source;
-        ASSERT_EQ(source.CreateRaster(RDF_GTiff, m_folder.WideFile(GTIFF.name).c_str(), SIDE, SIDE,
-                                      1, PDT_Byte, nullptr, nullptr, nullptr),
+        ASSERT_EQ(source.CreateRaster(RDF_GTiff, m_folder.WideFile(GTIFF.name).c_str(), STEM_SIDE,
+                                      STEM_SIDE, 1, PDT_Byte, nullptr, nullptr, nullptr),
                   GIS_SUCCESS);
         source.Close();
         const Image created = {GTIFF.name, GTIFF.driver, 0.0};

@@ -45,4 +45,9 @@ class TestBand {
     std::unique_ptr<CRasterBand> m_band;
 };
 
+/// 0 … 11 in four columns and three rows.
+inline Pixels Twelve() {
+    return MakePixels(4, 3, [](int c, int r) { return r * 4 + c; });
+}
+
 } // namespace zelto::test
