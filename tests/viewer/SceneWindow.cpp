@@ -27,6 +27,8 @@ QImage SceneWindow::DrawByEngine(const std::function<void(CRasterSource&)>& prep
     CRasterSource source;
     source.SetForDisplay(true);
     EXPECT_EQ(source.Open(CommonFun::M2U(SampleScene()).c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    int bands[] = {2, 1, 0}; // as an image of many bands that nothing names is first shown
+    source.SetShowBandNum(3, bands);
     prepare(source);
     const view::ViewTransform& shown = Map().View();
     QImage image(shown.Size(), QImage::Format_ARGB32);

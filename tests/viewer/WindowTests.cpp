@@ -15,6 +15,7 @@
 
 #include <QComboBox>
 #include <QDialog>
+#include <QDockWidget>
 #include <QLabel>
 #include <QMenu>
 #include <QPainter>
@@ -42,6 +43,20 @@ void ApplyPercent(CRasterSource& source) {
 TEST_F(Window, ShowsTheEnginesDrawingOfItsBoxPixelByPixel) {
     EXPECT_EQ(Map().Shown().view, Map().View());
     EXPECT_EQ(Map().Shown().image, DrawByEngine(ApplyPercent));
+}
+
+TEST_F(Window, ShowsTheFirstThreeOfManyBandsFromRedToBlue) {
+    EXPECT_EQ(Current().settings.bands, (std::vector<int>{2, 1, 0}));
+}
+
+TEST_F(Window, HasOneColumnOfNamesInTheDisplayPanel) {
+    const QWidget* panel = m_window->findChild<QDockWidget*>("displayPanel");
+    const auto left = [&](const char* name) {
+        const QWidget* widget = panel->findChild<QWidget*>(name);
+        return widget->mapTo(panel, QPoint(0, 0)).x();
+    };
+    EXPECT_EQ(left("band0"), left("mode"));
+    EXPECT_EQ(left("stretch"), left("mode"));
 }
 
 TEST_F(Window, PutsThePictureOnTheScreenAsItWasDrawn) {

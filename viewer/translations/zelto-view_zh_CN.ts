@@ -541,6 +541,61 @@
     </message>
 </context>
 <context>
+    <name>zelto::view::BandForm</name>
+    <message>
+        <source>Red, green and blue</source>
+        <translation>红绿蓝合成</translation>
+    </message>
+    <message>
+        <source>A single band</source>
+        <translation>单波段</translation>
+    </message>
+    <message>
+        <source>Show three bands as colours, or one</source>
+        <translation>以三个波段合成彩色，或显示一个波段</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>显示</translation>
+    </message>
+    <message>
+        <source>The band to show</source>
+        <translation>要显示的波段</translation>
+    </message>
+    <message>
+        <source>Colours of a single band</source>
+        <translation>单波段的颜色</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>无</translation>
+    </message>
+    <message>
+        <source>Colour ramp</source>
+        <translation>色带</translation>
+    </message>
+    <message>
+        <source>Band</source>
+        <translation>波段</translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation>红</translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation>绿</translation>
+    </message>
+    <message>
+        <source>Blue</source>
+        <translation>蓝</translation>
+    </message>
+    <message>
+        <source>Band %1</source>
+        <translation>波段 %1</translation>
+    </message>
+</context>
+<context>
     <name>zelto::view::ClassLegend</name>
     <message>
         <source>Colour</source>
@@ -605,38 +660,6 @@
 <context>
     <name>zelto::view::DisplayPanel</name>
     <message>
-        <source>Red, green and blue</source>
-        <translation>红绿蓝合成</translation>
-    </message>
-    <message>
-        <source>A single band</source>
-        <translation>单波段</translation>
-    </message>
-    <message>
-        <source>Show three bands as colours, or one</source>
-        <translation>以三个波段合成彩色，或显示一个波段</translation>
-    </message>
-    <message>
-        <source>Show</source>
-        <translation>显示</translation>
-    </message>
-    <message>
-        <source>The band to show</source>
-        <translation>要显示的波段</translation>
-    </message>
-    <message>
-        <source>Colours of a single band</source>
-        <translation>单波段的颜色</translation>
-    </message>
-    <message>
-        <source>None</source>
-        <translation>无</translation>
-    </message>
-    <message>
-        <source>Colour ramp</source>
-        <translation>色带</translation>
-    </message>
-    <message>
         <source>Hue</source>
         <translation>色调</translation>
     </message>
@@ -659,26 +682,6 @@
     <message>
         <source>No image</source>
         <translation>没有影像</translation>
-    </message>
-    <message>
-        <source>Band</source>
-        <translation>波段</translation>
-    </message>
-    <message>
-        <source>Red</source>
-        <translation>红</translation>
-    </message>
-    <message>
-        <source>Green</source>
-        <translation>绿</translation>
-    </message>
-    <message>
-        <source>Blue</source>
-        <translation>蓝</translation>
-    </message>
-    <message>
-        <source>Band %1</source>
-        <translation>波段 %1</translation>
     </message>
 </context>
 <context>
@@ -902,10 +905,6 @@
 <context>
     <name>zelto::view::MainWindow</name>
     <message>
-        <source>Open an image, or drop one here</source>
-        <translation>打开影像，或将影像拖到这里</translation>
-    </message>
-    <message>
         <source>Show or hide the panel</source>
         <translation>显示或隐藏面板</translation>
     </message>
@@ -972,6 +971,10 @@
     <message>
         <source>Histograms</source>
         <translation>直方图</translation>
+    </message>
+    <message>
+        <source>Open an image (%1), or drop one here</source>
+        <translation>打开影像（%1），或拖放到此处</translation>
     </message>
 </context>
 <context>

@@ -2,8 +2,8 @@
 
 #include "zelto/display/StretchPreparation.h"
 
-#include "cli/support/RenderRamps.h"
 #include "viewer/model/Document.h"
+#include "viewer/views/BandForm.h"
 #include "viewer/views/ClassLegend.h"
 #include "viewer/views/HistogramView.h"
 #include "viewer/views/LabeledSlider.h"
@@ -11,12 +11,11 @@
 #include "viewer/views/Theme.h"
 #include "viewer/worker/Engine.h"
 
-#include <QComboBox>
-#include <QFormLayout>
 #include <QLabel>
 #include <QScrollArea>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace zelto::view {
 
@@ -40,9 +39,11 @@ DisplayPanel::DisplayPanel(Document& document, Engine& engine, QWidget* parent)
     m_title->setTextFormat(Qt::PlainText);
     m_title->setWordWrap(true);
     m_title->setContentsMargins(10, 6, 10, 0);
-    AddBands(*inner);
+    m_bands = new BandForm;
     m_stretch = new StretchForm;
+    inner->addWidget(m_bands);
     inner->addWidget(m_stretch);
+    connect(m_bands, &BandForm::Edited, this, &DisplayPanel::TakeControls);
     connect(m_stretch, &StretchForm::Edited, this, &DisplayPanel::TakeControls);
     AddHistograms(*inner);
     AddSliders(*inner);
@@ -51,6 +52,7 @@ DisplayPanel::DisplayPanel(Document& document, Engine& engine, QWidget* parent)
     connect(m_legend, &ClassLegend::ResetWanted, this, &DisplayPanel::ResetClasses);
     inner->addWidget(m_legend);
     inner->addStretch(1);
+    AlignNames();
 
     m_scroll->setWidget(m_content);
     m_scroll->setWidgetResizable(true);
@@ -76,34 +78,6 @@ DisplayPanel::DisplayPanel(Document& document, Engine& engine, QWidget* parent)
     ShowLayer();
 }
 
-void DisplayPanel::AddBands(QVBoxLayout& layout) {
-    auto* form = new QFormLayout;
-    form->setContentsMargins(0, 0, 0, 0);
-    m_mode = new QComboBox;
-    m_mode->setObjectName("mode");
-    m_mode->addItems({tr("Red, green and blue"), tr("A single band")});
-    m_mode->setToolTip(tr("Show three bands as colours, or one"));
-    form->addRow(tr("Show"), m_mode);
-    for (std::size_t k = 0; k < m_bands.size(); ++k) {
-        m_bands[k] = new QComboBox;
-        m_bands[k]->setObjectName(QString("band%1").arg(k));
-        m_bands[k]->setToolTip(tr("The band to show"));
-        m_bandLabels[k] = new QLabel;
-        form->addRow(m_bandLabels[k], m_bands[k]);
-        connect(m_bands[k], &QComboBox::currentIndexChanged, this, &DisplayPanel::TakeControls);
-    }
-    m_ramp = new QComboBox;
-    m_ramp->setObjectName("ramp");
-    m_ramp->setToolTip(tr("Colours of a single band"));
-    m_ramp->addItem(tr("None"), QString());
-    for (const QString& name : QString::fromStdString(cli::RampNames()).split(", "))
-        m_ramp->addItem(name, name);
-    form->addRow(tr("Colour ramp"), m_ramp);
-    layout.addLayout(form);
-    connect(m_mode, &QComboBox::currentIndexChanged, this, &DisplayPanel::TakeControls);
-    connect(m_ramp, &QComboBox::currentIndexChanged, this, &DisplayPanel::TakeControls);
-}
-
 void DisplayPanel::AddHistograms(QVBoxLayout& layout) {
     for (std::size_t k = 0; k < m_histograms.size(); ++k) {
         m_histograms[k] = new HistogramView;
@@ -125,6 +99,21 @@ void DisplayPanel::AddSliders(QVBoxLayout& layout) {
     }
 }
 
+/// One column of names for all forms and sliders.
+void DisplayPanel::AlignNames() {
+    QList<QLabel*> names;
+    for (const QWidget* form : {static_cast<QWidget*>(m_bands), static_cast<QWidget*>(m_stretch)})
+        for (QLabel* label : form->findChildren<QLabel*>())
+            names += label;
+    for (const LabeledSlider* slider : m_sliders)
+        names += slider->Name();
+    int width = 0;
+    for (const QLabel* name : names)
+        width = std::max(width, name->sizeHint().width());
+    for (QLabel* name : names)
+        name->setMinimumWidth(width);
+}
+
 void DisplayPanel::ShowLayer() {
     const Layer* layer = m_document.Current();
     const bool isShown = layer != nullptr && layer->isOpen;
@@ -138,7 +127,7 @@ void DisplayPanel::ShowLayer() {
         return;
     }
     m_isFilling = true;
-    ShowBands(*layer);
+    m_bands->ShowLayer(*layer);
     m_stretch->ShowSettings(layer->settings);
     for (std::size_t i = 0; i < m_sliders.size(); ++i)
         m_sliders[i]->SetValue(layer->settings.*SLIDER_MEMBERS[i]);
@@ -148,29 +137,6 @@ void DisplayPanel::ShowLayer() {
                          layer->settings.ramp.isEmpty());
     m_isFilling = false;
     ShowHistograms(*layer);
-}
-
-void DisplayPanel::ShowBands(const Layer& layer) {
-    const std::vector<int>& shown = layer.settings.bands;
-    const bool isSingle = shown.size() == 1;
-    const int count = static_cast<int>(layer.facts.bands.size());
-    m_mode->setCurrentIndex(isSingle ? 1 : 0);
-    m_mode->setEnabled(!layer.origin.IsComposed());
-    const QString names[] = {isSingle ? tr("Band") : tr("Red"), tr("Green"), tr("Blue")};
-    for (std::size_t k = 0; k < m_bands.size(); ++k) {
-        if (m_bands[k]->count() != count) {
-            m_bands[k]->clear();
-            for (int band = 1; band <= count; ++band)
-                m_bands[k]->addItem(tr("Band %1").arg(band));
-        }
-        m_bands[k]->setCurrentIndex(k < shown.size() ? shown[k] : 0);
-        m_bands[k]->setEnabled(!layer.origin.IsComposed());
-        m_bandLabels[k]->setText(names[k]);
-        m_bands[k]->setVisible(k == 0 || !isSingle);
-        m_bandLabels[k]->setVisible(k == 0 || !isSingle);
-    }
-    m_ramp->setCurrentIndex(std::max(m_ramp->findData(layer.settings.ramp), 0));
-    m_ramp->setEnabled(isSingle);
 }
 
 void DisplayPanel::ShowHistograms(const Layer& layer) {
@@ -216,20 +182,16 @@ void DisplayPanel::TakeControls() {
         return;
     DisplaySettings settings = layer->settings;
     const std::vector<int> before = settings.bands;
-    settings.bands.clear();
-    const bool isSingle = m_mode->currentIndex() == 1;
-    for (std::size_t k = 0; k < (isSingle ? 1U : 3U); ++k)
-        settings.bands.push_back(std::max(m_bands[k]->currentIndex(), 0));
+    m_bands->Fill(settings);
     const QString stretchBefore = settings.stretch;
     m_stretch->Fill(settings);
     if (settings.bands != before || settings.stretch != stretchBefore)
         settings.ranges = {}; // they were those of other bands, or of another stretch
     // The filter starts from the statistics of three colours.
-    if (isSingle && settings.stretch == "wallis")
+    if (settings.bands.size() == 1 && settings.stretch == "wallis")
         settings.stretch = "auto";
     for (std::size_t i = 0; i < m_sliders.size(); ++i)
         settings.*SLIDER_MEMBERS[i] = m_sliders[i]->Value();
-    settings.ramp = isSingle ? m_ramp->currentData().toString() : QString();
     settings.classes = EditsBetween(layer->facts.classes, m_legend->Classes());
     m_document.SetSettings(layer->id, settings);
 }

@@ -7,13 +7,13 @@
 #include <map>
 #include <vector>
 
-class QComboBox;
 class QLabel;
 class QScrollArea;
 class QVBoxLayout;
 
 namespace zelto::view {
 
+class BandForm;
 class ClassLegend;
 class Document;
 class Engine;
@@ -30,11 +30,10 @@ class DisplayPanel : public QWidget {
     DisplayPanel(Document& document, Engine& engine, QWidget* parent = nullptr);
 
   private:
-    void AddBands(QVBoxLayout& layout);
     void AddHistograms(QVBoxLayout& layout);
     void AddSliders(QVBoxLayout& layout);
+    void AlignNames();
     void ShowLayer();
-    void ShowBands(const Layer& layer);
     void ShowHistograms(const Layer& layer);
     /// The bounds that the k-th shown band was last drawn between.
     Bounds BoundsOf(const Layer& layer, std::size_t k, const BandHistogram& histogram) const;
@@ -49,10 +48,7 @@ class DisplayPanel : public QWidget {
     QLabel* m_title;
     QScrollArea* m_scroll;
     QWidget* m_content;
-    QComboBox* m_mode;
-    std::array<QComboBox*, 3> m_bands{};
-    std::array<QLabel*, 3> m_bandLabels{};
-    QComboBox* m_ramp;
+    BandForm* m_bands;
     StretchForm* m_stretch;
     std::array<HistogramView*, 3> m_histograms{};
     std::array<LabeledSlider*, 5> m_sliders{};

@@ -10,16 +10,16 @@ namespace zelto::view {
 
 namespace {
 
-constexpr int NAME_WIDTH = 88;
 constexpr int VALUE_WIDTH = 34;
 
 } // namespace
 
 LabeledSlider::LabeledSlider(const QString& name, int least, int most, QWidget* parent)
-    : QWidget(parent), m_slider(new QSlider(Qt::Horizontal)), m_value(new QLabel) {
-    auto* label = new QLabel(name);
-    label->setMinimumWidth(NAME_WIDTH);
-    label->setBuddy(m_slider);
+    : QWidget(parent),
+      m_name(new QLabel(name)),
+      m_slider(new QSlider(Qt::Horizontal)),
+      m_value(new QLabel) {
+    m_name->setBuddy(m_slider);
     m_slider->setRange(least, most);
     m_slider->setPageStep(10);
     m_slider->setAccessibleName(name);
@@ -29,7 +29,7 @@ LabeledSlider::LabeledSlider(const QString& name, int least, int most, QWidget* 
     m_value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(label);
+    layout->addWidget(m_name);
     layout->addWidget(m_slider, 1);
     layout->addWidget(m_value);
     connect(m_slider, &QSlider::valueChanged, this, [this] {

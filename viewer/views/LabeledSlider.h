@@ -17,6 +17,8 @@ class LabeledSlider : public QWidget {
 
     float Value() const;
     void SetValue(float value);
+    /// For panels that align the names of several.
+    QLabel* Name() const { return m_name; }
 
   signals:
     /// The user moved it.
@@ -28,6 +30,7 @@ class LabeledSlider : public QWidget {
   private:
     void ShowValue();
 
+    QLabel* m_name;
     QSlider* m_slider;
     QLabel* m_value;
 };

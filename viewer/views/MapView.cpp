@@ -1,6 +1,7 @@
 #include "viewer/views/MapView.h"
 
 #include "viewer/views/MapTool.h"
+#include "viewer/views/PicturePainting.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -27,38 +28,6 @@ constexpr double LARGEST_SCALE = 1e12;
 MapPointer PointerAt(QPointF pixel, const ViewTransform& view, Qt::KeyboardModifiers modifiers,
                      double pixelRatio) {
     return {pixel, view.ToGround(pixel), HIT_PIXELS * pixelRatio * view.Scale(), modifiers};
-}
-
-bool IsScaled(const Picture& picture, const ViewTransform& view) {
-    return picture.view.Scale() != view.Scale();
-}
-
-/// Lays a picture drawn for another view where its pixels belong in this one.
-void DrawMoved(QPainter& painter, const Picture& picture, const ViewTransform& view) {
-    if (picture.image.isNull())
-        return;
-    const QRectF place = view.PlaceOf(picture.view);
-    if (!IsScaled(picture, view)) {
-        // Whole pixels only: a picture that is moved stays as sharp as it was drawn.
-        painter.drawImage(place.topLeft().toPoint(), picture.image);
-        return;
-    }
-    // Painting only what is seen keeps a frame quick when a small part is blown up.
-    const QRectF seen = place.intersected(QRectF(QPointF(), QSizeF(view.Size())));
-    if (seen.isEmpty())
-        return;
-    const double toPicture = view.Scale() / picture.view.Scale();
-    const QRectF part((seen.topLeft() - place.topLeft()) * toPicture, seen.size() * toPicture);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, toPicture > 1.0);
-    painter.drawImage(seen, picture.image, part);
-}
-
-/// The pixels that DrawMoved() covers wholly.
-QRect CoveredBy(const Picture& picture, const ViewTransform& view) {
-    const QRectF place = view.PlaceOf(picture.view);
-    if (IsScaled(picture, view))
-        return place.toAlignedRect().adjusted(1, 1, -1, -1);
-    return {place.topLeft().toPoint(), picture.image.size()};
 }
 
 } // namespace
@@ -144,10 +113,10 @@ void MapView::paintEvent(QPaintEvent*) {
     if (!open.isEmpty() && !m_backdrop.image.isNull()) {
         painter.save();
         painter.setClipRegion(open);
-        DrawMoved(painter, m_backdrop, m_view);
+        PaintPicture(painter, m_backdrop, m_view);
         painter.restore();
     }
-    DrawMoved(painter, m_picture, m_view);
+    PaintPicture(painter, m_picture, m_view);
     if (m_overlay)
         m_overlay(painter, m_view);
     if (m_tool)
