@@ -116,6 +116,7 @@ void TrainingActions::Enable() {
     const bool isFile = layer != nullptr && layer->isOpen && !layer->origin.IsComposed();
     const bool hasClass = m_bench.training.Current() != 0;
     const bool hasSamples = isFile && HasSamples();
+    m_bench.actions.Find("class-add")->setEnabled(layer != nullptr && layer->isOpen);
     m_bench.actions.Find("class-assign")
         ->setEnabled(hasClass && !m_bench.areas.Selection().isEmpty());
     m_bench.actions.Find("class-remove")->setEnabled(hasClass);

@@ -96,6 +96,7 @@ ClassLegend::ClassLegend(QWidget* parent)
     m_table->setModel(m_model);
     m_table->verticalHeader()->hide();
     m_table->horizontalHeader()->setStretchLastSection(true);
+    m_table->horizontalHeader()->setHighlightSections(false);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
     m_table->setShowGrid(false);
     m_table->setMinimumHeight(160);

@@ -41,19 +41,26 @@ class TablePanel::Model : public QAbstractTableModel {
             m_table.rows[static_cast<std::size_t>(index.row())].value(index.column());
         if (role == Qt::DisplayRole)
             return cell;
-        bool isNumber = false;
-        cell.toDouble(&isNumber);
         if (role == Qt::TextAlignmentRole)
-            return QVariant((isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+            return AlignmentOf(cell);
         return {};
     }
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
         if (role == Qt::DisplayRole && orientation == Qt::Horizontal)
             return m_table.columns.value(section);
+        if (role == Qt::TextAlignmentRole && orientation == Qt::Horizontal)
+            return AlignmentOf(m_table.rows.empty() ? QString()
+                                                    : m_table.rows.front().value(section));
         return {};
     }
 
   private:
+    static QVariant AlignmentOf(const QString& cell) {
+        bool isNumber = false;
+        cell.toDouble(&isNumber);
+        return QVariant((isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    }
+
     const NumberTable& m_table;
 };
 

@@ -54,6 +54,7 @@ constexpr const char* STYLE_SHEET =
     "QToolButton:checked, QToolButton:pressed { background: palette(mid); }"
     "QDockWidget::title { padding: 6px 8px; text-align: left; }"
     "QTableView, QTreeView, QListView { border: none; }"
+    "QTableView::item { padding: 0px 6px; }"
     "QListView::item { padding: 4px 2px; }"
     "QHeaderView::section { border: none; padding: 4px 6px; background: palette(window); }"
     "QStatusBar::item { border: none; }"

@@ -32,6 +32,7 @@ TrainingPanel::TrainingPanel(TrainingClasses& classes, AreaModel& areas, QWidget
     m_table->setObjectName("classes");
     m_table->setHorizontalHeaderLabels({QString(), tr("Class"), tr("Shapes"), tr("Pixels")});
     m_table->verticalHeader()->hide();
+    m_table->horizontalHeader()->setHighlightSections(false);
     m_table->setShowGrid(false);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
