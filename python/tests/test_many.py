@@ -155,12 +155,31 @@ def test_pictures_and_pyramids(scene_path, make, tmp_path):
 def test_a_lost_workers_task_runs_again(scene_path, tmp_path):
     part = _tasks.Part(scene_path)
     tasks = [_workers.Task(_tasks.fail_once, (part, str(tmp_path / f"mark{n}"))) for n in range(3)]
-    found = list(_workers.run_in_pool(tasks, 2))
+    pool = _workers.Pool(2)
+    found = list(pool.run(tasks, 3))
     assert sorted(outcome.task for outcome in found) == [0, 1, 2]
     assert all(outcome.result == scene_path for outcome in found)
     hopeless = [_workers.Task(os._exit, (1,)), _workers.Task(_tasks.facts_of, (part,))]
-    found = {outcome.task: outcome for outcome in _workers.run_in_pool(hopeless, 2)}
+    found = {outcome.task: outcome for outcome in pool.run(hopeless, 2)}
+    pool.close()
     assert "lost" in found[0].reason and found[1].result.height == 352
+
+
+def worker_processes():
+    listing = subprocess.run(["ps", "-o", "pid=,args=", "--ppid", str(os.getpid())],
+                             capture_output=True, text=True).stdout
+    return [int(line.split()[0]) for line in listing.splitlines()
+            if "zelto.many._worker" in line]
+
+
+def test_workers_stay_for_all_steps_of_a_call_and_end_with_it(scenes):
+    seen = []
+    many.histogram(scenes, jobs=2, progress=lambda fraction: seen.extend(worker_processes()))
+    assert 1 <= len(set(seen)) <= 2
+    assert worker_processes() == []
+    with pytest.raises(ZeroDivisionError):
+        many.statistics(scenes, jobs=2, on_result=lambda result: 1 / 0)
+    assert worker_processes() == []
 
 
 def test_a_worker_killed_in_the_middle(scenes):
@@ -169,13 +188,8 @@ def test_a_worker_killed_in_the_middle(scenes):
 
     def kill(fraction):
         if not killed:
-            listing = subprocess.run(["ps", "-o", "pid=,args=", "--ppid", str(os.getpid())],
-                                     capture_output=True, text=True).stdout
-            for line in listing.splitlines():
-                if "zelto.many._worker" in line:
-                    killed.append(int(line.split()[0]))
-                    os.kill(killed[0], signal.SIGKILL)
-                    break
+            killed.extend(worker_processes()[:1])
+            os.kill(killed[0], signal.SIGKILL)
 
     assert bits(many.statistics(scenes, jobs=2, rows=32, progress=kill)) == expected
     assert killed

@@ -77,7 +77,7 @@ class Run:
         error: Optional[BaseException],
         trace: Optional[TracebackType],
     ) -> None:
-        self._workers.close()
+        self._workers.close(kindly=kind is None)
 
     def measured(self) -> Tuple[str, ...]:
         return tuple(scene.path for scene in self._scenes if scene.reason is None)
@@ -98,7 +98,8 @@ class Run:
         """Makes sure that the facts of all readable scenes are known."""
         unknown = [s for s in self._scenes if s.facts is None and s.reason is None]
         tasks = [Task(facts_of, (Part(scene.path),)) for scene in unknown]
-        for outcome in self._workers.run(tasks):
+        # The parts that the scenes are cut into keep all workers busy.
+        for outcome in self._workers.run(tasks, at_once=self._workers.count):
             scene = unknown[outcome.task]
             scene.facts = outcome.result
             if outcome.reason is not None:
@@ -187,7 +188,7 @@ class Run:
         tasks: Sequence[Task],
         merge: Callable[[List[Any]], Any],
     ) -> None:
-        for done, outcome in enumerate(self._workers.run(tasks), 1):
+        for done, outcome in enumerate(self._workers.run(tasks, at_once=len(tasks)), 1):
             scene, place = work[outcome.task]
             scene.missing -= 1
             if outcome.reason is not None:

@@ -92,15 +92,20 @@ class _Worker:
         send(self.process.stdin, (number, task))
         return receive(self.process.stdout)
 
-    def stop(self, kindly: bool) -> None:
-        """A worker that is stopped in the middle of its work takes back what is half done."""
-        assert self.process.stdin is not None and self.process.stdout is not None
+    def end(self, kindly: bool) -> None:
+        """Tells it to. A worker that is stopped in the middle of its work takes back what is half
+        done."""
+        assert self.process.stdin is not None
         try:
             if not kindly:
                 self.process.terminate()
             self.process.stdin.close()
         except OSError:
             pass
+
+    def wait(self) -> None:
+        """Returns when it has ended."""
+        assert self.process.stdout is not None
         try:
             self.process.wait(_PATIENCE)
         except subprocess.TimeoutExpired:
@@ -109,31 +114,70 @@ class _Worker:
         self.process.stdout.close()
 
 
-class _Pool:
-    """Workers with a thread each, which feeds it."""
+class Pool:
+    """Worker processes, which are started when they are needed and stay until the pool is closed:
+    one run of tasks after the other has them."""
 
-    def __init__(self, tasks: Sequence[Task], jobs: int) -> None:
-        self._tasks = tasks
-        self._open: "queue.SimpleQueue[Tuple[int, int]]" = queue.SimpleQueue()
-        self._done: "queue.SimpleQueue[Any]" = queue.SimpleQueue()
-        self._stopping = False
+    def __init__(self, jobs: int) -> None:
         self._workers: List[Optional[_Worker]] = [None] * jobs
-        self._threads_each = max((os.cpu_count() or 1) // jobs, 1)
+
+    def run(self, tasks: Sequence[Task], at_once: int) -> Iterator[Outcome]:
+        """The outcomes as they come. When they are not all asked for, the workers end.
+
+        :param at_once: how many tasks share the processors, in this run or a later one
+        """
+        sharing = min(len(self._workers), at_once)
+        run = _Feeding(tasks, self._workers, max((os.cpu_count() or 1) // sharing, 1))
+        finished = False
+        try:
+            yield from run.outcomes()
+            finished = True
+        finally:
+            run.stopping = True
+            if not finished:
+                self.close(kindly=False)
+            run.end()
+
+    def close(self, kindly: bool = True) -> None:
+        ended = []
+        for place, worker in enumerate(self._workers):
+            if worker is not None:
+                self._workers[place] = None
+                worker.end(kindly)
+                ended.append(worker)
+        for worker in ended:
+            worker.wait()
+
+
+class _Feeding:
+    """One run: a thread for each worker, which gives it task after task."""
+
+    def __init__(
+        self, tasks: Sequence[Task], workers: List[Optional[_Worker]], threads_each: int
+    ) -> None:
+        self._tasks = tasks
+        self._workers = workers
+        self._threads_each = threads_each
+        #: Tasks with the number of workers that they have lost; None ends a feeder.
+        self._open: "queue.SimpleQueue[Optional[Tuple[int, int]]]" = queue.SimpleQueue()
+        self._done: "queue.SimpleQueue[Any]" = queue.SimpleQueue()
+        self.stopping = False
         for number in range(len(tasks)):
             self._open.put((number, 0))
         self._feeders = [
             threading.Thread(target=self._feed, args=(place,), daemon=True)
-            for place in range(jobs)
+            for place in range(min(len(workers), len(tasks)))
         ]
+        for feeder in self._feeders:
+            feeder.start()
 
     def _feed(self, place: int) -> None:
         try:
-            while not self._stopping:
-                try:
-                    number, tries = self._open.get(timeout=0.05)
-                except queue.Empty:
-                    continue
-                self._do(place, number, tries)
+            while not self.stopping:
+                entry = self._open.get()
+                if entry is None:
+                    return
+                self._do(place, *entry)
         except BaseException as error:  # told to whoever waits for outcomes
             self._done.put(error)
 
@@ -141,13 +185,16 @@ class _Pool:
         worker = self._workers[place]
         if worker is None:
             worker = self._workers[place] = _Worker(self._threads_each)
+        if self.stopping:
+            return  # it was started too late to be told; closing the pool ends it
         try:
             self._done.put(worker.work(number, self._tasks[number]))
         except (EOFError, BrokenPipeError):
-            if self._stopping:
+            if self.stopping:
                 return
-            worker.stop(kindly=False)
             self._workers[place] = None
+            worker.end(kindly=False)
+            worker.wait()
             if tries + 1 < MOST_TRIES:
                 self._open.put((number, tries + 1))
             else:
@@ -155,27 +202,18 @@ class _Pool:
                 self._done.put(Outcome(number, reason=reason))
 
     def outcomes(self) -> Iterator[Outcome]:
+        for _ in self._tasks:
+            found = self._done.get()
+            if isinstance(found, BaseException):
+                raise found
+            yield found
+
+    def end(self) -> None:
+        """Ends the feeders; workers that are in the middle of a task must have been told to end."""
+        for _ in self._feeders:
+            self._open.put(None)
         for feeder in self._feeders:
-            feeder.start()
-        finished = False
-        try:
-            for _ in self._tasks:
-                found = self._done.get()
-                if isinstance(found, BaseException):
-                    raise found
-                yield found
-            finished = True
-        finally:
-            self._stopping = True
-            for worker in self._workers:
-                if worker is not None:
-                    worker.stop(kindly=finished)
-            for feeder in self._feeders:
-                feeder.join()
-
-
-def run_in_pool(tasks: Sequence[Task], jobs: int) -> Iterator[Outcome]:
-    return _Pool(tasks, min(jobs, len(tasks))).outcomes()
+            feeder.join()
 
 
 def run_on_cluster(tasks: Sequence[Task], client: Any) -> Iterator[Outcome]:
@@ -206,25 +244,33 @@ class Workers:
 
     def __init__(self, jobs: Optional[int], client: Any) -> None:
         self._client = client
+        self._pool: Optional[Pool] = None
+        self._close_client = isinstance(client, str)
         if client is not None:
-            self._close_client = isinstance(client, str)
             if self._close_client:
                 self._client = connect(client)
             self.count = max(sum(self._client.nthreads().values()), 1)
         else:
-            self._close_client = False
             self.count = jobs if jobs is not None else os.cpu_count() or 1
 
-    def run(self, tasks: Sequence[Task]) -> Iterator[Outcome]:
+    def run(self, tasks: Sequence[Task], at_once: int) -> Iterator[Outcome]:
+        """The outcomes as they come.
+
+        :param at_once: how many tasks share the processors, in this run or a later one
+        """
         if not tasks:
             return iter(())
         if self._client is not None:
             return run_on_cluster(tasks, self._client)
         if self.count == 1:
             return run_here(tasks)
-        return run_in_pool(tasks, self.count)
+        if self._pool is None:
+            self._pool = Pool(self.count)
+        return self._pool.run(tasks, at_once)
 
-    def close(self) -> None:
+    def close(self, kindly: bool) -> None:
+        if self._pool is not None:
+            self._pool.close(kindly)
         if self._close_client:
             self._client.close()
 
