@@ -44,6 +44,12 @@ if(ZELTO_SANITIZE)
     endforeach()
 endif()
 
+if(ZELTO_COVERAGE)
+    # The library alone, as its source says it; what tests it stays as fast as it is.
+    target_compile_options(zelto_options INTERFACE -O0 --coverage -fprofile-update=atomic)
+    target_link_options(zelto_common_options INTERFACE --coverage)
+endif()
+
 # GDAL looks for its own support files in the folder `data` beside the running program.
 execute_process(COMMAND gdal-config --datadir
     OUTPUT_VARIABLE ZELTO_GDAL_DATADIR OUTPUT_STRIP_TRAILING_WHITESPACE)

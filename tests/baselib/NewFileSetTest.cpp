@@ -3,17 +3,21 @@
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/datasource/GISDataSource.h"
 
+#include "tests/support/CopiedProcess.h"
 #include "tests/support/DisturbedProcess.h"
+#include "tests/support/NamedPipe.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -205,7 +209,7 @@ struct DisturbedReplacement {
         for (DisturbedRun run{DisturbedRun::Ending::Disturbed};
              run.ending == DisturbedRun::Ending::Disturbed;) {
             prepare();
-            run = Disturb(++number, how, [this] { _exit(replace() ? 0 : 1); });
+            run = Disturb(++number, how, [this] { zelto::test::EndCopy(replace() ? 0 : 1); });
             if (run.ending == DisturbedRun::Ending::CannotWatch)
                 GTEST_SKIP() << "this user may not watch processes";
             SCOPED_TRACE("refused change " + std::to_string(number));
@@ -298,7 +302,69 @@ TEST_F(NewFileSet, ABackupWithoutAListOrWithForeignNamesHarmsNothing) {
     CNewFileSet::AbandonAll();
     const bool isGone = !fs::exists(made.parent_path());
     const bool ended = !set.Commit() && !CNewFileSet(path).IsOpen();
-    _exit(isGone && ended ? 0 : 1);
+    zelto::test::EndCopy(isGone && ended ? 0 : 1);
+}
+
+TEST_F(NewFileSet, ABackupWithAnEmptyListStays) {
+    fs::create_directory(m_folder.Path() / ".zelto-old-a.shp");
+    Write({{".zelto-old-a.shp/.zelto-set", "\n.\n..\n"}, {".zelto-old-a.shp/a.dbf", "old"}});
+    CNewFileSet::Restore(m_folder.WideFile("a.shp"));
+    EXPECT_EQ(zelto::test::ReadFile(m_folder.File(".zelto-old-a.shp/a.dbf")), "old");
+}
+
+TEST_F(NewFileSet, ABackupThatAnotherProcessPutsBackIsLeftToIt) {
+    fs::create_directory(m_folder.Path() / ".zelto-old-a.shp");
+    Write({{".zelto-old-a.shp/.zelto-set", "a.shp\n"}, {".zelto-old-a.shp/a.shp", "old"}});
+    const int other = open(m_folder.File(".zelto-old-a.shp").c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
+    CNewFileSet::Restore(m_folder.WideFile("a.shp"));
+    EXPECT_EQ(Visible(), Contents());
+    close(other);
+    CNewFileSet::Restore(m_folder.WideFile("a.shp"));
+    EXPECT_EQ(Visible(), (Contents{{"a.shp", "old"}}));
+}
+
+TEST_F(NewFileSet, ALongNameHasItsBackupToo) {
+    const std::string name = std::string(240, 'n') + ".shp";
+    const auto replace = [&](const std::string& text) {
+        CNewFileSet set(m_folder.WideFile(name));
+        return set.IsOpen() && Fill(set, {{name, text}, {"n.dbf", text}}) && set.Commit();
+    };
+    EXPECT_TRUE(replace("old"));
+    EXPECT_TRUE(replace("new"));
+    EXPECT_EQ(m_folder.Names(), (Names{"n.dbf", name}));
+    EXPECT_EQ(Visible(), (Contents{{"n.dbf", "new"}, {name, "new"}}));
+}
+
+TEST_F(NewFileSet, ASingleFileThatReplacesASetLeavesNoneOfIt) {
+    Write(OLD);
+    EXPECT_TRUE(Replace({{"a.shp", "new"}}, OLD_FILES));
+    EXPECT_EQ(Visible(), (Contents{{"a.shp", "new"}}));
+    EXPECT_TRUE(Replace({{"a.shp", "newer"}}, OLD_FILES)); // there are none by now
+    EXPECT_EQ(Visible(), (Contents{{"a.shp", "newer"}}));
+}
+
+TEST_F(NewFileSet, AFileWithAnotherNameKeepsItsPermissions) {
+    Write({{"a.shp", "old"}, {"mine.shp", "mine"}});
+    chmod(m_folder.File("a.shp").c_str(), 0600);
+    chmod(m_folder.File("mine.shp").c_str(), 0640);
+    CNewFileSet set(m_folder.WideFile("a.shp"));
+    fs::create_hard_link(m_folder.File("mine.shp"), CommonFun::U2M(set.GetTemporaryPath()));
+    EXPECT_TRUE(set.Commit());
+    struct stat status {};
+    stat(m_folder.File("a.shp").c_str(), &status);
+    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+    EXPECT_EQ(Visible(), (Contents{{"a.shp", "mine"}, {"mine.shp", "mine"}}));
+}
+
+TEST_F(NewFileSet, WhatIsNoFileIsNotReplacedNorAnythingWithoutAName) {
+    zelto::test::MakePipe(m_folder.File("pipe"));
+    CNewFileSet pipe(m_folder.WideFile("pipe"));
+    EXPECT_FALSE(pipe.IsOpen());
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), m_folder.File("pipe") + ": Invalid argument");
+    EXPECT_FALSE(pipe.Commit());
+    CNewFileSet::Restore(m_folder.WideFile(""));
+    EXPECT_EQ(m_folder.Names(), Names{"pipe"});
 }
 
 TEST_F(NewFileSet, AbandonedSetsLeaveNothingAndTakeNoPlaceAnyMore) {

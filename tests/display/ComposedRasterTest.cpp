@@ -1,5 +1,6 @@
 #include "zelto/Zelto.h"
 
+#include "tests/support/CopiedProcess.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -54,7 +55,7 @@ class ComposedRaster : public testing::Test {
                            first.GetFileName() == L"RGBComposedFile" &&
                            second.GetFileName() == L"RGBComposedFile2";
         std::filesystem::remove_all(m_folder.Path());
-        _exit(right ? 0 : 1);
+        zelto::test::EndCopy(right ? 0 : 1);
     }
 
     TemporaryFolder m_folder;

@@ -1,6 +1,7 @@
 #include "tests/faults/ProgramRun.h"
 
 #include "cli/Program.h"
+#include "tests/support/CopiedProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -50,7 +51,7 @@ ProgramRun::~ProgramRun() {
     close(m_errors);
 }
 
-void ProgramRun::Become() const {
+int ProgramRun::RunHere() const {
     // Opened before, so that only what the program does counts as its own.
     dup2(m_nothing, STDIN_FILENO);
     dup2(m_nothing, STDOUT_FILENO);
@@ -61,7 +62,13 @@ void ProgramRun::Become() const {
     for (std::string& word : words)
         arguments.push_back(word.data());
     zelto_obey_fault(m_fault);
-    _exit(cli::RunProgram(static_cast<int>(arguments.size()), arguments.data()));
+    const int exitStatus = cli::RunProgram(static_cast<int>(arguments.size()), arguments.data());
+    zelto_obey_fault(nullptr);
+    return exitStatus;
+}
+
+void ProgramRun::Become() const {
+    _exit(RunHere());
 }
 
 ProgramEnd ProgramRun::Run(Fault& fault) {
@@ -69,7 +76,7 @@ ProgramEnd ProgramRun::Run(Fault& fault) {
     ForgetErrors();
     const pid_t child = fork();
     if (child == 0)
-        Become();
+        EndCopy(RunHere());
     const ProgramEnd end = Wait(child);
     fault = *m_fault;
     *m_fault = Fault();

@@ -43,6 +43,8 @@ class ProgramRun {
     void ForgetErrors() const;
 
   private:
+    /// In a copy of this process: the exit status of the program.
+    int RunHere() const;
     ProgramEnd Wait(int child) const;
 
     std::vector<std::string> m_words;

@@ -1,5 +1,7 @@
 #include "tests/support/DisturbedProcess.h"
 
+#include "tests/support/CopiedProcess.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -43,8 +45,9 @@ bool ChangesFiles(const user_regs_struct& registers) {
     if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0)
         _exit(1);
     raise(SIGSTOP);
+    StopBeforeEnd();
     work();
-    _exit(0);
+    EndCopy(0);
 }
 
 /// Follows the threads of a child from one stop to the next.
@@ -70,6 +73,10 @@ class Watcher {
                 break;
             }
             const int signal = WSTOPSIG(status);
+            if (thread == m_child && signal == SIGSTOP) { // its work is done
+                ptrace(PTRACE_DETACH, thread, nullptr, 0);
+                continue;
+            }
             if (signal == SYSTEM_CALL_STOP)
                 OnSystemCall(thread, run);
             // Stops of tracing itself are not passed on; signals are.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/CopiedProcess.h"
+
 #include <omp.h>
 
 #include <fstream>
@@ -38,7 +40,7 @@ inline Ending RunWithMemory(std::size_t bytes, const std::function<bool()>& body
         const rlimit limits = {limit, limit};
         setrlimit(RLIMIT_AS, &limits);
         const auto run = [&]() noexcept { return body() ? 0 : 1; };
-        _exit(run());
+        EndCopy(run());
     }
     int status = 0;
     waitpid(child, &status, 0);
