@@ -89,6 +89,7 @@ TEST(LogFormat, StringsAreWide) {
 TEST(LogFormat, NumbersAreThoseOfPrintf) {
     EXPECT_EQ(Logged(L"%d %lld %x %5.2f %c%%", -3, 1234567890123LL, 255, 2.5, 'z'),
               L"-3 1234567890123 ff  2.50 z%");
+    EXPECT_EQ(Logged(L"%hd", 7), L"7");
 }
 
 TEST(LogFormat, LongTextsAreWhole) {
@@ -100,6 +101,7 @@ TEST(LogFormat, OddFormatsDoNoHarm) {
     EXPECT_EQ(Logged(L""), L"");
     EXPECT_EQ(Logged(static_cast<const wchar_t*>(nullptr)), L"(nothing)");
     EXPECT_EQ(Logged(L"no end %%"), L"no end %");
+    EXPECT_EQ(Logged(L"cut %-5"), L"cut %-5");
 }
 
 TEST(Log, NullNamesAreEmpty) {

@@ -65,3 +65,27 @@ TEST(MatrixOperation, NullAndCountsBelowOneFail) {
     EXPECT_FALSE(CMatrixOperation::Inverse(one.data(), result.data(), -1));
     EXPECT_FALSE(CMatrixOperation::Solve(one.data(), nullptr, result.data(), 1));
 }
+
+TEST(MatrixOperation, EachNullArgumentAndCountBelowOneFails) {
+    const Values one = {1};
+    Values result = {7};
+    EXPECT_FALSE(CMatrixOperation::Transpose(one.data(), nullptr, 1, 1));
+    EXPECT_FALSE(CMatrixOperation::Transpose(one.data(), result.data(), 1, 0));
+    EXPECT_FALSE(CMatrixOperation::Multiply(nullptr, one.data(), result.data(), 1, 1, 1));
+    EXPECT_FALSE(CMatrixOperation::Multiply(one.data(), one.data(), nullptr, 1, 1, 1));
+    EXPECT_FALSE(CMatrixOperation::Multiply(one.data(), one.data(), result.data(), 0, 1, 1));
+    EXPECT_FALSE(CMatrixOperation::Multiply(one.data(), one.data(), result.data(), 1, 1, -1));
+    EXPECT_FALSE(CMatrixOperation::Inverse(nullptr, result.data(), 1));
+    EXPECT_FALSE(CMatrixOperation::Solve(nullptr, one.data(), result.data(), 1));
+    EXPECT_FALSE(CMatrixOperation::Solve(one.data(), one.data(), nullptr, 1));
+    EXPECT_FALSE(CMatrixOperation::Solve(one.data(), one.data(), result.data(), 0));
+    EXPECT_EQ(result, Values{7});
+}
+
+TEST(MatrixOperation, ASolutionBeyondTheLargestNumberFails) {
+    const Values matrix = {1e-10};
+    const Values right = {1e300};
+    Values result = {7};
+    EXPECT_FALSE(CMatrixOperation::Solve(matrix.data(), right.data(), result.data(), 1));
+    EXPECT_EQ(result, Values{7});
+}

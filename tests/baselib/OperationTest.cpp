@@ -30,6 +30,11 @@ TEST(Operation, TheOutermostOneForgetsTheReasonBefore) {
     EXPECT_EQ("", LastError());
 }
 
+TEST(Operation, AReasonIsOneLine) {
+    SetLastError("first\r\nsecond");
+    EXPECT_EQ("first  second", LastError());
+}
+
 TEST(Operation, AnswersWhatItsBodyAnswers) {
     EXPECT_EQ(7, Operation(0, [] { return 7; }));
     EXPECT_EQ("", LastError());

@@ -98,3 +98,23 @@ TEST(CoordinateName, TheReferenceTakesEastBeforeNorth) {
     const PlainDataSource source("EPSG:4326");
     EXPECT_EQ(source.Reference()->GetAxisMappingStrategy(), OAMS_TRADITIONAL_GIS_ORDER);
 }
+
+TEST(CoordinateName, WithoutAPlaceForTheReferenceEverythingIsEmptyToo) {
+    PlainDataSource source("EPSG:4326");
+    source.GiveUpReference();
+    source.InitCoordinateName();
+    EXPECT_EQ(source.GetCoordinateName(), L"");
+    EXPECT_EQ(source.GetCoordinateNameNew(), L"");
+    EXPECT_EQ(source.GetDatumName(), L"");
+    EXPECT_EQ(source.GetUnitName(true), L"");
+    EXPECT_FALSE(source.IsGeographic());
+    EXPECT_FALSE(source.IsProjected());
+    CGISDataSource::RegisterGDAL(); // a copy counts as a source at its end only
+    EXPECT_EQ(PlainDataSource(source).Reference(), nullptr);
+}
+
+TEST(CoordinateName, AUnitWithoutANameIsEmpty) {
+    const PlainDataSource source("LOCAL_CS[\"site\"]");
+    EXPECT_EQ(source.GetUnitName(true), L"");
+    EXPECT_EQ(source.GetDatumName(), L"");
+}

@@ -135,3 +135,30 @@ TEST(GdalLog, AFolderOfTheHostsIsMadeWhenTheFirstErrorComes) {
     }
     CGISDataSource::SetLogFolder(nullptr);
 }
+
+TEST(GdalLog, DebugMessagesAreNamedAsSuch) {
+    const TemporaryFolder folder;
+    const PlainDataSource source;
+    CPLSetConfigOption("CPL_LOG", folder.File("gdal.log").c_str());
+    CPLSetConfigOption("CPL_DEBUG", "ON");
+    CPLDebug("TEST", "opening");
+    CPLSetConfigOption("CPL_DEBUG", nullptr);
+    const std::vector<std::string> lines = Lines(ReadFile(folder.File("gdal.log")));
+    ASSERT_EQ(lines.size(), 1U);
+    // GDAL puts the time of its own before such a message.
+    ASSERT_GT(lines[0].size(), 27U);
+    EXPECT_EQ(lines[0].substr(20, 7), "Debug: ");
+    EXPECT_EQ(lines[0].substr(lines[0].rfind(' ', lines[0].size() - 9)), " TEST: opening");
+}
+
+TEST(GdalLog, AFolderOfTheHostsThatCannotBeMadeIsNoReasonToFail) {
+    const TemporaryFolder folder;
+    zelto::test::WriteFile(folder.File("state"), "a file");
+    CGISDataSource::SetLogFolder(folder.File("state/program").c_str());
+    {
+        const PlainDataSource source;
+        CPLError(CE_Failure, CPLE_AppDefined, "lost");
+    }
+    CGISDataSource::SetLogFolder(nullptr);
+    EXPECT_EQ(ReadFile(folder.File("state")), "a file");
+}

@@ -2,6 +2,8 @@
 
 #include "zelto/datasource/GISDataSource.h"
 
+#include <ogr_spatialref.h>
+
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -27,6 +29,11 @@ class PlainDataSource : public CGISDataSource {
     }
     void SetExtent(const CBoundingBox& extent) { m_extent = extent; }
     OGRSpatialReference* Reference() const { return m_spatialReference; }
+    /// As a host's own kind of source may.
+    void GiveUpReference() {
+        m_spatialReference->Release();
+        m_spatialReference = nullptr;
+    }
 
     bool m_opened = false;
 };

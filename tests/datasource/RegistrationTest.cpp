@@ -1,4 +1,5 @@
 #include "tests/datasource/PlainDataSource.h"
+#include "tests/support/CopiedProcess.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -135,4 +136,17 @@ TEST(Environment, SetsTheFixedOptions) {
 TEST(Environment, GdalFindsItsSupportFiles) {
     const PlainDataSource source;
     EXPECT_NE(CPLFindFile("gdal", "gdalicon.png"), nullptr);
+}
+
+/// Ends the process with 0 when the options of the installation folder stay the host's.
+[[noreturn]] void RegisterWithoutAnInstallationFolder() {
+    CPLSetConfigOption("GDAL_DATA", "/of/the/host");
+    CGISDataSource::UseNoInstallationFolder();
+    CGISDataSource::RegisterGDAL();
+    const bool stays = Option("GDAL_DATA") == "/of/the/host" && Option("GDAL_CACHEMAX") == "256";
+    zelto::test::EndCopy(stays ? 0 : 1);
+}
+
+TEST(Environment, WithoutAnInstallationFolderTheHostsOptionsStay) {
+    EXPECT_EXIT(RegisterWithoutAnInstallationFolder(), testing::ExitedWithCode(0), "");
 }

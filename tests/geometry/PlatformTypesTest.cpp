@@ -88,3 +88,22 @@ TEST(PixelRectangle, NullArgumentsAnswerFalse) {
     EXPECT_FALSE(IntersectRect(&result, nullptr, &a));
     EXPECT_FALSE(UnionRect(&result, &a, nullptr));
 }
+
+TEST(PixelRectangle, EachNullArgumentAnswersFalse) {
+    const CRect a = {0, 0, 2, 2};
+    CRect result = {7, 7, 7, 7};
+    EXPECT_FALSE(SetRect(nullptr, 1, 2, 3, 4));
+    EXPECT_FALSE(IntersectRect(&result, &a, nullptr));
+    EXPECT_FALSE(UnionRect(nullptr, &a, &a));
+    EXPECT_FALSE(UnionRect(&result, nullptr, &a));
+    ExpectRect(result, 7, 7, 7, 7);
+}
+
+TEST(PixelRectangle, ARectangleWithoutRowsIntersectsNothing) {
+    const CRect a = {0, 0, 9, 9};
+    const CRect line = {2, 5, 8, 5};
+    CRect result = {7, 7, 7, 7};
+    EXPECT_FALSE(IntersectRect(&result, &line, &a));
+    ExpectRect(result, 0, 0, 0, 0);
+    EXPECT_FALSE(IntersectRect(&result, &a, &line));
+}

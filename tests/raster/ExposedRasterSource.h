@@ -24,6 +24,11 @@ class ExposedRasterSource : public CRasterSource {
         m_width = width;
         m_height = height;
     }
+    /// As a host's own kind of source may.
+    void GiveUpReference() {
+        m_spatialReference->Release();
+        m_spatialReference = nullptr;
+    }
     CBoundingBox Extent() const { return GetExtentInit(); }
     void SetUpDisplayBands(int bandCount) {
         m_bandCount = bandCount;

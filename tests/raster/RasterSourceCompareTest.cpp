@@ -1,5 +1,7 @@
 #include "zelto/raster/RasterSource.h"
 
+#include "tests/raster/ExposedRasterSource.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -143,4 +145,28 @@ TEST(CompareReferences, TwoSourcesCompareTheirHandles) {
     EXPECT_FALSE(a.IsSameSpatialReference(&b));
     b.SetProjection("");
     EXPECT_FALSE(a.IsSameSpatialReference(&b));
+}
+
+TEST(CompareReferences, SourcesWithoutAPlaceForAReferenceHaveTheSameTextOnly) {
+    zelto::test::ExposedRasterSource none;
+    none.GiveUpReference();
+    EXPECT_EQ(none.SetProjection("EPSG:4547"), GIS_SUCCESS);
+    CRasterSource some;
+    some.SetProjection("EPSG:4547");
+    EXPECT_FALSE(none.IsSameSpatialReference(&some));
+    EXPECT_FALSE(some.IsSameSpatialReference(&none));
+    EXPECT_TRUE(CRasterSource::IsSameSpatialReference(&none, &some, true));
+    some.SetProjection("EPSG:4548");
+    EXPECT_FALSE(CRasterSource::IsSameSpatialReference(&none, &some, true));
+    EXPECT_FALSE(CRasterSource::IsSameSpatialReference(&some, &none, true));
+}
+
+TEST(CompareReferences, ParametersThatOneOfThemLacksCountAsZero) {
+    // False easting 0 is the same as none, 500000 is not.
+    const std::string without = "PROJCS[\"My grid\"," + Geographic().Wkt() +
+                                ",PROJECTION[\"Transverse_Mercator\"],"
+                                "PARAMETER[\"latitude_of_origin\",0],"
+                                "PARAMETER[\"central_meridian\",117],"
+                                "PARAMETER[\"scale_factor\",1],UNIT[\"length\",1]]";
+    EXPECT_FALSE(Same(Projected("Transverse_Mercator", "117"), without));
 }
