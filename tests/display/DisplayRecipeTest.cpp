@@ -208,6 +208,99 @@ TEST(DisplayRecipe, NamesTheMemberThatIsWrong) {
     EXPECT_NE(Refusal(""), "");
 }
 
+TEST(DisplayRecipe, NamesTheListThatIsWrong) {
+    const auto with = [](const std::string& from, const std::string& to) {
+        return Refusal(Replaced(PLAIN, from, to));
+    };
+    EXPECT_EQ(with("\"bands\": [", "\"bands\": 5, \"others\": ["),
+              "bands: it is no list of at most 3 elements");
+    const std::string none = "{\"band\": 1, \"stretch\": \"none\"}";
+    EXPECT_EQ(with("\"bands\": [", "\"bands\": [" + none + ","),
+              "bands: one band is shown, or three are");
+    EXPECT_EQ(with("\"bands\": [", "\"bands\": [" + none + "," + none + "," + none + ","),
+              "bands: it is no list of at most 3 elements");
+    EXPECT_EQ(with("\"bands\": [", "\"ramp\": [], \"bands\": [" + none + "," + none + ","),
+              "ramp: it is for a single band");
+    EXPECT_EQ(with("\"linear\"", "\"table\", \"table\": [1, 2]"),
+              "bands[0].table: it has not 256 elements");
+    EXPECT_EQ(with("\"colors\"", "\"ramp\": [\"#000000\"], \"colors\""),
+              "ramp: it has not 256 elements");
+    for (const std::string color : {"\"red\"", "\"#12345g\"", "\"1234567\"", "5"}) {
+        std::string ramp = color;
+        for (int i = 1; i < 256; ++i)
+            ramp += ", \"#0000ff\"";
+        EXPECT_EQ(with("\"colors\"", "\"ramp\": [" + ramp + "], \"colors\""),
+                  "ramp[0]: it is no colour as #rrggbb");
+    }
+    EXPECT_EQ(with("\"colors\"", "\"classes\": [{\"low\": 0, \"high\": 1, \"name\": \"sea\", "
+                                 "\"color\": [1, 2, 3]}], \"colors\""),
+              "classes[0].color: it has not four elements");
+    std::string ramp = "\"#0000ff\"";
+    for (int i = 1; i < 256; ++i)
+        ramp += ", \"#0000ff\"";
+    EXPECT_EQ(with("\"colors\"", "\"classes\": [], \"ramp\": [" + ramp + "], \"colors\""),
+              "classes: they and a ramp contradict each other");
+}
+
+TEST(DisplayRecipe, NamesWhatIsWrongWithViewAndMask) {
+    const auto withView = [](const std::string& sides) {
+        return Refusal(
+            Replaced(PLAIN, "\"colors\"",
+                     "\"view\": {" + sides + ", \"width\": 4, \"height\": 3}, \"colors\""));
+    };
+    EXPECT_EQ(withView(R"("left": 1, "top": 4, "right": 5, "bottom": 2)"), "");
+    for (const char* sides : {R"("left": 5, "top": 4, "right": 5, "bottom": 2)",
+                              R"("left": 1, "top": 2, "right": 5, "bottom": 2)",
+                              R"("left": "-Infinity", "top": 4, "right": 5, "bottom": 2)",
+                              R"("left": 1, "top": "Infinity", "right": 5, "bottom": 2)",
+                              R"("left": 1, "top": 4, "right": "Infinity", "bottom": 2)",
+                              R"("left": 1, "top": 4, "right": 5, "bottom": "-Infinity")"})
+        EXPECT_EQ(withView(sides), "view.left: the box has no area") << sides;
+    EXPECT_EQ(Refusal(Replaced(PLAIN, "\"colors\"",
+                               "\"mask\": {\"area\": \"a.aif\", \"outside\": \"grey\"}, "
+                               "\"colors\"")),
+              "mask.outside: it is neither transparent nor black");
+    EXPECT_EQ(Refusal(Replaced(PLAIN, "\"colors\"",
+                               "\"mask\": {\"area\": 7, \"outside\": \"black\"}, \"colors\"")),
+              "mask.area: it is no text");
+}
+
+TEST(DisplayRecipe, NumbersWithoutAFormInJsonAreTexts) {
+    std::string json = Replaced(PLAIN, "\"minimum\": 10", "\"minimum\": \"-Infinity\"");
+    json = Replaced(json, "\"maximum\": 20", "\"maximum\": \"Infinity\"");
+    json = Replaced(json, "\"mean\": 15", "\"mean\": \"NaN\"");
+    CDisplayRecipe recipe;
+    ASSERT_TRUE(recipe.SetJson(json)) << CGISDataSource::GetLastErrorText();
+    const std::string written = recipe.GetJson();
+    EXPECT_NE(written.find("\"minimum\": \"-Infinity\""), std::string::npos) << written;
+    EXPECT_NE(written.find("\"maximum\": \"Infinity\""), std::string::npos) << written;
+    EXPECT_NE(written.find("\"mean\": \"NaN\""), std::string::npos) << written;
+    for (const char* number : {"4294967296", "18446744073709551615", "1e30", "-1"})
+        EXPECT_EQ(Refusal(Replaced(PLAIN, "\"band\": 1", std::string("\"band\": ") + number)),
+                  "bands[0].band: it is no whole number from 1 to 2147483647")
+            << number;
+}
+
+TEST(DisplayRecipe, AFileThatIsTooLargeForARecipeIsNotRead) {
+    const TemporaryFolder folder;
+    WriteFile(folder.Path() / "large.json", PLAIN);
+    std::filesystem::resize_file(folder.Path() / "large.json", (std::uintmax_t{32} << 20) + 1);
+    CDisplayRecipe recipe;
+    EXPECT_FALSE(recipe.Read(folder.WideFile("large.json").c_str()));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              folder.File("large.json") + ": it is too large for a recipe");
+}
+
+TEST(DisplayRecipe, OfASourceThatIsNotOpenThereIsNone) {
+    CRasterSource closed;
+    CDisplayRecipe recipe;
+    EXPECT_FALSE(recipe.Take(closed));
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("it shows no band"), std::string::npos);
+    EXPECT_FALSE(recipe.Apply(closed));
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("the recipe shows no band"),
+              std::string::npos);
+}
+
 TEST(DisplayRecipe, AFileThatCannotBeReadOrWrittenIsNamed) {
     const TemporaryFolder folder;
     CDisplayRecipe recipe;
@@ -220,6 +313,7 @@ TEST(DisplayRecipe, AFileThatCannotBeReadOrWrittenIsNamed) {
     EXPECT_FALSE(recipe.Write(folder.WideFile("nowhere/look.json").c_str()));
     EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
     EXPECT_FALSE(recipe.Read(nullptr));
+    EXPECT_FALSE(recipe.Write(nullptr));
 }
 
 TEST(DisplayRecipe, ASourceWithoutTheBandsStaysAsItWas) {
