@@ -388,3 +388,45 @@ TEST(StretchPreparation, RefusesClosedSourcesAndBandsThatAreNotThere) {
     source.Close();
     EXPECT_EQ(stretch.Apply(nullptr), GIS_FAILED);
 }
+
+TEST(StretchPreparation, RefusesValuesThatMeanNothing) {
+    ShownRaster source = Ramp();
+    CStretchPreparation stretch(&source);
+    const double nan = std::nan("");
+    const auto reason = [] { return CGISDataSource::GetLastErrorText(); };
+    EXPECT_FALSE(stretch.SetClip(-1, 98));
+    EXPECT_FALSE(stretch.SetClip(98, 2));
+    EXPECT_FALSE(stretch.SetClip(2, 101));
+    EXPECT_FALSE(stretch.SetClip(2, nan));
+    EXPECT_EQ(reason(), "percentages are 0 to 100, the low one first");
+    EXPECT_FALSE(stretch.SetRanges({{1, 2}, {3, 3}}));
+    EXPECT_FALSE(stretch.SetRanges({{1, HUGE_VAL}}));
+    EXPECT_FALSE(stretch.SetRanges({{-HUGE_VAL, 1}}));
+    EXPECT_EQ(reason(), "the low end of a range is less than its high one");
+    EXPECT_FALSE(stretch.SetGamma({1, 0}));
+    EXPECT_FALSE(stretch.SetGamma({HUGE_VAL}));
+    EXPECT_EQ(reason(), "gamma is a number above 0");
+    EXPECT_FALSE(stretch.SetBounds(nan, {}));
+    EXPECT_FALSE(stretch.SetBounds({}, HUGE_VAL));
+    EXPECT_FALSE(stretch.SetBounds(5, 5));
+    EXPECT_EQ(reason(), "the low bound is less than the high one");
+    EXPECT_TRUE(stretch.SetBounds({}, {}));
+    EXPECT_FALSE(stretch.SetThreshold(-0.1));
+    EXPECT_FALSE(stretch.SetThreshold(0.5));
+    EXPECT_EQ(reason(), "the threshold is a fraction below a half");
+    EXPECT_FALSE(stretch.SetWallisModel(-1));
+    EXPECT_FALSE(stretch.SetWallisModel(3));
+    EXPECT_EQ(reason(), "the Wallis model is 0, 1 or 2");
+    // Nothing of this was taken.
+    ASSERT_TRUE(stretch.SetStretch("none"));
+    EXPECT_EQ(stretch.Apply(nullptr), GIS_SUCCESS) << reason();
+}
+
+TEST(StretchPreparation, BoundsOfAHistogramThatDoNotIncreaseAreRefused) {
+    ShownRaster source = Ramp();
+    CStretchPreparation stretch(&source);
+    ASSERT_TRUE(stretch.SetStretch("equalize"));
+    ASSERT_TRUE(stretch.SetBounds(200, {})); // above the largest value
+    EXPECT_NE(stretch.Apply(nullptr), GIS_SUCCESS);
+    EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
+}
