@@ -99,8 +99,20 @@ def indentation(text):
     return len(text) - len(text.lstrip())
 
 
+def header(source, number):
+    """The lines of the condition that a line stands below, from the last to the first."""
+    depth = indentation(source[number - 1])
+    for above in range(number - 1, 0, -1):
+        text = source[above - 1]
+        if text.strip() and indentation(text) < depth:
+            is_condition = re.match(r"\s*(\} else )?(if|for|while) ?\(", text)
+            return range(above, number) if is_condition else range(0)
+    return range(0)
+
+
 class Reason:
-    """Why some lines are not reached: those that contain a text, with what is indented below."""
+    """Why some lines are not reached: those that contain a text, with what is indented below and
+    the condition that they stand below."""
 
     def __init__(self, entry):
         self.files, self.text, self.why = (part.strip() for part in entry.split("|", 2))
@@ -115,6 +127,7 @@ class Reason:
                 depth = None
             if depth is None and self.text in text:
                 depth = indentation(text)
+                yield from header(source, number)
             if depth is not None:
                 yield number
 
