@@ -2,7 +2,8 @@
 //
 //   zelto_python_call_times SCENE
 //
-// prints a name and the least milliseconds of each.
+// reads names of calls from its standard input, a line each, and answers each with the
+// milliseconds that one such call took.
 
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/DrawPolygon.h"
@@ -11,13 +12,14 @@
 
 #include <gdal_priv.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
-#include <limits>
+#include <functional>
+#include <iostream>
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -26,16 +28,11 @@ constexpr int SIDE = 1024;
 constexpr std::size_t POINTS = 10'000'000;
 
 template <typename Work>
-void Report(const char* name, int repeats, Work work) {
-    double least = std::numeric_limits<double>::infinity();
-    for (int i = 0; i < repeats; ++i) {
-        const auto begin = std::chrono::steady_clock::now();
-        work();
-        const std::chrono::duration<double, std::milli> spent =
-            std::chrono::steady_clock::now() - begin;
-        least = std::min(least, spent.count());
-    }
-    std::printf("%s %.3f\n", name, least);
+double Milliseconds(Work work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin)
+        .count();
 }
 
 /// The polygon of 100 vertices that the Python side tests as well.
@@ -67,18 +64,18 @@ int main(int argc, char** argv) {
         return std::unique_ptr<unsigned char[]>(
             new unsigned char[std::size_t{SIDE} * SIDE * channels]);
     };
-    Report("render", 30, [&] {
+    const auto render = [&] {
         const auto picture = newPixels(4);
         scene.GetShowData(&box, SIDE, SIDE, picture.get(), true);
         scene.ApplyShowDataHISC(SIDE, SIDE, picture.get());
-    });
+    };
     int bands[] = {1, 2, 3};
-    Report("read", 30, [&] {
+    const auto read = [&] {
         const auto values = newPixels(3);
         if (scene.GetGDALDataset()->RasterIO(GF_Read, 0, 0, SIDE, SIDE, values.get(), SIDE, SIDE,
                                              GDT_Byte, 3, bands, 0, 0, 0, nullptr) != CE_None)
             std::abort();
-    });
+    };
 
     CAOISource area;
     AddStar(area);
@@ -89,9 +86,18 @@ int main(int argc, char** argv) {
         y[i] = -1.0 + 2.0 * static_cast<double>(i * 104729 % POINTS) / POINTS;
     }
     std::vector<unsigned char> inside(POINTS);
-    Report("contains", 3, [&] {
+    const auto contains = [&] {
         for (std::size_t i = 0; i < POINTS; ++i)
             inside[i] = area.TopoRelationWithPoint(x[i], y[i]) == TOPO_CONTAIN;
-    });
+    };
+
+    const std::map<std::string, std::function<void()>> calls = {
+        {"render", render}, {"read", read}, {"contains", contains}};
+    for (std::string name; std::getline(std::cin, name);) {
+        const auto call = calls.find(name);
+        if (call == calls.end())
+            return 2;
+        std::cout << Milliseconds(call->second) << std::endl;
+    }
     return 0;
 }

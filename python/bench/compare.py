@@ -1,12 +1,18 @@
 """The package against the engine's own calls and against rasterio with NumPy, in one run.
 
-    python3 compare.py CALL_TIMES [FOLDER]
+    python3 compare.py CALL_TIMES [FOLDER [PATTERN]]
 
 CALL_TIMES is the program zelto_python_call_times; scenes are made in FOLDER, or in a temporary one.
+PATTERN chooses comparisons by their names. Both sides are timed in turn, pair by pair; a ratio is
+the median of the pairs' ratios, so that a machine whose speed drifts still gives one that holds.
+
+Bytecode counts: a package in a folder that cannot be written, or PYTHONDONTWRITEBYTECODE, has the
+interpreter compile the package's sources at each start.
 """
 
 import math
 import os
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -18,9 +24,9 @@ import rasterio.features
 from rasterio.transform import from_origin
 
 import zelto
-from zelto import many
 
 SIDE = 1024
+PATTERN = sys.argv[3] if len(sys.argv) > 3 else ""
 
 ZELTO_PICTURE = """
 import sys, zelto
@@ -30,20 +36,57 @@ RASTERIO_PICTURE = """
 import sys, numpy as np, rasterio
 with rasterio.open(sys.argv[1]) as scene:
     values = scene.read((1, 2, 3), out_shape=(3, 1024, 1024)).astype(np.float64)
-low = values.mean(axis=(1, 2), keepdims=True) - 2 * values.std(axis=(1, 2), keepdims=True)
-high = values.mean(axis=(1, 2), keepdims=True) + 2 * values.std(axis=(1, 2), keepdims=True)
+mean = values.mean(axis=(1, 2), keepdims=True)
+spread = 2 * values.std(axis=(1, 2), keepdims=True)
+low, high = mean - spread, mean + spread
 shown = np.clip((values - low) / (high - low) * 253 + 1, 1, 254).astype(np.uint8)
 picture = np.dstack([*shown, np.full(shown.shape[1:], 255, np.uint8)])
 """
 
 
-def least(repeats, work):
-    times = []
-    for _ in range(repeats):
+class CallTimes:
+    """The program that makes the engine's calls in C++, when it is asked to."""
+
+    def __init__(self, program, scene):
+        self._process = subprocess.Popen([program, scene], stdin=subprocess.PIPE,
+                                         stdout=subprocess.PIPE, text=True)
+
+    def of(self, name):
+        def ask():
+            self._process.stdin.write(name + "\n")
+            self._process.stdin.flush()
+            return float(self._process.stdout.readline())
+        return ask
+
+    def close(self):
+        self._process.stdin.close()
+        self._process.wait()
+
+
+def timed(work):
+    def measure():
         begin = time.perf_counter()
         work()
-        times.append(time.perf_counter() - begin)
-    return 1000 * min(times)
+        return 1000 * (time.perf_counter() - begin)
+    return measure
+
+
+def compare(name, found, baseline, limit, pairs):
+    """Prints medians of two measurements that are made in turn, and of their ratios."""
+    if PATTERN not in name:
+        return
+    times = []
+    for pair in range(pairs + 1):
+        if pair % 2 == 0:
+            times.append((found(), baseline()))
+        else:
+            times.append((baseline(), found())[::-1])
+    # The first pair warms up.
+    ours, theirs, ratio = (statistics.median(row) for row in zip(
+        *((a, b, a / b) for a, b in times[1:])))
+    met = "met" if ratio <= limit else "missed"
+    print(f"{name:42} {ours:10.2f} ms  {theirs:10.2f} ms  ratio {ratio:5.2f}  limit {limit:4.2f}  {met}",
+          flush=True)
 
 
 def make_scene(path, side, bands=3, **options):
@@ -95,58 +138,52 @@ def rasterio_zones(path, polygons):
     return found
 
 
-def report(name, found, baseline, limit, unit="ms"):
-    ratio = found / baseline
-    met = "met" if ratio <= limit else "missed"
-    print(f"{name:42} {found:10.2f} {unit}  {baseline:10.2f} {unit}  ratio {ratio:5.2f}"
-          f"  limit {limit:4.2f}  {met}")
+def many_scenes(scenes, jobs):
+    """A process of its own, with one thread for each worker: two workers are compared with one,
+    not with one that has both processors."""
+    script = f"import sys; from zelto import many; many.statistics(sys.argv[1:], jobs={jobs})"
+    alone = {**os.environ, "GDAL_NUM_THREADS": "1", "OMP_NUM_THREADS": "1"}
+    return timed(lambda: subprocess.run([sys.executable, "-c", script, *scenes], check=True,
+                                        env=alone))
 
 
 def main() -> None:
-    call_times = sys.argv[1]
     folder = sys.argv[2] if len(sys.argv) > 2 else tempfile.mkdtemp()
     os.makedirs(folder, exist_ok=True)
     path = make_scene(os.path.join(folder, "scene2048.tif"), 2048)
-    native = {}
-    for line in subprocess.run([call_times, path], capture_output=True, text=True,
-                               check=True).stdout.splitlines():
-        name, value = line.split()
-        native[name] = float(value)
-
+    native = CallTimes(sys.argv[1], path)
     scene = zelto.open(path)
-    scene.render(size=(SIDE, SIDE))
-    report("render 1024 x 1024, to the C++ call",
-           least(30, lambda: scene.render(size=(SIDE, SIDE))), native["render"], 1.05)
+    compare("render 1024 x 1024, to the C++ call", timed(lambda: scene.render(size=(SIDE, SIDE))),
+            native.of("render"), 1.05, 60)
     window = (0, 0, SIDE, SIDE)
-    report("read 1024 x 1024 x 3, to the C++ call",
-           least(30, lambda: scene.read((1, 2, 3), window=window)), native["read"], 1.05)
+    compare("read 1024 x 1024 x 3, to the C++ call",
+            timed(lambda: scene.read((1, 2, 3), window=window)), native.of("read"), 1.05, 300)
     area = zelto.AreaOfInterest(star())
     x, y = spread(7919, 10**7), spread(104729, 10**7)
-    report("contains of 10 million points, to C++", least(3, lambda: area.contains(x, y)),
-           native["contains"], 1.2)
+    compare("contains of 10 million points, to C++", timed(lambda: area.contains(x, y)),
+            native.of("contains"), 1.2, 3)
+    native.close()
 
     def fresh(script):
-        return lambda: subprocess.run([sys.executable, "-c", script, path], check=True)
+        return timed(lambda: subprocess.run([sys.executable, "-c", script, path], check=True))
 
-    report("fresh interpreter: open, render; rasterio", least(7, fresh(ZELTO_PICTURE)),
-           least(7, fresh(RASTERIO_PICTURE)), 0.5)
+    compare("fresh interpreter: open, render; rasterio", fresh(ZELTO_PICTURE),
+            fresh(RASTERIO_PICTURE), 0.5, 15)
 
     polygons = counties(2048)
     zones = zelto.AreaOfInterest([zelto.Polygon(ring) for ring in polygons])
     ours = [region.bands[0] for region in zelto.statistics(path, zones, each=True, bands=1)]
     theirs = rasterio_zones(path, polygons)
     assert all(a.count == b[0] and abs(a.mean - b[1]) < 1e-9 for a, b in zip(ours, theirs))
-    report("statistics of 100 polygons; rasterio",
-           least(5, lambda: zelto.statistics(path, zones, each=True, bands=1)),
-           least(5, lambda: rasterio_zones(path, polygons)), 0.5)
+    compare("statistics of 100 polygons; rasterio",
+            timed(lambda: zelto.statistics(path, zones, each=True, bands=1)),
+            timed(lambda: rasterio_zones(path, polygons)), 0.5, 5)
 
-    # One thread a worker: two workers are compared with one, not with one that has both processors.
-    os.environ["GDAL_NUM_THREADS"] = "1"
-    scenes = [make_scene(os.path.join(folder, f"four{n}.tif"), 6000, 4, compress="deflate")
-              for n in range(8)]
-    report("eight scenes of 6000 x 6000: 2 workers, 1",
-           least(1, lambda: many.statistics(scenes, jobs=2)),
-           least(1, lambda: many.statistics(scenes, jobs=1)), 1 / 1.7)
+    name = "eight scenes of 6000 x 6000: 2 workers, 1"
+    if PATTERN in name:
+        scenes = [make_scene(os.path.join(folder, f"four{n}.tif"), 6000, 4, compress="deflate")
+                  for n in range(8)]
+        compare(name, many_scenes(scenes, 2), many_scenes(scenes, 1), 1 / 1.7, 2)
 
 
 if __name__ == "__main__":
