@@ -1,7 +1,7 @@
 #include "python/src/Arrays.h"
 
 #include <array>
-#include <utility>
+#include <bit>
 
 namespace py = pybind11;
 
@@ -9,27 +9,38 @@ namespace zelto::python {
 
 namespace {
 
-constexpr std::array<std::pair<PixelDataType, const char*>, 7> TYPES = {{{PDT_Byte, "uint8"},
-                                                                         {PDT_UInt16, "uint16"},
-                                                                         {PDT_Int16, "int16"},
-                                                                         {PDT_UInt32, "uint32"},
-                                                                         {PDT_Int32, "int32"},
-                                                                         {PDT_Float32, "float32"},
-                                                                         {PDT_Float64, "float64"}}};
+struct SampleType {
+    PixelDataType type;
+    const char* name; ///< NumPy's
+    char kind;        ///< NumPy's character for whole numbers without and with a sign, and others
+    int size;
+};
+
+constexpr std::array<SampleType, 7> TYPES = {{{PDT_Byte, "uint8", 'u', 1},
+                                              {PDT_UInt16, "uint16", 'u', 2},
+                                              {PDT_Int16, "int16", 'i', 2},
+                                              {PDT_UInt32, "uint32", 'u', 4},
+                                              {PDT_Int32, "int32", 'i', 4},
+                                              {PDT_Float32, "float32", 'f', 4},
+                                              {PDT_Float64, "float64", 'f', 8}}};
+
+constexpr char FOREIGN_BYTE_ORDER = std::endian::native == std::endian::little ? '>' : '<';
 
 } // namespace
 
 py::object DtypeName(PixelDataType type) {
-    for (const auto& [known, name] : TYPES)
-        if (known == type)
-            return py::str(name);
+    for (const SampleType& known : TYPES)
+        if (known.type == type)
+            return py::str(known.name);
     return py::none();
 }
 
 PixelDataType PixelTypeOf(const py::array& array) {
-    for (const auto& [type, name] : TYPES)
-        if (array.dtype().equal(py::dtype(name)))
-            return type;
+    const py::dtype dtype = array.dtype();
+    if (dtype.byteorder() != FOREIGN_BYTE_ORDER)
+        for (const SampleType& known : TYPES)
+            if (dtype.kind() == known.kind && dtype.itemsize() == known.size)
+                return known.type;
     throw py::type_error("samples are uint8, uint16, int16, uint32, int32, float32 or float64, "
                          "in the machine's byte order");
 }

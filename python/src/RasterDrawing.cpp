@@ -12,7 +12,10 @@
 #include "python/src/RasterLook.h"
 
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <pybind11/stl.h>
 
 namespace py = pybind11;
@@ -48,8 +51,16 @@ View CheckedPicture(py::array& out, const std::array<double, 4>& box) {
 }
 
 void BlueToRedFirst(unsigned char* pixels, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i, pixels += 4)
-        std::swap(pixels[0], pixels[2]);
+    static_assert(std::endian::native == std::endian::little);
+    constexpr std::size_t ALONE = 1 << 16;
+    // Whole pixels, which a processor turns several at a time.
+#pragma omp parallel for if (count > ALONE)
+    for (std::size_t i = 0; i < count; ++i) {
+        std::uint32_t pixel = 0;
+        std::memcpy(&pixel, pixels + 4 * i, 4);
+        pixel = (pixel & 0xFF00FF00U) | (pixel & 0xFFU) << 16 | (pixel >> 16 & 0xFFU);
+        std::memcpy(pixels + 4 * i, &pixel, 4);
+    }
 }
 
 namespace {

@@ -47,6 +47,22 @@ def test_reading_gives_the_files_values(make, dtype):
         assert np.array_equal(scene.read(1, window=(5, 7, 20, 10)), values[0, 7:17, 5:25])
 
 
+def test_bands_of_different_types_are_read_in_one_that_holds_all(make, tmp_path):
+    makings = {"uint32": [[1, 2**32 - 1]], "int16": [[-5, 7]], "uint8": [[3, 255]]}
+    bands = "".join(
+        f'<VRTRasterBand dataType="{kind}" band="{number}"><SimpleSource><SourceFilename>'
+        f'{make(name + ".tif", np.array(values, name))}</SourceFilename></SimpleSource>'
+        "</VRTRasterBand>"
+        for number, (kind, (name, values)) in enumerate(
+            zip(("UInt32", "Int16", "Byte"), makings.items()), 1))
+    path = tmp_path / "mixed.vrt"
+    path.write_text(f'<VRTDataset rasterXSize="2" rasterYSize="1">{bands}</VRTDataset>')
+    with zelto.open(path) as scene:
+        assert scene.dtype == "float64"
+        assert scene.read()[:, 0].tolist() == [[1, 2**32 - 1], [-5, 7], [3, 255]]
+        assert scene.read((2, 3)).dtype == np.int16 and scene.read(1).dtype == np.uint32
+
+
 @pytest.mark.parametrize("resampling", ["nearest", "bilinear", "average"])
 def test_resampled_reading_agrees_with_rasterio(scene_path, resampling):
     with zelto.open(scene_path) as scene, rasterio.open(scene_path) as other:

@@ -5,7 +5,8 @@ from __future__ import annotations
 import math
 import operator
 import os
-from typing import TYPE_CHECKING, Any, Iterable, List, NamedTuple, Optional, Sequence, Tuple, Union
+from collections.abc import Iterable, Sequence
+from typing import TYPE_CHECKING, Any, List, NamedTuple, Optional, Tuple, Union
 
 import numpy as np
 
@@ -49,6 +50,8 @@ def text_argument(name: str, value: str) -> bytes:
 
 
 def whole(name: str, value: Any, least: int = 0, most: int = _LARGEST_INT) -> int:
+    if type(value) is int and least <= value <= most:
+        return value
     if isinstance(value, (bool, np.bool_)):
         raise TypeError(f"{name} is a whole number")
     try:

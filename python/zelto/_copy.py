@@ -39,11 +39,7 @@ def copy(
     tell = as_callable(progress)
     place = raster._checked_window(window)
     chosen = band_numbers(bands, raster.count)
-    kind = numpy_dtype(
-        np.result_type(*(raster.bands[band - 1].dtype for band in chosen))
-        if dtype is None
-        else dtype
-    )
+    kind = raster._common_dtype(chosen) if dtype is None else numpy_dtype(dtype)
     x, width, row_turn, y, column_turn, height = raster.geotransform
     corner = None
     if raster._facts["placed"]:

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import os
-from typing import Any, Dict, NamedTuple, Optional, Tuple
+from typing import Any, Dict, Iterable, NamedTuple, Optional, Tuple
 
 import numpy as np
 
@@ -142,7 +142,14 @@ class RasterFacts(Grid):
     @property
     def dtype(self) -> str:
         """The type that read() gives by default: one that holds all bands' values."""
-        return np.result_type(*(band.dtype for band in self.bands)).name
+        return self._common_dtype(range(1, self.count + 1)).name
+
+    def _common_dtype(self, bands: Iterable[int]) -> np.dtype[Any]:
+        """One of the seven that holds the values of bands."""
+        facts = self._facts["bands"]
+        found = np.result_type(*{facts[band - 1]["dtype"] or "float64" for band in bands})
+        # Bands of 32 bits with and without a sign have no other in common.
+        return np.dtype(np.float64) if found == np.int64 else found
 
     @property
     def nodata(self) -> Optional[float]:

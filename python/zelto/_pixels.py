@@ -3,7 +3,8 @@
 from __future__ import annotations
 
 import os
-from typing import TYPE_CHECKING, Any, Optional, Sequence, Tuple, Union
+from collections.abc import Iterable, Sequence
+from typing import TYPE_CHECKING, Any, Optional, Tuple, Union
 
 import numpy as np
 
@@ -79,7 +80,7 @@ class RasterPixels(RasterFacts):
                [74, 68, 59, 58]], dtype=uint8)
         """
         chosen = band_numbers(bands, self.count)
-        single = bands is not None and not isinstance(bands, (Sequence, np.ndarray))
+        single = bands is not None and not isinstance(bands, Iterable)
         place = self._checked_window(window)
         if shape is None:
             rows, columns = place[3], place[2]
@@ -91,8 +92,8 @@ class RasterPixels(RasterFacts):
         if not isinstance(resampling, str):
             raise TypeError("resampling is a str")
         if out is None:
-            default = np.result_type(*(self.bands[band - 1].dtype for band in chosen))
-            out = np.empty(wanted, dtype=numpy_dtype(default if dtype is None else dtype))
+            kind = self._common_dtype(chosen) if dtype is None else numpy_dtype(dtype)
+            out = np.empty(wanted, dtype=kind)
         else:
             if not isinstance(out, np.ndarray):
                 raise TypeError("out is an array")
@@ -101,9 +102,7 @@ class RasterPixels(RasterFacts):
             numpy_dtype(out.dtype)
             if out.shape != wanted:
                 raise ValueError(f"out has the shape {out.shape}, not {wanted}")
-        target = out.reshape(1, rows, columns) if single else out
-        if not np.shares_memory(target, out):
-            raise ValueError("out is not packed row by row")
+        target = out[np.newaxis] if single else out
         _engine.read(self._native, target, chosen, place, resampling, as_callable(progress))
         return out
 

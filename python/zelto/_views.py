@@ -2,7 +2,8 @@
 
 from __future__ import annotations
 
-from typing import NamedTuple, Optional, Sequence, Tuple, Union
+from collections.abc import Sequence
+from typing import NamedTuple, Optional, Tuple, Union
 
 from ._arguments import Bounds, Box, box_argument, finite, numbers, whole
 
