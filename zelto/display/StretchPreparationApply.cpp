@@ -1,10 +1,6 @@
-#include "zelto/algorithm/RegionStatistics.h"
-#include "zelto/algorithm/internal/Refusal.h"
-#include "zelto/aoi/DrawRectangle.h"
 #include "zelto/baselib/internal/Operation.h"
 #include "zelto/display/RasterHistogram.h"
 #include "zelto/display/StretchPreparation.h"
-#include "zelto/display/internal/BandDisplay.h"
 #include "zelto/display/internal/StretchPlan.h"
 #include "zelto/geometry/Point2D.h"
 #include "zelto/raster/RasterBand.h"
@@ -12,45 +8,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 using zelto::BandPlan;
-using zelto::BucketCounts;
 
 namespace {
 
 using Range = CStretchPreparation::Range;
 
-constexpr Range BYTE_RANGE = {0.0, 255.0};
-constexpr Range USUAL_CLIP = {2.0, 98.0};
-constexpr double USUAL_GAMMA_OF_TABLE = 1.5;
 constexpr double USUAL_THRESHOLD = 0.01;
 constexpr int USUAL_WALLIS_MODEL = 1;
-
-/// Values of all bands together that a sample of a region holds: 32 megabytes of doubles.
-constexpr __int64 SAMPLE_VALUES = __int64{1} << 22;
-
-bool IsByte(const CRasterBand& band) {
-    return band.GetDataType() == PDT_Byte;
-}
-
-/// Whether the picture has its colours from a table that no stretch changes.
-bool HasColorsOfItsOwn(const CRasterSource& source) {
-    if (source.GetShowBandCount() != 1)
-        return false;
-    const zelto::SingleBandKind kind = zelto::KindOf(source, *source.GetShownBand(0));
-    return kind == zelto::SingleBandKind::Palette || kind == zelto::SingleBandKind::Classes;
-}
-
-bool IsHistogramType(StretchType type) {
-    return type == StretchHistEqualize || type == StretchAutoLevels ||
-           type == StretchCustomHistEqualize;
-}
-
-/// A range that a stretch can divide by; one of a single value shows it dark.
-Range Widened(double low, double high) {
-    return {low, high > low ? high : std::nextafter(low + 1.0, std::numeric_limits<double>::max())};
-}
 
 /// Sets the table of a gamma curve, with the points it was made from.
 /// @param range display values that the curve keeps to
@@ -73,7 +39,7 @@ bool SetCurve(CRasterBand& band, double gamma, int darkest, int brightest) {
 /// standard-deviation stretch.
 void SetZoom(CRasterBand& band, StretchType type, std::optional<double> low,
              std::optional<double> high) {
-    const bool raw = type == StretchZoomLinear002 && IsByte(band);
+    const bool raw = type == StretchZoomLinear002 && zelto::IsByteBand(band);
     // The band's own bounds are asked for only where they are needed: they take a sample.
     const double from = low ? *low : raw ? band.GetStdDevLowerBound() : 0.0;
     const double to = high ? *high : raw ? band.GetStdDevUpperBound() : 255.0;
@@ -108,16 +74,6 @@ bool EqualizeBand(CRasterBand& band, const BandPlan& plan) {
 void ForgetAutoLevels(CRasterBand& band, double threshold) {
     if (CRasterHistogram* histogram = band.GetHistogramObject())
         histogram->SetAutoLevelsMap(threshold + 0.25);
-}
-
-/// The bounds of a histogram where they are not given.
-Range BoundsOfHistogram(const BandPlan& plan, std::optional<double> low,
-                        std::optional<double> high) {
-    const auto& found = plan.statistics;
-    const auto maximum = [&] { return found ? found->maximum : plan.band->GetMaximum(); };
-    const auto minimum = [&] { return found ? found->minimum : plan.band->GetMinimum(); };
-    const double to = high ? *high : IsByte(*plan.band) ? BYTE_RANGE.high : maximum();
-    return {low ? *low : to > 0.0 ? 0.0 : minimum(), to};
 }
 
 /// Equalises by the histogram between two bounds instead of the whole range. The engine finds a
@@ -157,10 +113,10 @@ bool ApplyWallis(CRasterSource& source, int model) {
 /// The sample values at the ends of the stretch that a band now has.
 Range RangeOf(const CRasterSource& source, const CRasterBand& band) {
     const StretchType type = source.GetStretchType();
-    if (HasColorsOfItsOwn(source))
+    if (zelto::HasColorsOfItsOwn(source))
         return {};
-    if (IsByte(band) && (type == StretchNone || type == StretchZoomLinear002))
-        return BYTE_RANGE;
+    if (zelto::IsByteBand(band) && (type == StretchNone || type == StretchZoomLinear002))
+        return zelto::BYTE_RANGE;
     if (type == StretchStdDev)
         return {band.GetStdDevLowerBound(), band.GetStdDevUpperBound()};
     if (type == StretchCustomHistEqualize && band.GetCustomHistogramObject() != nullptr) {
@@ -174,106 +130,6 @@ Range RangeOf(const CRasterSource& source, const CRasterBand& band) {
 }
 
 } // namespace
-
-/// The stretch by its own name and the bands it is for, with what was given for them.
-CStretchPreparation::Plan CStretchPreparation::MakePlan() const {
-    Plan plan;
-    plan.name = m_name;
-    bool allBytes = true;
-    for (int k = 0; k < m_source->GetShowBandCount(); ++k) {
-        CRasterBand* const band = m_source->GetShownBand(k);
-        const auto place = static_cast<std::size_t>(k);
-        plan.bands.push_back({m_source->GetShowBandArray()[place], band, {}, 0, {}, 1.0});
-        if (!m_gamma.empty())
-            plan.bands[place].gamma = m_gamma[m_gamma.size() == 1 ? 0 : place];
-        else if (m_name == "table")
-            plan.bands[place].gamma = USUAL_GAMMA_OF_TABLE;
-        allBytes = allBytes && IsByte(*band);
-    }
-    std::vector<Range> ranges = m_ranges;
-    if (m_name == "auto") {
-        const bool asIs = HasColorsOfItsOwn(*m_source);
-        plan.name = asIs || (allBytes && m_gamma.empty()) ? "none"
-                    : allBytes                            ? "linear"
-                                                          : "percent";
-        if (plan.name == "linear")
-            ranges = {BYTE_RANGE};
-    }
-    plan.type = zelto::TypeOfStretch(plan.name);
-    plan.isPercent = plan.name == "percent";
-    for (std::size_t k = 0; k < plan.bands.size() && !ranges.empty(); ++k) {
-        const Range& range = ranges[ranges.size() == 1 ? 0 : k];
-        // Two deviations around the mean of these are the range itself.
-        plan.bands[k].statistics = {range.low, range.high, (range.low + range.high) / 2,
-                                    (range.high - range.low) / 4};
-    }
-    return plan;
-}
-
-/// Whether values have to be read for the stretch, beside those that the bands have taken.
-bool CStretchPreparation::GoesByRegion(const Plan& plan) const {
-    if (plan.name == "none" || plan.bands.front().statistics)
-        return false;
-    return plan.isPercent || m_view || m_area != nullptr || m_exact;
-}
-
-/// Finds the ranges of a region, and counts its values where the stretch goes by a histogram.
-bool CStretchPreparation::Measure(Plan& plan, CDataProgress* progress) const {
-    CRegionStatistics region(m_source);
-    std::vector<int> indices;
-    for (const BandPlan& band : plan.bands)
-        indices.push_back(band.index);
-    region.SetBands(indices);
-    if (m_view)
-        region.SetBox(*m_view);
-    else
-        region.SetAOI(m_area);
-    if (!m_exact)
-        region.SetSampleSize(SAMPLE_VALUES);
-    const Range clip = m_clip.value_or(USUAL_CLIP);
-    if (region.Compute(progress) != GIS_SUCCESS ||
-        (plan.isPercent && region.ComputePercentiles(clip.low, clip.high, progress) != GIS_SUCCESS))
-        return false;
-    plan.isSampled = region.IsSampled();
-    for (std::size_t k = 0; k < plan.bands.size(); ++k) {
-        const CRegionStatistics::Band& found = region.GetBands()[k];
-        if (found.count == 0)
-            return zelto::FailWith(false, m_source->GetFilePath(),
-                                   "there are no values where the stretch is to be taken from");
-        Range range = {found.minimum, found.maximum};
-        if (plan.isPercent && found.lowPercentile < found.highPercentile)
-            range = {found.lowPercentile, found.highPercentile};
-        range = Widened(range.low, range.high);
-        plan.bands[k].statistics = {range.low, range.high, found.mean, found.standardDeviation};
-        plan.bands[k].count = found.count;
-    }
-    return !IsHistogramType(plan.type) || CountBuckets(plan, region, progress);
-}
-
-bool CStretchPreparation::CountBuckets(Plan& plan, CRegionStatistics& region,
-                                       CDataProgress* progress) const {
-    for (std::size_t k = 0; k < plan.bands.size(); ++k) {
-        BandPlan& band = plan.bands[k];
-        BucketCounts& buckets = band.histogram.emplace();
-        const Range range = buckets.range = BoundsOfHistogram(band, m_low, m_high);
-        if (!(range.low < range.high))
-            return zelto::FailWith(false, m_source->GetFilePath(),
-                                   "the low bound of the histogram is not less than its high one");
-        // Background is zero in most images and would dwarf every other count.
-        const double first = range.low == 0.0 ? std::numeric_limits<double>::min() : range.low;
-        // A little wider, so that the last bucket holds its end.
-        const auto count = static_cast<double>(buckets.counts.size());
-        const double width = (range.high - first) / count * (1.0 + 1e-12);
-        std::vector<__int64> counts(buckets.counts.size());
-        if (region.ComputeHistogram(static_cast<int>(k), first, width, counts, progress) !=
-            GIS_SUCCESS)
-            return false;
-        std::transform(counts.begin(), counts.end(), buckets.counts.begin(), [](__int64 each) {
-            return static_cast<int>(std::min<__int64>(each, std::numeric_limits<int>::max()));
-        });
-    }
-    return true;
-}
 
 /// Sets what was found.
 /// @return false for a histogram that cannot be counted, or a first drawing that fails
@@ -326,7 +182,8 @@ bool CStretchPreparation::SetBand(const Plan& plan, const BandPlan& found, bool 
         SetZoom(band, plan.type, m_low, m_high);
         return true;
     case StretchCustomHistEqualize:
-        return EqualizeBetween(band, BoundsOfHistogram(found, m_low, m_high), found, progress);
+        return EqualizeBetween(band, zelto::BoundsOfHistogram(found, m_low, m_high), found,
+                               progress);
     default:
         return true;
     }
@@ -334,7 +191,7 @@ bool CStretchPreparation::SetBand(const Plan& plan, const BandPlan& found, bool 
 
 /// Whether what fails does so because of the values, and not of reading them.
 bool CStretchPreparation::IsUnsuited(const Plan& plan) {
-    return IsHistogramType(plan.type) &&
+    return zelto::IsHistogramType(plan.type) &&
            std::any_of(plan.bands.begin(), plan.bands.end(), [](const BandPlan& band) {
                return !band.histogram && LacksRange(*band.band);
            });

@@ -29,6 +29,21 @@ struct BandPlan {
     double gamma = 1.0;
 };
 
+/// All values that 8-bit bands have, and pictures.
+constexpr CStretchPreparation::Range BYTE_RANGE = {0.0, 255.0};
+
+bool IsByteBand(const CRasterBand& band);
+
+/// Whether the picture has its colours from a table that no stretch changes.
+bool HasColorsOfItsOwn(const CRasterSource& source);
+
+/// Whether a stretch goes by a histogram.
+bool IsHistogramType(StretchType type);
+
+/// The bounds of a histogram where they are not given.
+CStretchPreparation::Range BoundsOfHistogram(const BandPlan& plan, std::optional<double> low,
+                                             std::optional<double> high);
+
 } // namespace zelto
 
 /// A stretch with all that is found before anything is set.

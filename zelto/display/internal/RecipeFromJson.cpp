@@ -2,103 +2,21 @@
 #include "zelto/display/StretchPreparation.h"
 #include "zelto/display/internal/JsonObject.h"
 #include "zelto/display/internal/RecipeContent.h"
+#include "zelto/display/internal/RecipeMembers.h"
 
 #include <charconv>
 #include <climits>
 #include <cmath>
-#include <cstdio>
-#include <stdexcept>
 
 namespace zelto {
 
 namespace {
 
-constexpr const char* FORMAT = "zelto display recipe";
-constexpr int VERSION = 1;
 constexpr std::size_t MOST_BUCKETS = 65'536;
 constexpr std::size_t MOST_CLASSES = 65'536;
 constexpr int LARGEST_SIDE = 65'500;
 
-/// The adjustments are single precision: the shortest number that reads back to the same.
-double Shortest(double value) {
-    char text[32];
-    const auto end = std::to_chars(text, text + sizeof text, static_cast<float>(value)).ptr;
-    double shortest = 0.0;
-    std::from_chars(text, end, shortest);
-    return shortest;
-}
-
-/// The numbers of a stretch function by their names, as SetStretchData() takes them.
-std::array<const char*, 6> NamesOfNumbers(StretchType type) {
-    if (type == StretchWallis)
-        return {"sourceMean", "sourceDeviation", "lowerClamp",
-                "upperClamp", "targetMean",      "targetDeviation"};
-    return {nullptr, nullptr, "low", "high", nullptr, nullptr};
-}
-
-// Writing.
-
-Json ToJson(const RecipeBand& band) {
-    Json json = {{"band", band.number + 1},
-                 {"stretch", CStretchPreparation::GetStretchName(band.stretch)}};
-    if (const auto& found = band.statistics)
-        json["statistics"] = {{"minimum", JsonNumber(found->minimum)},
-                              {"maximum", JsonNumber(found->maximum)},
-                              {"mean", JsonNumber(found->mean)},
-                              {"standardDeviation", JsonNumber(found->standardDeviation)}};
-    if (band.histogram)
-        json["histogram"] = {{"minimum", JsonNumber(band.histogram->minimum)},
-                             {"maximum", JsonNumber(band.histogram->maximum)},
-                             {"counts", band.histogram->counts}};
-    if (const auto& function = band.function) {
-        Json& member =
-            json["function"] = {{"stretch", CStretchPreparation::GetStretchName(function->type)}};
-        const auto names = NamesOfNumbers(function->type);
-        for (std::size_t i = 0; i < names.size(); ++i)
-            if (names[i] != nullptr)
-                member[names[i]] = JsonNumber(function->numbers[i]);
-    }
-    if (band.table)
-        json["table"] = *band.table;
-    if (band.threshold)
-        json["threshold"] = JsonNumber(*band.threshold);
-    return json;
-}
-
-Json ToJson(const CColorRamp& ramp) {
-    Json json = Json::array();
-    for (int i = 0; i < 256; ++i) {
-        const auto v = static_cast<unsigned char>(i);
-        char text[8];
-        std::snprintf(text, sizeof text, "#%02x%02x%02x", ramp.Red(v), ramp.Green(v), ramp.Blue(v));
-        json.push_back(text);
-    }
-    return json;
-}
-
-Json ToJson(const CClassifyDisplayItem& item) {
-    const CRgbaColor& color = item.m_color;
-    return {{"low", JsonNumber(item.m_low)},
-            {"high", JsonNumber(item.m_high)},
-            {"color", {color.red, color.green, color.blue, color.alpha}},
-            {"name", CommonFun::U2M(item.m_name)}};
-}
-
-Json ToJson(const CDisplayRecipe::View& view) {
-    Json json = {{"left", JsonNumber(view.box.GetLeft())},
-                 {"top", JsonNumber(view.box.GetTop())},
-                 {"right", JsonNumber(view.box.GetRight())},
-                 {"bottom", JsonNumber(view.box.GetBottom())},
-                 {"width", view.width},
-                 {"height", view.height}};
-    if (!view.srs.empty())
-        json["srs"] = view.srs;
-    return json;
-}
-
-// Reading.
-
-StretchType StretchOf(JsonObject& object, bool isFunction) {
+StretchType StretchFrom(JsonObject& object, bool isFunction) {
     const std::string name = object.Text("stretch");
     for (int type = StretchNone; type <= StretchCustomHistEqualize; ++type) {
         const auto stretch = static_cast<StretchType>(type);
@@ -111,14 +29,14 @@ StretchType StretchOf(JsonObject& object, bool isFunction) {
                  "'" + name + "' is not the name of a stretch that can be here");
 }
 
-BandSummary StatisticsOf(JsonObject object) {
+BandSummary StatisticsFrom(JsonObject object) {
     const BandSummary found = {object.Number("minimum"), object.Number("maximum"),
                                object.Number("mean"), object.Number("standardDeviation")};
     object.RequireNoOthers();
     return found;
 }
 
-RecipeHistogram HistogramOf(JsonObject object) {
+RecipeHistogram HistogramFrom(JsonObject object) {
     RecipeHistogram histogram = {object.Number("minimum"), object.Number("maximum"), {}};
     std::size_t place = 0;
     for (const Json& count : object.List("counts", MOST_BUCKETS))
@@ -128,9 +46,9 @@ RecipeHistogram HistogramOf(JsonObject object) {
     return histogram;
 }
 
-RecipeFunction FunctionOf(JsonObject object) {
+RecipeFunction FunctionFrom(JsonObject object) {
     RecipeFunction function;
-    function.type = StretchOf(object, true);
+    function.type = StretchFrom(object, true);
     const auto names = NamesOfNumbers(function.type);
     for (std::size_t i = 0; i < names.size(); ++i)
         if (names[i] != nullptr)
@@ -139,7 +57,7 @@ RecipeFunction FunctionOf(JsonObject object) {
     return function;
 }
 
-std::array<unsigned char, 256> TableOf(JsonObject& object) {
+std::array<unsigned char, 256> TableFrom(JsonObject& object) {
     std::array<unsigned char, 256> table;
     const Json& list = object.List("table", table.size());
     if (list.size() != table.size())
@@ -166,26 +84,26 @@ void RequireWhole(const JsonObject& object, const RecipeBand& band) {
     require("threshold", type == StretchAutoLevels);
 }
 
-RecipeBand BandOf(JsonObject object) {
+RecipeBand BandFrom(JsonObject object) {
     RecipeBand band;
     band.number = object.Integer("band", 1, INT_MAX) - 1;
-    band.stretch = StretchOf(object, false);
+    band.stretch = StretchFrom(object, false);
     RequireWhole(object, band);
     if (object.Has("statistics"))
-        band.statistics = StatisticsOf(object.Object("statistics"));
+        band.statistics = StatisticsFrom(object.Object("statistics"));
     if (object.Has("histogram"))
-        band.histogram = HistogramOf(object.Object("histogram"));
+        band.histogram = HistogramFrom(object.Object("histogram"));
     if (object.Has("function"))
-        band.function = FunctionOf(object.Object("function"));
+        band.function = FunctionFrom(object.Object("function"));
     if (object.Has("table"))
-        band.table = TableOf(object);
+        band.table = TableFrom(object);
     if (object.Has("threshold"))
         band.threshold = object.Number("threshold");
     object.RequireNoOthers();
     return band;
 }
 
-RecipeColors ColorsOf(JsonObject object) {
+RecipeColors ColorsFrom(JsonObject object) {
     const auto share = [&](const char* name, double lowest) {
         const double value = object.Number(name);
         if (!(value >= lowest && value <= 1))
@@ -198,7 +116,7 @@ RecipeColors ColorsOf(JsonObject object) {
     return colors;
 }
 
-CRgbaColor RampColorOf(const Json& value, const std::string& name) {
+CRgbaColor RampColorFrom(const Json& value, const std::string& name) {
     const std::string text = value.is_string() ? value.get<std::string>() : "";
     unsigned number = 0;
     const char* const end = text.data() + text.size();
@@ -210,18 +128,18 @@ CRgbaColor RampColorOf(const Json& value, const std::string& name) {
             static_cast<unsigned char>(number), 255};
 }
 
-CColorRamp RampOf(JsonObject& object) {
+CColorRamp RampFrom(JsonObject& object) {
     CColorRamp ramp;
     const Json& list = object.List("ramp", 256);
     if (list.size() != 256)
         RefuseMember(object.NameOf("ramp"), "it has not 256 elements");
     for (std::size_t i = 0; i < 256; ++i)
         ramp.SetColor(static_cast<unsigned char>(i),
-                      RampColorOf(list[i], object.NameOf("ramp[" + std::to_string(i) + "]")));
+                      RampColorFrom(list[i], object.NameOf("ramp[" + std::to_string(i) + "]")));
     return ramp;
 }
 
-CClassifyDisplayItem ClassOf(JsonObject object) {
+CClassifyDisplayItem ClassFrom(JsonObject object) {
     CClassifyDisplayItem item;
     item.m_low = object.Number("low");
     item.m_high = object.Number("high");
@@ -238,7 +156,7 @@ CClassifyDisplayItem ClassOf(JsonObject object) {
     return item;
 }
 
-CDisplayRecipe::View ViewOf(JsonObject object) {
+CDisplayRecipe::View ViewFrom(JsonObject object) {
     CDisplayRecipe::View view;
     view.box = {object.Number("left"), object.Number("top"), object.Number("right"),
                 object.Number("bottom")};
@@ -256,7 +174,7 @@ CDisplayRecipe::View ViewOf(JsonObject object) {
     return view;
 }
 
-CDisplayRecipe::Mask MaskOf(JsonObject object) {
+CDisplayRecipe::Mask MaskFrom(JsonObject object) {
     CDisplayRecipe::Mask mask;
     mask.area = CommonFun::M2U(object.Text("area"));
     const std::string outside = object.Text("outside");
@@ -268,38 +186,13 @@ CDisplayRecipe::Mask MaskOf(JsonObject object) {
 }
 
 void RequireVersion(JsonObject& object) {
-    if (object.Text("format") != FORMAT)
+    if (object.Text("format") != RECIPE_FORMAT)
         RefuseMember("format", "it is not that of a display recipe");
-    if (object.Integer("version", 0, INT_MAX) != VERSION)
-        RefuseMember("version", "it is not " + std::to_string(VERSION));
+    if (object.Integer("version", 0, INT_MAX) != RECIPE_VERSION)
+        RefuseMember("version", "it is not " + std::to_string(RECIPE_VERSION));
 }
 
 } // namespace
-
-std::string ToJson(const RecipeContent& content) {
-    Json json = {{"format", FORMAT}, {"version", VERSION}};
-    Json& bands = json["bands"] = Json::array();
-    for (const RecipeBand& band : content.bands)
-        bands.push_back(ToJson(band));
-    json["colors"] = {{"hue", Shortest(content.colors.hue)},
-                      {"intensity", Shortest(content.colors.intensity)},
-                      {"saturation", Shortest(content.colors.saturation)},
-                      {"contrast", Shortest(content.colors.contrast)},
-                      {"transparency", Shortest(content.colors.transparency)}};
-    if (content.ramp)
-        json["ramp"] = ToJson(*content.ramp);
-    if (content.classes) {
-        Json& classes = json["classes"] = Json::array();
-        for (const CClassifyDisplayItem& item : *content.classes)
-            classes.push_back(ToJson(item));
-    }
-    if (content.view)
-        json["view"] = ToJson(*content.view);
-    if (content.mask)
-        json["mask"] = {{"area", CommonFun::U2M(content.mask->area)},
-                        {"outside", content.mask->isBlack ? "black" : "transparent"}};
-    return PrintJson(json);
-}
 
 RecipeContent FromJson(const std::string& text) {
     const Json json = ParseJson(text);
@@ -310,25 +203,26 @@ RecipeContent FromJson(const std::string& text) {
     if (bands.size() != 1 && bands.size() != 3)
         RefuseMember("bands", "one band is shown, or three are");
     for (std::size_t i = 0; i < bands.size(); ++i)
-        content.bands.push_back(BandOf({bands[i], "bands[" + std::to_string(i) + "]"}));
-    content.colors = ColorsOf(object.Object("colors"));
+        content.bands.push_back(BandFrom({bands[i], "bands[" + std::to_string(i) + "]"}));
+    content.colors = ColorsFrom(object.Object("colors"));
     for (const char* ofOne : {"ramp", "classes"})
         if (object.Has(ofOne) && bands.size() != 1)
             RefuseMember(ofOne, "it is for a single band");
     if (object.Has("ramp"))
-        content.ramp = RampOf(object);
+        content.ramp = RampFrom(object);
     if (object.Has("classes")) {
         if (content.ramp)
             RefuseMember("classes", "they and a ramp contradict each other");
         std::size_t place = 0;
         content.classes.emplace();
         for (const Json& item : object.List("classes", MOST_CLASSES))
-            content.classes->push_back(ClassOf({item, "classes[" + std::to_string(place++) + "]"}));
+            content.classes->push_back(
+                ClassFrom({item, "classes[" + std::to_string(place++) + "]"}));
     }
     if (object.Has("view"))
-        content.view = ViewOf(object.Object("view"));
+        content.view = ViewFrom(object.Object("view"));
     if (object.Has("mask"))
-        content.mask = MaskOf(object.Object("mask"));
+        content.mask = MaskFrom(object.Object("mask"));
     object.RequireNoOthers();
     return content;
 }

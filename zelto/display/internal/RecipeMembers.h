@@ -1,0 +1,23 @@
+#pragma once
+
+#include "zelto/datasource/StretchType.h"
+
+#include <array>
+
+/// @file
+/// What the text of a recipe is written and read by.
+
+namespace zelto {
+
+constexpr const char* RECIPE_FORMAT = "zelto display recipe";
+constexpr int RECIPE_VERSION = 1;
+
+/// The numbers of a stretch function by their names, as SetStretchData() takes them.
+inline std::array<const char*, 6> NamesOfNumbers(StretchType type) {
+    if (type == StretchWallis)
+        return {"sourceMean", "sourceDeviation", "lowerClamp",
+                "upperClamp", "targetMean",      "targetDeviation"};
+    return {nullptr, nullptr, "low", "high", nullptr, nullptr};
+}
+
+} // namespace zelto
