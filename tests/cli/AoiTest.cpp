@@ -14,13 +14,13 @@
 namespace {
 
 using namespace zelto::test;
-using nlohmann::json;
+using Json = nlohmann::json;
 
 class AoiCommand : public testing::Test {
   protected:
     std::string File(const std::string& name) { return m_folder.File(name); }
-    json Info(const std::string& name) {
-        return json::parse(RunZelto({"aoi", "info", File(name), "--json"}).output);
+    Json Info(const std::string& name) {
+        return Json::parse(RunZelto({"aoi", "info", File(name), "--json"}).output);
     }
     /// A rectangle, an ellipse and a triangle in UTM zone 50.
     void MakeThree(const std::string& name) {
@@ -36,10 +36,10 @@ class AoiCommand : public testing::Test {
 TEST_F(AoiCommand, NewWritesTheShapesAndInfoTellsThem) {
     MakeThree("a.aif");
     EXPECT_EQ(std::filesystem::file_size(File("a.aif")), 1584U + 33 + 33 + 1 + 4 + 3 * 16);
-    const json info = Info("a.aif");
+    const Json info = Info("a.aif");
     EXPECT_EQ(info["count"], 3);
     EXPECT_EQ(info["extent"],
-              (json{{"left", 0.0}, {"top", 30.0}, {"right", 30.0}, {"bottom", 0.0}}));
+              (Json{{"left", 0.0}, {"top", 30.0}, {"right", 30.0}, {"bottom", 0.0}}));
     EXPECT_EQ(info["coordinateName"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
     EXPECT_EQ(info["wkt"].get<std::string>().substr(0, 7), "PROJCS[");
     EXPECT_EQ(info["shapes"][0]["kind"], "rectangle");
@@ -65,7 +65,7 @@ TEST_F(AoiCommand, NewTakesGeoJsonAsFileAndAsText) {
         RunZelto({"aoi", "new", File("a.aif"), "--geojson", File("in.geojson"), "--geojson",
                   R"({"type":"Polygon","coordinates":[[[50,0],[50,1],[51,1],[50,0]]]})"});
     ASSERT_EQ(run.exitStatus, 0) << run.errors;
-    const json info = Info("a.aif");
+    const Json info = Info("a.aif");
     EXPECT_EQ(info["count"], 3) << "the hole is an area of its own";
     EXPECT_EQ(info["extent"]["right"], 51.0);
     EXPECT_EQ(info["coordinateName"], "WGS 84 (WGS_1984/WGS 84)");
@@ -106,7 +106,7 @@ TEST_F(AoiCommand, ConvertGoesToAShapefileAndBack) {
     EXPECT_EQ(ReadGeometries(File("b.shp"))[0], "POLYGON ((0 10,10 10,10 0,0 0,0 10))");
     EXPECT_TRUE(std::filesystem::exists(File("b.prj")));
     ASSERT_EQ(RunZelto({"aoi", "convert", File("b.shp"), File("c.aif")}).exitStatus, 0);
-    const json info = Info("c.aif");
+    const Json info = Info("c.aif");
     EXPECT_EQ(info["count"], 3);
     EXPECT_EQ(info["coordinateName"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
 }
@@ -145,7 +145,7 @@ TEST_F(AoiCommand, EveryGeoJsonIsBroughtIntoTheAreasSystem) {
                         File("in.geojson"), "--geojson", text})
                   .exitStatus,
               0);
-    const json shapes = Info("a.aif")["shapes"];
+    const Json shapes = Info("a.aif")["shapes"];
     EXPECT_NEAR(shapes[0]["extent"]["left"].get<double>(), 500000, 1e-3);
     EXPECT_NEAR(shapes[0]["extent"]["right"].get<double>(), 611280, 50); // 111.3 km a degree
     EXPECT_NEAR(shapes[1]["extent"]["right"].get<double>(), 500100, 1e-3);
@@ -154,7 +154,7 @@ TEST_F(AoiCommand, EveryGeoJsonIsBroughtIntoTheAreasSystem) {
         RunZelto({"aoi", "new", File("b.aif"), "--geojson", File("in.geojson"), "--geojson", text})
             .exitStatus,
         0);
-    const json mixed = Info("b.aif");
+    const Json mixed = Info("b.aif");
     EXPECT_EQ(mixed["epsg"], 4326);
     EXPECT_NEAR(mixed["shapes"][1]["extent"]["right"].get<double>(), 117.0009, 1e-4);
 }
@@ -165,7 +165,7 @@ TEST_F(AoiCommand, ShapesOfAllKindsKeepTheOrderOfTheCommandLine) {
                         "--rect", "1,10,10,0"})
                   .exitStatus,
               0);
-    const json shapes = Info("a.aif")["shapes"];
+    const Json shapes = Info("a.aif")["shapes"];
     ASSERT_EQ(shapes.size(), 5U);
     const char* const kinds[] = {"polygon", "rectangle", "polygon", "ellipse", "rectangle"};
     const double lefts[] = {0, 0, 1, 20, 1};
@@ -187,7 +187,7 @@ TEST_F(AoiCommand, ConvertGoesToGeoPackageAndGeoJsonAndBack) {
                       .exitStatus,
                   0)
             << name;
-        const json extent = Info("c.aif")["extent"];
+        const Json extent = Info("c.aif")["extent"];
         EXPECT_NEAR(extent["left"].get<double>(), 500000, 1e-6) << name;
         EXPECT_NEAR(extent["top"].get<double>(), 100, 1e-6) << name;
     }
@@ -207,7 +207,7 @@ TEST_F(AoiCommand, ConvertTransformsWhenAsked) {
     ASSERT_EQ(
         RunZelto({"aoi", "convert", File("a.aif"), File("b.aif"), "--srs", "EPSG:4326"}).exitStatus,
         0);
-    const json extent = Info("b.aif")["extent"];
+    const Json extent = Info("b.aif")["extent"];
     EXPECT_NEAR(extent["left"].get<double>(), 117, 1e-9);
     EXPECT_NEAR(extent["top"].get<double>(), 1, 1e-4);
     EXPECT_NEAR(extent["bottom"].get<double>(), 0, 1e-9);
@@ -284,12 +284,12 @@ TEST_F(AoiCommand, NewTakesFiniteNumbersOnly) {
 
 TEST_F(AoiCommand, HitNamesTheShapesAtAPoint) {
     MakeThree("a.aif");
-    const json hit = json::parse(RunZelto({"aoi", "hit", File("a.aif"), "5,5", "--json"}).output);
+    const Json hit = Json::parse(RunZelto({"aoi", "hit", File("a.aif"), "5,5", "--json"}).output);
     EXPECT_EQ(hit["inside"], true);
     ASSERT_EQ(hit["shapes"].size(), 1U);
     EXPECT_EQ(hit["shapes"][0]["number"], 1);
-    const json corner =
-        json::parse(RunZelto({"aoi", "hit", File("a.aif"), "20.5,9.5", "--json"}).output);
+    const Json corner =
+        Json::parse(RunZelto({"aoi", "hit", File("a.aif"), "20.5,9.5", "--json"}).output);
     EXPECT_EQ(corner["inside"], false) << "in the ellipse's box, not in the ellipse";
     const auto text = RunZelto({"aoi", "hit", File("a.aif"), "25,5"});
     EXPECT_NE(text.output.find("    2  ellipse"), std::string::npos) << text.output;
@@ -306,8 +306,8 @@ TEST_F(AoiCommand, MaskBurnsTheAreaOntoTheImagesGrid) {
     const auto run =
         RunZelto({"aoi", "mask", File("a.aif"), File("i.tif"), File("m.tif"), "--json"});
     ASSERT_EQ(run.exitStatus, 0) << run.errors;
-    EXPECT_EQ(json::parse(run.output)["inside"], 7 * 5);
-    EXPECT_EQ(json::parse(run.output)["pixels"], 200);
+    EXPECT_EQ(Json::parse(run.output)["inside"], 7 * 5);
+    EXPECT_EQ(Json::parse(run.output)["pixels"], 200);
     const Pixels mask = ReadBand(File("m.tif"), 1);
     EXPECT_EQ(mask, MakePixels(20, 10, [](int column, int row) {
                   return column >= 4 && column <= 10 && row >= 1 && row <= 5 ? 1 : 0;
@@ -348,7 +348,7 @@ TEST_F(AoiCommand, MaskMarksWhatStatisticsCountInShapesThatCrossThemselves) {
                 << column << ", " << row;
         }
     const auto statistics = RunZelto({"stats", File("i.tif"), "--aoi", File("a.shp"), "--json"});
-    EXPECT_EQ(json::parse(statistics.output)["count"], counted);
+    EXPECT_EQ(Json::parse(statistics.output)["count"], counted);
 }
 
 TEST_F(AoiCommand, MaskTransformsAnAreaInAnotherSystem) {

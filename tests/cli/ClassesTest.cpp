@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-using nlohmann::json;
+using Json = nlohmann::json;
 using zelto::test::RunZelto;
 using zelto::test::TemporaryFolder;
 using zelto::test::WriteFile;
@@ -32,8 +32,8 @@ TEST(ClassesCommand, WritesATableAndShowsItAgain) {
     EXPECT_EQ(written.exitStatus, 0) << written.errors;
     EXPECT_EQ(written.output, acf + ": 3 classes\n");
     const auto shown = RunZelto({"classes", "show", "--json", acf});
-    EXPECT_EQ(json::parse(shown.output)["classes"],
-              (json{{{"value", 1.0}, {"color", {0, 0, 255}}, {"name", "水体"}},
+    EXPECT_EQ(Json::parse(shown.output)["classes"],
+              (Json{{{"value", 1.0}, {"color", {0, 0, 255}}, {"name", "水体"}},
                     {{"value", 2.0}, {"color", {34, 139, 34}}, {"name", "forest"}},
                     {{"value", -3.0}, {"color", {255, 255, 0}}, {"name", "dry, \"bare\" soil"}}}));
     EXPECT_NE(RunZelto({"classes", "show", acf}).output.find("forest"), std::string::npos);

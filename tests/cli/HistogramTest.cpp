@@ -10,17 +10,17 @@
 #include <limits>
 #include <numeric>
 
-using nlohmann::json;
+using Json = nlohmann::json;
 using namespace zelto::test;
 
 namespace {
 
-json Count(std::vector<std::string> arguments) {
+Json Count(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"histogram", "--json"});
     const auto run = RunZelto(arguments);
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
     EXPECT_EQ(run.errors, "");
-    return json::parse(run.output);
+    return Json::parse(run.output);
 }
 
 } // namespace
@@ -29,17 +29,17 @@ TEST(HistogramCommand, CountsWholeValuesOneByOne) {
     const TemporaryFolder folder;
     const std::string path = WriteRaster(folder.File("a.tif"), {.width = 6, .height = 1},
                                          {{0, 3, 3, 3, 5, 0}, {7, 7, 7, 7, 7, 7}});
-    const json result = Count({path});
+    const Json result = Count({path});
     EXPECT_EQ(result["path"], path);
     ASSERT_EQ(result["bands"].size(), 2U);
-    const json& first = result["bands"][0];
+    const Json& first = result["bands"][0];
     EXPECT_EQ(first["band"], 1);
     EXPECT_EQ(first["low"], -0.5);
     EXPECT_EQ(first["high"], 5.5);
     EXPECT_EQ(first["bucketWidth"], 1.0);
-    EXPECT_EQ(first["counts"], (json{2, 0, 0, 3, 0, 1}));
+    EXPECT_EQ(first["counts"], (Json{2, 0, 0, 3, 0, 1}));
     EXPECT_EQ(first["counted"], 6);
-    EXPECT_EQ(result["bands"][1]["counts"], json::array({6}));
+    EXPECT_EQ(result["bands"][1]["counts"], Json::array({6}));
     EXPECT_EQ(result["bands"][1]["low"], 6.5);
 }
 
@@ -48,9 +48,9 @@ TEST(HistogramCommand, LeavesOutNoData) {
     const std::string path =
         WriteRaster(folder.File("a.tif"),
                     {.width = 4, .height = 1, .type = GDT_Int16, .noData = -9.0}, {{-9, 4, -9, 5}});
-    const json band = Count({path})["bands"][0];
+    const Json band = Count({path})["bands"][0];
     EXPECT_EQ(band["low"], 3.5);
-    EXPECT_EQ(band["counts"], (json{1, 1}));
+    EXPECT_EQ(band["counts"], (Json{1, 1}));
 }
 
 TEST(HistogramCommand, BucketsOfWholeNumbersHoldEquallyMany) {
@@ -59,10 +59,10 @@ TEST(HistogramCommand, BucketsOfWholeNumbersHoldEquallyMany) {
     std::iota(pixels.begin(), pixels.end(), 0.0);
     const std::string path = WriteRaster(
         folder.File("a.tif"), {.width = 100, .height = 10, .type = GDT_UInt16}, {pixels});
-    const json band = Count({path, "--buckets", "300"})["bands"][0];
+    const Json band = Count({path, "--buckets", "300"})["bands"][0];
     EXPECT_EQ(band["bucketWidth"], 4.0);
     ASSERT_EQ(band["counts"].size(), 250U);
-    for (const json& count : band["counts"])
+    for (const Json& count : band["counts"])
         EXPECT_EQ(count, 4);
 }
 
@@ -71,8 +71,8 @@ TEST(HistogramCommand, CountsTheGreatestOfFractionalValues) {
     const std::string path =
         WriteRaster(folder.File("a.tif"), {.width = 5, .height = 1, .type = GDT_Float32},
                     {{0.0, 0.2, 0.6, 0.75, 1.0}});
-    const json band = Count({path, "--buckets", "2"})["bands"][0];
-    EXPECT_EQ(band["counts"], (json{2, 3}));
+    const Json band = Count({path, "--buckets", "2"})["bands"][0];
+    EXPECT_EQ(band["counts"], (Json{2, 3}));
     EXPECT_EQ(band["low"], 0.0);
     EXPECT_NEAR(band["high"].get<double>(), 1.0, 1e-6);
 }
@@ -81,7 +81,7 @@ TEST(HistogramCommand, ARangeAndBandsCanBeChosen) {
     const TemporaryFolder folder;
     const std::string path = WriteRaster(folder.File("a.tif"), {.width = 4, .height = 1},
                                          {{1, 2, 3, 4}, {10, 20, 30, 40}, {5, 6, 7, 8}});
-    const json result = Count({path, "--bands", "3,2", "--range", "6,20"});
+    const Json result = Count({path, "--bands", "3,2", "--range", "6,20"});
     ASSERT_EQ(result["bands"].size(), 2U);
     EXPECT_EQ(result["bands"][0]["band"], 3);
     EXPECT_EQ(result["bands"][0]["counted"], 3);
@@ -90,9 +90,9 @@ TEST(HistogramCommand, ARangeAndBandsCanBeChosen) {
 }
 
 TEST(HistogramCommand, TheDisplayRangeIsTwoDeviationsWithinTheValues) {
-    const json band = Count({SampleScene(), "--band", "4"})["bands"][0];
-    const json info =
-        json::parse(RunZelto({"info", "--json", "--sample", SampleScene()}).output)["bands"][3];
+    const Json band = Count({SampleScene(), "--band", "4"})["bands"][0];
+    const Json info =
+        Json::parse(RunZelto({"info", "--json", "--sample", SampleScene()}).output)["bands"][3];
     EXPECT_EQ(band["displayRange"], info["displayRange"]);
     EXPECT_EQ(band["counted"], 349 * 352);
 }
@@ -161,16 +161,16 @@ TEST(HistogramCommand, CountsTheValuesOfARegionAlone) {
         WriteRaster(folder.File("a.tif"),
                     {.width = 4, .height = 2, .geoTransform = NorthUp(0, 2, 1), .noData = 9.0},
                     {{1, 2, 2, 100, 9, 2, 3, 100}, {5, 5, 6, 7, 5, 5, 6, 7}});
-    const json result = Count({path, "--box", "0,2,3,0"});
+    const Json result = Count({path, "--box", "0,2,3,0"});
     EXPECT_EQ(result["bands"][0]["low"], 0.5);
-    EXPECT_EQ(result["bands"][0]["counts"], (json{1, 3, 1}));
-    EXPECT_EQ(result["bands"][1]["counts"], (json{4, 2}));
+    EXPECT_EQ(result["bands"][0]["counts"], (Json{1, 3, 1}));
+    EXPECT_EQ(result["bands"][1]["counts"], (Json{4, 2}));
     EXPECT_EQ(Count({path, "--shape", "polygon 0 0 0 2 3 2 3 0"}), result);
     // The display range is the image's all the same.
     EXPECT_EQ(result["bands"][1]["displayRange"], Count({path})["bands"][1]["displayRange"]);
     EXPECT_EQ(
         Count({path, "--band", "1", "--box", "0,2,3,0", "--range", "2,4"})["bands"][0]["counts"],
-        (json{3, 1, 0}));
+        (Json{3, 1, 0}));
     const auto off = RunZelto({"histogram", path, "--box", "10,12,11,11"});
     EXPECT_EQ(off.exitStatus, 1);
     EXPECT_EQ(off.errors, "zelto: " + path + ": no values in the region\n");

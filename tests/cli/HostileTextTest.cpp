@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <ogrsf_frmts.h>
 
-using nlohmann::json;
+using Json = nlohmann::json;
 using zelto::test::RunZelto;
 using zelto::test::TemporaryFolder;
 
@@ -62,8 +62,8 @@ TEST(HostileText, SubDataSetDescriptionsAreEscapedInTheTableAndWholeInJson) {
     EXPECT_NE(table.output.find("red\\x1b[31m\\x9b"), std::string::npos) << table.output;
     const auto text = RunZelto({"info", "--json", path});
     EXPECT_EQ(text.exitStatus, 0) << text.errors;
-    EXPECT_EQ(json::parse(text.output)["subdatasets"][0]["description"], "red\x1b[31m\xC2\x9B");
-    EXPECT_EQ(json::parse(text.output)["subdatasets"][0]["name"], "x\xEF\xBF\xBD");
+    EXPECT_EQ(Json::parse(text.output)["subdatasets"][0]["description"], "red\x1b[31m\xC2\x9B");
+    EXPECT_EQ(Json::parse(text.output)["subdatasets"][0]["name"], "x\xEF\xBF\xBD");
 }
 
 TEST(HostileText, LayersFieldsAndValuesOfVectorsAreEscaped) {
@@ -84,7 +84,7 @@ TEST(HostileText, LayersFieldsAndValuesOfVectorsAreEscaped) {
     }
     EXPECT_NE(RunZelto({"vector", "info", path}).output.find("lay\\x1b[2Jer"), std::string::npos);
     auto with = std::vector<std::string>{"vector", "info", "--json", path};
-    EXPECT_EQ(json::parse(RunZelto(with).output)["layers"][0]["name"], "lay\x1b[2Jer");
+    EXPECT_EQ(Json::parse(RunZelto(with).output)["layers"][0]["name"], "lay\x1b[2Jer");
 }
 
 TEST(HostileText, ClassNamesAreEscapedInTheTableAndWholeInJson) {

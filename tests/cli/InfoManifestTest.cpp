@@ -9,7 +9,7 @@
 #include <fstream>
 #include <set>
 
-using nlohmann::json;
+using Json = nlohmann::json;
 using zelto::test::RunZelto;
 using zelto::test::TestDataFile;
 
@@ -23,8 +23,8 @@ class InfoOfTestData : public testing::Test {
         m_before = std::filesystem::current_path();
         std::filesystem::current_path(TestDataFile(""));
         std::ifstream stream("manifest.json");
-        const json manifest = json::parse(stream);
-        for (const json& file : manifest["files"]) {
+        const Json manifest = Json::parse(stream);
+        for (const Json& file : manifest["files"]) {
             if (file["path"].get<std::string>().rfind("raster/", 0) == 0 && file.contains("gdal") &&
                 !file["gdal"].is_null())
                 m_files.push_back(file);
@@ -36,42 +36,42 @@ class InfoOfTestData : public testing::Test {
             std::filesystem::current_path(m_before);
     }
 
-    std::vector<std::string> Paths(bool (*wanted)(const json&)) const {
+    std::vector<std::string> Paths(bool (*wanted)(const Json&)) const {
         std::vector<std::string> paths;
-        for (const json& file : m_files)
+        for (const Json& file : m_files)
             if (wanted(file["gdal"]))
                 paths.push_back(file["path"]);
         return paths;
     }
-    const json& Facts(const std::string& path) const {
-        for (const json& file : m_files)
+    const Json& Facts(const std::string& path) const {
+        for (const Json& file : m_files)
             if (file["path"] == path)
                 return file["gdal"];
         throw std::runtime_error("not in the manifest: " + path);
     }
 
     std::filesystem::path m_before;
-    std::vector<json> m_files;
+    std::vector<Json> m_files;
 };
 
-bool Opens(const json& facts) {
+bool Opens(const Json& facts) {
     return facts["open"] == "ok";
 }
-bool FailsToOpen(const json& facts) {
+bool FailsToOpen(const Json& facts) {
     return facts["open"] == "fail";
 }
-bool HasReadablePixels(const json& facts) {
+bool HasReadablePixels(const Json& facts) {
     return Opens(facts) && facts["pixels_readable"] != false && facts["width"] < 10000;
 }
-bool HasUnreadablePixels(const json& facts) {
+bool HasUnreadablePixels(const Json& facts) {
     return Opens(facts) && facts["pixels_readable"] == false;
 }
 
-double Number(const json& value) {
+double Number(const Json& value) {
     return value.is_string() ? std::stod(value.get<std::string>()) : value.get<double>();
 }
 
-void ExpectNumber(const json& found, const json& expected, double tolerance, const char* what) {
+void ExpectNumber(const Json& found, const Json& expected, double tolerance, const char* what) {
     ASSERT_EQ(found.is_null(), expected.is_null()) << what;
     if (found.is_null())
         return;
@@ -83,29 +83,29 @@ void ExpectNumber(const json& found, const json& expected, double tolerance, con
         EXPECT_TRUE(a == b || (std::isnan(a) && std::isnan(b))) << what << " " << a << " " << b;
 }
 
-void ExpectBand(const json& found, const json& expected) {
+void ExpectBand(const Json& found, const Json& expected) {
     EXPECT_EQ(found["band"], expected["band"]);
     EXPECT_EQ(found["dataType"], expected["type"]);
     EXPECT_EQ(found["blockSize"], expected["block"]);
     ExpectNumber(found["noData"], expected["nodata"], 0.0, "no-data");
-    EXPECT_EQ(found["overviews"], expected.value("overviews", json::array()));
+    EXPECT_EQ(found["overviews"], expected.value("overviews", Json::array()));
     EXPECT_EQ(found["colorTable"], expected.contains("color_table_entries"));
 }
 
 /// Files without a geotransform map pixels to themselves, counted upwards from the bottom.
-json GeoTransform(const json& facts) {
+Json GeoTransform(const Json& facts) {
     if (!facts["geotransform"].is_null())
         return facts["geotransform"];
     return {0.0, 1.0, 0.0, facts["height"], 0.0, -1.0};
 }
 
-void ExpectFile(const json& found, const json& expected) {
+void ExpectFile(const Json& found, const Json& expected) {
     EXPECT_EQ(found["format"], expected["driver"]);
     EXPECT_EQ(found["width"], expected["width"]);
     EXPECT_EQ(found["height"], expected["height"]);
     EXPECT_EQ(found["controlPoints"].size(), expected["gcp_count"].get<std::size_t>());
-    EXPECT_EQ(found["subdatasets"].size(), expected.value("subdatasets", json::array()).size());
-    const json geoTransform = GeoTransform(expected);
+    EXPECT_EQ(found["subdatasets"].size(), expected.value("subdatasets", Json::array()).size());
+    const Json geoTransform = GeoTransform(expected);
     for (std::size_t i = 0; i < 6; ++i)
         ExpectNumber(found["geotransform"][i], geoTransform[i], 1e-12, "geotransform");
     ASSERT_EQ(found["bands"].size(), expected["band_info"].size());
@@ -115,7 +115,7 @@ void ExpectFile(const json& found, const json& expected) {
 }
 
 /// Against figures computed from the pixels by other means.
-void ExpectStatistics(const json& found, const json& exact) {
+void ExpectStatistics(const Json& found, const Json& exact) {
     if (exact.contains("skipped"))
         return;
     if (!exact.contains("min")) {
@@ -128,11 +128,11 @@ void ExpectStatistics(const json& found, const json& exact) {
     ExpectNumber(found["standardDeviation"], exact["stddev"], 1e-6, "deviation");
 }
 
-json DescribeAll(std::vector<std::string> paths, const char* option) {
+Json DescribeAll(std::vector<std::string> paths, const char* option) {
     paths.insert(paths.begin(), {"info", "--json", option});
     const auto run = RunZelto(paths);
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
-    return json::parse(run.output);
+    return Json::parse(run.output);
 }
 
 void ExpectCleanFailure(const zelto::test::RunResult& run, const std::string& path) {
@@ -146,7 +146,7 @@ void ExpectCleanFailure(const zelto::test::RunResult& run, const std::string& pa
 
 TEST_F(InfoOfTestData, EveryRasterIsDescribedAsItIs) {
     const auto paths = Paths(Opens);
-    const json found = DescribeAll(paths, "--json");
+    const Json found = DescribeAll(paths, "--json");
     ASSERT_EQ(found.size(), paths.size());
     for (std::size_t i = 0; i < paths.size(); ++i) {
         SCOPED_TRACE(paths[i]);
@@ -156,11 +156,11 @@ TEST_F(InfoOfTestData, EveryRasterIsDescribedAsItIs) {
 
 TEST_F(InfoOfTestData, StatisticsAreThoseOfThePixels) {
     const auto paths = Paths(HasReadablePixels);
-    const json found = DescribeAll(paths, "--stats");
+    const Json found = DescribeAll(paths, "--stats");
     ASSERT_EQ(found.size(), paths.size());
     for (std::size_t i = 0; i < paths.size(); ++i) {
         SCOPED_TRACE(paths[i]);
-        const json& bands = Facts(paths[i])["band_info"];
+        const Json& bands = Facts(paths[i])["band_info"];
         for (std::size_t b = 0; b < bands.size(); ++b)
             ExpectStatistics(found[i]["bands"][b], bands[b]["exact"]);
     }

@@ -15,7 +15,7 @@
 #include <csignal>
 #include <filesystem>
 
-using nlohmann::json;
+using Json = nlohmann::json;
 using zelto::test::MakePixels;
 using zelto::test::NorthUp;
 using zelto::test::Pixels;
@@ -26,12 +26,12 @@ using zelto::test::WriteRaster;
 
 namespace {
 
-json Describe(std::vector<std::string> arguments) {
+Json Describe(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"info", "--json"});
     const auto run = RunZelto(arguments);
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
     EXPECT_EQ(run.errors, "");
-    return json::parse(run.output);
+    return Json::parse(run.output);
 }
 
 void ExpectOneLineAbout(const std::string& errors, const std::string& file) {
@@ -56,17 +56,17 @@ TEST(InfoCommand, DescribesARasterFully) {
                                                           : c < 6 ? 10.0
                                                                   : 20.0; }),
                  Pixels(32, 5.0)});
-    const json facts = Describe({"--sample", path});
+    const Json facts = Describe({"--sample", path});
     EXPECT_EQ(facts["path"], path);
     EXPECT_EQ(facts["format"], "GTiff");
     EXPECT_EQ(facts["width"], 8);
     EXPECT_EQ(facts["height"], 4);
     EXPECT_EQ(facts["bandCount"], 2);
     EXPECT_EQ(facts["dataType"], "UInt16");
-    EXPECT_EQ(facts["geotransform"], (json{500000.0, 30.0, 0.0, 4000000.0, 0.0, -30.0}));
+    EXPECT_EQ(facts["geotransform"], (Json{500000.0, 30.0, 0.0, 4000000.0, 0.0, -30.0}));
     EXPECT_EQ(
         facts["extent"],
-        (json{{"left", 500000.0}, {"top", 4000000.0}, {"right", 500240.0}, {"bottom", 3999880.0}}));
+        (Json{{"left", 500000.0}, {"top", 4000000.0}, {"right", 500240.0}, {"bottom", 3999880.0}}));
     EXPECT_EQ(facts["coordinateName"], "WGS 84 / UTM zone 50N (Transverse_Mercator/WGS 84)");
     EXPECT_EQ(facts["datum"], "WGS_1984");
     EXPECT_EQ(facts["units"], "metre");
@@ -75,20 +75,20 @@ TEST(InfoCommand, DescribesARasterFully) {
     EXPECT_TRUE(facts["classes"].empty());
     EXPECT_EQ(facts["controlPoints"].size(), 0U);
     ASSERT_EQ(facts["bands"].size(), 2U);
-    const json& band = facts["bands"][0];
+    const Json& band = facts["bands"][0];
     EXPECT_EQ(band["band"], 1);
     EXPECT_EQ(band["dataType"], "UInt16");
-    EXPECT_EQ(band["blockSize"], (json{8, 4}));
+    EXPECT_EQ(band["blockSize"], (Json{8, 4}));
     EXPECT_EQ(band["noData"], 9.0);
     EXPECT_EQ(band["colorTable"], false);
-    EXPECT_EQ(band["overviews"], (json{{4, 2}}));
+    EXPECT_EQ(band["overviews"], (Json{{4, 2}}));
     EXPECT_EQ(band["minimum"], 10.0);
     EXPECT_EQ(band["maximum"], 20.0);
     EXPECT_EQ(band["mean"], 15.0);
     EXPECT_EQ(band["standardDeviation"], 5.0);
     EXPECT_EQ(band["displayMinimum"], 10.0);
     EXPECT_EQ(band["displayMaximum"], 20.0);
-    EXPECT_EQ(band["displayRange"], (json{10.0, 20.0})) << "two deviations reach beyond both";
+    EXPECT_EQ(band["displayRange"], (Json{10.0, 20.0})) << "two deviations reach beyond both";
     EXPECT_EQ(facts["bands"][1]["mean"], 5.0);
 }
 
@@ -98,8 +98,8 @@ TEST(InfoCommand, TheDisplayRangeIsTwoDeviationsAroundTheMean) {
     Pixels pixels(100, 50.0);
     pixels[7] = 150.0;
     WriteRaster(path, {.width = 10, .height = 10}, {pixels});
-    const json facts = Describe({"--sample", path});
-    const json& band = facts["bands"][0];
+    const Json facts = Describe({"--sample", path});
+    const Json& band = facts["bands"][0];
     EXPECT_EQ(band["displayMinimum"], 50.0);
     EXPECT_EQ(band["displayMaximum"], 150.0);
     // Mean 51, variance (99 · 1² + 99²) / 100 = 99.
@@ -114,11 +114,11 @@ TEST(InfoCommand, ExactStatisticsSeeWhatTheSampleMisses) {
     WriteRaster(path, {.width = 4096, .height = 100}, {MakePixels(4096, 100, [](int c, int r) {
                     return c % 2 == 1 && r % 2 == 1 ? 7 : 100;
                 })});
-    const json sampled = Describe({"--sample", path});
+    const Json sampled = Describe({"--sample", path});
     EXPECT_EQ(sampled["statistics"], "sampled");
     EXPECT_EQ(sampled["bands"][0]["maximum"], 7.0);
     EXPECT_TRUE(Describe({"--stats", path})["bands"][0]["displayMaximum"].is_null());
-    const json exact = Describe({"--stats", "--sample", path});
+    const Json exact = Describe({"--stats", "--sample", path});
     EXPECT_EQ(exact["statistics"], "exact");
     EXPECT_EQ(exact["bands"][0]["maximum"], 100.0);
     EXPECT_NEAR(exact["bands"][0]["mean"].get<double>(), 76.75, 1e-9);
@@ -133,7 +133,7 @@ TEST(InfoCommand, BandsWithoutAValidPixelHaveNoStatistics) {
     WriteRaster(empty, {.width = 2, .height = 2, .noData = 3.0}, {Pixels(4, 3.0)});
     WriteRaster(zero, {.width = 2, .height = 2}, {Pixels(4, 0.0)});
     for (const char* option : {"--sample", "--stats"}) {
-        const json facts = Describe({option, empty, zero});
+        const Json facts = Describe({option, empty, zero});
         EXPECT_TRUE(facts[0]["bands"][0]["minimum"].is_null());
         EXPECT_TRUE(facts[0]["bands"][0]["standardDeviation"].is_null());
         EXPECT_TRUE(facts[0]["bands"][0]["displayMaximum"].is_null());
@@ -151,7 +151,7 @@ TEST(InfoCommand, WithoutStatisticsNoPixelIsRead) {
                              .geoTransform = NorthUp(0, 0, 10),
                              .options = {"TILED=YES", "COMPRESS=DEFLATE"}};
     WriteRaster(path, spec, {MakePixels(512, 512, [](int c, int r) { return c * r % 977; })});
-    const json whole = Describe({path});
+    const Json whole = Describe({path});
     EXPECT_TRUE(whole["statistics"].is_null());
     for (const char* value : {"minimum", "maximum", "mean", "standardDeviation", "displayMinimum",
                               "displayMaximum", "displayRange"})
@@ -205,11 +205,11 @@ TEST(InfoCommand, ARotatedImageKeepsItsSizeAndGeotransform) {
     const std::string path = folder.File("rotated.tif");
     WriteRaster(path, {.width = 20, .height = 10, .geoTransform = {{100, 3, 4, 200, 4, -3}}},
                 {Pixels(200, 1.0)});
-    const json facts = Describe({path});
+    const Json facts = Describe({path});
     EXPECT_EQ(facts["width"], 20);
-    EXPECT_EQ(facts["geotransform"], (json{100.0, 3.0, 4.0, 200.0, 4.0, -3.0}));
+    EXPECT_EQ(facts["geotransform"], (Json{100.0, 3.0, 4.0, 200.0, 4.0, -3.0}));
     EXPECT_EQ(facts["extent"],
-              (json{{"left", 100.0}, {"top", 280.0}, {"right", 200.0}, {"bottom", 170.0}}));
+              (Json{{"left", 100.0}, {"top", 280.0}, {"right", 200.0}, {"bottom", 170.0}}));
     const auto run = RunZelto({"info", path});
     EXPECT_NE(run.output.find("geotransform  100, 3, 4, 200, 4, -3"), std::string::npos)
         << run.output;
@@ -232,12 +232,12 @@ TEST(InfoCommand, AnImageWithControlPointsIsDescribedUnwarped) {
     ASSERT_EQ(dataset->SetGCPs(3, points, ""), CE_None);
     GDALDeinitGCPs(3, points);
     dataset.reset();
-    const json facts = Describe({path});
+    const Json facts = Describe({path});
     EXPECT_EQ(facts["width"], 20);
     EXPECT_EQ(facts["height"], 10);
     EXPECT_EQ(facts["format"], "GTiff");
     EXPECT_EQ(facts["controlPoints"].size(), 3U);
-    EXPECT_EQ(facts["geotransform"], (json{0.0, 1.0, 0.0, 10.0, 0.0, -1.0}));
+    EXPECT_EQ(facts["geotransform"], (Json{0.0, 1.0, 0.0, 10.0, 0.0, -1.0}));
 }
 
 TEST(InfoCommand, ListsTheClassesOfAnAssistantFile) {
@@ -251,8 +251,8 @@ TEST(InfoCommand, ListsTheClassesOfAnAssistantFile) {
     water.SetName(L"水体");
     file.SetClasses({water});
     ASSERT_TRUE(file.WriteClssifiedAssistantFile(folder.WideFile("landcover.acf")));
-    const json facts = Describe({path});
-    EXPECT_EQ(facts["classes"], (json{{{"value", 1.0}, {"color", {0, 0, 255}}, {"name", "水体"}}}));
+    const Json facts = Describe({path});
+    EXPECT_EQ(facts["classes"], (Json{{{"value", 1.0}, {"color", {0, 0, 255}}, {"name", "水体"}}}));
     EXPECT_NE(RunZelto({"info", path}).output.find("水体"), std::string::npos);
 }
 
@@ -266,7 +266,7 @@ TEST(InfoCommand, TellsAPaletteFromGrey) {
     table.SetColorEntry(1, &red);
     ASSERT_EQ(dataset->GetRasterBand(1)->SetColorTable(&table), CE_None);
     dataset.reset();
-    const json band = Describe({path})["bands"][0];
+    const Json band = Describe({path})["bands"][0];
     EXPECT_EQ(band["colorTable"], true);
     EXPECT_EQ(band["colorTableEntries"], 256);
 }
@@ -309,7 +309,7 @@ TEST(InfoCommand, FilesThatFailAreNamedAndTheOthersDescribed) {
     EXPECT_NE(RunZelto({"info", missing}).errors.find("No such file"), std::string::npos);
     const auto run = RunZelto({"info", "--json", missing, good, empty});
     EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_EQ(json::parse(run.output).size(), 1U);
+    EXPECT_EQ(Json::parse(run.output).size(), 1U);
     EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 2);
     EXPECT_EQ(RunZelto({"info"}).exitStatus, 2);
 }

@@ -8,42 +8,42 @@ namespace zelto::test {
 
 namespace {
 
-using nlohmann::json;
+using Json = nlohmann::json;
 
-json ReadSchema(const std::string& file) {
+Json ReadSchema(const std::string& file) {
     std::ifstream stream(ZELTO_SCHEMA_FOLDER "/" + file);
-    return stream ? json::parse(stream) : json();
+    return stream ? Json::parse(stream) : Json();
 }
 
 /// A schema with the file that its references are in.
 struct Place {
-    const json& schema;
-    const json& file;
+    const Json& schema;
+    const Json& file;
 };
 
-bool IsType(const json& value, const std::string& type) {
+bool IsType(const Json& value, const std::string& type) {
     return (type == "object" && value.is_object()) || (type == "array" && value.is_array()) ||
            (type == "string" && value.is_string()) || (type == "boolean" && value.is_boolean()) ||
            (type == "null" && value.is_null()) || (type == "number" && value.is_number()) ||
            (type == "integer" && value.is_number_integer());
 }
 
-std::string Check(const json& value, const Place& place, const std::string& at);
+std::string Check(const Json& value, const Place& place, const std::string& at);
 
-std::string CheckReference(const json& value, const Place& place, const std::string& at) {
+std::string CheckReference(const Json& value, const Place& place, const std::string& at) {
     const std::string reference = place.schema["$ref"];
     const std::size_t hash = reference.find('#');
-    const json other = hash > 0 ? ReadSchema(reference.substr(0, hash)) : json();
-    const json& file = hash > 0 ? other : place.file;
-    const json::json_pointer pointer(reference.substr(hash + 1));
+    const Json other = hash > 0 ? ReadSchema(reference.substr(0, hash)) : Json();
+    const Json& file = hash > 0 ? other : place.file;
+    const Json::json_pointer pointer(reference.substr(hash + 1));
     if (!file.contains(pointer))
         return at + ": no schema is at " + reference;
     return Check(value, {file.at(pointer), file}, at);
 }
 
-std::string CheckAnyOf(const json& value, const Place& place, const std::string& at) {
+std::string CheckAnyOf(const Json& value, const Place& place, const std::string& at) {
     std::string wrong;
-    for (const json& choice : place.schema["anyOf"]) {
+    for (const Json& choice : place.schema["anyOf"]) {
         const std::string mismatch = Check(value, {choice, place.file}, at);
         if (mismatch.empty())
             return {};
@@ -52,16 +52,16 @@ std::string CheckAnyOf(const json& value, const Place& place, const std::string&
     return wrong;
 }
 
-std::string CheckObject(const json& value, const Place& place, const std::string& at) {
-    for (const json& name : place.schema.value("required", json::array()))
+std::string CheckObject(const Json& value, const Place& place, const std::string& at) {
+    for (const Json& name : place.schema.value("required", Json::array()))
         if (!value.contains(name.get<std::string>()))
             return at + ": lacks " + name.dump();
-    const json properties = place.schema.value("properties", json::object());
+    const Json properties = place.schema.value("properties", Json::object());
     for (const auto& [name, member] : value.items()) {
         std::string mismatch;
         if (properties.contains(name))
             mismatch = Check(member, {properties[name], place.file}, at + "/" + name);
-        else if (const json others = place.schema.value("additionalProperties", json(true));
+        else if (const Json others = place.schema.value("additionalProperties", Json(true));
                  others.is_object())
             mismatch = Check(member, {others, place.file}, at + "/" + name);
         else if (others == false)
@@ -72,7 +72,7 @@ std::string CheckObject(const json& value, const Place& place, const std::string
     return {};
 }
 
-std::string CheckArray(const json& value, const Place& place, const std::string& at) {
+std::string CheckArray(const Json& value, const Place& place, const std::string& at) {
     if (value.size() < place.schema.value("minItems", std::size_t{0}) ||
         value.size() > place.schema.value("maxItems", value.size()))
         return at + ": has " + std::to_string(value.size()) + " members";
@@ -84,12 +84,12 @@ std::string CheckArray(const json& value, const Place& place, const std::string&
     return {};
 }
 
-std::string CheckValue(const json& value, const Place& place, const std::string& at) {
-    const json& schema = place.schema;
+std::string CheckValue(const Json& value, const Place& place, const std::string& at) {
+    const Json& schema = place.schema;
     if (schema.contains("type")) {
-        const json types = schema["type"].is_array() ? schema["type"] : json{schema["type"]};
+        const Json types = schema["type"].is_array() ? schema["type"] : Json{schema["type"]};
         if (std::none_of(types.begin(), types.end(),
-                         [&](const json& type) { return IsType(value, type); }))
+                         [&](const Json& type) { return IsType(value, type); }))
             return at + ": " + value.dump() + " is no " + schema["type"].dump();
     }
     if (schema.contains("enum") &&
@@ -102,7 +102,7 @@ std::string CheckValue(const json& value, const Place& place, const std::string&
     return {};
 }
 
-std::string Check(const json& value, const Place& place, const std::string& at) {
+std::string Check(const Json& value, const Place& place, const std::string& at) {
     static const std::set<std::string> known = {
         "$schema",     "$defs",      "$ref",    "title",
         "description", "type",       "enum",    "anyOf",
@@ -126,7 +126,7 @@ std::string Check(const json& value, const Place& place, const std::string& at) 
 } // namespace
 
 std::string Mismatch(const nlohmann::json& value, const std::string& name) {
-    const json schema = ReadSchema(name + ".schema.json");
+    const Json schema = ReadSchema(name + ".schema.json");
     if (schema.is_null())
         return "there is no schema " + name;
     return Check(value, {schema, schema}, "");

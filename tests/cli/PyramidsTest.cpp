@@ -9,7 +9,7 @@
 
 #include <filesystem>
 
-using nlohmann::json;
+using Json = nlohmann::json;
 using zelto::test::Pixels;
 using zelto::test::RunZelto;
 using zelto::test::TemporaryFolder;
@@ -63,11 +63,11 @@ TEST(PyramidsCommand, PrintsJson) {
     const std::string large = WriteSquare(folder, "大.tif", 300);
     ASSERT_EQ(RunZelto({"pyramids", "build", large}).exitStatus, 0);
     const auto run = RunZelto({"pyramids", "check", "--json", large});
-    const json result = json::parse(run.output);
+    const Json result = Json::parse(run.output);
     ASSERT_EQ(result.size(), 1U);
     EXPECT_EQ(result[0]["path"], large);
     EXPECT_EQ(result[0]["valid"], true);
-    EXPECT_EQ(result[0]["levels"], (json{"150x150", "75x75", "38x38"}));
+    EXPECT_EQ(result[0]["levels"], (Json{"150x150", "75x75", "38x38"}));
 }
 
 TEST(PyramidsCommand, BandsCanBeChosen) {
@@ -108,7 +108,7 @@ TEST(PyramidsCommand, WrongArgumentsLeaveThePyramid) {
         ASSERT_EQ(RunZelto({"create", path, "--size", "600x600"}).exitStatus, 0);
         ASSERT_EQ(RunZelto({"pyramids", "build", path}).exitStatus, 0);
         const auto before = RunZelto({"pyramids", "check", "--json", path});
-        EXPECT_EQ(json::parse(before.output)[0]["levels"].size(), isPcidsk ? 2U : 4U);
+        EXPECT_EQ(Json::parse(before.output)[0]["levels"].size(), isPcidsk ? 2U : 4U);
         EXPECT_EQ(RunZelto({"pyramids", "build", path, "--resampling", "FOO"}).exitStatus, 2);
         EXPECT_EQ(RunZelto({"pyramids", "build", path, "--bands", "9"}).exitStatus, 2);
         EXPECT_EQ(RunZelto({"pyramids", "check", "--json", path}).output, before.output);
@@ -131,7 +131,7 @@ TEST(PyramidsCommand, LevelsInsideAreRebuiltWithoutTakingThePyramidOfAnother) {
     EXPECT_EQ(zelto::test::ReadFile(folder.File("a.rrd")), levels);
     for (const char* name : {"a.tif", "a.dat"}) {
         const auto check = RunZelto({"pyramids", "check", "--json", folder.File(name)});
-        EXPECT_FALSE(json::parse(check.output)[0]["levels"].empty()) << name;
+        EXPECT_FALSE(Json::parse(check.output)[0]["levels"].empty()) << name;
     }
 }
 

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-using nlohmann::json;
+using Json = nlohmann::json;
 using zelto::test::RunZelto;
 
 namespace {
@@ -134,7 +134,7 @@ TEST(ReprojectPoints, AsJsonSayWhichAreKnown) {
     const auto run =
         RunZelto({"reproject", "points", "--from", "EPSG:4326", "--to", "EPSG:3395", "--json"},
                  "0 400\n0 0\n");
-    const json points = json::parse(run.output);
+    const Json points = Json::parse(run.output);
     ASSERT_EQ(points.size(), 2U);
     EXPECT_EQ(points[0]["known"], false);
     EXPECT_EQ(points[1]["known"], true);
@@ -175,8 +175,8 @@ TEST(ReprojectBox, SamplesTheEdges) {
                                               "--box",     "114,61,120,60", "--json"};
     auto corners = command;
     corners.insert(corners.end(), {"--step", "0"});
-    const json sampled = json::parse(RunZelto(command).output);
-    const json plain = json::parse(RunZelto(corners).output);
+    const Json sampled = Json::parse(RunZelto(command).output);
+    const Json plain = Json::parse(RunZelto(corners).output);
     // The parallel's lowest point lies on the central meridian, between the corners.
     EXPECT_LT(sampled["bottom"].get<double>() + 3000, plain["bottom"].get<double>());
     EXPECT_EQ(sampled["top"], plain["top"]);
@@ -212,7 +212,7 @@ TEST(ReprojectWindow, IsThePixelsWidenedByFive) {
     const auto run = RunZelto({"reproject", "window", raster, "--srs", "EPSG:32650", "--box",
                                "500207,4399691,500402,4399499", "--json"});
     EXPECT_EQ(run.exitStatus, 0) << run.errors;
-    const json window = json::parse(run.output);
+    const Json window = Json::parse(run.output);
     EXPECT_EQ(window["column"], 15);
     EXPECT_EQ(window["row"], 25);
     EXPECT_EQ(window["width"], 30);
@@ -247,7 +247,7 @@ TEST(ReprojectWindow, NamesThePixelsOfSouthUpAndRotatedImages) {
         const auto run = RunZelto({"reproject", "window", raster, "--srs", "EPSG:32650", "--box",
                                    "500207,4399691,500402,4399499", "--json"});
         ASSERT_EQ(run.exitStatus, 0) << run.errors;
-        EXPECT_EQ(json::parse(run.output), json({{"column", lay.column},
+        EXPECT_EQ(Json::parse(run.output), Json({{"column", lay.column},
                                                  {"row", lay.row},
                                                  {"width", lay.width},
                                                  {"height", lay.height}}));
@@ -279,11 +279,11 @@ TEST(ReprojectGrid, ResidualsShrinkWithTheOrder) {
         const auto run = RunZelto({"reproject", "grid", zelto::test::SampleScene(), "--srs",
                                    "EPSG:4326", "--order", order, "--json"});
         ASSERT_EQ(run.exitStatus, 0) << run.errors;
-        const json grid = json::parse(run.output);
+        const Json grid = Json::parse(run.output);
         const double largest = grid["largest"][0].get<double>();
         EXPECT_LT(largest, former);
         former = largest / 10;
-        EXPECT_EQ(grid["points"], (json{20, 20}));
+        EXPECT_EQ(grid["points"], (Json{20, 20}));
         EXPECT_EQ(grid["column"].size(), grid["row"].size());
     }
 }
@@ -292,7 +292,7 @@ TEST(ReprojectGrid, OfOrderZeroInterpolates) {
     const auto run = RunZelto({"reproject", "grid", zelto::test::SampleScene(), "--srs",
                                "EPSG:4326", "--order", "0", "--json"});
     ASSERT_EQ(run.exitStatus, 0) << run.errors;
-    const json grid = json::parse(run.output);
+    const Json grid = Json::parse(run.output);
     EXPECT_LT(grid["largest"][0].get<double>(), 1e-3);
     EXPECT_FALSE(grid.contains("column"));
 }

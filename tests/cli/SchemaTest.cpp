@@ -12,7 +12,7 @@
 #include <cmath>
 
 using namespace zelto::test;
-using nlohmann::json;
+using Json = nlohmann::json;
 
 namespace {
 
@@ -72,7 +72,7 @@ TEST_P(Schemas, AreWhatTheCommandsPrint) {
     words.emplace_back("--json");
     const auto run = RunZelto(words, "117 1\n");
     ASSERT_EQ(run.errors, "");
-    EXPECT_EQ(Mismatch(json::parse(run.output), GetParam().schema), "") << run.output;
+    EXPECT_EQ(Mismatch(Json::parse(run.output), GetParam().schema), "") << run.output;
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -5,7 +5,7 @@
 
 #include <string>
 
-using nlohmann::json;
+using Json = nlohmann::json;
 using zelto::test::RunZelto;
 
 namespace {
@@ -27,7 +27,7 @@ TEST(SrsCommand, InfoDescribesAGeographicSystem) {
 }
 
 TEST(SrsCommand, InfoListsTheParametersOfAProjection) {
-    const json info = json::parse(RunZelto({"srs", "info", "EPSG:4548", "--json"}).output);
+    const Json info = Json::parse(RunZelto({"srs", "info", "EPSG:4548", "--json"}).output);
     EXPECT_EQ(info["kind"], "projected");
     EXPECT_EQ(info["geographicSystem"], "China Geodetic Coordinate System 2000");
     EXPECT_EQ(info["projection"], "Transverse_Mercator");
@@ -64,7 +64,7 @@ TEST(SrsCommand, CompareSaysTheSameOfAnotherDialect) {
 TEST(SrsCommand, CompareSaysWhatDiffers) {
     const auto run = RunZelto({"srs", "compare", "EPSG:32650", "EPSG:32651", "--json"});
     EXPECT_EQ(run.exitStatus, 0);
-    const json result = json::parse(run.output);
+    const Json result = Json::parse(run.output);
     EXPECT_EQ(result["same"], false);
     ASSERT_EQ(result["differences"].size(), 2U);
     EXPECT_EQ(result["differences"][0]["what"], "name");
@@ -74,10 +74,10 @@ TEST(SrsCommand, CompareSaysWhatDiffers) {
 }
 
 TEST(SrsCommand, CompareShowsFactsThatOnlyOneSystemHas) {
-    const json result =
-        json::parse(RunZelto({"srs", "compare", "EPSG:4326", "EPSG:32650", "--json"}).output);
+    const Json result =
+        Json::parse(RunZelto({"srs", "compare", "EPSG:4326", "EPSG:32650", "--json"}).output);
     bool found = false;
-    for (const json& difference : result["differences"]) {
+    for (const Json& difference : result["differences"]) {
         if (difference["what"] == "projection") {
             found = true;
             EXPECT_TRUE(difference["first"].is_null());
@@ -92,8 +92,8 @@ TEST(SrsCommand, GkPrintsTheSystemOfAZone) {
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.output.substr(0, 44), R"(PROJCS["Xian_1980_3_Degree_GK_CM_117E",GEOGC)");
     EXPECT_EQ(run.output.back(), '\n');
-    const json result =
-        json::parse(RunZelto({"srs", "gk", XIAN, "--zone", "20", "--width", "6", "--json"}).output);
+    const Json result =
+        Json::parse(RunZelto({"srs", "gk", XIAN, "--zone", "20", "--width", "6", "--json"}).output);
     EXPECT_EQ(result["coordinateName"], "Xian_1980_GK_CM_117E");
     EXPECT_EQ(result["centralMeridian"], 117.0);
 }
@@ -101,8 +101,8 @@ TEST(SrsCommand, GkPrintsTheSystemOfAZone) {
 TEST(SrsCommand, GkSystemIsTheOneOfItsCode) {
     std::string wkt = RunZelto({"srs", "gk", "EPSG:4490", "--zone", "39", "--width", "3"}).output;
     wkt.pop_back();
-    const json result =
-        json::parse(RunZelto({"srs", "compare", wkt, "EPSG:4548", "--json"}).output);
+    const Json result =
+        Json::parse(RunZelto({"srs", "compare", wkt, "EPSG:4548", "--json"}).output);
     EXPECT_EQ(result["same"], true);
 }
 

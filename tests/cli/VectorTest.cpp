@@ -9,7 +9,7 @@
 namespace {
 
 using namespace zelto::test;
-using nlohmann::json;
+using Json = nlohmann::json;
 
 TEST(VectorCommand, InfoTellsLayersAndFields) {
     const TemporaryFolder folder;
@@ -22,17 +22,17 @@ TEST(VectorCommand, InfoTellsLayersAndFields) {
                 {"POINT (1 2)", "POINT (5 9)"});
     const auto run = RunZelto({"vector", "info", folder.File("a.gpkg"), "--json"});
     ASSERT_EQ(run.exitStatus, 0) << run.errors;
-    const json info = json::parse(run.output);
+    const Json info = Json::parse(run.output);
     EXPECT_EQ(info["format"], "GPKG");
     ASSERT_EQ(info["layers"].size(), 1U);
-    const json& layer = info["layers"][0];
+    const Json& layer = info["layers"][0];
     EXPECT_EQ(layer["name"], "places");
     EXPECT_EQ(layer["geometry"], "Point");
     EXPECT_EQ(layer["features"], 2);
     EXPECT_EQ(layer["extent"],
-              (json{{"left", 1.0}, {"top", 9.0}, {"right", 5.0}, {"bottom", 2.0}}));
+              (Json{{"left", 1.0}, {"top", 9.0}, {"right", 5.0}, {"bottom", 2.0}}));
     EXPECT_EQ(layer["coordinateName"], "WGS 84");
-    EXPECT_EQ(layer["fields"][1], (json{{"name", "height"}, {"type", "Real"}}));
+    EXPECT_EQ(layer["fields"][1], (Json{{"name", "height"}, {"type", "Real"}}));
     const auto text = RunZelto({"vector", "info", folder.File("a.gpkg")});
     EXPECT_EQ(text.output, folder.File("a.gpkg") + ": GPKG, 1 layer\n\n" +
                                "layer     places\n"
@@ -47,8 +47,8 @@ TEST(VectorCommand, InfoTellsLayersAndFields) {
 TEST(VectorCommand, AnEmptyLayerHasNoExtent) {
     const TemporaryFolder folder;
     WriteVector(folder.File("a.shp"), {.type = wkbPolygon}, {});
-    const json info =
-        json::parse(RunZelto({"vector", "info", folder.File("a.shp"), "--json"}).output);
+    const Json info =
+        Json::parse(RunZelto({"vector", "info", folder.File("a.shp"), "--json"}).output);
     EXPECT_TRUE(info["layers"][0]["extent"].is_null());
     EXPECT_EQ(info["layers"][0]["coordinateName"], "");
 }
@@ -63,7 +63,7 @@ TEST(VectorCommand, WhatIsNoVectorFileFails) {
 
 TEST(VectorCommand, RealFilesAreDescribed) {
     ZELTO_REQUIRE_TEST_DATA();
-    const json info = json::parse(
+    const Json info = Json::parse(
         RunZelto({"vector", "info", TestDataFile("vector/multi_layer.gpkg"), "--json"}).output);
     ASSERT_EQ(info["layers"].size(), 3U);
     EXPECT_EQ(info["layers"][2]["features"], 50);
