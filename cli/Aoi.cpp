@@ -20,7 +20,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct AoiOptions {
     std::string file;
     std::string out;
     std::string srs;
@@ -79,7 +79,7 @@ Json ShapesJson(const CAOISource& aoi, const std::vector<int>& positions) {
     return shapes;
 }
 
-void Info(const Options& options) {
+void DescribeAoi(const AoiOptions& options) {
     CAOISource aoi;
     OpenAoiOrFail(aoi, options.file);
     aoi.InitCoordinateName();
@@ -108,7 +108,7 @@ void Info(const Options& options) {
     }
 }
 
-void Convert(const Options& options) {
+void Convert(const AoiOptions& options) {
     RequireAoiFormat(options.out, options.tolerance);
     CAOISource aoi;
     OpenAoiOrFail(aoi, options.file, options.srs);
@@ -118,7 +118,7 @@ void Convert(const Options& options) {
     SaveAoiOrFail(aoi, options.out, options.tolerance);
 }
 
-void Hit(const Options& options) {
+void Hit(const AoiOptions& options) {
     const std::vector<double> xy = ParseNumbers("POINT", options.point, 2);
     CAOISource aoi;
     OpenAoiOrFail(aoi, options.file);
@@ -171,15 +171,15 @@ std::vector<ShapeText> ShapesInOrder(const CLI::App& command) {
 }
 
 void AddInfoOfAoi(CLI::App& aoi) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<AoiOptions>();
     auto* info = aoi.add_subcommand("info", "which shapes a file holds");
     info->add_option("FILE", options->file, ".aif or any vector file")->required();
     info->add_flag("--json", options->json, "print JSON");
-    info->callback(Quietly(Info, options));
+    info->callback(Quietly(DescribeAoi, options));
 }
 
 void AddConvertOfAoi(CLI::App& aoi) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<AoiOptions>();
     auto* convert = aoi.add_subcommand("convert", "write an area of interest in another format");
     convert->add_option("IN", options->file, ".aif or any vector file")->required();
     convert->add_option("OUT", options->out, AOI_FORMATS)->required();
@@ -226,7 +226,7 @@ void AddMaskOfAoi(CLI::App& aoi) {
 }
 
 void AddHitOfAoi(CLI::App& aoi) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<AoiOptions>();
     auto* hit = aoi.add_subcommand("hit", "which shapes hold a point");
     hit->add_option("FILE", options->file, ".aif or any vector file")->required();
     hit->add_option("POINT", options->point, "x,y in the file's ground units")->required();

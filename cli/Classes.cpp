@@ -24,7 +24,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct ClassesOptions {
     std::string file;
     std::string table;
     std::string image;
@@ -50,21 +50,21 @@ CClassifiedAssistantFile Read(const std::string& path) {
 }
 
 /// In the form that `classes write` reads.
-void PrintTable(const std::vector<ClassFacts>& classes) {
+void PrintEntries(const std::vector<ClassFacts>& classes) {
     std::cout << "value,red,green,blue,name\n";
     for (const ClassFacts& each : classes)
         std::cout << FormatNumber(each.value) << ',' << each.color[0] << ',' << each.color[1] << ','
                   << each.color[2] << ',' << CsvText(Printable(each.name)) << '\n';
 }
 
-void Show(const Options& options) {
+void ShowClasses(const ClassesOptions& options) {
     const auto classes = Facts(Read(options.file));
     if (options.json)
         PrintJson({{"path", options.file}, {"classes", ToJson(classes)}});
     else if (options.csv)
-        PrintTable(classes);
+        PrintEntries(classes);
     else
-        PrintClasses(classes);
+        PrintEntries(classes);
 }
 
 /// The image that an assistant file belongs to shows its classes when it is opened.
@@ -81,7 +81,7 @@ void CheckWithImage(const std::string& image, std::size_t classCount) {
 }
 
 /// The file that --image is to be checked with is the one that is written, or none.
-void RequireAssistantOf(const Options& options) {
+void RequireAssistantOf(const ClassesOptions& options) {
     std::error_code ignored;
     const std::filesystem::path expected = AssistantOf(options.image);
     if (std::filesystem::weakly_canonical(options.file, ignored) !=
@@ -90,7 +90,7 @@ void RequireAssistantOf(const Options& options) {
                          expected.string() + "', not from '" + options.file + "'");
 }
 
-void Write(const Options& options) {
+void Write(const ClassesOptions& options) {
     if (options.file.empty() && options.image.empty())
         throw UsageError("classes write: give the assistant file or the image it belongs to");
     if (!options.file.empty() && !options.image.empty())
@@ -106,7 +106,7 @@ void Write(const Options& options) {
     Confirm(path + ": " + std::to_string(file.GetClasses().size()) + " classes");
 }
 
-void Check(const Options& options) {
+void CheckClasses(const ClassesOptions& options) {
     const std::size_t count = Read(AssistantOf(options.image)).GetClasses().size();
     CheckWithImage(options.image, count);
     Confirm(options.image + ": opens with " + std::to_string(count) + " classes");
@@ -120,14 +120,14 @@ void AddClasses(CLI::App& program) {
     classes->require_subcommand(1);
     classes->footer("A classified assistant file (.acf) stands beside its image under the image's\n"
                     "name and gives each class its pixel value, colour and name.");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ClassesOptions>();
 
     auto* show = classes->add_subcommand("show", "the classes of an assistant file");
     show->add_option("ACF", options->file)->required();
     auto* json = show->add_flag("--json", options->json, "print JSON");
     show->add_flag("--csv", options->csv, "print the table that `classes write` reads")
         ->excludes(json);
-    show->callback([options] { Show(*options); });
+    show->callback([options] { ShowClasses(*options); });
 
     auto* write = classes->add_subcommand("write", "make an assistant file from a CSV table");
     write->add_option("CSV", options->table, "lines of value,red,green,blue,name")->required();
@@ -138,7 +138,7 @@ void AddClasses(CLI::App& program) {
 
     auto* check = classes->add_subcommand("check", "whether an image opens with its classes");
     check->add_option("IMAGE", options->image)->required();
-    check->callback([options] { Check(*options); });
+    check->callback([options] { CheckClasses(*options); });
 }
 
 } // namespace zelto::cli

@@ -20,7 +20,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct ComposeOptions {
     std::vector<std::string> colors; ///< FILE:BAND for red, green, blue
     PictureFile out;
     ViewOptions view;
@@ -56,7 +56,7 @@ void OpenColor(ColorSource& color, const std::string& text) {
     color.source.SetShowBandNum(1, &band);
 }
 
-void Run(const Options& options) {
+void RunCompose(const ComposeOptions& options) {
     CheckPictureFile(options.out);
     ColorSource colors[3];
     for (std::size_t k = 0; k < 3; ++k) {
@@ -90,7 +90,7 @@ void Run(const Options& options) {
 
 void AddCompose(CLI::App& program) {
     auto* compose = program.add_subcommand("compose", "draw bands of three rasters as one picture");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ComposeOptions>();
     options->colors.resize(3);
     compose->add_option("RED", options->colors[0], "FILE:BAND of the red colour")->required();
     compose->add_option("GREEN", options->colors[1], "FILE:BAND of the green colour")->required();
@@ -113,7 +113,7 @@ void AddCompose(CLI::App& program) {
         CheckStretch(options->stretch, false);
         if (options->stretch.name == "wallis")
             throw UsageError("--stretch wallis is for the three bands of one raster");
-        Run(*options);
+        RunCompose(*options);
     });
 }
 

@@ -23,7 +23,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct CreateOptions {
     std::string path;
     std::string like;
     std::string size;
@@ -81,7 +81,7 @@ void SetBox(const std::string& text, Layout& layout) {
     layout.raster.geoTransform = layout.geoTransform.data();
 }
 
-void Resolve(const Options& options, Layout& layout) {
+void Resolve(const CreateOptions& options, Layout& layout) {
     layout.raster.format = ChooseFormat(options.format, options.path);
     CheckCreationOptions(options.creation, layout.raster.format);
     layout.raster.options = options.creation;
@@ -104,7 +104,7 @@ void Resolve(const Options& options, Layout& layout) {
         layout.raster.type = ParsePixelType(options.type);
 }
 
-void Create(const Options& options) {
+void Create(const CreateOptions& options) {
     const GdalUse use;
     RequireFreePath(options.path, options.overwrite, {options.like});
     Layout layout;
@@ -121,7 +121,7 @@ void Create(const Options& options) {
 
 void AddCreate(CLI::App& program) {
     auto* create = program.add_subcommand("create", "make a raster file");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<CreateOptions>();
     create->add_option("OUT", options->path, "the file to make")->required();
     create->add_option("--size", options->size, "WxH: columns and rows");
     create->add_option("--like", options->like,

@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Options {
+struct FileOptions {
     std::vector<std::string> paths;
     std::string from;
     std::string to;
@@ -36,7 +36,7 @@ void RequireRaster(const std::string& path) {
         throw Failure(path, ReasonForFailure(path, GIS_OPEN_FAILED));
 }
 
-void Remove(const Options& options) {
+void Remove(const FileOptions& options) {
     const GdalUse use;
     for (const std::string& path : options.paths) {
         RequireRaster(path);
@@ -47,7 +47,7 @@ void Remove(const Options& options) {
 }
 
 /// A path inside the destination where that is a folder.
-std::string Destination(const Options& options) {
+std::string Destination(const FileOptions& options) {
     std::error_code ignored;
     if (fs::is_directory(options.to, ignored))
         return (fs::path(options.to) / fs::path(options.from).filename()).string();
@@ -56,7 +56,7 @@ std::string Destination(const Options& options) {
 
 using Operation = GISError (*)(const wchar_t* from, const wchar_t* to, bool overwrite);
 
-void Transfer(const Options& options, Operation operation) {
+void Transfer(const FileOptions& options, Operation operation) {
     const GdalUse use;
     RequireRaster(options.from);
     const std::string to = Destination(options);
@@ -73,7 +73,7 @@ void Transfer(const Options& options, Operation operation) {
         throw Failure(LastReason(options.from + ": cannot be moved or copied"));
 }
 
-void AddTransferOptions(CLI::App& command, const std::shared_ptr<Options>& options) {
+void AddTransferOptions(CLI::App& command, const std::shared_ptr<FileOptions>& options) {
     command.add_option("FROM", options->from, "a raster")->required();
     command.add_option("TO", options->to, "its new name, or a folder")->required();
     command.add_flag("--overwrite", options->overwrite, "replace what has the new name");
@@ -85,7 +85,7 @@ void AddFile(CLI::App& program) {
     auto* file = program.add_subcommand(
         "file", "remove, move and copy rasters with the files that belong to them");
     file->require_subcommand(1);
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<FileOptions>();
 
     auto* rm = file->add_subcommand("rm", "remove rasters");
     rm->add_option("FILE", options->paths)->required();

@@ -30,7 +30,7 @@ namespace {
 
 using GeoTransform = std::array<double, 6>;
 
-struct Options {
+struct GeorefOptions {
     std::string path;
     std::string box;
     std::string geoTransform;
@@ -67,7 +67,7 @@ GeoTransform FromTerms(const std::string& text) {
     return geoTransform;
 }
 
-std::optional<GeoTransform> ChoosePlace(const Options& options, const CRasterSource& raster) {
+std::optional<GeoTransform> ChoosePlace(const GeorefOptions& options, const CRasterSource& raster) {
     if (!options.box.empty())
         return FromBox(options.box, raster);
     if (!options.geoTransform.empty())
@@ -91,7 +91,7 @@ void SetReference(CRasterSource& raster, const std::string& srs, const ChangedRa
         throw file.Fail("the format cannot store a reference system");
 }
 
-void ClearPoints(CRasterSource& raster, const Options& options, const ChangedRaster& file) {
+void ClearPoints(CRasterSource& raster, const GeorefOptions& options, const ChangedRaster& file) {
     // Some formats keep one system for both, which goes with the points.
     const std::string srs = ReferenceOf(raster);
     ForgetReasons();
@@ -146,7 +146,7 @@ void RequireChangeable(const std::string& path) {
     RequireSoundHeader(raster, path);
 }
 
-void Georef(const Options& options) {
+void Georef(const GeorefOptions& options) {
     if (options.box.empty() && options.geoTransform.empty() && options.srs.empty() &&
         !options.clearPoints && !options.HasPoints())
         throw UsageError("give --box, --geotransform, --gcp, --srs or --clear-points");
@@ -180,7 +180,7 @@ void Georef(const Options& options) {
 
 void AddGeoref(CLI::App& program) {
     auto* georef = program.add_subcommand("georef", "say where an image lies");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<GeorefOptions>();
     georef->add_option("FILE", options->path, "raster file")->required();
     auto* box = georef->add_option("--box", options->box,
                                    "left,top,right,bottom of the whole image, north up");

@@ -34,7 +34,7 @@ constexpr int TABLE_BUCKETS = 32;
 constexpr int FINE_BUCKETS = 256;
 constexpr int MOST_BUCKETS = 65536;
 
-struct Options {
+struct HistogramOptions {
     std::string path;
     RegionOptions region;
     std::string bands;
@@ -63,7 +63,7 @@ std::optional<std::pair<double, double>> ParseRange(const std::string& text) {
     return std::pair(bounds[0], bounds[1]);
 }
 
-std::vector<Counted> Count(CRasterSource& source, const Options& options, int buckets) {
+std::vector<Counted> Count(CRasterSource& source, const HistogramOptions& options, int buckets) {
     std::vector<int> bands(static_cast<std::size_t>(source.GetBandCount()));
     std::iota(bands.begin(), bands.end(), 0);
     if (!options.bands.empty())
@@ -91,7 +91,7 @@ std::vector<Counted> Count(CRasterSource& source, const Options& options, int bu
     return counted;
 }
 
-void PrintAsJson(const Options& options, const std::vector<Counted>& bands) {
+void PrintHistogramsAsJson(const HistogramOptions& options, const std::vector<Counted>& bands) {
     Json json = {{"path", options.path}, {"bands", Json::array()}};
     for (const Counted& band : bands)
         json["bands"].push_back(
@@ -169,7 +169,7 @@ Plot::Range CountRange(const std::vector<Counted>& bands, bool logarithmic) {
     return {0.0, greatest * 1.12};
 }
 
-void DrawPlot(const Options& options, const std::vector<Counted>& bands) {
+void DrawPlot(const HistogramOptions& options, const std::vector<Counted>& bands) {
     constexpr int WIDTH = 960;
     constexpr int HEIGHT = 540;
     constexpr PlotColor SHOWN = {0.95, 0.60, 0.05};
@@ -208,7 +208,7 @@ void CheckPlotName(const std::string& path) {
         throw UsageError("--png: '" + path + "' does not end in .png");
 }
 
-void Run(const Options& options) {
+void RunHistograms(const HistogramOptions& options) {
     if (options.buckets < 0 || options.buckets > MOST_BUCKETS)
         throw UsageError("--buckets: 1 to " + std::to_string(MOST_BUCKETS));
     if (!options.png.empty()) {
@@ -225,7 +225,7 @@ void Run(const Options& options) {
     if (!options.png.empty())
         DrawPlot(options, bands);
     if (options.json)
-        PrintAsJson(options, bands);
+        PrintHistogramsAsJson(options, bands);
     else
         PrintAsTable(bands);
 }
@@ -234,7 +234,7 @@ void Run(const Options& options) {
 
 void AddHistogram(CLI::App& program) {
     auto* histogram = program.add_subcommand("histogram", "how often the values of bands occur");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<HistogramOptions>();
     histogram->add_option("FILE", options->path, "the raster")->required();
     AddRegionOptions(*histogram, options->region);
     histogram->add_option("--band,--bands", options->bands, "bands to count, as 4 or 3,2,1 (all)");
@@ -259,7 +259,7 @@ void AddHistogram(CLI::App& program) {
     histogram->callback([options, histogram] {
         RequireEffect(*histogram, "--log", !options->png.empty(), "--png");
         RequireEffect(*histogram, "--overwrite", !options->png.empty(), "--png");
-        Run(*options);
+        RunHistograms(*options);
     });
 }
 

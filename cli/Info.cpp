@@ -13,7 +13,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct InfoOptions {
     std::vector<std::string> files;
     bool json = false;
     ValueFacts values;
@@ -22,7 +22,8 @@ struct Options {
 };
 
 /// Every file that can be described is, in the order given.
-std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<std::string>& failures) {
+std::vector<RasterFacts> DescribeAll(const InfoOptions& options,
+                                     std::vector<std::string>& failures) {
     std::vector<std::optional<RasterFacts>> found(options.files.size());
     failures =
         ForEachFile(options.files, options.jobs, [&](std::size_t file, CDataProgress& progress) {
@@ -35,7 +36,7 @@ std::vector<RasterFacts> DescribeAll(const Options& options, std::vector<std::st
     return described;
 }
 
-void PrintAll(const std::vector<RasterFacts>& described, const Options& options) {
+void PrintAll(const std::vector<RasterFacts>& described, const InfoOptions& options) {
     if (!options.json) {
         for (std::size_t i = 0; i < described.size(); ++i) {
             std::cout << (i > 0 ? "\n" : "");
@@ -54,7 +55,7 @@ void PrintAll(const std::vector<RasterFacts>& described, const Options& options)
     PrintJson(all);
 }
 
-void Run(const Options& options) {
+void RunInfo(const InfoOptions& options) {
     std::vector<std::string> failures;
     PrintAll(DescribeAll(options, failures), options);
     TellFailures(failures);
@@ -64,7 +65,7 @@ void Run(const Options& options) {
 
 void AddInfo(CLI::App& program) {
     auto* info = program.add_subcommand("info", "what raster files hold");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<InfoOptions>();
     info->add_option("FILE", options->files, "raster files, or names of sub-data-sets")->required();
     info->add_flag("--json", options->json,
                    "print JSON: one object, or an array for several files");
@@ -83,7 +84,7 @@ void AddInfo(CLI::App& program) {
         "side of the mean within minimum and maximum.\n"
         "Sizes and geotransforms are those of the file, also where a display would turn a\n"
         "rotated image north-up.");
-    info->callback([options] { Run(*options); });
+    info->callback([options] { RunInfo(*options); });
 }
 
 } // namespace zelto::cli

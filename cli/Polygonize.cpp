@@ -16,7 +16,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct PolygonizeOptions {
     std::string image;
     std::string out;
     PolygonOptions polygons;
@@ -27,7 +27,7 @@ bool HasFractions(PixelDataType type) {
     return type == PDT_Float32 || type == PDT_Float64;
 }
 
-void Run(const Options& options) {
+void RunPolygonize(const PolygonizeOptions& options) {
     CRasterSource raster;
     OpenOrFail(raster, options.image, GIS_READONLY, true);
     RequireFreePath(options.out, options.overwrite, {options.image});
@@ -45,7 +45,7 @@ void Run(const Options& options) {
 void AddPolygonize(CLI::App& program) {
     auto* polygonize =
         program.add_subcommand("polygonize", "a polygon for every area of equal pixels");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<PolygonizeOptions>();
     polygonize->add_option("IMAGE", options->image, "raster file")->required();
     polygonize
         ->add_option("OUT", options->out,
@@ -63,7 +63,7 @@ void AddPolygonize(CLI::App& program) {
     polygonize->add_flag("--eight", options->polygons.eight,
                          "pixels that touch at a corner belong together");
     AddOverwriteOption(*polygonize, options->overwrite);
-    polygonize->callback([options] { Run(*options); });
+    polygonize->callback([options] { RunPolygonize(*options); });
 }
 
 } // namespace zelto::cli

@@ -25,7 +25,7 @@ namespace {
 constexpr int EXIT_FAILED = 1;
 constexpr int EXIT_USAGE = 2;
 
-void AddCommands(CLI::App& program) {
+void AddAllCommands(CLI::App& program) {
     program.require_subcommand(1);
     AddAoi(program);
     AddClasses(program);
@@ -130,7 +130,7 @@ int RunProgram(int argc, char** argv) {
         "zelto COMMAND --help explains a command. With --cluster ADDRESS, that of a Dask\n"
         "scheduler, stats, render and pyramids work on many files there; zelto stats\n"
         "--cluster ADDRESS --help explains that.");
-    AddCommands(program);
+    AddAllCommands(program);
     AddQuiet(program);
     AddManual(program);
     const int status = RunAndExplain(program, argc, argv);

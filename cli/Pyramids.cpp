@@ -23,7 +23,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct PyramidsOptions {
     std::vector<std::string> paths;
     std::string resampling = "NEAREST";
     std::string bands;
@@ -51,7 +51,7 @@ Pyramid Describe(const std::string& path) {
     return pyramid;
 }
 
-void Print(const std::vector<Pyramid>& pyramids, bool asJson) {
+void PrintPyramids(const std::vector<Pyramid>& pyramids, bool asJson) {
     if (asJson) {
         Json json = Json::array();
         for (const Pyramid& pyramid : pyramids)
@@ -70,7 +70,7 @@ void Print(const std::vector<Pyramid>& pyramids, bool asJson) {
     table.Print();
 }
 
-void BuildOne(const std::string& path, const Options& options, CDataProgress& progress) {
+void BuildOne(const std::string& path, const PyramidsOptions& options, CDataProgress& progress) {
     std::vector<int> bands;
     if (!options.bands.empty())
         bands = ParseBands("--bands", options.bands, std::numeric_limits<int>::max());
@@ -98,7 +98,7 @@ std::vector<Pyramid> Known(std::vector<std::optional<Pyramid>> pyramids) {
     return known;
 }
 
-void Build(const Options& options) {
+void Build(const PyramidsOptions& options) {
     RequireDifferent(options.paths);
     std::vector<std::optional<Pyramid>> pyramids(options.paths.size());
     const auto failures =
@@ -107,11 +107,11 @@ void Build(const Options& options) {
             pyramids[file] = Describe(options.paths[file]);
         });
     if (failures.size() < options.paths.size())
-        Print(Known(std::move(pyramids)), options.json);
+        PrintPyramids(Known(std::move(pyramids)), options.json);
     TellFailures(failures);
 }
 
-void Check(const Options& options) {
+void CheckPyramids(const PyramidsOptions& options) {
     std::vector<std::optional<Pyramid>> found(options.paths.size());
     auto failures = ForEachFile(options.paths, options.jobs,
                                 [&](std::size_t file, CDataProgress& /*progress*/) {
@@ -119,7 +119,7 @@ void Check(const Options& options) {
                                 });
     const std::vector<Pyramid> pyramids = Known(std::move(found));
     if (failures.size() < options.paths.size())
-        Print(pyramids, options.json);
+        PrintPyramids(pyramids, options.json);
     for (const Pyramid& pyramid : pyramids)
         if (!pyramid.valid)
             failures.push_back(pyramid.path + ": it is large and has no pyramid");
@@ -131,7 +131,7 @@ void Check(const Options& options) {
 void AddPyramids(CLI::App& program) {
     auto* pyramids = program.add_subcommand("pyramids", "build and check overview pyramids");
     pyramids->require_subcommand(1);
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<PyramidsOptions>();
 
     auto* build = pyramids->add_subcommand("build", "build the pyramid of each file anew");
     build->add_option("FILE", options->paths)->required();
@@ -149,7 +149,7 @@ void AddPyramids(CLI::App& program) {
     check->add_option("FILE", options->paths)->required();
     check->add_flag("--json", options->json, "print JSON");
     AddJobsOption(*check, options->jobs);
-    check->callback([options] { Check(*options); });
+    check->callback([options] { CheckPyramids(*options); });
 }
 
 } // namespace zelto::cli

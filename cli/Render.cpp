@@ -37,7 +37,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct RenderOptions {
     std::string file;
     PictureFile out;
     ViewOptions view;
@@ -76,7 +76,7 @@ void ChooseRamp(CRasterSource& source, const std::string& name) {
 
 /// The options that are display settings of the source. Those of another raster come first, so
 /// that what is said on the command line holds.
-void ApplySettings(CRasterSource& source, const Options& options) {
+void ApplySettings(CRasterSource& source, const RenderOptions& options) {
     ShowBandsByColor(source);
     if (!options.adjustFrom.empty()) {
         CRasterSource other;
@@ -115,7 +115,7 @@ Picture Draw(CRasterSource& source, const View& view, const std::string& path) {
 /// Pixels outside the area are transparent or black, whatever is adjusted; pixels without data
 /// inside it are black before the adjustments.
 Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
-                   const Options& options) {
+                   const RenderOptions& options) {
     CRasterAOI area(&source, &aoi);
     area.Initialize();
 
@@ -153,7 +153,7 @@ Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
 
 /// Each stretch that suits the shown bands gets a source of its own: some build on what an earlier
 /// drawing left.
-Picture DrawSheet(const View& view, const Options& options) {
+Picture DrawSheet(const View& view, const RenderOptions& options) {
     std::vector<SheetCell> cells;
     // What one picture reads of the file serves the others for as long as it is open.
     CRasterSource kept;
@@ -180,7 +180,7 @@ Picture DrawSheet(const View& view, const Options& options) {
     return MakeSheet(cells);
 }
 
-void CheckOptions(const Options& options) {
+void CheckRenderOptions(const RenderOptions& options) {
     CheckPictureFile(options.out);
     if (options.cropToAoi && !(options.view.box.empty() && options.view.center.empty()))
         throw UsageError("--crop-to-aoi, --box and --center contradict each other");
@@ -212,7 +212,7 @@ void CheckOptions(const Options& options) {
 
 /// Whether drawing needs all of an image without a pyramid: the statistics of a sample, which
 /// only 8-bit values shown as they are do without, or a view of most of it.
-bool ReadsWhole(const CRasterSource& source, const View& view, const Options& options) {
+bool ReadsWhole(const CRasterSource& source, const View& view, const RenderOptions& options) {
     const CBoundingBox extent = source.GetExtent();
     const bool isMost =
         view.box.GetWidth() * view.box.GetHeight() * 2 >= extent.GetWidth() * extent.GetHeight();
@@ -223,7 +223,7 @@ bool ReadsWhole(const CRasterSource& source, const View& view, const Options& op
 /// Draws the picture and writes it, and how it was made where that is wanted.
 /// @param recipe says all but the view; null: the options do
 void DrawPicture(CRasterSource& source, const View& view, const CDisplayRecipe* recipe,
-                 const Options& options) {
+                 const RenderOptions& options) {
     const auto area = MakeRegion({options.aoi, "", ""}, source);
     if (recipe == nullptr)
         ApplyStretch(source, options.stretch, {view.box, area.get()}, options.file);
@@ -242,7 +242,7 @@ void DrawPicture(CRasterSource& source, const View& view, const CDisplayRecipe* 
 }
 
 /// The options with what a recipe says of them.
-Options WithRecipe(Options options, const CDisplayRecipe& recipe) {
+RenderOptions WithRecipe(RenderOptions options, const CDisplayRecipe& recipe) {
     if (recipe.GetView())
         options.srs = recipe.GetView()->srs;
     if (const auto& mask = recipe.GetMask()) {
@@ -252,7 +252,8 @@ Options WithRecipe(Options options, const CDisplayRecipe& recipe) {
     return options;
 }
 
-View ViewOf(const CRasterSource& source, const CDisplayRecipe* recipe, const Options& options) {
+View ViewOf(const CRasterSource& source, const CDisplayRecipe* recipe,
+            const RenderOptions& options) {
     ViewOptions view = options.view;
     if (recipe != nullptr && recipe->GetView() && view.box.empty() && view.center.empty()) {
         const CDisplayRecipe::View& its = *recipe->GetView();
@@ -268,12 +269,12 @@ View ViewOf(const CRasterSource& source, const CDisplayRecipe* recipe, const Opt
 
 /// Draws one image.
 /// @return what was made, in a line
-std::string RenderOne(const Options& given) {
-    CheckOptions(given);
+std::string RenderOne(const RenderOptions& given) {
+    CheckRenderOptions(given);
     std::optional<CDisplayRecipe> recipe;
     if (!given.recipe.from.empty())
         recipe = ReadRecipe(given.recipe.from);
-    const Options options = recipe ? WithRecipe(given, *recipe) : given;
+    const RenderOptions options = recipe ? WithRecipe(given, *recipe) : given;
     CRasterSource source;
     OpenForDisplay(source, options.file, options.srs);
     const View view = ViewOf(source, recipe ? &*recipe : nullptr, options);
@@ -293,7 +294,7 @@ std::string RenderOne(const Options& given) {
            std::to_string(view.height) + (options.contactSheet ? " pixels a picture" : " pixels");
 }
 
-void Run(const Options& options) {
+void RunRender(const RenderOptions& options) {
     if (options.many.folder.empty()) {
         if (options.out.path.empty())
             throw UsageError("render: OUT is required");
@@ -306,14 +307,14 @@ void Run(const Options& options) {
         throw UsageError("--save-recipe: a recipe is for one picture, not for those of --into");
     DrawMany({options.file, options.out.path}, options.many,
              [&](const std::string& image, const std::string& path) {
-                 Options one = options;
+                 RenderOptions one = options;
                  one.file = image;
                  one.out.path = path;
                  return RenderOne(one);
              });
 }
 
-void AddViewOptions(CLI::App& render, Options& options) {
+void AddViewOptions(CLI::App& render, RenderOptions& options) {
     render.add_option("--box", options.view.box,
                       "ground rectangle left,top,right,bottom; default: the whole image");
     render.add_option("--center", options.view.center, "x,y in the middle of the picture");
@@ -335,7 +336,7 @@ void AddViewOptions(CLI::App& render, Options& options) {
         ->needs(aoi);
 }
 
-void AddColorOptions(CLI::App& render, Options& options) {
+void AddColorOptions(CLI::App& render, RenderOptions& options) {
     render.add_option("--bands", options.bands,
                       "band numbers for red,green,blue, or one band; default: those that the file "
                       "calls so, else its order, 3,2,1 for four bands");
@@ -353,7 +354,7 @@ void AddColorOptions(CLI::App& render, Options& options) {
 
 void AddRender(CLI::App& program) {
     auto* render = program.add_subcommand("render", "draw a raster as a picture");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<RenderOptions>();
     render->add_option("FILE", options->file, "raster file")->required();
     render->add_option("OUT", options->out.path, "picture: .png, .jpg or .tif (georeferenced)");
     AddViewOptions(*render, *options);
@@ -377,7 +378,7 @@ void AddRender(CLI::App& program) {
         "Example: zelto render --bands 4,3,2 --size 800x scene.tif picture.png");
     render->callback([options, render] {
         RequireEffect(*render, "--outside", !options->aoi.empty(), "--aoi");
-        Run(*options);
+        RunRender(*options);
     });
 }
 

@@ -58,7 +58,7 @@ class SystemSource : public CGISDataSource {
     bool IsOpened() override { return true; }
 };
 
-struct Options {
+struct ReprojectOptions {
     std::string image;
     std::string from;
     std::string to;
@@ -77,7 +77,7 @@ std::string BoxText(const CBoundingBox& box) {
            FormatNumber(box.GetRight()) + "," + FormatNumber(box.GetBottom());
 }
 
-void Box(const Options& options) {
+void Box(const ReprojectOptions& options) {
     RequireReference(options.from);
     SystemSource source(options.from);
     const auto reproject = BindOrFail(source, options.from, options.to);
@@ -95,7 +95,7 @@ void Box(const Options& options) {
         std::cout << BoxText(to) << '\n';
 }
 
-void Window(const Options& options) {
+void Window(const ReprojectOptions& options) {
     CRasterSource raster;
     OpenOnOwnGrid(raster, options.image);
     const auto reproject = BindOrFail(raster, options.image, options.to);
@@ -118,7 +118,7 @@ void Window(const Options& options) {
     table.Print();
 }
 
-void AddBoxOptions(CLI::App& command, Options& options) {
+void AddBoxOptions(CLI::App& command, ReprojectOptions& options) {
     command.add_option("--box", options.box, "left,top,right,bottom")->required();
     command.add_option("--step", options.step,
                        "distance of the points along the edges, x,y in the box's units; 0: the "
@@ -129,7 +129,7 @@ void AddBoxOptions(CLI::App& command, Options& options) {
 } // namespace
 
 void AddReprojectBox(CLI::App& reproject) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ReprojectOptions>();
     auto* box = reproject.add_subcommand("box", "the box around a box in another system");
     box->add_option("--from", options->from, "system of the box")->required();
     box->add_option("--to", options->to, "target system")->required();
@@ -138,7 +138,7 @@ void AddReprojectBox(CLI::App& reproject) {
 }
 
 void AddReprojectWindow(CLI::App& reproject) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ReprojectOptions>();
     auto* window = reproject.add_subcommand(
         "window", "the part of an image that a box in another system needs");
     window->add_option("IMAGE", options->image)->required();

@@ -19,7 +19,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct GridOptions {
     std::string image;
     std::string srs;
     std::string box;
@@ -55,7 +55,7 @@ struct Fit {
 
 /// The steps whose points fill the box: half a step less than the points have between them, so
 /// that rounding takes none away.
-Fit PlanFit(const Options& options, CReproject& reproject, CRasterSource& raster) {
+Fit PlanFit(const GridOptions& options, CReproject& reproject, CRasterSource& raster) {
     Fit fit;
     if (options.box.empty()) {
         CBoundingBox extent = raster.GetExtent();
@@ -73,7 +73,8 @@ Fit PlanFit(const Options& options, CReproject& reproject, CRasterSource& raster
 }
 
 /// Compares grid and transformation between the grid's points, twice as densely.
-Residuals Measure(const Fit& fit, const Options& options, CReproject& exact, CReproject& fitted) {
+Residuals MeasureFit(const Fit& fit, const GridOptions& options, CReproject& exact,
+                     CReproject& fitted) {
     Residuals residuals;
     const int side = 2 * (options.points - 1);
     for (int j = 0; j < side; ++j) {
@@ -110,7 +111,7 @@ std::string Centred(const std::string& name, double centre) {
     return centre == 0.0 ? name : name + " - " + FormatNumber(centre);
 }
 
-void PrintTables(const Options& options, const Residuals& residuals, const CGeoGrid& grid) {
+void PrintTables(const GridOptions& options, const Residuals& residuals, const CGeoGrid& grid) {
     Table table({"residual (pixels)", "column", "row"});
     table.AddRow({"rms", Rounded(residuals.RmsColumn()), Rounded(residuals.RmsRow())});
     table.AddRow({"largest", Rounded(residuals.maxColumn), Rounded(residuals.maxRow)});
@@ -131,8 +132,8 @@ void PrintTables(const Options& options, const Residuals& residuals, const CGeoG
     terms.Print();
 }
 
-void PrintAsJson(const Options& options, const Fit& fit, const Residuals& residuals,
-                 const CGeoGrid& grid) {
+void PrintFitAsJson(const GridOptions& options, const Fit& fit, const Residuals& residuals,
+                    const CGeoGrid& grid) {
     Json json = {{"order", options.order},
                  {"points", {grid.GetColumnCount(), grid.GetRowCount()}},
                  {"box", JsonBox(fit.box)},
@@ -148,7 +149,7 @@ void PrintAsJson(const Options& options, const Fit& fit, const Residuals& residu
     PrintJson(json);
 }
 
-void Run(const Options& options) {
+void RunGrid(const GridOptions& options) {
     CRasterSource raster;
     OpenOnOwnGrid(raster, options.image);
     const auto exact = BindOrFail(raster, options.image, options.srs);
@@ -157,11 +158,11 @@ void Run(const Options& options) {
     if (!fitted->CreateGrid(fit.box, fit.stepX, fit.stepY, options.order))
         throw Failure(options.image, "no grid can be fitted to the box: it is empty, or a part of "
                                      "it has no place in the image's system");
-    const Residuals residuals = Measure(fit, options, *exact, *fitted);
+    const Residuals residuals = MeasureFit(fit, options, *exact, *fitted);
     if (residuals.count == 0)
         throw Failure(options.image, "no point of the box has a position in it");
     if (options.json)
-        PrintAsJson(options, fit, residuals, *fitted->GetGrid());
+        PrintFitAsJson(options, fit, residuals, *fitted->GetGrid());
     else
         PrintTables(options, residuals, *fitted->GetGrid());
 }
@@ -169,7 +170,7 @@ void Run(const Options& options) {
 } // namespace
 
 void AddReprojectGrid(CLI::App& reproject) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<GridOptions>();
     auto* grid = reproject.add_subcommand(
         "grid", "fit a grid from another system to image positions and measure it");
     grid->add_option("IMAGE", options->image)->required();
@@ -180,7 +181,7 @@ void AddReprojectGrid(CLI::App& reproject) {
     grid->add_option("--points", options->points, "points along each side (default: 20)")
         ->check(CLI::Range(4, 2000));
     grid->add_flag("--json", options->json, "print JSON");
-    grid->callback([options] { Run(*options); });
+    grid->callback([options] { RunGrid(*options); });
 }
 
 } // namespace zelto::cli

@@ -26,7 +26,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct PointsOptions {
     std::string file = "-";
     std::string from;
     std::string to;
@@ -44,7 +44,7 @@ struct DestroyTransformation {
 };
 using Transformation = std::unique_ptr<CCoordinateTransformation, DestroyTransformation>;
 
-Transformation Connect(const Options& options) {
+Transformation Connect(const PointsOptions& options) {
     RequireReference(options.from);
     RequireReference(options.to);
     constexpr std::size_t PARAMETERS = 7;
@@ -82,7 +82,7 @@ int DefaultDecimals(const std::string& srs) {
     return CCoordinateAlgorithm::IsGeographic(srs.c_str()) ? 10 : 4;
 }
 
-void Print(const Points& points, int decimals, Json& json, bool asJson) {
+void PrintPoints(const Points& points, int decimals, Json& json, bool asJson) {
     for (std::size_t i = 0; i < points.x.size(); ++i) {
         if (asJson)
             json.push_back({{"x", JsonNumber(points.x[i])},
@@ -119,7 +119,7 @@ Tally PrintPoints(LineReader& lines, CCoordinateTransformation& transformation, 
     Json json = Json::array();
     for (Points points = reader.Read(BATCH); !points.x.empty(); points = reader.Read(BATCH)) {
         Transform(transformation, points, tally);
-        Print(points, decimals, json, asJson);
+        PrintPoints(points, decimals, json, asJson);
     }
     if (asJson)
         PrintJson(json);
@@ -127,8 +127,8 @@ Tally PrintPoints(LineReader& lines, CCoordinateTransformation& transformation, 
 }
 
 /// The table as it is, with other numbers in two of its columns.
-Tally PrintTable(LineReader& lines, CCoordinateTransformation& transformation, int decimals,
-                 const std::string& columnNames) {
+Tally TransformTable(LineReader& lines, CCoordinateTransformation& transformation, int decimals,
+                     const std::string& columnNames) {
     PointColumns columns(columnNames);
     Tally tally;
     std::string text;
@@ -155,14 +155,14 @@ Tally PrintTable(LineReader& lines, CCoordinateTransformation& transformation, i
     return tally;
 }
 
-void Run(const Options& options) {
+void RunPoints(const PointsOptions& options) {
     const QuietGdalUse gdal;
     const Transformation transformation = Connect(options);
     LineReader lines(options.file);
     const int decimals = options.decimals < 0 ? DefaultDecimals(options.to) : options.decimals;
     const Tally tally = options.columns.empty()
                             ? PrintPoints(lines, *transformation, decimals, options.json)
-                            : PrintTable(lines, *transformation, decimals, options.columns);
+                            : TransformTable(lines, *transformation, decimals, options.columns);
     if (tally.unknown > 0 && tally.unknown == tally.points)
         throw Failure(options.to, "none of the points has a place there");
     if (tally.unknown > 0)
@@ -173,7 +173,7 @@ void Run(const Options& options) {
 } // namespace
 
 void AddReprojectPoints(CLI::App& reproject) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<PointsOptions>();
     auto* points = reproject.add_subcommand("points", "coordinates, x y per line");
     points->add_option("FILE", options->file,
                        "text or CSV file that starts each line with x and y (default: standard "
@@ -193,7 +193,7 @@ void AddReprojectPoints(CLI::App& reproject) {
     points->add_flag("--json", options->json, "print JSON")->excludes(columns);
     points->callback([options, points] {
         RequireEffect(*points, "--decimals", !options->json, "printed text; JSON has all digits");
-        Run(*options);
+        RunPoints(*options);
     });
 }
 

@@ -24,7 +24,7 @@ namespace {
 
 using ClassRecord = CClassifySampleFile::ClassRecord;
 
-struct Options {
+struct SamplesOptions {
     std::string image;
     std::string aoi;
     std::string file;
@@ -35,7 +35,7 @@ struct Options {
     bool json = false;
 };
 
-void OpenImage(CRasterSource& raster, const Options& options) {
+void OpenImage(CRasterSource& raster, const SamplesOptions& options) {
     RegionOptions region;
     region.aoi = options.aoi.empty() ? options.file : options.aoi;
     OpenForRegion(raster, options.image, region);
@@ -91,7 +91,7 @@ void PrintClasses(const SampleClasses& classes, int bandCount, bool asJson) {
 }
 
 /// What a reader of the numbers must know, on standard error.
-void PrintRemarks(const SampleClasses& classes) {
+void RemarkOnSamples(const SampleClasses& classes) {
     for (const SampleClass& sampleClass : classes) {
         if (sampleClass.shapesOffImage > 0)
             Remark(sampleClass.name + ": " + std::to_string(sampleClass.shapesOffImage) +
@@ -110,7 +110,7 @@ void WriteSampleFile(const SampleClasses& classes, int bandCount, const std::str
         throw Failure(path, "cannot be written");
 }
 
-void Collect(const Options& options) {
+void Collect(const SamplesOptions& options) {
     if (!options.file.empty())
         RequireFreePath(options.file, options.overwrite, {options.image, options.aoi});
     CRasterSource raster;
@@ -124,7 +124,7 @@ void Collect(const Options& options) {
     else
         PrintClasses(classes, raster.GetBandCount(), options.json);
     std::cout.flush();
-    PrintRemarks(classes);
+    RemarkOnSamples(classes);
 }
 
 void ReadSampleFile(CClassifySampleFile& file, const std::string& path) {
@@ -132,7 +132,7 @@ void ReadSampleFile(CClassifySampleFile& file, const std::string& path) {
         throw Failure(path, LastReason("cannot be read"));
 }
 
-void Export(const Options& options) {
+void Export(const SamplesOptions& options) {
     CClassifySampleFile file;
     ReadSampleFile(file, options.file);
     CRasterSource raster;
@@ -141,10 +141,10 @@ void Export(const Options& options) {
     CollectPixels(classes, raster, options.image);
     PrintCsv(classes, raster.GetBandCount());
     std::cout.flush();
-    PrintRemarks(classes);
+    RemarkOnSamples(classes);
 }
 
-void Import(const Options& options) {
+void Import(const SamplesOptions& options) {
     RequireFreePath(options.file, options.overwrite, {options.table});
     int bandCount = 0;
     const SampleClasses classes = ReadSampleTable(options.table, bandCount);
@@ -175,7 +175,7 @@ Json RecordAsJson(const ClassRecord& record) {
             {"shapes", shapes}};
 }
 
-void Show(const Options& options) {
+void ShowSamples(const SamplesOptions& options) {
     CClassifySampleFile file;
     ReadSampleFile(file, options.file);
     Json classes = Json::array();
@@ -205,7 +205,7 @@ void Show(const Options& options) {
 
 void AddCollect(CLI::App& samples) {
     auto* collect = samples.add_subcommand("collect", "the pixels under the shapes of an area");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SamplesOptions>();
     collect->add_option("IMAGE", options->image, "raster file")->required();
     collect->add_option("--aoi", options->aoi, "area file (.aif) or any vector file")->required();
     auto* labels = collect->add_option("--labels", options->labels.labels,
@@ -226,10 +226,10 @@ void AddCollect(CLI::App& samples) {
 
 void AddShowExportAndImport(CLI::App& samples) {
     auto* show = samples.add_subcommand("show", "what a sample file holds");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SamplesOptions>();
     show->add_option("FILE", options->file, "sample file")->required();
     show->add_flag("--json", options->json, "print JSON");
-    show->callback([options] { Show(*options); });
+    show->callback([options] { ShowSamples(*options); });
     auto* exporting =
         samples.add_subcommand("export", "the pixels under a sample file's shapes, as CSV");
     exporting->add_option("IMAGE", options->image, "raster file")->required();

@@ -18,7 +18,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct SrsOptions {
     std::string srs;
     std::string other;
     int zone = 0;
@@ -44,7 +44,7 @@ std::string JsonKey(const std::string& label) {
     return key;
 }
 
-void Info(const Options& options) {
+void DescribeSystem(const SrsOptions& options) {
     const SrsFacts system = DescribeSrs(options.srs);
     if (!options.json) {
         Table table({"kind", KindName(system.kind)});
@@ -84,7 +84,7 @@ std::vector<Difference> FindDifferences(const SrsFacts& a, const SrsFacts& b) {
     return differences;
 }
 
-void Compare(const Options& options) {
+void Compare(const SrsOptions& options) {
     const SrsFacts a = DescribeSrs(options.srs);
     const SrsFacts b = DescribeSrs(options.other);
     const bool same =
@@ -109,7 +109,7 @@ void Compare(const Options& options) {
     table.Print();
 }
 
-void GaussKruger(const Options& options) {
+void GaussKruger(const SrsOptions& options) {
     const int zones = 360 / options.width;
     if (options.zone < 1 || options.zone > zones)
         throw UsageError("--zone: zones of " + std::to_string(options.width) +
@@ -131,7 +131,7 @@ void GaussKruger(const Options& options) {
 
 /// GDAL's own messages are part of the program's, not beside them.
 template <typename Function>
-void Quietly(Function work, const Options& options) {
+void WorkQuietly(Function work, const SrsOptions& options) {
     const QuietGdalUse gdal;
     work(options);
 }
@@ -143,18 +143,18 @@ void AddSrs(CLI::App& program) {
     srs->require_subcommand(1);
     srs->footer("A reference system is given as WKT, an authority code such as EPSG:4326, a PROJ\n"
                 "string or the name of a file that holds one of these.");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SrsOptions>();
 
     auto* info = srs->add_subcommand("info", "what a reference system is made of");
     info->add_option("SRS", options->srs)->required();
     info->add_flag("--json", options->json, "print JSON");
-    info->callback([options] { Quietly(Info, *options); });
+    info->callback([options] { WorkQuietly(DescribeSystem, *options); });
 
     auto* compare = srs->add_subcommand("compare", "whether two systems are the same, and why not");
     compare->add_option("A", options->srs)->required();
     compare->add_option("B", options->other)->required();
     compare->add_flag("--json", options->json, "print JSON");
-    compare->callback([options] { Quietly(Compare, *options); });
+    compare->callback([options] { WorkQuietly(Compare, *options); });
 
     auto* gk = srs->add_subcommand("gk", "a Gauss-Kruger system on a geographic one, as WKT");
     gk->add_option("SRS", options->srs)->required();
@@ -163,7 +163,7 @@ void AddSrs(CLI::App& program) {
         ->required()
         ->check(CLI::IsMember({3, 6}));
     gk->add_flag("--json", options->json, "print JSON");
-    gk->callback([options] { Quietly(GaussKruger, *options); });
+    gk->callback([options] { WorkQuietly(GaussKruger, *options); });
 }
 
 } // namespace zelto::cli

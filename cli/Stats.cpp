@@ -19,7 +19,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct StatsOptions {
     std::vector<std::string> files;
     RegionOptions region;
     std::string bands;
@@ -45,8 +45,8 @@ PercentileRange ParsePercentiles(const std::string& text) {
     return {numbers[0], numbers[1]};
 }
 
-RegionReport Measure(CRegionStatistics& statistics, const std::string& file, const Options& options,
-                     CDataProgress& progress) {
+RegionReport MeasureRegion(CRegionStatistics& statistics, const std::string& file,
+                           const StatsOptions& options, CDataProgress& progress) {
     const auto require = [&](GISError error) {
         if (error != GIS_SUCCESS)
             throw Failure(file, Interrupted() ? "interrupted" : LastReason("cannot be read"));
@@ -71,7 +71,7 @@ RegionReport Measure(CRegionStatistics& statistics, const std::string& file, con
 }
 
 /// The region of a file, or each of its shapes.
-std::vector<RegionReport> MeasureFile(const std::string& file, const Options& options,
+std::vector<RegionReport> MeasureFile(const std::string& file, const StatsOptions& options,
                                       CDataProgress& progress) {
     CRasterSource raster;
     OpenForRegion(raster, file, options.region);
@@ -82,19 +82,19 @@ std::vector<RegionReport> MeasureFile(const std::string& file, const Options& op
     statistics.SetApprox(options.approx);
     if (!options.each) {
         statistics.SetAOI(region.get());
-        return {Measure(statistics, file, options, progress)};
+        return {MeasureRegion(statistics, file, options, progress)};
     }
     std::vector<RegionReport> reports;
     for (int i = 0; i < region->GetDrawShapeCount(); ++i) {
         CDrawShape* const shape = region->GetDrawShape(i);
         statistics.SetShape(shape);
-        reports.push_back(Measure(statistics, file, options, progress));
+        reports.push_back(MeasureRegion(statistics, file, options, progress));
         reports.back().shape = std::to_string(i + 1) + " " + KindName(*shape);
     }
     return reports;
 }
 
-Json JsonOf(const std::vector<RegionReport>& reports, const Options& options) {
+Json JsonOf(const std::vector<RegionReport>& reports, const StatsOptions& options) {
     if (!options.each)
         return ToJson(reports.front());
     Json shapes = Json::array();
@@ -110,7 +110,8 @@ Json JsonOf(const std::vector<RegionReport>& reports, const Options& options) {
 }
 
 /// @param files the reports of every file that could be measured
-void Print(const std::vector<std::vector<RegionReport>>& files, const Options& options) {
+void PrintReports(const std::vector<std::vector<RegionReport>>& files,
+                  const StatsOptions& options) {
     if (options.json) {
         Json all = Json::array();
         for (const auto& reports : files)
@@ -128,7 +129,7 @@ void Print(const std::vector<std::vector<RegionReport>>& files, const Options& o
 }
 
 /// What a reader of the numbers must know, on standard error.
-void PrintRemarks(const std::string& file, const std::vector<RegionReport>& reports) {
+void RemarkOnRegions(const std::string& file, const std::vector<RegionReport>& reports) {
     bool sampled = false;
     for (const RegionReport& report : reports) {
         sampled = sampled || report.sampled;
@@ -140,7 +141,7 @@ void PrintRemarks(const std::string& file, const std::vector<RegionReport>& repo
         Remark(file + ": a sample was taken; the counts are those of the sample");
 }
 
-void CheckOptions(const Options& options) {
+void CheckStatsOptions(const StatsOptions& options) {
     if (options.each && options.region.aoi.empty())
         throw UsageError("--each: needs --aoi");
     if (!options.percentiles.empty())
@@ -149,8 +150,8 @@ void CheckOptions(const Options& options) {
         throw UsageError("--covariance: as --csv it is for a single file");
 }
 
-void Run(const Options& options) {
-    CheckOptions(options);
+void RunStats(const StatsOptions& options) {
+    CheckStatsOptions(options);
     std::vector<std::optional<std::vector<RegionReport>>> reports(options.files.size());
     const auto failures =
         ForEachFile(options.files, options.jobs, [&](std::size_t file, CDataProgress& progress) {
@@ -161,15 +162,15 @@ void Run(const Options& options) {
         if (each)
             measured.push_back(*each);
     if (failures.size() < options.files.size())
-        Print(measured, options);
+        PrintReports(measured, options);
     std::cout.flush();
     for (std::size_t i = 0; i < reports.size(); ++i)
         if (reports[i])
-            PrintRemarks(options.files[i], *reports[i]);
+            RemarkOnRegions(options.files[i], *reports[i]);
     TellFailures(failures);
 }
 
-constexpr const char* FOOTER =
+constexpr const char* STATS_FOOTER =
     "A pixel belongs to a region when its centre lies in one of its shapes, and counts once\n"
     "however many hold it; what lies off the image is left out. No-data values (within 1e-8),\n"
     "NaN and infinities are left out band by band, zeros count. The standard deviation and the\n"
@@ -183,7 +184,7 @@ constexpr const char* FOOTER =
 
 void AddStats(CLI::App& program) {
     auto* stats = program.add_subcommand("stats", "count, range, mean and deviation of a region");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<StatsOptions>();
     stats->add_option("FILE", options->files, "raster files")->required();
     AddRegionOptions(*stats, options->region);
     stats->add_option("--bands", options->bands, "bands, as 4,3,2; all when not given");
@@ -196,8 +197,8 @@ void AddStats(CLI::App& program) {
     auto* json = stats->add_flag("--json", options->json, "print JSON");
     stats->add_flag("--csv", options->csv, "print comma-separated values")->excludes(json);
     AddJobsOption(*stats, options->jobs);
-    stats->footer(FOOTER);
-    stats->callback([options] { Run(*options); });
+    stats->footer(STATS_FOOTER);
+    stats->callback([options] { RunStats(*options); });
 }
 
 } // namespace zelto::cli

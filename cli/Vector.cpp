@@ -21,7 +21,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct VectorOptions {
     std::string file;
     bool json = false;
 };
@@ -87,7 +87,7 @@ void PrintLayer(const CVectorLayer& layer) {
     table.Print();
 }
 
-void Info(const Options& options) {
+void DescribeVector(const VectorOptions& options) {
     const QuietGdalUse gdal;
     CVectorSource source;
     OpenOrFail(source, options.file);
@@ -112,11 +112,11 @@ void Info(const Options& options) {
 void AddVector(CLI::App& program) {
     auto* vector = program.add_subcommand("vector", "look into vector files");
     vector->require_subcommand(1);
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<VectorOptions>();
     auto* info = vector->add_subcommand("info", "layers, fields, extents and reference systems");
     info->add_option("FILE", options->file)->required();
     info->add_flag("--json", options->json, "print JSON");
-    info->callback([options] { Info(*options); });
+    info->callback([options] { DescribeVector(*options); });
 }
 
 } // namespace zelto::cli

@@ -22,7 +22,7 @@ namespace zelto::cli {
 
 namespace {
 
-struct Options {
+struct ZonalOptions {
     std::string image;
     ZoneOptions zones;
     std::string bands;
@@ -49,7 +49,7 @@ std::vector<double> SharesOf(std::vector<double> percentages) {
     return percentages;
 }
 
-void Print(const ZonalReport& report, const Options& options) {
+void PrintZones(const ZonalReport& report, const ZonalOptions& options) {
     if (options.csv)
         PrintZoneCsv(report);
     else if (options.json)
@@ -63,7 +63,7 @@ void Print(const ZonalReport& report, const Options& options) {
 }
 
 /// What a reader of the numbers must know, on standard error.
-void PrintRemarks(const ZonalReport& report, const std::string& path) {
+void RemarkOnZones(const ZonalReport& report, const std::string& path) {
     int without = 0;
     for (int i = 0; i < report.statistics.GetZoneCount(); ++i) {
         const auto& bands = report.statistics.GetZone(i);
@@ -77,7 +77,7 @@ void PrintRemarks(const ZonalReport& report, const std::string& path) {
                (without == 1 ? "has" : "have") + " no values");
 }
 
-void Run(const Options& options) {
+void RunZonal(const ZonalOptions& options) {
     const std::vector<double> percentages = ParsePercentages(options.percentiles);
     RequireFreePath(options.out, options.overwrite, {options.image, options.zones.file});
     CRasterSource raster;
@@ -97,11 +97,11 @@ void Run(const Options& options) {
     const ZonalReport report = {zones, statistics, percentages, hasCoverage};
     if (!options.out.empty())
         WriteZones(report, options.out);
-    Print(report, options);
-    PrintRemarks(report, options.zones.file);
+    PrintZones(report, options);
+    RemarkOnZones(report, options.zones.file);
 }
 
-constexpr const char* FOOTER =
+constexpr const char* ZONAL_FOOTER =
     "Every feature is a zone: its polygons together, without their holes. With --weights center a\n"
     "pixel belongs to a zone when its centre does (of centres on an edge the zone has those on "
     "its\n"
@@ -115,7 +115,7 @@ constexpr const char* FOOTER =
 
 void AddZonal(CLI::App& program) {
     auto* zonal = program.add_subcommand("zonal", "statistics of an image under many polygons");
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ZonalOptions>();
     zonal->add_option("IMAGE", options->image, "raster file")->required();
     zonal->add_option("ZONES", options->zones.file, "vector file of polygons")->required();
     zonal->add_option("--layer", options->zones.layer, "layer of ZONES; default: the first");
@@ -138,8 +138,8 @@ void AddZonal(CLI::App& program) {
     AddOverwriteOption(*zonal, options->overwrite);
     auto* json = zonal->add_flag("--json", options->json, "print JSON");
     zonal->add_flag("--csv", options->csv, "print comma-separated values")->excludes(json);
-    zonal->footer(FOOTER);
-    zonal->callback([options] { Run(*options); });
+    zonal->footer(ZONAL_FOOTER);
+    zonal->callback([options] { RunZonal(*options); });
 }
 
 } // namespace zelto::cli
