@@ -4,6 +4,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
+#include "cli/HistogramPlot.h"
 #include "cli/support/BandHistogram.h"
 #include "cli/support/Effect.h"
 #include "cli/support/Failure.h"
@@ -19,7 +20,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <iostream>
 #include <memory>
@@ -46,14 +46,6 @@ struct HistogramOptions {
     bool json = false;
 };
 
-/// A band's histogram with what its display shows of it.
-struct Counted {
-    int number = 1; ///< of the band, from 1
-    BandHistogram histogram;
-    double shownFrom = 0.0; ///< bounds of the standard-deviation stretch
-    double shownTo = 0.0;
-};
-
 std::optional<std::pair<double, double>> ParseRange(const std::string& text) {
     if (text.empty())
         return std::nullopt;
@@ -63,7 +55,8 @@ std::optional<std::pair<double, double>> ParseRange(const std::string& text) {
     return std::pair(bounds[0], bounds[1]);
 }
 
-std::vector<Counted> Count(CRasterSource& source, const HistogramOptions& options, int buckets) {
+std::vector<CountedBand> Count(CRasterSource& source, const HistogramOptions& options,
+                               int buckets) {
     std::vector<int> bands(static_cast<std::size_t>(source.GetBandCount()));
     std::iota(bands.begin(), bands.end(), 0);
     if (!options.bands.empty())
@@ -82,7 +75,7 @@ std::vector<Counted> Count(CRasterSource& source, const HistogramOptions& option
     if (std::any_of(histograms.begin(), histograms.end(),
                     [](const BandHistogram& histogram) { return histogram.counts.empty(); }))
         throw Failure(options.path, "no values in the region");
-    std::vector<Counted> counted;
+    std::vector<CountedBand> counted;
     for (std::size_t i = 0; i < bands.size(); ++i) {
         const CRasterBand& band = *source.GetRasterBand(bands[i]);
         counted.push_back({bands[i] + 1, std::move(histograms[i]), band.GetStdDevLowerBound(),
@@ -91,9 +84,9 @@ std::vector<Counted> Count(CRasterSource& source, const HistogramOptions& option
     return counted;
 }
 
-void PrintHistogramsAsJson(const HistogramOptions& options, const std::vector<Counted>& bands) {
+void PrintHistogramsAsJson(const HistogramOptions& options, const std::vector<CountedBand>& bands) {
     Json json = {{"path", options.path}, {"bands", Json::array()}};
-    for (const Counted& band : bands)
+    for (const CountedBand& band : bands)
         json["bands"].push_back(
             {{"band", band.number},
              {"low", JsonNumber(band.histogram.low)},
@@ -114,8 +107,8 @@ std::string Bar(int count, int greatest) {
         static_cast<std::size_t>(std::max(1.0, std::round(LONGEST * count / greatest))), '#');
 }
 
-void PrintAsTable(const std::vector<Counted>& bands) {
-    for (const Counted& band : bands) {
+void PrintAsTable(const std::vector<CountedBand>& bands) {
+    for (const CountedBand& band : bands) {
         const BandHistogram& histogram = band.histogram;
         std::cout << (&band == &bands.front() ? "" : "\n") << "band " << band.number << ": "
                   << histogram.Total() << " values, shown from " << TickLabel(band.shownFrom)
@@ -129,75 +122,6 @@ void PrintAsTable(const std::vector<Counted>& bands) {
         }
         table.Print(2);
     }
-}
-
-/// Blue, green, red as bands commonly come first, then colours that keep apart.
-PlotColor BandColor(std::size_t index) {
-    constexpr std::array<PlotColor, 8> COLORS = {{{0.12, 0.35, 0.78},
-                                                  {0.10, 0.56, 0.22},
-                                                  {0.80, 0.16, 0.14},
-                                                  {0.58, 0.22, 0.62},
-                                                  {0.85, 0.50, 0.05},
-                                                  {0.10, 0.58, 0.62},
-                                                  {0.45, 0.45, 0.45},
-                                                  {0.55, 0.40, 0.15}}};
-    return COLORS[index % COLORS.size()];
-}
-
-std::vector<double> Heights(const BandHistogram& histogram, bool logarithmic) {
-    std::vector<double> heights;
-    for (const int count : histogram.counts)
-        heights.push_back(logarithmic ? std::log10(1.0 + count) : count);
-    return heights;
-}
-
-/// The part of the axis that the bands' counts occupy.
-Plot::Range ValueRange(const std::vector<Counted>& bands) {
-    Plot::Range range = {bands.front().histogram.low, bands.front().histogram.High()};
-    for (const Counted& band : bands) {
-        range.low = std::min(range.low, band.histogram.low);
-        range.high = std::max(range.high, band.histogram.High());
-    }
-    return range;
-}
-
-Plot::Range CountRange(const std::vector<Counted>& bands, bool logarithmic) {
-    double greatest = 1.0;
-    for (const Counted& band : bands)
-        for (const double height : Heights(band.histogram, logarithmic))
-            greatest = std::max(greatest, height);
-    return {0.0, greatest * 1.12};
-}
-
-void DrawPlot(const HistogramOptions& options, const std::vector<Counted>& bands) {
-    constexpr int WIDTH = 960;
-    constexpr int HEIGHT = 540;
-    constexpr PlotColor SHOWN = {0.95, 0.60, 0.05};
-    constexpr PlotColor MARK = {0.72, 0.40, 0.0};
-    Plot plot(WIDTH, HEIGHT, ValueRange(bands), CountRange(bands, options.logarithmic));
-    const bool single = bands.size() == 1;
-    std::string title = Narrow(CommonFun::GetFileNameWithExtension(Wide(options.path)));
-    if (single) {
-        const Counted& band = bands.front();
-        title += ", band " + std::to_string(band.number);
-        plot.Shade(band.shownFrom, band.shownTo, SHOWN);
-    }
-    plot.Title(title);
-    plot.AxisLabels("value", options.logarithmic ? "log10 (1 + pixels)" : "pixels");
-    for (std::size_t i = 0; i < bands.size(); ++i) {
-        const BandHistogram& histogram = bands[i].histogram;
-        plot.Bars(histogram.low, histogram.width, Heights(histogram, options.logarithmic),
-                  BandColor(single ? 0 : i), !single);
-        if (!single)
-            plot.Legend("band " + std::to_string(bands[i].number), BandColor(i));
-    }
-    plot.Axes();
-    if (single) {
-        plot.Mark(bands.front().shownFrom, "shown from " + TickLabel(bands.front().shownFrom),
-                  MARK);
-        plot.Mark(bands.front().shownTo, "to " + TickLabel(bands.front().shownTo), MARK);
-    }
-    plot.Write(options.png);
 }
 
 void CheckPlotName(const std::string& path) {
@@ -221,9 +145,9 @@ void RunHistograms(const HistogramOptions& options) {
     const bool fine = options.json || !options.png.empty();
     const int buckets =
         options.buckets > 0 ? options.buckets : (fine ? FINE_BUCKETS : TABLE_BUCKETS);
-    const std::vector<Counted> bands = Count(source, options, buckets);
+    const std::vector<CountedBand> bands = Count(source, options, buckets);
     if (!options.png.empty())
-        DrawPlot(options, bands);
+        DrawHistograms({options.path, options.png, options.logarithmic}, bands);
     if (options.json)
         PrintHistogramsAsJson(options, bands);
     else
