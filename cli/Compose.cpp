@@ -2,9 +2,9 @@
 #include "zelto/raster/RasterBand.h"
 
 #include "cli/Commands.h"
-#include "cli/RenderOpacity.h"
-#include "cli/RenderStretch.h"
-#include "cli/RenderView.h"
+#include "cli/render/Opacity.h"
+#include "cli/render/Stretch.h"
+#include "cli/render/View.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Message.h"
 #include "cli/support/Open.h"

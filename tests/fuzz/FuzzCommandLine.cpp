@@ -1,6 +1,6 @@
 #include "zelto/aoi/DrawShape.h"
 
-#include "cli/RenderStretch.h"
+#include "cli/render/Stretch.h"
 #include "cli/support/Failure.h"
 #include "cli/support/RasterChoice.h"
 #include "cli/support/Region.h"

@@ -2,7 +2,7 @@
 
 #include "zelto/display/DisplayRecipe.h"
 
-#include "cli/RenderView.h"
+#include "cli/render/View.h"
 
 #include <string>
 

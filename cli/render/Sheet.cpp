@@ -1,4 +1,4 @@
-#include "cli/RenderSheet.h"
+#include "cli/render/Sheet.h"
 
 #include "cli/support/Failure.h"
 

@@ -1,7 +1,7 @@
 #include "zelto/coordinate/GeoGrid.h"
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/ReprojectCommands.h"
+#include "cli/reproject/Commands.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Json.h"
 #include "cli/support/Table.h"

@@ -1,4 +1,4 @@
-#include "cli/PointColumns.h"
+#include "cli/reproject/PointColumns.h"
 
 #include "cli/support/Failure.h"
 

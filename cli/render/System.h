@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/RenderView.h"
+#include "cli/render/View.h"
 
 #include <string>
 

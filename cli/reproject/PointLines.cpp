@@ -1,4 +1,4 @@
-#include "cli/PointLines.h"
+#include "cli/reproject/PointLines.h"
 
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"

@@ -1,4 +1,4 @@
-#include "cli/RenderStretch.h"
+#include "cli/render/Stretch.h"
 
 #include "zelto/display/StretchPreparation.h"
 #include "zelto/raster/RasterSource.h"

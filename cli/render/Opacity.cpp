@@ -1,8 +1,8 @@
-#include "cli/RenderOpacity.h"
+#include "cli/render/Opacity.h"
 
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/RenderSystem.h"
+#include "cli/render/System.h"
 #include "cli/support/Failure.h"
 #include "cli/support/FileOpacity.h"
 #include "cli/support/Open.h"

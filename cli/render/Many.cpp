@@ -1,4 +1,4 @@
-#include "cli/RenderMany.h"
+#include "cli/render/Many.h"
 
 #include "cli/support/Failure.h"
 #include "cli/support/ManyFiles.h"

@@ -1,7 +1,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
-#include "cli/ReprojectCommands.h"
+#include "cli/reproject/Commands.h"
 #include "cli/support/Failure.h"
 #include "cli/support/Json.h"
 #include "cli/support/Open.h"

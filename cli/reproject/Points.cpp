@@ -1,9 +1,9 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/coordinate/CoordinateTransformation.h"
 
-#include "cli/PointColumns.h"
-#include "cli/PointLines.h"
-#include "cli/ReprojectCommands.h"
+#include "cli/reproject/Commands.h"
+#include "cli/reproject/PointColumns.h"
+#include "cli/reproject/PointLines.h"
 #include "cli/support/Effect.h"
 #include "cli/support/Failure.h"
 #include "cli/support/GdalUse.h"

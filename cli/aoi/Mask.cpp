@@ -1,5 +1,4 @@
 #include "zelto/aoi/AOIMask.h"
-
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/support/AoiFile.h"

@@ -1,4 +1,4 @@
-#include "cli/RenderView.h"
+#include "cli/render/View.h"
 
 #include "zelto/raster/RasterSource.h"
 

@@ -1,4 +1,4 @@
-#include "cli/RenderSystem.h"
+#include "cli/render/System.h"
 
 #include "zelto/raster/RasterSource.h"
 

@@ -1,4 +1,4 @@
-#include "cli/RenderRecipe.h"
+#include "cli/render/Recipe.h"
 
 #include "zelto/raster/RasterSource.h"
 
