@@ -18,6 +18,9 @@ import sys
 import tempfile
 import time
 
+# Threads that wait for work by spinning would take the processors from the other side.
+os.environ["OMP_WAIT_POLICY"] = "passive"
+
 import numpy as np
 import rasterio
 import rasterio.features
