@@ -13,7 +13,7 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr std::array SIGNALS = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+constexpr std::array BREAKDOWNS = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
 /// Names beyond this are cut.
 constexpr std::size_t LONGEST_NAME = 4096;
@@ -52,7 +52,7 @@ void TellBreakdowns(int exitStatus) {
         return;
     g_exitStatus = exitStatus;
     UseStackOfItsOwn();
-    for (const int number : SIGNALS) {
+    for (const int number : BREAKDOWNS) {
         struct sigaction present = {};
         sigaction(number, nullptr, &present);
         if (present.sa_handler != SIG_DFL)

@@ -21,7 +21,7 @@ namespace zelto::cli {
 
 namespace {
 
-bool HasExtension(const std::string& path, const char* extension) {
+bool EndsWithExtension(const std::string& path, const char* extension) {
     return EQUAL(CPLGetExtension(path.c_str()), extension);
 }
 
@@ -45,7 +45,7 @@ bool IsBuiltInCopy(CRasterSource& raster, const std::string& path) {
         return false;
     const CPLStringList files(dataset.GetFileList());
     for (int i = 0; i < files.Count(); ++i)
-        if (HasExtension(files[i], "ovr") || HasExtension(files[i], "rrd"))
+        if (EndsWithExtension(files[i], "ovr") || EndsWithExtension(files[i], "rrd"))
             return false;
     return !AreNamesTaken(path, files);
 }

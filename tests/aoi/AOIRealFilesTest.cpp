@@ -62,7 +62,7 @@ bool AreSame(const Rings& a, const Rings& b) {
            });
 }
 
-double AreaOf(const std::vector<CPoint2D>& ring) {
+double RingArea(const std::vector<CPoint2D>& ring) {
     double twice = 0;
     for (std::size_t i = 0; i < ring.size(); ++i)
         twice += ring[i] ^ ring[(i + 1) % ring.size()];
@@ -99,7 +99,7 @@ class AOIRealFiles : public testing::Test {
         ASSERT_EQ(back.size(), shapes.size());
         for (std::size_t i = 0; i < back.size(); ++i) {
             EXPECT_EQ(back[i].size(), shapes[i].size() + 1) << "closed once more";
-            EXPECT_NEAR(AreaOf(back[i]), AreaOf(shapes[i]), 1e-9 * AreaOf(shapes[i]) + 1e-12);
+            EXPECT_NEAR(RingArea(back[i]), RingArea(shapes[i]), 1e-9 * RingArea(shapes[i]) + 1e-12);
         }
     }
 

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr double INFINITE = std::numeric_limits<double>::infinity();
-constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+constexpr double NO_NUMBER = std::numeric_limits<double>::quiet_NaN();
 constexpr std::int64_t LEAST64 = std::numeric_limits<std::int64_t>::min();
 constexpr std::int32_t LEAST32 = std::numeric_limits<std::int32_t>::min();
 
@@ -32,7 +32,7 @@ TEST(Truncate, KeepsTheEndsOfTheRange) {
 
 TEST(Truncate, WhatDoesNotFitGivesTheLeastInteger) {
     for (const double value :
-         {NOT_A_NUMBER, INFINITE, -INFINITE, std::ldexp(1.0, 63), 1e300, -1e300}) {
+         {NO_NUMBER, INFINITE, -INFINITE, std::ldexp(1.0, 63), 1e300, -1e300}) {
         EXPECT_EQ(zelto::TruncateToInt64(value), LEAST64) << value;
         EXPECT_EQ(zelto::TruncateToInt32(value), LEAST32) << value;
     }
@@ -43,9 +43,9 @@ TEST(Truncate, WhatDoesNotFitGivesTheLeastInteger) {
 TEST(Truncate, ConstantsAreNoExceptionForTheOptimiser) {
     EXPECT_EQ(zelto::TruncateToInt32(4294967296.0), LEAST32);
     EXPECT_EQ(zelto::TruncateToInt32(-4294967296.0), LEAST32);
-    EXPECT_EQ(zelto::TruncateToInt32(NOT_A_NUMBER), LEAST32);
+    EXPECT_EQ(zelto::TruncateToInt32(NO_NUMBER), LEAST32);
     EXPECT_EQ(zelto::TruncateToInt64(18446744073709551616.0), LEAST64);
-    EXPECT_EQ(zelto::TruncateToInt64(NOT_A_NUMBER), LEAST64);
+    EXPECT_EQ(zelto::TruncateToInt64(NO_NUMBER), LEAST64);
 }
 
 TEST(Truncate, AByteIsTheLowEightBits) {
@@ -59,6 +59,6 @@ TEST(Truncate, AByteIsTheLowEightBits) {
 }
 
 TEST(Truncate, AByteOfWhatDoesNotFitIsZero) {
-    for (const double value : {NOT_A_NUMBER, INFINITE, -INFINITE, 1e19, -1e19})
+    for (const double value : {NO_NUMBER, INFINITE, -INFINITE, 1e19, -1e19})
         EXPECT_EQ(zelto::TruncateToByte(value), 0) << value;
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+constexpr double NO_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
 /// Two bands of a file that is open.
 class KnownStatistics : public testing::Test {
@@ -59,11 +59,11 @@ TEST_F(KnownStatistics, AreThoseOfTheBandAndItsNoDataValue) {
     EXPECT_EQ(Mean(1, {}), std::nullopt);
     zelto::KeepStatistics(Band(1), {}, {.mean = 1.0});
     zelto::KeepStatistics(Band(1), 0.0, {.mean = 2.0});
-    zelto::KeepStatistics(Band(1), NOT_A_NUMBER, {.mean = 3.0});
+    zelto::KeepStatistics(Band(1), NO_NUMBER, {.mean = 3.0});
     zelto::KeepStatistics(Band(2), {}, {.mean = 4.0});
     EXPECT_EQ(Mean(1, {}), 1.0);
     EXPECT_EQ(Mean(1, 0.0), 2.0);
-    EXPECT_EQ(Mean(1, NOT_A_NUMBER), 3.0);
+    EXPECT_EQ(Mean(1, NO_NUMBER), 3.0);
     EXPECT_EQ(Mean(2, {}), 4.0);
     EXPECT_EQ(Mean(2, 0.0), std::nullopt);
 }

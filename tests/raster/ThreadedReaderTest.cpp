@@ -163,7 +163,7 @@ const RasterSpec TILES = {
     .width = 300,
     .height = 200,
     .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=64"}};
-const Pixels RAMP =
+const Pixels TILED_RAMP =
     zelto::test::MakePixels(300, 200, [](int x, int y) { return (x * 7 + y * 13) % 251; });
 
 } // namespace
@@ -194,7 +194,7 @@ TEST_F(ThreadedReaderTest, ReadsWhatTheBandsRead) {
 }
 
 TEST_F(ThreadedReaderTest, TheHostsNumberOfThreadsCounts) {
-    const OpenedRaster opened(Write("a.tif", TILES, {RAMP}));
+    const OpenedRaster opened(Write("a.tif", TILES, {TILED_RAMP}));
     {
         const CPLConfigOptionSetter one("GDAL_NUM_THREADS", "1", false);
         EXPECT_EQ(ThreadedReader::Of(opened.Bands()), nullptr);
@@ -205,17 +205,17 @@ TEST_F(ThreadedReaderTest, TheHostsNumberOfThreadsCounts) {
 
 TEST_F(ThreadedReaderTest, LeavesAloneWhatASecondHandleMightNotReadTheSame) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
-    const std::string path = Write("a.tif", TILES, {RAMP, RAMP});
+    const std::string path = Write("a.tif", TILES, {TILED_RAMP, TILED_RAMP});
     {
         const GDALDatasetUniquePtr notNoted(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
         EXPECT_EQ(ThreadedReader::Of({notNoted->GetRasterBand(1)}), nullptr);
     }
     RasterSpec plain = TILES;
     plain.options = {};
-    const OpenedRaster uncompressed(Write("plain.tif", plain, {RAMP}));
+    const OpenedRaster uncompressed(Write("plain.tif", plain, {TILED_RAMP}));
     EXPECT_EQ(ThreadedReader::Of(uncompressed.Bands()), nullptr) << "nothing to decode";
     const OpenedRaster opened(path);
-    const OpenedRaster other(Write("b.tif", TILES, {RAMP}));
+    const OpenedRaster other(Write("b.tif", TILES, {TILED_RAMP}));
     EXPECT_EQ(ThreadedReader::Of({opened.Bands()[0], other.Bands()[0]}), nullptr);
     EXPECT_EQ(ThreadedReader::Of({}), nullptr);
     EXPECT_EQ(ThreadedReader::Of({nullptr}), nullptr);
@@ -224,15 +224,15 @@ TEST_F(ThreadedReaderTest, LeavesAloneWhatASecondHandleMightNotReadTheSame) {
 
 TEST_F(ThreadedReaderTest, AFileThatHasTakenTheNameIsNotReadInItsPlace) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
-    const std::string path = Write("a.tif", TILES, {RAMP});
+    const std::string path = Write("a.tif", TILES, {TILED_RAMP});
     const OpenedRaster opened(path);
-    std::filesystem::rename(Write("b.tif", TILES, {Pixels(RAMP.size(), 1.0)}), path);
+    std::filesystem::rename(Write("b.tif", TILES, {Pixels(TILED_RAMP.size(), 1.0)}), path);
     EXPECT_EQ(ThreadedReader::Of(opened.Bands()), nullptr);
 }
 
 TEST_F(ThreadedReaderTest, AFileThatWasWrittenToSinceIsLeftAlone) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
-    const std::string path = Write("a.tif", TILES, {RAMP});
+    const std::string path = Write("a.tif", TILES, {TILED_RAMP});
     const OpenedRaster opened(path);
     ASSERT_NE(ThreadedReader::Of(opened.Bands()), nullptr);
     const auto before = std::filesystem::last_write_time(path);
@@ -250,7 +250,8 @@ TEST_F(ThreadedReaderTest, OptionsThatHaveChangedSinceTheOpeningChangeNoSample) 
     RasterSpec spec = TILES;
     spec.options[0] = "COMPRESS=JPEG";
     spec.options.insert(spec.options.end(), {"INTERLEAVE=PIXEL", "PHOTOMETRIC=YCBCR"});
-    const std::string path = Write("a.tif", spec, {RAMP, Pixels(RAMP.size(), 90.0), RAMP});
+    const std::string path =
+        Write("a.tif", spec, {TILED_RAMP, Pixels(TILED_RAMP.size(), 90.0), TILED_RAMP});
     std::unique_ptr<OpenedRaster> opened;
     {
         const CPLConfigOptionSetter asStored("CONVERT_YCBCR_TO_RGB", "NO", false);
@@ -261,7 +262,7 @@ TEST_F(ThreadedReaderTest, OptionsThatHaveChangedSinceTheOpeningChangeNoSample) 
 
 TEST_F(ThreadedReaderTest, ErrorsThatAreIgnoredSinceTheOpeningAreStillFailures) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
-    const std::string path = Write("a.tif", TILES, {RAMP});
+    const std::string path = Write("a.tif", TILES, {TILED_RAMP});
     DamageLastBlock(path);
     const OpenedRaster opened(path);
     const CPLConfigOptionSetter ignored("GTIFF_IGNORE_READ_ERRORS", "YES", false);
@@ -273,7 +274,7 @@ TEST_F(ThreadedReaderTest, ErrorsThatAreIgnoredSinceTheOpeningAreStillFailures) 
 
 TEST_F(ThreadedReaderTest, AnUnreadableBlockIsAFailureWithoutAMessage) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
-    const std::string path = Write("a.tif", TILES, {RAMP});
+    const std::string path = Write("a.tif", TILES, {TILED_RAMP});
     DamageLastBlock(path);
     const OpenedRaster opened(path);
     const auto reader = ThreadedReader::Of(opened.Bands());

@@ -17,7 +17,7 @@
 namespace {
 
 constexpr const wchar_t* POLYGONIZE_TITLE = L"栅格矢量化";
-constexpr int PROGRESS_TOTAL = 100;
+constexpr int POLYGON_STEPS = 100;
 
 /// Hands progress on to the host. GDAL counts half a row too many at the end of a polygonization;
 /// hosts are not told of more than the whole.
@@ -44,7 +44,7 @@ GISError CRasterAlgorithm::RasterPolygonize(CRasterBand* source, CRasterBand* ma
     return zelto::NoThrow(GIS_FAILED, [&] {
         if (progress != nullptr)
             progress->BeginProgress(title.empty() ? POLYGONIZE_TITLE : title.c_str(),
-                                    PROGRESS_TOTAL);
+                                    POLYGON_STEPS);
         GDALRasterBand* const pixels = source != nullptr ? source->GetGDALBand() : nullptr;
         GDALRasterBand* const shown = mask != nullptr ? mask->GetGDALBand() : nullptr;
         OGRLayer* const target = layer != nullptr ? layer->GetOGRLayer() : nullptr;

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::uint32_t REPLACEMENT = 0xFFFD;
+constexpr std::uint32_t REPLACEMENT_CHARACTER = 0xFFFD;
 /// M2U() carries a byte b that is not UTF-8 as ESCAPE + b.
 constexpr std::uint32_t ESCAPE = 0xDC00;
 
@@ -73,7 +73,7 @@ std::string CommonFun::U2M(const std::wstring& text) {
         if (IsEscapedByte(c))
             result += static_cast<char>(c - ESCAPE);
         else
-            AppendUtf8(result, IsCharacter(c) ? c : REPLACEMENT);
+            AppendUtf8(result, IsCharacter(c) ? c : REPLACEMENT_CHARACTER);
     }
     return result;
 }

@@ -42,7 +42,7 @@ std::int64_t MatrixSize(const ClassRecord& record) {
     return n * n;
 }
 
-bool ReadMatrix(BinaryReader& reader, ClassRecord& record) {
+bool ReadRecordMatrix(BinaryReader& reader, ClassRecord& record) {
     const std::int64_t size = MatrixSize(record);
     double value = 0.0;
     for (std::int64_t i = 0; i < size; ++i) {
@@ -94,7 +94,7 @@ std::unique_ptr<ClassRecord> ReadClass(BinaryReader& reader, int& shapesLeft) {
         return nullptr;
     // Each step ends the class where the file ends; nothing after it can be read then.
     if (ReadBandArrays(reader, *record) && reader.Read(record->m_moreValues[0]) &&
-        reader.Read(record->m_moreValues[1]) && ReadMatrix(reader, *record) &&
+        reader.Read(record->m_moreValues[1]) && ReadRecordMatrix(reader, *record) &&
         reader.Read(record->m_hasSamples) && reader.Read(record->m_sampleShapeCount))
         ReadShapes(reader, *record, shapesLeft);
     return record;

@@ -16,7 +16,7 @@ struct Summary {
     std::string primeMeridian;
 };
 
-std::string NodeValue(const OGRSpatialReference& reference, const char* keyword) {
+std::string SummaryValue(const OGRSpatialReference& reference, const char* keyword) {
     const char* value = reference.GetAttrValue(keyword);
     return value == nullptr ? "" : value;
 }
@@ -27,9 +27,9 @@ std::string NameAndValue(const char* name, double value) {
 
 Summary Summarise(const OGRSpatialReference& reference) {
     Summary summary;
-    summary.geographic = NodeValue(reference, "GEOGCS");
-    summary.datum = NodeValue(reference, "DATUM");
-    summary.spheroid = NodeValue(reference, "SPHEROID");
+    summary.geographic = SummaryValue(reference, "GEOGCS");
+    summary.datum = SummaryValue(reference, "DATUM");
+    summary.spheroid = SummaryValue(reference, "SPHEROID");
     summary.semiMajor = CommonFun::double2string(reference.GetSemiMajor());
     summary.semiMinor = CommonFun::double2string(reference.GetSemiMinor());
     summary.inverseFlattening = CommonFun::double2string(reference.GetInvFlattening());
@@ -64,7 +64,7 @@ std::string DescribeGeographic(const Summary& summary) {
 
 std::string DescribeProjected(const OGRSpatialReference& reference, const Summary& summary) {
     return JoinLines({
-        "Name: " + NodeValue(reference, "PROJCS"),
+        "Name: " + SummaryValue(reference, "PROJCS"),
         "  GCSName: " + summary.geographic,
         "  Datum: " + summary.datum,
         "    Spheroid: " + summary.spheroid,
@@ -73,7 +73,7 @@ std::string DescribeProjected(const OGRSpatialReference& reference, const Summar
         "      Inverse Flattening: " + summary.inverseFlattening,
         "  " + summary.angularUnit,
         "  " + summary.primeMeridian,
-        "Projection: " + NodeValue(reference, "PROJCS|PROJECTION"),
+        "Projection: " + SummaryValue(reference, "PROJCS|PROJECTION"),
     });
 }
 

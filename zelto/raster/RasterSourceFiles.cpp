@@ -31,8 +31,8 @@ GDALDriver* IdentifyDriver(const std::string& path) {
 
 /// @param decides the path whose driver moves or copies: a data set never goes to a name that its
 ///        driver would not read back, where the new path does
-GISError Transfer(const wchar_t* oldPath, const wchar_t* newPath, const wchar_t* decides,
-                  zelto::TransferKind kind, bool overwrite) {
+GISError TransferFile(const wchar_t* oldPath, const wchar_t* newPath, const wchar_t* decides,
+                      zelto::TransferKind kind, bool overwrite) {
     return zelto::Operation(GIS_FAILED, [&] {
         if (oldPath == nullptr || newPath == nullptr)
             return GIS_FAILED;
@@ -70,17 +70,17 @@ GISError CRasterSource::DeleteFileW(const wchar_t* path) {
 }
 
 GISError CRasterSource::RenameFile(const wchar_t* oldPath, const wchar_t* newPath) {
-    return Transfer(oldPath, newPath, newPath, zelto::TransferKind::MOVE, true);
+    return TransferFile(oldPath, newPath, newPath, zelto::TransferKind::MOVE, true);
 }
 
 GISError CRasterSource::CopyFiles(const wchar_t* oldPath, const wchar_t* newPath) {
-    return Transfer(oldPath, newPath, newPath, zelto::TransferKind::COPY, true);
+    return TransferFile(oldPath, newPath, newPath, zelto::TransferKind::COPY, true);
 }
 
 GISError CRasterFiles::Move(const wchar_t* oldPath, const wchar_t* newPath, bool overwrite) {
-    return Transfer(oldPath, newPath, oldPath, zelto::TransferKind::MOVE, overwrite);
+    return TransferFile(oldPath, newPath, oldPath, zelto::TransferKind::MOVE, overwrite);
 }
 
 GISError CRasterFiles::Copy(const wchar_t* oldPath, const wchar_t* newPath, bool overwrite) {
-    return Transfer(oldPath, newPath, oldPath, zelto::TransferKind::COPY, overwrite);
+    return TransferFile(oldPath, newPath, oldPath, zelto::TransferKind::COPY, overwrite);
 }

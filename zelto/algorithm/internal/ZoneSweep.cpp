@@ -12,7 +12,7 @@ namespace zelto {
 
 namespace {
 
-constexpr const wchar_t* TITLE = L"计算统计信息";
+constexpr const wchar_t* SWEEP_TITLE = L"计算统计信息";
 constexpr int SWEEP_STEPS = 100;
 
 /// Three gigabytes of values with their weights and places.
@@ -60,7 +60,7 @@ ZoneSweep::MakeGroups(std::span<const std::unique_ptr<ZoneOutline>> zones) const
 bool ZoneSweep::Run(std::span<const std::unique_ptr<ZoneOutline>> zones, CDataProgress* progress) {
     m_progress = progress;
     if (progress != nullptr)
-        progress->BeginProgress(TITLE, SWEEP_STEPS);
+        progress->BeginProgress(SWEEP_TITLE, SWEEP_STEPS);
     // Zones beside the raster keep these.
     const std::vector<CZonalStatistics::Band> nothing(m_bands.size(),
                                                       ZoneValues(false).Finish(m_shares));
@@ -138,7 +138,8 @@ void ZoneSweep::Close(OpenZone& zone) {
 bool ZoneSweep::Step(int rows) {
     m_rowsDone += rows;
     const auto percent = SWEEP_STEPS * m_rowsDone / m_rowsInAll;
-    return m_progress == nullptr || m_progress->StepProgress(static_cast<int>(percent), TITLE);
+    return m_progress == nullptr ||
+           m_progress->StepProgress(static_cast<int>(percent), SWEEP_TITLE);
 }
 
 } // namespace zelto

@@ -17,7 +17,7 @@ constexpr std::array<std::uint64_t, 4> BLOCK_LISTS = {273, 279, 324, 325};
 constexpr std::array<std::uint64_t, 3> INTEGER_TYPES = {3, 4, 16};
 
 template <typename List>
-bool Contains(const List& list, std::uint64_t value) {
+bool IsListed(const List& list, std::uint64_t value) {
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
@@ -53,7 +53,7 @@ class TiffDirectories {
             // A chain that leads back to itself has no end.
             if (!m_file.IsGood() || ++m_tags > MOST_TAGS)
                 return true;
-            if (Contains(BLOCK_LISTS, tag) && !Contains(INTEGER_TYPES, type))
+            if (IsListed(BLOCK_LISTS, tag) && !IsListed(INTEGER_TYPES, type))
                 return false;
         }
         return true;

@@ -2,6 +2,7 @@
 
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/raster/internal/BlockLimit.h"
+#include "zelto/raster/internal/RasterDataset.h"
 #include "zelto/raster/internal/ThreadedReader.h"
 
 #include <algorithm>
@@ -14,11 +15,6 @@
 namespace zelto {
 
 namespace {
-
-std::string_view Structure(GDALDataset& dataset, const char* item) {
-    const char* value = dataset.GetMetadataItem(item, "IMAGE_STRUCTURE");
-    return value != nullptr ? value : "";
-}
 
 /// Which of `size` pixels GDAL picks for `count` samples of a window along one axis, told by a
 /// raster in memory whose pixels hold their own positions.
@@ -209,7 +205,7 @@ bool CanBePicked(GDALRasterBand& band) {
         return false;
     // Where GDAL reads from a pyramid, or goes around its blocks, it picks other samples. Files
     // compressed as JPEG have a hidden pyramid.
-    const std::string_view compression = Structure(*dataset, "COMPRESSION");
+    const std::string_view compression = ImageStructure(*dataset, "COMPRESSION");
     return band.GetOverviewCount() == 0 && !band.HasArbitraryOverviews() && !compression.empty() &&
            compression.find("JPEG") == std::string_view::npos &&
            CPLGetConfigOption("GTIFF_DIRECT_IO", nullptr) == nullptr &&
@@ -219,7 +215,7 @@ bool CanBePicked(GDALRasterBand& band) {
 bool HasBandsTogether(GDALRasterBand& band) {
     GDALDataset* dataset = band.GetDataset();
     return dataset != nullptr && dataset->GetRasterCount() > 1 &&
-           Structure(*dataset, "INTERLEAVE") == "PIXEL";
+           ImageStructure(*dataset, "INTERLEAVE") == "PIXEL";
 }
 
 bool IsWorthPicking(const std::vector<GDALRasterBand*>& bands, const PixelBox& window) {

@@ -55,4 +55,9 @@ std::wstring SubDatasetName(GDALDataset& dataset, int number) {
     return name != nullptr ? CommonFun::M2U(name) : std::wstring();
 }
 
+std::string_view ImageStructure(GDALDataset& dataset, const char* item) {
+    const char* value = dataset.GetMetadataItem(item, "IMAGE_STRUCTURE");
+    return value != nullptr ? value : "";
+}
+
 } // namespace zelto

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 class GDALDataset;
 
@@ -17,5 +18,8 @@ int SubDatasetEntryCount(GDALDataset& dataset);
 
 /// @param number counted from 1; beyond the last one the name is empty
 std::wstring SubDatasetName(GDALDataset& dataset, int number);
+
+/// How the pixels are stored, as COMPRESSION or INTERLEAVE; empty where the driver does not tell.
+std::string_view ImageStructure(GDALDataset& dataset, const char* item);
 
 } // namespace zelto

@@ -3,6 +3,7 @@
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/OpenedFile.h"
+#include "zelto/raster/internal/RasterDataset.h"
 
 #include <cpl_multiproc.h>
 #include <omp.h>
@@ -22,11 +23,6 @@ namespace {
 
 /// Bytes of samples. Less is decoded before other handles are open and their threads run.
 constexpr std::int64_t SMALLEST_WORTH_THREADS = std::int64_t{4} << 20;
-
-std::string_view Structure(GDALDataset& dataset, const char* item) {
-    const char* value = dataset.GetMetadataItem(item, "IMAGE_STRUCTURE");
-    return value != nullptr ? value : "";
-}
 
 /// What the host has set for GDAL counts, whatever it is. Where it has set nothing, OpenMP's number
 /// is what it has limited the engine to.
@@ -55,7 +51,7 @@ std::size_t AffordableThreads(GDALRasterBand& band, bool byPixel) {
 bool IsDecoded(GDALDataset& dataset) {
     return dataset.GetDriver() != nullptr &&
            EQUAL(dataset.GetDriver()->GetDescription(), "GTiff") &&
-           dataset.GetAccess() == GA_ReadOnly && !Structure(dataset, "COMPRESSION").empty() &&
+           dataset.GetAccess() == GA_ReadOnly && !ImageStructure(dataset, "COMPRESSION").empty() &&
            CPLGetConfigOption("GTIFF_DIRECT_IO", nullptr) == nullptr &&
            CPLGetConfigOption("GTIFF_VIRTUAL_MEM_IO", nullptr) == nullptr;
 }
@@ -166,7 +162,7 @@ std::unique_ptr<ThreadedReader> ThreadedReader::Of(const std::vector<GDALRasterB
         return nullptr;
     GDALRasterBand& first = *bands.front();
     GDALDataset& dataset = *first.GetDataset();
-    const bool byPixel = Structure(dataset, "INTERLEAVE") == "PIXEL";
+    const bool byPixel = ImageStructure(dataset, "INTERLEAVE") == "PIXEL";
     std::unique_ptr<ThreadedReader> reader(new ThreadedReader);
     if (!reader->OpenHandles(dataset, std::min(WantedThreads(), AffordableThreads(first, byPixel))))
         return nullptr;

@@ -1,0 +1,54 @@
+"""Checks that no two sources of a folder give the same name to things of their own: batches.py SOURCES
+
+Where there is no compiler cache, the sources of a folder are compiled together. Two variables or
+types of one name then end the build, and of two functions the wrong one may be taken in silence.
+Another name for the same type is no harm.
+"""
+
+import collections
+import pathlib
+import re
+import subprocess
+import sys
+
+CHECKED = ("zelto", "cli", "python/src", "tests")
+# Each source of these is a program of its own.
+APART = ("tests/fuzz", "tests/viewer")
+TYPE = re.compile(r"(?:class|struct|enum(?: class)?|union)\s+(\w+)")
+VARIABLE = re.compile(r"(?:[\w:<>,*&]+\s+)+[*&]?(\w+)(?:\[[^\]]*\])*\s*(?:=|;|\{)")
+FUNCTION = re.compile(r"[^=(]*?(\w+)\(")
+# GoogleTest finds these by the type of their argument.
+SHARED = {"PrintTo"}
+
+
+def own_names(text):
+    """The names that a source defines in its anonymous namespaces, at the beginning of a line."""
+    inside = False
+    for line in text.split("\n"):
+        if line.startswith(("namespace {", "} // namespace")):
+            inside = line.startswith("namespace {")
+        elif inside and line[:1].isalpha() and not re.match(
+                r"using |namespace |template|friend |[A-Z][A-Z_0-9]*\(", line):
+            found = TYPE.match(line) or VARIABLE.match(line) or FUNCTION.match(line)
+            if found:
+                yield found.group(1)
+
+
+def main():
+    sources = pathlib.Path(sys.argv[1])
+    listed = subprocess.run(["git", "ls-files", *(f"{folder}/*.cpp" for folder in CHECKED)],
+                            cwd=sources, check=True, text=True, capture_output=True).stdout.split()
+    owners = collections.defaultdict(set)
+    for source in listed:
+        folder = str(pathlib.PurePosixPath(source).parent).removesuffix("/internal")
+        if not folder.startswith(APART):
+            for name in own_names((sources / source).read_text(encoding="utf-8")):
+                owners[folder, name].add(source)
+    clashes = [f"{name}: {', '.join(sorted(files))}" for (_, name), files in sorted(owners.items())
+               if len(files) > 1 and name not in SHARED]
+    print("\n".join(clashes) or f"{len(owners)} names in anonymous namespaces, each in one source")
+    sys.exit(1 if clashes else 0)
+
+
+if __name__ == "__main__":
+    main()
