@@ -236,47 +236,51 @@ TEST_F(AoiCommand, ConvertFailsInOneLine) {
 TEST_F(AoiCommand, AFileThatIsCutIsToldAndNotTakenForWhole) {
     MakeThree("a.aif");
     const std::string whole = ReadFile(File("a.aif"));
+    const auto expectTold = [&](const std::vector<std::string>& arguments, const std::string& why) {
+        const auto run = RunZelto(arguments);
+        EXPECT_EQ(run.exitStatus, 1) << arguments[1];
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(run.errors, "zelto: " + File("cut.aif") + ": " + why + "\n");
+    };
     const std::pair<std::size_t, const char*> cuts[] = {
         {1584, "ends after 0 of 3 shapes"},
         {1584 + 32, "ends after 0 of 3 shapes"},
         {1584 + 33, "ends after 1 of 3 shapes"},
         {whole.size() - 1, "ends after 2 of 3 shapes"},
         {1583, "is no file of areas of interest"}};
-    for (const auto& [size, reason] : cuts) {
-        WriteFile(File("cut.aif"), whole.substr(0, size));
-        for (const std::vector<std::string>& arguments :
-             {std::vector<std::string>{"aoi", "info", File("cut.aif")},
-              {"aoi", "info", File("cut.aif"), "--json"},
-              {"aoi", "hit", File("cut.aif"), "5,5"},
-              {"aoi", "convert", File("cut.aif"), File("b.aif")},
-              {"stats", SampleScene(), "--aoi", File("cut.aif")}}) {
-            const auto run = RunZelto(arguments);
-            EXPECT_EQ(run.exitStatus, 1) << size << arguments[1];
-            EXPECT_EQ(run.output, "");
-            EXPECT_EQ(run.errors, "zelto: " + File("cut.aif") + ": " + reason + "\n");
-        }
+    for (const auto& [length, end] : cuts) {
+        WriteFile(File("cut.aif"), whole.substr(0, length));
+        expectTold({"aoi", "info", File("cut.aif")}, end);
     }
+    const auto& [size, reason] = cuts[2];
+    WriteFile(File("cut.aif"), whole.substr(0, size));
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"aoi", "info", File("cut.aif"), "--json"},
+          {"aoi", "hit", File("cut.aif"), "5,5"},
+          {"aoi", "convert", File("cut.aif"), File("b.aif")},
+          {"stats", SampleScene(), "--aoi", File("cut.aif")}})
+        expectTold(arguments, reason);
     EXPECT_FALSE(std::filesystem::exists(File("b.aif")));
 }
 
 TEST_F(AoiCommand, NewTakesFiniteNumbersOnly) {
-    for (const char* number :
+    const auto expectRefused = [&](const std::string& shape, const std::string& numbers,
+                                   const std::string& number) {
+        const auto run = RunZelto({"aoi", "new", File("n.aif"), shape, numbers});
+        EXPECT_EQ(run.exitStatus, 2) << numbers;
+        EXPECT_EQ(run.errors, "zelto: " + shape + ": '" + number + "' is not a finite number\n");
+    };
+    for (const std::string n :
          {"nan", "NaN", "-nan", "inf", "-inf", "infinity", "1e400", "-1e400"}) {
-        const std::string n = number;
-        for (const std::vector<std::string>& shape :
-             {std::vector<std::string>{"--rect", n + ",10,10,0"},
-              {"--rect", "0,10,10," + n},
-              {"--ellipse", "0," + n + ",10,0"},
-              {"--polygon", "0,0,5," + n + ",10,0"}}) {
-            const auto run = RunZelto({"aoi", "new", File("n.aif"), shape[0], shape[1]});
-            EXPECT_EQ(run.exitStatus, 2) << shape[1];
-            EXPECT_EQ(run.errors, "zelto: " + shape[0] + ": '" + n + "' is not a finite number\n");
-        }
+        expectRefused("--rect", n + ",10,10,0", n);
         const auto text =
             RunZelto({"aoi", "new", File("n.aif"), "--geojson",
                       R"({"type":"Polygon","coordinates":[[[0,0],[5,)" + n + "],[10,0],[0,0]]]}"});
         EXPECT_EQ(text.exitStatus, 1) << n << text.errors;
     }
+    expectRefused("--rect", "0,10,10,nan", "nan");
+    expectRefused("--ellipse", "0,inf,10,0", "inf");
+    expectRefused("--polygon", "0,0,5,-1e400,10,0", "-1e400");
     // Each number is finite, the width is not.
     EXPECT_EQ(RunZelto({"aoi", "new", File("n.aif"), "--rect", "-1e308,1,1e308,0"}).exitStatus, 2);
     EXPECT_FALSE(std::filesystem::exists(File("n.aif")));
