@@ -235,16 +235,16 @@ void AddShowExportAndImport(CLI::App& samples) {
     exporting->add_option("IMAGE", options->image, "raster file")->required();
     exporting->add_option("FILE", options->file, "sample file")->required();
     exporting->callback([options] { Export(*options); });
-    auto* import = samples.add_subcommand("import", "make a sample file of pixels in a CSV table");
-    import->add_option("CSV", options->table, "lines of label,class,band1,band2,…")->required();
-    import->add_option("OUT", options->file, "sample file to write, without shapes")->required();
-    AddOverwriteOption(*import, options->overwrite);
-    import->add_flag("--json", options->json, "print JSON");
-    import->callback([options] { Import(*options);
-});
-} // namespace
+    auto* importing =
+        samples.add_subcommand("import", "make a sample file of pixels in a CSV table");
+    importing->add_option("CSV", options->table, "lines of label,class,band1,band2,…")->required();
+    importing->add_option("OUT", options->file, "sample file to write, without shapes")->required();
+    AddOverwriteOption(*importing, options->overwrite);
+    importing->add_flag("--json", options->json, "print JSON");
+    importing->callback([options] { Import(*options); });
+}
 
-} // namespace zelto::cli
+} // namespace
 
 void AddSamples(CLI::App& program) {
     auto* samples = program.add_subcommand("samples", "training pixels of a classification");
