@@ -50,7 +50,7 @@ CClassifiedAssistantFile Read(const std::string& path) {
 }
 
 /// In the form that `classes write` reads.
-void PrintEntries(const std::vector<ClassFacts>& classes) {
+void PrintClassTable(const std::vector<ClassFacts>& classes) {
     std::cout << "value,red,green,blue,name\n";
     for (const ClassFacts& each : classes)
         std::cout << FormatNumber(each.value) << ',' << each.color[0] << ',' << each.color[1] << ','
@@ -62,9 +62,9 @@ void ShowClasses(const ClassesOptions& options) {
     if (options.json)
         PrintJson({{"path", options.file}, {"classes", ToJson(classes)}});
     else if (options.csv)
-        PrintEntries(classes);
+        PrintClassTable(classes);
     else
-        PrintEntries(classes);
+        PrintClasses(classes);
 }
 
 /// The image that an assistant file belongs to shows its classes when it is opened.
