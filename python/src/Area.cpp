@@ -138,12 +138,12 @@ void SetWkt(Area& area, const std::string& wkt) {
     area.Source().SetSpatialReferenceWKT(wkt.c_str());
 }
 
-void Save(Area& area, const std::string& path) {
+void Save(Area& area, const std::string& path, double tolerance) {
     const Turn turn = area.Use();
     WideText(path);
     Run([&] {
         cli::RequireAoiFormat(path);
-        cli::SaveAoiOrFail(area.Source(), path);
+        cli::SaveAoiOrFail(area.Source(), path, tolerance);
     });
 }
 
@@ -168,7 +168,7 @@ void BindArea(py::module_& module) {
         .def("shapes", &ShapesOf)
         .def("extent", &ExtentOf)
         .def("contains", &Contains, py::arg("xs"), py::arg("ys"))
-        .def("save", &Save, py::arg("path"))
+        .def("save", &Save, py::arg("path"), py::arg("tolerance"))
         .def("transform", &Transform, py::arg("srs"))
         .def_property_readonly("count", &CountShapes)
         .def_property("wkt", &GetWkt, &SetWkt);

@@ -88,6 +88,14 @@ def test_files_of_areas(tmp_path):
     read = zelto.AreaOfInterest(tmp_path / "区域.aif")
     assert read.shapes == area.shapes
     assert zelto.is_same_crs(read.crs, "EPSG:32650")
+    ring = {}
+    for tolerance in (0.0, 0.1):
+        area.save(tmp_path / "a.gpkg", tolerance)
+        ring[tolerance] = zelto.AreaOfInterest(tmp_path / "a.gpkg").shapes[1].vertices
+    assert 4 < len(ring[0.1]) < len(ring[0.0])
+    for tolerance in (-1.0, np.nan):
+        with pytest.raises(ValueError):
+            area.save(tmp_path / "b.gpkg", tolerance)
     area.save(tmp_path / "a.shp")
     assert len(zelto.AreaOfInterest(tmp_path / "a.shp")) == 3
     with pytest.raises(ValueError):

@@ -72,6 +72,10 @@ def test_grids_are_least_squares(order):
         assert np.allclose(fitted, expected, atol=1e-6)
     residuals = grid.residuals(x, y, columns, rows)
     assert 0.5 < residuals.rms[1] < 1.5 and residuals.largest[0] >= residuals.rms[0]
+    again = pickle.loads(pickle.dumps(grid))
+    assert again.residuals(x, y, columns, rows) == residuals
+    assert repr(again) == f"<zelto.GeoGrid of order {order}, fitted to 200 points>"
+    assert pickle.loads(pickle.dumps(zelto.GeoGrid(order))).coefficients is None
     with pytest.raises(ValueError):
         zelto.GeoGrid(order).fit([0, 0, 0], [0, 0, 0], [1, 1, 1], [1, 1, 1])
     with pytest.raises(ValueError):

@@ -45,6 +45,9 @@ def test_names_are_there_before_they_are_loaded():
     assert set(zelto.__all__) <= set(dir(zelto))
     for name in zelto.__all__:
         assert getattr(zelto, name) is getattr(zelto, name)
+    script = "import zelto; zelto.many.statistics; from zelto import many; print(many.__name__)"
+    assert subprocess.run([sys.executable, "-c", script], capture_output=True, text=True,
+                          check=True).stdout == "zelto.many\n"
     with pytest.raises(AttributeError, match="no attribute 'nonsense'"):
         zelto.nonsense
     everything = {}

@@ -270,4 +270,11 @@ def test_results_travel(scene_path):
     assert again.rows() == table.rows()
     assert np.array_equal(again[0].covariance.matrix, table[0].covariance.matrix)
     found = many.histogram(scene_path, jobs=1)
-    assert pickle.loads(pickle.dumps(found)).to_dict() == found.to_dict()
+    assert pickle.loads(pickle.dumps(found)) == found
+
+
+def test_results_of_nothing(scene_path):
+    found = many.covariance(["missing.tif"], jobs=1)
+    assert found.covariance.matrix.shape == (0, 0) and found.covariance.count == 0
+    assert found.failures[0].reason == "No such file or directory"
+    assert many.statistics(["missing.tif"], jobs=1).bands == ()

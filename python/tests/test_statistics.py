@@ -64,6 +64,16 @@ def test_covariance_and_correlation(random_raster):
     assert pair.bands == (3, 1) and pair.matrix.shape == (2, 2)
 
 
+def test_results_with_arrays_can_be_compared(random_raster):
+    _, path = random_raster
+    assert zelto.covariance(path) == zelto.covariance(path)
+    assert zelto.covariance(path) != zelto.covariance(path, bands=(3, 1))
+    assert zelto.histogram(path, 1) == zelto.histogram(path, 1) != zelto.histogram(path, 2)
+    assert zelto.histogram(path, 1) != zelto.covariance(path)
+    (region,) = zelto.statistics(path, covariance=True)
+    assert region == zelto.statistics(path, covariance=True)[0]
+
+
 def test_histograms(random_raster, make):
     values, path = random_raster
     found = zelto.histogram(path, 1, bins=20, range=(300, 700))

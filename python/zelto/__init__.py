@@ -20,6 +20,7 @@ from ._errors import Error
 from ._raster import Raster, create, open
 
 if TYPE_CHECKING:
+    from . import many as many
     from ._area import AreaOfInterest, Ellipse, Line, Point, Polygon, Rectangle, Shape
     from ._compose import Composition, compose
     from ._coordinates import (
@@ -76,6 +77,8 @@ else:
     def __getattr__(name: str) -> Any:
         from importlib import import_module
 
+        if name == "many":
+            return import_module(".many", __name__)
         for module, names in _LATER.items():
             if name in names.split():
                 found = getattr(import_module("." + module, __name__), name)

@@ -349,9 +349,18 @@ class AreaOfInterest:
         area._native.transform(text_argument("crs", crs))
         return area
 
-    def save(self, path: PathLike) -> None:
-        """Writes an .aif or .shp file, which appears when it is complete."""
-        self._native.save(encoded(path))
+    def save(self, path: PathLike, tolerance: float = 0.0) -> None:
+        """Writes an .aif, .shp, .gpkg or .geojson file, which appears when it is complete. Only
+        .aif keeps ellipses; in vector files they become polygons. GeoJSON is in longitude and
+        latitude.
+
+        :param tolerance: largest distance of such a polygon from its ellipse, in ground units; 0:
+            a hundred-thousandth of the ellipse's longer side
+        """
+        distance = finite("tolerance", tolerance)
+        if distance < 0:
+            raise ValueError("tolerance is not below 0")
+        self._native.save(encoded(path), distance)
 
 
 def _area_again(shapes: Any, crs: str) -> AreaOfInterest:

@@ -28,6 +28,9 @@ class Composition(Grid):
         self._native = _engine.Composition([_color(color) for color in (red, green, blue)])
         self._facts = self._native.describe()
 
+    def __repr__(self) -> str:
+        return f"<zelto.Composition {self.width}x{self.height}>"
+
     def render(
         self,
         *,

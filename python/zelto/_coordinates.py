@@ -8,6 +8,7 @@ from typing import TYPE_CHECKING, Any, Dict, Optional, Sequence, Tuple, Union
 import numpy as np
 
 from . import _engine
+from ._alike import Alike
 from ._arguments import coordinates, numbers, text_argument, whole
 
 if TYPE_CHECKING:
@@ -60,6 +61,11 @@ class CoordinateTransformation:
         if shape == ():
             return tuple(float(values[0]) for values in found)
         return tuple(values.reshape(shape) for values in found)
+
+    def __repr__(self) -> str:
+        source, target = (repr(text if len(text) < 40 else text[:39] + "…")
+                          for text in self._arguments[:2])
+        return f"<zelto.CoordinateTransformation from {source} to {target}>"
 
     def __reduce__(self) -> Tuple[Any, ...]:
         return (_transformation_again, self._arguments)
@@ -130,8 +136,8 @@ def gauss_kruger(crs: str, *, zone: int, width: int) -> str:
     return _engine.gauss_kruger(text_argument("crs", crs), whole("zone", zone), whole("width", width))
 
 
-@dataclass(frozen=True)
-class Residuals:
+@dataclass(frozen=True, eq=False)
+class Residuals(Alike):
     """What a fitted grid misses its points by, in pixels."""
 
     columns: Doubles
@@ -166,6 +172,14 @@ class GeoGrid:
     def __init__(self, order: int) -> None:
         self._order = whole("order", order, 1, 3)
         self._native = _engine.Grid(self._order)
+        self._points: Optional[Tuple[Doubles, ...]] = None
+
+    def __repr__(self) -> str:
+        state = "not fitted" if self._points is None else f"fitted to {self._points[0].size} points"
+        return f"<zelto.GeoGrid of order {self._order}, {state}>"
+
+    def __reduce__(self) -> Tuple[Any, ...]:
+        return (_grid_again, (self._order, self._points))
 
     @property
     def order(self) -> int:
@@ -194,6 +208,7 @@ class GeoGrid:
         xs, ys, _ = coordinates(x, y)
         cs, rs, _ = coordinates(columns, rows)
         self._native.fit(xs, ys, cs, rs)
+        self._points = tuple(values.copy() for values in (xs, ys, cs, rs))
         return self
 
     def transform(self, x: Any, y: Any) -> Tuple[Any, Any]:
@@ -212,3 +227,8 @@ class GeoGrid:
             raise ValueError("x, y, columns and rows are as many numbers, at least one")
         fitted_columns, fitted_rows = self._native.positions(xs, ys)
         return Residuals(fitted_columns - cs, fitted_rows - rs)
+
+
+def _grid_again(order: int, points: Optional[Tuple[Doubles, ...]]) -> GeoGrid:
+    grid = GeoGrid(order)
+    return grid if points is None else grid.fit(*points)

@@ -9,6 +9,7 @@ from typing import TYPE_CHECKING, Any, Dict, List, Optional, Sequence, Tuple, Un
 import numpy as np
 
 from . import _engine
+from ._alike import Alike
 from ._area import AreaLike, Shape, _shape_of, as_area
 from ._arguments import PathLike, encoded, whole
 from ._looks import Color, as_color
@@ -19,8 +20,8 @@ if TYPE_CHECKING:
     from ._arrays import Doubles
 
 
-@dataclass(frozen=True)
-class SamplePixels:
+@dataclass(frozen=True, eq=False)
+class SamplePixels(Alike):
     """Pixels under one shape."""
 
     #: Number of the shape in its area, from 1.
@@ -55,8 +56,8 @@ def sample_pixels(
     return [SamplePixels(number, table) for number, table in enumerate(tables, 1)]
 
 
-@dataclass
-class SampleClass:
+@dataclass(eq=False)
+class SampleClass(Alike):
     """A class of a sample file. What the numbers mean is the host's affair; :meth:`of` fills
     them as the command line does."""
 

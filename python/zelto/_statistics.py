@@ -9,6 +9,7 @@ from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Optional, Sequence,
 import numpy as np
 
 from . import _engine
+from ._alike import Alike
 from ._area import AreaLike, AreaOfInterest, Rectangle, as_area
 from ._arguments import Box, PathLike, band_numbers, box_argument, numbers, whole
 from ._progress import Progress, as_callable
@@ -36,8 +37,8 @@ class BandStatistics:
         return {name: value for name, value in asdict(self).items() if value is not None}
 
 
-@dataclass(frozen=True)
-class Covariance:
+@dataclass(frozen=True, eq=False)
+class Covariance(Alike):
     """Of the pixels that have a value in every band, in the population form."""
 
     bands: Tuple[int, ...]
@@ -214,8 +215,8 @@ def covariance(
     return found
 
 
-@dataclass(frozen=True)
-class Histogram:
+@dataclass(frozen=True, eq=False)
+class Histogram(Alike):
     """Counts of the values from each edge up to, but not including, the next."""
 
     band: int

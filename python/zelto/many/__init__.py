@@ -189,7 +189,8 @@ def _product_covariance(bands: Sequence[int], parts: Sequence[ProductSums]) -> C
     total = ProductSums()
     for part in parts:
         total.add(part)
-    matrix = np.array(total.matrix(), dtype=np.float64).reshape(len(total.totals), -1)
+    side = len(total.totals)
+    matrix = np.array(total.matrix(), dtype=np.float64).reshape(side, side)
     return Covariance(tuple(bands), total.count, matrix)
 
 
