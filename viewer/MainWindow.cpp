@@ -21,10 +21,11 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QDragEnterEvent>
+#include <QGridLayout>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
 #include <QTabWidget>
-#include <QVBoxLayout>
 
 namespace zelto::view {
 
@@ -45,6 +46,9 @@ MainWindow::MainWindow(const QStringList& files) {
     setWindowTitle("Zelto");
     setAcceptDrops(true);
     setDockOptions(AnimatedDocks | AllowNestedDocks | AllowTabbedDocks);
+    // Tables of numbers are wide, lists of classes are long.
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::BottomDockWidgetArea);
     resize(1280, 800);
     MakeCentre();
     MakeActions(files);
@@ -71,11 +75,12 @@ void MainWindow::MakeCentre() {
     m_map->SetHint(tr("Open an image (%1), or drop one here")
                        .arg(QKeySequence(QKeySequence::Open).toString(QKeySequence::NativeText)));
     auto* centre = new QWidget;
-    auto* layout = new QVBoxLayout(centre);
+    auto* layout = new QGridLayout(centre);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(4);
-    layout->addWidget(m_messages);
-    layout->addWidget(m_map, 1);
+    // Over the map, which does not move when a message comes or goes.
+    layout->addWidget(m_map, 0, 0);
+    layout->addWidget(m_messages, 0, 0, Qt::AlignTop);
+    m_messages->raise();
     setCentralWidget(centre);
     m_pictures = new MapPictures(m_document, m_engine, *m_map, this);
 }
@@ -217,7 +222,23 @@ void MainWindow::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
 }
 
+/// Asks where shapes are in no file yet.
+bool MainWindow::MayLoseShapes() {
+    if (m_areas.IsSaved())
+        return true;
+    const auto answer = QMessageBox::question(
+        this, tr("Shapes are not saved"), tr("The shapes on the map have not been saved."),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    if (answer == QMessageBox::Save)
+        m_actions.Find("areas-save")->trigger(); // the window stays until that is done
+    return answer == QMessageBox::Discard;
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!MayLoseShapes()) {
+        event->ignore();
+        return;
+    }
     m_preferences.SetWindow(saveGeometry(), saveState());
     event->accept();
 }

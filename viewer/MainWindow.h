@@ -66,6 +66,7 @@ class MainWindow : public QMainWindow {
     void MakeToolBar();
     void AddToMenu(QMenu& menu, const QString& ids);
     void MakeStatusBar();
+    bool MayLoseShapes();
     void FollowPointer();
     void FollowView();
     void FollowOverview();

@@ -68,6 +68,8 @@ class Robot {
         }
         if (Number(0, 40) == 0)
             OpenFile();
+        if (Number(0, 40) == 0)
+            m_window.GetEngine().SetMemoryBound(qint64{1} << Number(0, 28));
         QCoreApplication::processEvents();
         CloseDialogs();
     }

@@ -18,7 +18,9 @@
 #include <QDockWidget>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPainter>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
@@ -221,6 +223,60 @@ TEST_F(Window, TellsTheStatisticsThatTheEngineComputesOfAnArea) {
     EXPECT_EQ(panel->Table().rows[2][1], QString::number(statistics.GetBands()[2].count));
     EXPECT_EQ(panel->Table().rows[2][4], QString::number(statistics.GetBands()[2].mean, 'g', 10));
     EXPECT_EQ(panel->Table().ToText(',').count('\n'), 7);
+}
+
+TEST_F(Window, TellsWhatTheStatisticsAreOf) {
+    const auto* panel = m_window->findChild<view::TablePanel*>("statistics");
+    const auto title = [&] {
+        Trigger("statistics");
+        EXPECT_TRUE(Settle(*m_window));
+        return panel->Table().title.toStdString();
+    };
+    EXPECT_EQ(title(), "L7_ETMs.tif, the whole image");
+    DrawRectangle();
+    EXPECT_EQ(title(), "L7_ETMs.tif, 1 selected shape(s)"); // translated where a program has texts
+    m_window->GetAreas().Select({});
+    EXPECT_EQ(title(), "L7_ETMs.tif, all 1 shape(s)");
+}
+
+TEST_F(Window, AsksBeforeShapesAreLostThatAreInNoFile) {
+    QMessageBox::StandardButton answer = QMessageBox::Cancel;
+    int asked = 0;
+    QTimer person;
+    QObject::connect(&person, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            ++asked;
+            box->button(answer)->click();
+        }
+    });
+    person.start(10);
+    DrawRectangle();
+    EXPECT_FALSE(m_window->close());
+    EXPECT_TRUE(m_window->isVisible());
+    EXPECT_EQ(asked, 1);
+    const QString path = QString::fromStdString(m_folder.File("areas.aif"));
+    m_window->GetAreaActions().SaveAreas(path);
+    ASSERT_TRUE(Settle(*m_window));
+    EXPECT_TRUE(m_window->close());
+    EXPECT_EQ(asked, 1) << "nothing is lost";
+    m_window->show();
+    Trigger("undo");
+    Trigger("redo");
+    m_window->GetAreaActions().OpenAreas(path);
+    ASSERT_TRUE(Settle(*m_window));
+    EXPECT_TRUE(m_window->GetAreas().IsSaved()) << "each is in a file";
+    DrawRectangle();
+    answer = QMessageBox::Discard;
+    EXPECT_TRUE(m_window->close());
+    EXPECT_EQ(asked, 2);
+}
+
+TEST_F(Window, DoesNotMoveTheMapForAMessage) {
+    const QSize before = Map().size();
+    m_window->GetMessages().TellError("a reason");
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(m_window->GetMessages().isVisible());
+    EXPECT_EQ(Map().size(), before);
 }
 
 TEST_F(Window, CollectsTrainingClassesAndSavesTheirSamples) {

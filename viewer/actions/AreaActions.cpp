@@ -186,12 +186,15 @@ void AreaActions::OpenAreas(const QString& path) {
     const std::string wkt = layer != nullptr ? layer->facts.wkt : std::string();
     m_bench.tasks.Start({tr("Opening areas"), [this, path, wkt](CDataProgress&) {
                              const auto read = ReadAreas(path, wkt);
-                             return TaskResult{read.reason, [this, read] {
-                                                   m_bench.areas.AddAll(read.shapes,
-                                                                        tr("Open areas"));
-                                                   if (!read.remark.isEmpty())
-                                                       m_bench.messages.TellError(read.remark);
-                                               }};
+                             return TaskResult{
+                                 read.reason, [this, read] {
+                                     const bool wasSaved = m_bench.areas.IsSaved();
+                                     m_bench.areas.AddAll(read.shapes, tr("Open areas"));
+                                     if (wasSaved)
+                                         m_bench.areas.MarkSaved(m_bench.areas.Step());
+                                     if (!read.remark.isEmpty())
+                                         m_bench.messages.TellError(read.remark);
+                                 }};
                          }});
 }
 
@@ -201,11 +204,14 @@ void AreaActions::SaveAreas(const QString& path) {
     const std::string wkt = layer != nullptr ? layer->facts.wkt : std::string();
     const double resolution = layer != nullptr ? layer->facts.PixelSize() / 4.0 : 0.0;
     const Shapes shapes = m_bench.areas.ChosenAreas();
+    const bool areAll = shapes.size() == m_bench.areas.Areas().size();
     m_bench.tasks.Start(
-        {tr("Saving areas"), [=, this](CDataProgress&) {
-             const QString reason = WriteAreas(path, shapes, wkt, resolution);
-             return TaskResult{
-                 reason, [this, path] { m_bench.messages.Tell(tr("%1 is saved.").arg(path)); }};
+        {tr("Saving areas"), [=, this, step = m_bench.areas.Step()](CDataProgress&) {
+             return TaskResult{WriteAreas(path, shapes, wkt, resolution), [=, this] {
+                                   if (areAll)
+                                       m_bench.areas.MarkSaved(step);
+                                   m_bench.messages.Tell(tr("%1 is saved.").arg(path));
+                               }};
          }});
 }
 
@@ -218,9 +224,20 @@ RegionRequest AreaActions::RequestForCurrent() const {
     return request;
 }
 
+/// The image and what of it the numbers are of.
+QString AreaActions::TitleOf(const RegionRequest& request) const {
+    const QString name = m_bench.document.Current()->origin.Name();
+    const int shapes = static_cast<int>(request.shapes.size());
+    if (shapes == 0)
+        return tr("%1, the whole image").arg(name);
+    return (m_bench.areas.Selection().isEmpty() ? tr("%1, all %n shape(s)", nullptr, shapes)
+                                                : tr("%1, %n selected shape(s)", nullptr, shapes))
+        .arg(name);
+}
+
 void AreaActions::CountHistograms() {
     const RegionRequest request = RequestForCurrent();
-    const QString name = m_bench.document.Current()->origin.Name();
+    const QString name = TitleOf(request);
     m_bench.tasks.Start({tr("Histograms"), [this, request, name](CDataProgress& progress) {
                              const RegionHistograms answer = CountRegion(request, progress);
                              return TaskResult{answer.reason, [this, answer, name] {
@@ -232,7 +249,7 @@ void AreaActions::CountHistograms() {
 void AreaActions::ComputeStatistics(bool eachShape) {
     RegionRequest request = RequestForCurrent();
     request.eachShape = eachShape;
-    const QString name = m_bench.document.Current()->origin.Name();
+    const QString name = TitleOf(request);
     m_bench.tasks.Start({tr("Statistics"), [this, request, name](CDataProgress& progress) {
                              const RegionAnswer answer = ComputeRegions(request, progress);
                              return TaskResult{answer.reason, [this, answer, name] {

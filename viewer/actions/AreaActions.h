@@ -39,6 +39,7 @@ class AreaActions : public QObject {
     void Delete();
     void ShowOnlyAreas(bool only);
     RegionRequest RequestForCurrent() const;
+    QString TitleOf(const RegionRequest& request) const;
     void ComputeStatistics(bool eachShape);
     void CountHistograms();
 

@@ -39,11 +39,14 @@ SampleRequest MakeRequest(const Workbench& bench) {
 
 /// Adds the classes of a file and their shapes.
 void TakeSamples(const Workbench& bench, const std::vector<SampleShapes>& classes) {
+    const bool wasSaved = bench.areas.IsSaved();
     for (const SampleShapes& each : classes) {
         const int number = bench.training.Add(each.name);
         bench.areas.AddAll(each.shapes, TrainingActions::tr("Open samples"));
         bench.areas.SetClassOfSelected(number);
     }
+    if (wasSaved)
+        bench.areas.MarkSaved(bench.areas.Step());
 }
 
 } // namespace
@@ -146,14 +149,20 @@ void TrainingActions::SaveSamples(const QString& path) {
     m_bench.preferences.SetFolderOf(SAMPLES, path);
     SampleRequest request = MakeRequest(m_bench);
     request.target = path;
-    m_bench.tasks.Start({tr("Saving samples"), [this, request](CDataProgress& progress) {
-                             const SampleAnswer answer = CollectSamples(request, progress);
-                             return TaskResult{
-                                 answer.reason, [this, answer, path = request.target] {
-                                     m_bench.training.SetSpectra(answer.spectra);
-                                     m_bench.messages.Tell(tr("%1 is saved.").arg(path));
-                                 }};
-                         }});
+    const auto& shapes = m_bench.areas.All();
+    const bool areAll = std::all_of(shapes.begin(), shapes.end(), [this](const AreaShape& shape) {
+        return m_bench.training.Find(shape.trainingClass) != nullptr;
+    });
+    m_bench.tasks.Start(
+        {tr("Saving samples"), [=, this, step = m_bench.areas.Step()](CDataProgress& progress) {
+             const SampleAnswer answer = CollectSamples(request, progress);
+             return TaskResult{answer.reason, [=, this] {
+                                   m_bench.training.SetSpectra(answer.spectra);
+                                   if (areAll)
+                                       m_bench.areas.MarkSaved(step);
+                                   m_bench.messages.Tell(tr("%1 is saved.").arg(path));
+                               }};
+         }});
 }
 
 } // namespace zelto::view

@@ -117,4 +117,9 @@ void AreaModel::Restore(const std::vector<AreaShape>& shapes) {
     Select(remaining);
 }
 
+void AreaModel::MarkSaved(int step) {
+    if (m_history.index() == step)
+        m_history.setClean(); // else they have changed while they were written
+}
+
 } // namespace zelto::view

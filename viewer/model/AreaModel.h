@@ -48,6 +48,13 @@ class AreaModel : public QObject {
 
     QUndoStack& History() { return m_history; }
 
+    /// Whether all shapes are in a file as they are.
+    bool IsSaved() const { return m_shapes.empty() || m_history.isClean(); }
+    /// The step of the history that the shapes stand at.
+    int Step() const { return m_history.index(); }
+    /// The shapes as they were at a step are in a file.
+    void MarkSaved(int step);
+
   signals:
     void ShapesChanged();
     void SelectionChanged();

@@ -2,6 +2,23 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en" sourcelanguage="en">
 <context>
+    <name>zelto::view::AreaActions</name>
+    <message numerus="yes">
+        <source>%1, all %n shape(s)</source>
+        <translation>
+            <numerusform>%1, the shape</numerusform>
+            <numerusform>%1, all %n shapes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%1, %n selected shape(s)</source>
+        <translation>
+            <numerusform>%1, the selected shape</numerusform>
+            <numerusform>%1, %n selected shapes</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>zelto::view::FileActions</name>
     <message numerus="yes">
         <source>%1 holds %n images; the first one is shown.</source>

@@ -520,6 +520,22 @@
         <source>Histograms</source>
         <translation>直方图</translation>
     </message>
+    <message>
+        <source>%1, the whole image</source>
+        <translation>%1，整幅影像</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1, all %n shape(s)</source>
+        <translation>
+            <numerusform>%1，全部 %n 个图形</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%1, %n selected shape(s)</source>
+        <translation>
+            <numerusform>%1，所选 %n 个图形</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>zelto::view::AreaModel</name>
@@ -975,6 +991,14 @@
     <message>
         <source>Open an image (%1), or drop one here</source>
         <translation>打开影像（%1），或拖放到此处</translation>
+    </message>
+    <message>
+        <source>Shapes are not saved</source>
+        <translation>图形尚未保存</translation>
+    </message>
+    <message>
+        <source>The shapes on the map have not been saved.</source>
+        <translation>地图上的图形尚未保存。</translation>
     </message>
 </context>
 <context>
