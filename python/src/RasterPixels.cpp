@@ -1,5 +1,6 @@
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/internal/BlockLimit.h"
 
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
@@ -78,6 +79,9 @@ void Read(Raster& raster, py::array out, std::vector<int> bands, const Window& w
     extra.pfnProgress = GDALProgressFuncEx;
     extra.pProgressData = static_cast<CDataProgress*>(&progress);
     const std::string reason = Run(progress, [&] {
+        for (const int band : bands)
+            if (!CanHoldBlocks(*source.GetGDALDataset()->GetRasterBand(band)))
+                return std::string("its blocks are too large to be read");
         const GdalWatch watch;
         const CPLErr answer = source.GetGDALDataset()->RasterIO(
             GF_Read, window[0], window[1], window[2], window[3], memory, columns, rows,

@@ -6,6 +6,7 @@ import pickle
 import hypothesis.strategies as st
 import numpy as np
 import pytest
+import rasterio
 from conftest import SCENE
 from hypothesis import HealthCheck, given, settings
 
@@ -148,6 +149,15 @@ def test_writing_is_checked(scene_path, tmp_path):
     assert not (tmp_path / "bad.tif").exists()
     with pytest.raises(zelto.Error):
         zelto.create(tmp_path / "no" / "folder.tif", width=3, height=3)
+
+
+def test_a_file_whose_blocks_would_fill_the_memory_is_refused(tmp_path):
+    path = tmp_path / "blocks.tif"
+    with rasterio.open(path, "w", driver="GTiff", width=2**16, height=2**15, count=1, dtype="uint8",
+                       tiled=True, blockxsize=2**16, blockysize=2**15, sparse_ok=True):
+        pass
+    with zelto.open(path) as scene, pytest.raises(zelto.Error, match="blocks"):
+        scene.read(1, shape=(10, 10))
 
 
 def test_damaged_files_are_refused(data):
