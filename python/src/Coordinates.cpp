@@ -94,7 +94,7 @@ class Transformation {
 };
 
 /// Kind, authority, and label, text and number of every fact.
-py::tuple Describe(const std::string& srs) {
+py::tuple DescribeSystem(const std::string& srs) {
     WideText(srs);
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     const cli::SrsFacts system = cli::DescribeSrs(srs);
@@ -145,7 +145,7 @@ void BindCoordinates(py::module_& module) {
              py::arg("source"), py::arg("target"), py::arg("source_shift"), py::arg("target_shift"))
         .def("transform", &Transformation::Transform, py::arg("x").noconvert(),
              py::arg("y").noconvert(), py::arg("z"));
-    module.def("describe_crs", &Describe, py::arg("srs"));
+    module.def("describe_crs", &DescribeSystem, py::arg("srs"));
     module.def("crs_as_wkt", &Wkt, py::arg("srs"));
     module.def("is_same_crs", &IsSame, py::arg("a"), py::arg("b"));
     module.def("gauss_kruger", &GaussKruger, py::arg("srs"), py::arg("zone"), py::arg("width"));
