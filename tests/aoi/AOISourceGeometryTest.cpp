@@ -64,6 +64,11 @@ TEST(AOISourceGeometry, AShapeOfAnotherKindIsAnEmptyPolygon) {
     shape->m_shapeKind = ShapeKind(9);
     ASSERT_TRUE(source.AddDrawShape(shape));
     EXPECT_EQ(source.GetOGRGeometries()->exportToWkt(), "POLYGON EMPTY");
+    CAOISource changed;
+    auto* rectangle = new CDrawRectangle(Drag({10, 20}, {15, 16}));
+    rectangle->m_shapeKind = ShapeKind(9);
+    ASSERT_TRUE(changed.AddDrawShape(rectangle));
+    EXPECT_EQ(changed.GetOGRGeometries()->exportToWkt(), "POLYGON EMPTY");
     CAOISource none;
     auto* empty = new CDrawPolygon;
     empty->m_complete = true;

@@ -257,4 +257,15 @@ TEST(AOISource, WhatCannotBeOpenedOrSavedIsToldWithItsName) {
     EXPECT_TRUE(isTold("broken.aif"));
 }
 
+TEST(AOISource, IsTransformedToNoReferenceAndTakesNoDisplay) {
+    CAOISource source;
+    source.AddDrawShape(new CDrawRectangle(Drag({0, 1}, {1, 0})));
+    EXPECT_EQ(source.TransformTo(nullptr), GIS_OPEN_FAILED);
+    CAOISource other;
+    other.SetVisible(false);
+    source.CopyDisplaySetting(&other);
+    EXPECT_TRUE(source.IsVisible());
+    EXPECT_EQ(source.GetDrawShapeCount(), 1);
+}
+
 } // namespace

@@ -227,4 +227,12 @@ TEST_F(RasterAOITest, UndefinedShapesDoNoHarm) {
     EXPECT_EQ(area.GetRect().left, INT_MIN);
 }
 
+TEST_F(RasterAOITest, AShapeOfAnotherKindHoldsNothing) {
+    AddBox(110, 196, 120, 190);
+    m_aoi.GetDrawShape(0)->m_shapeKind = ShapeKind(9);
+    CRasterAOI area(&m_raster, &m_aoi);
+    EXPECT_TRUE(area.Initialize());
+    EXPECT_FALSE(area.IsInAOI(6, 3));
+}
+
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 namespace {
@@ -108,4 +109,16 @@ TEST(TemporaryPath, IsNewEachTimeAndInTheTemporaryFolder) {
     EXPECT_EQ(CommonFun::GetExtensionName(CommonFun::GetTempFilePath(L"")), L"");
     const std::filesystem::path folder = CommonFun::U2M(CommonFun::GetFileDirectory(first, false));
     EXPECT_TRUE(std::filesystem::equivalent(folder, std::filesystem::temp_directory_path()));
+}
+
+TEST(TemporaryPath, WithoutATemporaryFolderIsInTheSystems) {
+    const char* const set = std::getenv("TMPDIR");
+    const std::string former = set != nullptr ? set : "";
+    setenv("TMPDIR", "/no/such/folder", 1);
+    const std::wstring path = CommonFun::GetTempFilePath(L"aif");
+    if (set != nullptr)
+        setenv("TMPDIR", former.c_str(), 1);
+    else
+        unsetenv("TMPDIR");
+    EXPECT_EQ(path.rfind(L"/tmp/zelto-", 0), 0U);
 }

@@ -324,6 +324,28 @@ TEST_F(NewFileSet, ABackupThatAnotherProcessPutsBackIsLeftToIt) {
     EXPECT_EQ(Visible(), (Contents{{"a.shp", "old"}}));
 }
 
+TEST_F(NewFileSet, TheNextSaveIntoTheFolderPutsOtherSetsBack) {
+    fs::create_directory(m_folder.Path() / ".zelto-old-b.shp");
+    Write({{".zelto-old-b.shp/.zelto-set", "b.shp\nb.cpg\n"},
+           {".zelto-old-b.shp/b.shp", "old"},
+           {"b.cpg", "half of the new ones"}});
+    EXPECT_TRUE(Replace({{"a.shp", "new"}}));
+    EXPECT_EQ(m_folder.Names(), (Names{"a.shp", "b.shp"}));
+    EXPECT_EQ(Visible(), (Contents{{"a.shp", "new"}, {"b.shp", "old"}}));
+}
+
+TEST_F(NewFileSet, ANameWithoutAFolderIsInTheWorkingOne) {
+    const fs::path former = fs::current_path();
+    fs::current_path(m_folder.Path());
+    {
+        CNewFileSet set(L"a.shp");
+        EXPECT_TRUE(Fill(set, {{"a.shp", "new"}, {"a.dbf", "new"}}));
+        EXPECT_TRUE(set.Commit());
+    }
+    fs::current_path(former);
+    EXPECT_EQ(Visible(), (Contents{{"a.dbf", "new"}, {"a.shp", "new"}}));
+}
+
 TEST_F(NewFileSet, ALongNameHasItsBackupToo) {
     const std::string name = std::string(240, 'n') + ".shp";
     const auto replace = [&](const std::string& text) {

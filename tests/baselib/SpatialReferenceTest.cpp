@@ -158,3 +158,28 @@ TEST(SpatialReference, DefinitionsOnTheNetworkAreNotFetched) {
     EXPECT_TRUE(zelto::ParseSpatialReference("http://www.opengis.net/def/crs/EPSG/0/4326"))
         << "a name of the registry, known without a network";
 }
+
+TEST(SpatialReference, AxesThatCountWestAndSouthAreNotTakenForEastAndNorth) {
+    const auto same = [](const char* a, const char* b) {
+        return zelto::IsSameReference(*zelto::ParseSpatialReference(a),
+                                      *zelto::ParseSpatialReference(b));
+    };
+    const std::string grid =
+        R"(PROJCS["grid",GEOGCS["ball",DATUM["d",SPHEROID["s",6378137,298]],)"
+        R"(PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433]],)"
+        R"(PROJECTION["Transverse_Mercator"],PARAMETER["central_meridian",29],)"
+        R"(UNIT["metre",1],)";
+    const std::string north = grid + R"(AXIS["X",NORTH],AXIS["Y",EAST]])";
+    const std::string east = grid + R"(AXIS["E",EAST],AXIS["N",NORTH]])";
+    const std::string west = grid + R"(AXIS["Y",WEST],AXIS["X",SOUTH]])";
+    EXPECT_TRUE(same(north.c_str(), east.c_str()));
+    EXPECT_TRUE(same(west.c_str(), west.c_str()));
+    EXPECT_FALSE(same(west.c_str(), east.c_str()));
+}
+
+TEST(SpatialReference, OneWithHeightsAboveItsEllipsoidIsNotTheOneWithout) {
+    EXPECT_FALSE(zelto::IsSameReference(*zelto::ParseSpatialReference("EPSG:4326"),
+                                        *zelto::ParseSpatialReference("EPSG:4979")));
+    EXPECT_TRUE(zelto::IsSameReference(*zelto::ParseSpatialReference("EPSG:4979"),
+                                       *zelto::ParseSpatialReference("EPSG:4979")));
+}

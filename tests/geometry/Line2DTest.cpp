@@ -156,6 +156,8 @@ TEST(Line2D, OnlyPointsOfHorizontalSegmentsAreWithinWithoutATolerance) {
     EXPECT_TRUE(horizontal.isPointWithin({10, 3}, 0));
     EXPECT_FALSE(horizontal.isPointWithin({10.5, 3}, 0));
     EXPECT_FALSE(horizontal.isPointWithin({-0.5, 3}, 0));
+    EXPECT_FALSE(horizontal.isPointWithin({5, 4}, 0));
+    EXPECT_FALSE(horizontal.isPointWithin({5, 4}, 1));
     EXPECT_FALSE(Line(3, 0, 3, 8).isPointWithin({3, 4}, 0));
     EXPECT_FALSE(Line(0, 0, 4, 4).isPointWithin({0, 0}, 0));
 }

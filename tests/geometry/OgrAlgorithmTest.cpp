@@ -164,3 +164,8 @@ TEST(SaveGeometry, AnswersOneWhateverHappens) {
     EXPECT_EQ(COgrAlgorithm::SaveGeometry(folder.File("null.shp").c_str(), nullptr), 1);
     CPLPopErrorHandler();
 }
+
+TEST(IsPointOnSurface, AnEmptyPolygonAmongSeveralHoldsNothing) {
+    EXPECT_TRUE(OnSurface("MULTIPOLYGON (EMPTY,((0 0,4 0,4 4,0 4,0 0)))", 1, 1));
+    EXPECT_FALSE(OnSurface("MULTIPOLYGON (EMPTY,((0 0,4 0,4 4,0 4,0 0)))", 5, 1));
+}
