@@ -88,8 +88,8 @@ def compare(name, found, baseline, limit, pairs):
     ours, theirs, ratio = (statistics.median(row) for row in zip(
         *((a, b, a / b) for a, b in times[1:])))
     met = "met" if ratio <= limit else "missed"
-    print(f"{name:42} {ours:10.2f} ms  {theirs:10.2f} ms  ratio {ratio:5.2f}  limit {limit:4.2f}  {met}",
-          flush=True)
+    print(f"{name:42} {ours:10.2f} ms  {theirs:10.2f} ms  ratio {ratio:5.2f}"
+          f"  limit {limit:4.2f}  {met}", flush=True)
 
 
 def make_scene(path, side, bands=3, **options):

@@ -2,6 +2,7 @@
 
 import os
 import pickle
+import warnings
 
 import hypothesis.strategies as st
 import numpy as np
@@ -60,6 +61,15 @@ def test_reading_with_any_arguments(scene, bands, window, shape, dtype):
 def test_drawing_with_any_arguments(scene, **arguments):
     found = allowed(lambda: scene.render(**arguments))
     assert found is None or found.shape[2] == 4
+
+
+def test_positions_far_away_are_no_surprise(scene):
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        assert not np.isfinite(scene.xy(np.inf, 1e308)).any()
+        for x in (1e308, -1.7e308):
+            with pytest.raises(ValueError, match="too far away"):
+                scene.index(x, x)
 
 
 @QUICK

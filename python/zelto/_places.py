@@ -18,7 +18,7 @@ class RasterPlaces(RasterFacts):
     """Where pixels lie, and which values lie where."""
 
     def xy(self, row: Any, column: Any, offset: str = "center") -> Tuple[Any, Any]:
-        """Ground coordinates of pixels, single ones or arrays.
+        """Ground coordinates of pixels, single ones or arrays; of infinite ones NaN or infinite.
 
         :param offset: which place of the pixel: "center", or "ul" for its first corner
 
@@ -31,8 +31,9 @@ class RasterPlaces(RasterFacts):
         rows, columns, shape = coordinates(row, column)
         shift = 0.5 if offset == "center" else 0.0
         a, b, c, d, e, f = self.transform
-        x = a * (columns + shift) + b * (rows + shift) + c
-        y = d * (columns + shift) + e * (rows + shift) + f
+        with np.errstate(invalid="ignore", over="ignore"):
+            x = a * (columns + shift) + b * (rows + shift) + c
+            y = d * (columns + shift) + e * (rows + shift) + f
         if shape == ():
             return float(x[0]), float(y[0])
         return x.reshape(shape), y.reshape(shape)
@@ -49,10 +50,11 @@ class RasterPlaces(RasterFacts):
         if not any(self._facts["inverse"]):
             raise ValueError("the geotransform has no inverse")
         c0, cx, cy, r0, rx, ry = self._facts["inverse"]
-        rows = np.floor(r0 + rx * xs + ry * ys)
-        columns = np.floor(c0 + cx * xs + cy * ys)
+        with np.errstate(invalid="ignore", over="ignore"):
+            rows = np.floor(r0 + rx * xs + ry * ys)
+            columns = np.floor(c0 + cx * xs + cy * ys)
         limit = float(2**62)
-        if rows.size and max(np.abs(rows).max(), np.abs(columns).max()) > limit:
+        if rows.size and not np.abs((rows, columns)).max() <= limit:
             raise ValueError("the points are too far away for a row and a column")
         if shape == ():
             return int(rows[0]), int(columns[0])
