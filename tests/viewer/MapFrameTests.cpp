@@ -1,4 +1,5 @@
 #include "tests/viewer/SceneWindow.h"
+#include "viewer/views/AreaPainting.h"
 
 #include <QPainter>
 
@@ -51,6 +52,24 @@ TEST_F(MapFrame, FillsWhatIsNotDrawnYetAgainOnceTheAreasAreNotAllThatIsShown) {
     Map().PanBy({0.0, 0.1});
     // No answer of the worker is taken in between: what was below the edge comes from the overview.
     EXPECT_NE(Frame().pixelColor(edge), Map().palette().color(QPalette::Dark));
+}
+
+TEST(AreaPainting, MakesHandlesAsLargeOnAScreenOfFinePixelsAsElsewhere) {
+    const auto countPainted = [](double pixels) {
+        QImage image(60, 60, QImage::Format_ARGB32);
+        image.setDevicePixelRatio(pixels);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.scale(1.0 / pixels, 1.0 / pixels);
+        view::PaintHandle(painter, {30.0, 30.0});
+        painter.end();
+        int across = 0;
+        for (int x = 0; x < image.width(); ++x)
+            across += qAlpha(image.pixel(x, 30)) > 127 ? 1 : 0;
+        return across;
+    };
+    EXPECT_NEAR(countPainted(1.0), 9, 1);
+    EXPECT_NEAR(countPainted(2.0), 18, 1);
 }
 
 TEST_F(MapFrame, ShowsAPictureThatLetsThroughWithNothingBehindItUpToTheEdges) {

@@ -175,6 +175,9 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: zelto_view_screens FOLDER SCENE\n");
         return 2;
     }
+    QTranslator english; // it knows singular and plural
+    if (english.load(":/i18n/zelto-view_en.qm"))
+        QApplication::installTranslator(&english);
     const QTemporaryDir settings;
     test::UseSettingsOfTest(settings.path());
     QDir().mkpath(arguments[1]);

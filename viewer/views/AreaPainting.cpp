@@ -14,14 +14,20 @@ constexpr double HANDLE_HALF = 4.0;
 constexpr std::size_t MOST_HANDLES = 400;
 const QColor PLAIN(255, 214, 64);
 
+/// Pixels of the screen for one of the interface: everything is as large as it looks elsewhere.
+double PixelsOf(const QPainter& painter) {
+    return painter.device()->devicePixelRatioF();
+}
+
 /// Over any image: a dark line under a bright one.
 void StrokeTwice(QPainter& painter, const QPainterPath& outline, const QColor& color,
                  double width) {
+    const double pixels = PixelsOf(painter);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(
-        QPen(QColor(0, 0, 0, 150), width + 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(QColor(0, 0, 0, 150), (width + 2.0) * pixels, Qt::SolidLine, Qt::RoundCap,
+                        Qt::RoundJoin));
     painter.drawPath(outline);
-    painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(color, width * pixels, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawPath(outline);
 }
 
@@ -57,10 +63,10 @@ void PaintSketch(QPainter& painter, const QPainterPath& outline) {
 }
 
 void PaintHandle(QPainter& painter, QPointF pixel) {
-    painter.setPen(QPen(QColor(20, 20, 20), 1.2));
+    const double half = HANDLE_HALF * PixelsOf(painter);
+    painter.setPen(QPen(QColor(20, 20, 20), 1.2 * PixelsOf(painter)));
     painter.setBrush(Qt::white);
-    painter.drawRect(QRectF(pixel - QPointF(HANDLE_HALF, HANDLE_HALF),
-                            QSizeF(2 * HANDLE_HALF, 2 * HANDLE_HALF)));
+    painter.drawRect(QRectF(pixel - QPointF(half, half), QSizeF(2 * half, 2 * half)));
 }
 
 } // namespace zelto::view
