@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -133,9 +132,9 @@ TEST(ClassifyDisplayTable, FindsWhatAWalkThroughTheItemsFinds) {
     }
 }
 
-TEST(ClassifyDisplayTable, ManyClassesInAnyOrderTakeLittleTime) {
+// Takes minutes if every class moves all those behind it.
+TEST(ClassifyDisplayTable, ManyClassesComeInAnyOrder) {
     constexpr int COUNT = 400'000;
-    const auto begin = std::chrono::steady_clock::now();
     for (const int step : {1, -1, 7919}) { // coprime to the count: every value once
         CClassifyDisplayTable table;
         for (int i = 0; i < COUNT; ++i) {
@@ -152,8 +151,6 @@ TEST(ClassifyDisplayTable, ManyClassesInAnyOrderTakeLittleTime) {
             ASSERT_EQ(RedOf(table, value + 0.5), 252);
         }
     }
-    // Minutes, if every class moved all those behind it.
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
 TEST(ClassifyDisplayTable, GivesItsItemsAndRangeAndCopies) {
