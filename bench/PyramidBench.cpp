@@ -107,7 +107,7 @@ void AddPyramid(const char* resampling) {
     AddRatio(
         std::string("pyramids/build 6000x6000x3 ") + resampling, 1.10,
         {[=] { BuildWithEngine(*images, resampling); }, [=] { images->RemovePyramid("engine"); }},
-        {[=] { BuildRaw(*images, resampling); }, [=] { images->RemovePyramid("raw"); }});
+        {[=] { BuildRaw(*images, resampling); }, [=] { images->RemovePyramid("raw"); }}, 25);
 }
 
 } // namespace
