@@ -1,3 +1,4 @@
+#include "zelto/baselib/internal/DiskSync.h"
 #include "zelto/raster/RasterSource.h"
 
 #include "bench/support/Ratio.h"
@@ -87,8 +88,7 @@ void BuildWithEngine(const Images& images, const char* resampling) {
 
 void BuildRaw(const Images& images, const char* resampling) {
     const std::string path = images.Path("raw");
-    const GDALDatasetUniquePtr image(
-        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));
+    GDALDatasetUniquePtr image(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));
     Require(image != nullptr, "cannot open " + path);
     // Opening in the engine looks at the bands' value range; so does a program without it.
     for (int number = 1; number <= BANDS; ++number) {
@@ -100,6 +100,11 @@ void BuildRaw(const Images& images, const char* resampling) {
     Require(image->BuildOverviews(resampling, static_cast<int>(levels.size()), levels.data(), 0,
                                   nullptr, nullptr, nullptr) == CE_None,
             "cannot build a pyramid");
+    image.reset();
+    // The engine's pyramid is on the disk when it is told to be done.
+    for (const char* extension : {".aux", ".rrd"})
+        Require(zelto::SyncFile(fs::path(path).replace_extension(extension)),
+                "cannot sync " + path);
 }
 
 void AddPyramid(const char* resampling) {

@@ -1,5 +1,6 @@
 #include "zelto/raster/internal/PyramidBeside.h"
 
+#include "zelto/baselib/internal/DiskSync.h"
 #include "zelto/baselib/internal/FilesAside.h"
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
@@ -97,6 +98,16 @@ std::vector<fs::path> FilesIn(const fs::path& folder, std::error_code& error) {
     return files;
 }
 
+/// Moves a file to its place once what is in it has reached the disk: the name of a file must not
+/// outlive a power failure that its blocks do not.
+bool MoveSynced(const fs::path& file, const fs::path& target) {
+    std::error_code error;
+    if (!SyncFile(file))
+        return false;
+    fs::rename(file, target, error);
+    return !error;
+}
+
 /// Moves the new pyramid beside the image, in place of the old one.
 bool Publish(const fs::path& folder, GDALDataset& image) {
     const fs::path path = image.GetDescription();
@@ -112,9 +123,9 @@ bool Publish(const fs::path& folder, GDALDataset& image) {
         if (!done)
             break;
         placed.push_back(path.parent_path() / file.filename());
-        fs::rename(file, placed.back(), error);
-        done = !error;
+        done = MoveSynced(file, placed.back());
     }
+    done = done && SyncFolder(path.parent_path());
     if (done) {
         old.Drop();
     } else {
