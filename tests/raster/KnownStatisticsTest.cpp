@@ -68,6 +68,12 @@ TEST_F(KnownStatistics, AreThoseOfTheBandAndItsNoDataValue) {
     EXPECT_EQ(Mean(2, 0.0), std::nullopt);
 }
 
+TEST_F(KnownStatistics, AreThoseThatWereKeptLast) {
+    zelto::KeepStatistics(Band(1), {}, {.mean = 1.0});
+    zelto::KeepStatistics(Band(1), {}, {.mean = 2.0});
+    EXPECT_EQ(Mean(1, {}), 2.0);
+}
+
 TEST_F(KnownStatistics, AreForgottenWithTheirFile) {
     zelto::KeepStatistics(Band(1), {}, {.mean = 1.0});
     zelto::FileState other = *m_file;

@@ -36,6 +36,12 @@ KnownBands& Known() {
     return *known;
 }
 
+/// The entry of the band that another one describes; the end where there is none.
+std::vector<KnownBand>::iterator Find(KnownBands& known, const KnownBand& wanted) {
+    return std::find_if(known.bands.begin(), known.bands.end(),
+                        [&](const KnownBand& band) { return band.IsOf(wanted); });
+}
+
 /// Nothing where the samples depend on more than the file.
 std::optional<KnownBand> Describe(GDALRasterBand& band, const std::optional<double>& noData) {
     if (!CanBePicked(band))
@@ -57,6 +63,10 @@ void KeepStatistics(GDALRasterBand& band, const std::optional<double>& noData,
     kept->found = found;
     KnownBands& known = Known();
     const std::lock_guard lock(known.access);
+    if (const auto former = Find(known, *kept); former != known.bands.end()) {
+        *former = *kept;
+        return;
+    }
     try {
         known.bands.push_back(*kept);
     } catch (const std::bad_alloc&) {
@@ -71,8 +81,7 @@ std::optional<BandSummary> KnownStatistics(GDALRasterBand& band,
         return std::nullopt;
     KnownBands& known = Known();
     const std::lock_guard lock(known.access);
-    const auto at = std::find_if(known.bands.begin(), known.bands.end(),
-                                 [&](const KnownBand& kept) { return kept.IsOf(*wanted); });
+    const auto at = Find(known, *wanted);
     return at != known.bands.end() ? std::optional(at->found) : std::nullopt;
 }
 

@@ -23,7 +23,7 @@ void KeepStatistics(GDALRasterBand& band, const std::optional<double>& noData,
 std::optional<BandSummary> KnownStatistics(GDALRasterBand& band,
                                            const std::optional<double>& noData);
 
-/// Drops what is kept of a file, which is closed or to be read anew.
+/// Drops what is kept of a file that nobody has open any more.
 void ForgetStatistics(const FileState& file);
 
 } // namespace zelto
