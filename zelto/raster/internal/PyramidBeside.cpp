@@ -12,6 +12,7 @@
 #include <vrtdataset.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -100,12 +101,12 @@ std::vector<fs::path> FilesIn(const fs::path& folder, std::error_code& error) {
 
 /// Moves a file to its place once what is in it has reached the disk: the name of a file must not
 /// outlive a power failure that its blocks do not.
-bool MoveSynced(const fs::path& file, const fs::path& target) {
-    std::error_code error;
+std::error_code MoveSynced(const fs::path& file, const fs::path& target) {
     if (!SyncFile(file))
-        return false;
+        return {errno, std::generic_category()};
+    std::error_code error;
     fs::rename(file, target, error);
-    return !error;
+    return error;
 }
 
 /// Moves the new pyramid beside the image, in place of the old one.
@@ -123,15 +124,21 @@ bool Publish(const fs::path& folder, GDALDataset& image) {
         if (!done)
             break;
         placed.push_back(path.parent_path() / file.filename());
-        done = MoveSynced(file, placed.back());
+        error = MoveSynced(file, placed.back());
+        done = !error;
     }
-    done = done && SyncFolder(path.parent_path());
+    if (done && !SyncFolder(path.parent_path())) {
+        error = {errno, std::generic_category()};
+        done = false;
+    }
     if (done) {
         old.Drop();
     } else {
+        std::error_code ignored;
         for (const fs::path& file : placed)
-            fs::remove(file, error);
-        SetLastError(path.string() + ": its pyramid cannot be put beside it");
+            fs::remove(file, ignored);
+        SetLastError(path.string() + ": its pyramid cannot be put beside it" +
+                     (error ? ": " + error.message() : ""));
     }
     return done;
 }
