@@ -84,6 +84,10 @@ TEST_F(LastWindow, IsNoneOfAFileThatWasWrittenToOrIsReadAnew) {
     EXPECT_EQ(Copy(WINDOW), std::nullopt);
     std::filesystem::last_write_time(m_path, before);
     EXPECT_NE(Copy(WINDOW), std::nullopt);
+    zelto::FileState other = *zelto::StateAsOpened(*m_dataset);
+    ++other.number;
+    zelto::ForgetLastWindow(other);
+    EXPECT_NE(Copy(WINDOW), std::nullopt);
     zelto::ForgetLastWindow(*zelto::StateAsOpened(*m_dataset));
     EXPECT_EQ(Copy(WINDOW), std::nullopt);
 }
