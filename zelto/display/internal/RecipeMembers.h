@@ -9,8 +9,8 @@
 
 namespace zelto {
 
-constexpr const char* RECIPE_FORMAT = "zelto display recipe";
-constexpr int RECIPE_VERSION = 1;
+inline constexpr const char* RECIPE_FORMAT = "zelto display recipe";
+inline constexpr int RECIPE_VERSION = 1;
 
 /// The numbers of a stretch function by their names, as SetStretchData() takes them.
 inline std::array<const char*, 6> NamesOfNumbers(StretchType type) {

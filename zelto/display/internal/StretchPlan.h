@@ -30,7 +30,7 @@ struct BandPlan {
 };
 
 /// All values that 8-bit bands have, and pictures.
-constexpr CStretchPreparation::Range BYTE_RANGE = {0.0, 255.0};
+inline constexpr CStretchPreparation::Range BYTE_RANGE = {0.0, 255.0};
 
 bool IsByteBand(const CRasterBand& band);
 
