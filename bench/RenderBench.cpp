@@ -130,7 +130,7 @@ void AddColdView(const std::string& name, ScenePointer scene, const CBoundingBox
                          SetStretch(scene->source, type);
                          EmptyCaches(*scene);
                      }},
-                    {[=] { scene->Read(box, side); }, [=] { EmptyCaches(*scene); }}, 15);
+                    {[=] { scene->Read(box, side); }, [=] { EmptyCaches(*scene); }}, 45);
 }
 
 /// The same into planes. Enlarged planes are read at the file's resolution, a few samples for a

@@ -337,6 +337,36 @@ TEST(ShowStatistics, AreTheSameForEveryNumberOfThreads) {
         EXPECT_EQ(deviation, deviations.front());
 }
 
+TEST(InterleavedRendering, LargeViewsAreTheSameForEveryNumberOfThreads) {
+    // With more than one thread a band is drawn while the next one is read. Rows repeat, and some
+    // pixels have no value.
+    const int w = 900, h = 700;
+    const auto band = [&](int seed) {
+        return MakePixels(w, h, [&](int c, int r) { return (c * 37 + r / 3 * 101 + seed) % 251; });
+    };
+    const int before = omp_get_max_threads();
+    for (const StretchType stretch : {StretchStdDev, StretchHistEqualize, StretchAutoLevels}) {
+        std::vector<unsigned char> first;
+        double deviation = 0.0;
+        for (int threads : {1, 2, 5}) {
+            omp_set_num_threads(threads);
+            ShownRaster source({.width = w, .height = h, .noData = 7.0},
+                               {band(0), band(90), band(200)});
+            source.SetStretchType(stretch);
+            const auto counted = source.Interleaved();
+            const auto again = source.Interleaved(); // nothing is counted any more
+            EXPECT_EQ(counted, again);
+            if (threads == 1) {
+                first = counted;
+                deviation = source.GetShowStandardDeviations()[2];
+            }
+            EXPECT_EQ(counted, first) << threads << " threads";
+            EXPECT_EQ(source.GetShowStandardDeviations()[2], deviation);
+        }
+    }
+    omp_set_num_threads(before);
+}
+
 TEST(InterleavedRendering, RowsThatRepeatInOneBandAreNotRepeatedInAnother) {
     // The second and third band are the same everywhere, the first changes from row to row.
     const int w = 150, h = 200;

@@ -1,12 +1,15 @@
 #include "zelto/baselib/internal/Truncate.h"
 #include "zelto/display/internal/BandDisplay.h"
 #include "zelto/display/internal/Compose.h"
+#include "zelto/display/internal/RowsBehind.h"
 #include "zelto/display/internal/ShownReads.h"
 #include "zelto/display/internal/ShownSamples.h"
 #include "zelto/display/internal/SourceView.h"
 #include "zelto/display/internal/ViewRows.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+
+#include <omp.h>
 
 #include <algorithm>
 #include <array>
@@ -64,9 +67,11 @@ class InterleavedView {
     }
 
     /// Draws the samples into the channel of the k-th shown band, at the latest with the next
-    /// DrawAwaited(): channels that are drawn together pass over the image once.
+    /// DrawAwaited(). Channels that are drawn together pass over the image once; large ones are
+    /// drawn while the next band is read.
     /// @param sums counts what is drawn, may be null
     void DrawChannel(WindowSamples samples, CRasterBand& band, int k, ShowSums* sums) {
+        FinishBehind();
         // The image is asked below, and an auto-levels map takes the place of what others show by.
         if (DisplayMapping::AwaitsAutoLevels(band))
             DrawAwaited();
@@ -79,33 +84,28 @@ class InterleavedView {
                                      : ShowNothing(channel.samples, ShownByte{0}));
         m_awaitedBytes += channel.samples.Visit(
             [](const auto& values) { return values.size() * sizeof values[0]; });
-        if (m_awaitedBytes > MOST_AWAITED)
+        const bool isLast = k + 1 == m_source.GetShowBandCount();
+        if (!isLast && m_awaitedBytes > LEAST_BEHIND && omp_get_max_threads() > 1)
+            DrawBehind();
+        else if (m_awaitedBytes > MOST_AWAITED)
             DrawAwaited();
     }
 
     /// Draws the channels that wait for it.
     void DrawAwaited() {
+        FinishBehind();
         if (m_awaited.empty())
             return;
-        // A repeated row would not be counted.
-        const bool counts =
-            std::any_of(m_awaited.begin(), m_awaited.end(),
-                        [](const AwaitedChannel& of) { return of.sums != nullptr; });
+        const bool all = !Counts() && m_awaited.size() == mostShownBands;
         ForEachRow(
-            m_w, m_h, counts ? RowBuffers{} : Repeatable(),
-            [this](int row) {
-                return std::all_of(
-                    m_awaited.begin(), m_awaited.end(),
-                    [&](const AwaitedChannel& of) { return ShowsSameAsRowAbove(ViewOf(of), row); });
-            },
-            [this, all = !counts && m_awaited.size() == mostShownBands](int row) {
+            m_w, m_h, Written(), [this](int row) { return RepeatsRowAbove(row); },
+            [this, all](int row) {
                 if (all)
                     DrawRowOfAll(row);
                 else
                     DrawRowOfEach(row);
             });
-        m_awaited.clear();
-        m_awaitedBytes = 0;
+        Forget();
     }
 
   private:
@@ -121,7 +121,41 @@ class InterleavedView {
     /// Bytes of samples that wait to be drawn together: what a core's cache holds until then. More
     /// of them cost more than the second pass over the image that they save.
     static constexpr std::size_t MOST_AWAITED = std::size_t{1} << 20;
+    /// Bytes of samples that take longer to draw than another thread to begin.
+    static constexpr std::size_t LEAST_BEHIND = std::size_t{512} << 10;
 
+    /// Begins to draw the channels that wait for it, on another thread.
+    void DrawBehind() {
+        m_behind.Start(m_h, [this, written = Written()](int first, int end) {
+            for (int row = first; row < end; ++row)
+                DrawOrRepeat(
+                    row, row > first ? row - 1 : -1, written,
+                    [this](int of) { return RepeatsRowAbove(of); },
+                    [this](int of) { DrawRowOfEach(of); });
+        });
+        m_isBehind = true;
+    }
+    void FinishBehind() {
+        m_behind.Finish();
+        if (std::exchange(m_isBehind, false))
+            Forget();
+    }
+    void Forget() {
+        m_awaited.clear();
+        m_awaitedBytes = 0;
+    }
+
+    /// A repeated row would not be counted.
+    bool Counts() const {
+        return std::any_of(m_awaited.begin(), m_awaited.end(),
+                           [](const AwaitedChannel& of) { return of.sums != nullptr; });
+    }
+    RowBuffers Written() { return Counts() ? RowBuffers{} : Repeatable(); }
+    bool RepeatsRowAbove(int row) const {
+        return std::all_of(m_awaited.begin(), m_awaited.end(), [&](const AwaitedChannel& of) {
+            return ShowsSameAsRowAbove(ViewOf(of), row);
+        });
+    }
     BandView<ShownByte> ViewOf(const AwaitedChannel& of) const {
         return {m_w, m_h, of.positions, *of.lookup, m_noMask};
     }
@@ -161,6 +195,8 @@ class InterleavedView {
     std::vector<unsigned char> m_sameRows; ///< see RowBuffers
     std::list<AwaitedChannel> m_awaited;   ///< stays in its place as it grows
     std::size_t m_awaitedBytes = 0;        ///< of their samples
+    bool m_isBehind = false;               ///< whether another thread draws them
+    RowsBehind m_behind;                   ///< goes first: it draws what is above
 };
 
 } // namespace

@@ -83,6 +83,19 @@ void VisitRow(const BandView<Entry>& view, int row, const Use& use) {
     }
 }
 
+/// Draws a row, `rowBefore` being the one that this thread has drawn just now: calls `draw(row)`
+/// unless `isSame(row)` says that it shows the same as the row above.
+template <typename IsSame, typename Draw>
+void DrawOrRepeat(int row, int rowBefore, const RowBuffers& written, const IsSame& isSame,
+                  const Draw& draw) {
+    // A thread's first row is drawn: the one above may not be finished.
+    const bool isBelow = row > 0 && rowBefore == row - 1;
+    if (written.MayRepeat(row, isBelow && isSame(row)))
+        written.RepeatRow(row);
+    else
+        draw(row);
+}
+
 /// Calls `draw(row)` for the rows of an image of w × h output pixels, divided evenly among the
 /// threads, but for those that `isSame(row)` says show the same as the row above.
 template <typename IsSame, typename Draw>
@@ -94,12 +107,7 @@ void ForEachRow(int w, int h, const RowBuffers& written, const IsSame& isSame, c
         int rowBefore = -1; // drawn by this thread just now
 #pragma omp for schedule(static)
         for (int row = 0; row < h; ++row) {
-            // A thread's first row is drawn: the one above may not be finished.
-            const bool isBelow = row > 0 && rowBefore == row - 1;
-            if (written.MayRepeat(row, isBelow && isSame(row)))
-                written.RepeatRow(row);
-            else
-                draw(row);
+            DrawOrRepeat(row, rowBefore, written, isSame, draw);
             rowBefore = row;
         }
     }
