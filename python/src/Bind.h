@@ -7,6 +7,7 @@
 
 namespace zelto::python {
 
+void BindArguments(pybind11::module_& module);
 void BindErrors(pybind11::module_& module);
 void BindRaster(pybind11::module_& module);
 void BindPixels(pybind11::module_& module);

@@ -19,6 +19,7 @@ PYBIND11_MODULE(_engine, module) {
     module.doc() = "The compiled half of the package zelto; use that.";
     HoldGdal();
     BindErrors(module);
+    BindArguments(module);
     BindRaster(module);
     BindPixels(module);
     BindDrawing(module);

@@ -45,7 +45,7 @@ View CheckedPicture(py::array& out, const std::array<double, 4>& box) {
     if (out.ndim() != 3)
         throw py::value_error("a picture is rows x columns x 4");
     RequireShape(out, {out.shape(0), out.shape(1), 4});
-    if (PixelTypeOf(out) != PDT_Byte)
+    if (PixelTypeOf(out.dtype()) != PDT_Byte)
         throw py::type_error("a picture is of uint8");
     return CheckedView(out, 0, box);
 }
@@ -173,7 +173,7 @@ void RenderPlanes(Raster& raster, py::array planes, py::object inside,
                   const std::array<double, 4>& box, const py::dict& settings,
                   const std::string& srs, const py::object& area, py::object callable) {
     const Turn turn = raster.Use();
-    if (planes.ndim() != 3 || PixelTypeOf(planes) != PDT_Byte)
+    if (planes.ndim() != 3 || PixelTypeOf(planes.dtype()) != PDT_Byte)
         throw py::value_error("planes are 3 x rows x columns of uint8");
     RequireShape(planes, {3, planes.shape(1), planes.shape(2)});
     const View view = CheckedView(planes, 1, box);

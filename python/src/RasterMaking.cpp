@@ -26,7 +26,7 @@ namespace {
 using Color = std::array<unsigned char, 4>;
 
 PixelDataType TypeCalled(const std::string& dtype) {
-    return PixelTypeOf(py::array(py::dtype(dtype), std::vector<py::ssize_t>{0}));
+    return PixelTypeOf(py::dtype(dtype));
 }
 
 std::shared_ptr<Raster> Create(const std::string& path, int width, int height, int bands,
@@ -144,7 +144,7 @@ void SavePicture(const std::string& path, const py::array& pixels,
     if (pixels.ndim() != 3)
         throw py::value_error("a picture is rows x columns x 4");
     RequireShape(pixels, {pixels.shape(0), pixels.shape(1), 4});
-    if (PixelTypeOf(pixels) != PDT_Byte)
+    if (PixelTypeOf(pixels.dtype()) != PDT_Byte)
         throw py::type_error("a picture is of uint8");
     constexpr py::ssize_t LONGEST_SIDE = 65500;
     const auto rows = pixels.shape(0);

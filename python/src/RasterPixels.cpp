@@ -4,6 +4,7 @@
 
 #include "cli/support/Failure.h"
 #include "cli/support/Open.h"
+#include "python/src/Arguments.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
 #include "python/src/Errors.h"
@@ -14,6 +15,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <pybind11/stl.h>
 
 namespace py = pybind11;
@@ -22,18 +24,7 @@ namespace zelto::python {
 
 namespace {
 
-/// Columns and rows of a raster: first column, first row, number of columns and of rows.
-using Window = std::array<int, 4>;
-
-void RequireInside(const CRasterSource& source, const Window& window) {
-    const auto [column, row, columns, rows] = window;
-    const bool inside = column >= 0 && row >= 0 && columns > 0 && rows > 0 &&
-                        columns <= source.GetWidth() - column && rows <= source.GetHeight() - row;
-    if (!inside)
-        throw py::value_error("the window does not lie in the raster");
-}
-
-GDALRIOResampleAlg ResamplingCalled(const std::string& name) {
+GDALRIOResampleAlg ResamplingCalled(const py::object& name) {
     static const std::array<std::pair<const char*, GDALRIOResampleAlg>, 7> KNOWN = {
         {{"nearest", GRIORA_NearestNeighbour},
          {"bilinear", GRIORA_Bilinear},
@@ -42,77 +33,127 @@ GDALRIOResampleAlg ResamplingCalled(const std::string& name) {
          {"lanczos", GRIORA_Lanczos},
          {"average", GRIORA_Average},
          {"mode", GRIORA_Mode}}};
+    if (!py::isinstance<py::str>(name))
+        throw py::type_error("resampling is a str");
     for (const auto& [known, algorithm] : KNOWN)
-        if (name == known)
+        if (PyUnicode_CompareWithASCIIString(name.ptr(), known) == 0)
             return algorithm;
     throw py::value_error("resampling is nearest, bilinear, cubic, cubicspline, lanczos, average "
                           "or mode");
 }
 
-/// Checked arguments of a read or write: bands from 1, an array of bands × rows × columns.
-void RequireBands(Raster& raster, const std::vector<int>& bands) {
-    if (bands.empty())
-        throw py::value_error("no bands");
+/// What a read goes by and fills.
+struct Reading {
+    std::vector<int> bands; ///< from 1
+    Window window;
+    GDALRIOResampleAlg resampling;
+    py::array out; ///< bands × rows × columns, or rows × columns of one
+    Shape shape;   ///< rows and columns
+};
+
+PixelDataType TypeOfBands(Raster& raster, const std::vector<int>& bands) {
+    std::vector<PixelDataType> types;
     for (const int band : bands)
-        raster.Band(band);
+        types.push_back(raster.Band(band).GetDataType());
+    return CommonType(types);
 }
 
-/// Reads straight into the array, all bands in one call.
-void Read(Raster& raster, py::array out, std::vector<int> bands, const Window& window,
-          const std::string& resampling, py::object callable) {
+/// @param names of the bands' types; None: what is read as float64
+py::dtype CommonDtype(const std::vector<std::optional<std::string>>& names) {
+    std::vector<PixelDataType> types;
+    for (const auto& name : names)
+        types.push_back(PixelTypeOf(py::dtype(name.value_or("float64"))));
+    return DtypeOf(CommonType(types));
+}
+
+/// An array of the caller's that is to be filled.
+py::array GivenArray(const py::object& out, const py::object& dtype,
+                     const std::vector<py::ssize_t>& shape) {
+    if (!py::isinstance<py::array>(out))
+        throw py::type_error("out is an array");
+    auto array = py::reinterpret_borrow<py::array>(out);
+    if (!dtype.is_none() && !array.dtype().equal(py::dtype::from_args(dtype)))
+        throw py::value_error("dtype is that of out");
+    SampleDtype(array.dtype());
+    RequireShape(array, shape);
+    return array;
+}
+
+Reading ReadingOf(Raster& raster, const py::object& bands, const py::object& window,
+                  const py::object& shape, const py::object& dtype, const py::object& resampling,
+                  const py::object& out) {
+    const CRasterSource& source = raster.Source();
+    Reading reading{BandNumbers(bands, source.GetBandCount()),
+                    WindowWithin(window, source.GetWidth(), source.GetHeight()),
+                    ResamplingCalled(resampling),
+                    {},
+                    {}};
+    reading.shape = shape.is_none() ? Shape{reading.window[3], reading.window[2]} : ShapeOf(shape);
+    std::vector<py::ssize_t> wanted(reading.shape.begin(), reading.shape.end());
+    if (!IsOneBand(bands))
+        wanted.insert(wanted.begin(), static_cast<py::ssize_t>(reading.bands.size()));
+    if (!out.is_none())
+        reading.out = GivenArray(out, dtype, wanted);
+    else
+        reading.out = py::array(dtype.is_none() ? DtypeOf(TypeOfBands(raster, reading.bands))
+                                                : SampleDtype(dtype),
+                                std::move(wanted));
+    return reading;
+}
+
+/// Reads straight into an array, all bands in one call.
+py::array Read(Raster& raster, const py::object& bands, const py::object& window,
+               const py::object& shape, const py::object& dtype, const py::object& resampling,
+               const py::object& out, py::object callable) {
     const Turn turn = raster.Use();
     CRasterSource& source = raster.Source();
-    RequireBands(raster, bands);
-    RequireInside(source, window);
-    if (out.ndim() != 3 || out.shape(1) < 1 || out.shape(2) < 1 || out.shape(1) > INT_MAX ||
-        out.shape(2) > INT_MAX)
-        throw py::value_error("the array is not bands x rows x columns");
-    RequireShape(out, {static_cast<py::ssize_t>(bands.size()), out.shape(1), out.shape(2)});
-    const PixelDataType type = PixelTypeOf(out);
-    const auto rows = static_cast<int>(out.shape(1));
-    const auto columns = static_cast<int>(out.shape(2));
-    void* const memory = Memory(out);
+    Reading reading = ReadingOf(raster, bands, window, shape, dtype, resampling, out);
+    const Window& place = reading.window;
+    const PixelDataType type = PixelTypeOf(reading.out.dtype());
+    void* const memory = Memory(reading.out);
     CallProgress progress(std::move(callable));
     GDALRasterIOExtraArg extra;
     INIT_RASTERIO_EXTRA_ARG(extra);
-    extra.eResampleAlg = ResamplingCalled(resampling);
+    extra.eResampleAlg = reading.resampling;
     extra.pfnProgress = GDALProgressFuncEx;
     extra.pProgressData = static_cast<CDataProgress*>(&progress);
     const std::string reason = Run(progress, [&] {
-        for (const int band : bands)
+        for (const int band : reading.bands)
             if (!CanHoldBlocks(*source.GetGDALDataset()->GetRasterBand(band)))
                 return std::string("its blocks are too large to be read");
         const GdalWatch watch;
         const CPLErr answer = source.GetGDALDataset()->RasterIO(
-            GF_Read, window[0], window[1], window[2], window[3], memory, columns, rows,
-            static_cast<GDALDataType>(type), static_cast<int>(bands.size()), bands.data(), 0, 0, 0,
-            &extra);
+            GF_Read, place[0], place[1], place[2], place[3], memory, reading.shape[1],
+            reading.shape[0], static_cast<GDALDataType>(type),
+            static_cast<int>(reading.bands.size()), reading.bands.data(), 0, 0, 0, &extra);
         if (answer == CE_None)
             return std::string();
         return watch.HasError() ? watch.Error() : std::string("its pixels cannot be read");
     });
     if (!reason.empty())
         throw cli::Failure(raster.Path(), reason);
+    return reading.out;
 }
 
-void Write(Raster& raster, const py::array& samples, const std::vector<int>& bands,
-           const Window& window) {
+void Write(Raster& raster, const py::array& samples, const py::object& bands,
+           const py::object& window) {
     const Turn turn = raster.Use();
     if (!raster.IsWritable())
         throw py::value_error("the raster is open for reading");
-    RequireBands(raster, bands);
-    RequireInside(raster.Source(), window);
-    RequireShape(samples, {static_cast<py::ssize_t>(bands.size()), window[3], window[2]});
-    const PixelDataType type = PixelTypeOf(samples);
+    const CRasterSource& source = raster.Source();
+    const std::vector<int> numbers = BandNumbers(bands, source.GetBandCount());
+    const Window place = WindowWithin(window, source.GetWidth(), source.GetHeight());
+    RequireShape(samples, {static_cast<py::ssize_t>(numbers.size()), place[3], place[2]});
+    const PixelDataType type = PixelTypeOf(samples.dtype());
     const auto planeSize = static_cast<std::size_t>(samples.strides(0));
     // WriteBlock() takes what RasterIO() takes and changes nothing there.
     auto* const memory = static_cast<char*>(const_cast<void*>(samples.data()));
     const bool written = Run([&] {
         cli::ForgetReasons();
-        for (std::size_t b = 0; b < bands.size(); ++b)
-            if (raster.Band(bands[b]).WriteBlock(window[0], window[1], window[2], window[3],
-                                                 memory + b * planeSize, window[2], window[3], type,
-                                                 0, 0) != GIS_SUCCESS)
+        for (std::size_t b = 0; b < numbers.size(); ++b)
+            if (raster.Band(numbers[b])
+                    .WriteBlock(place[0], place[1], place[2], place[3], memory + b * planeSize,
+                                place[2], place[3], type, 0, 0) != GIS_SUCCESS)
                 return false;
         return true;
     });
@@ -160,8 +201,11 @@ py::array_t<double> ValuesAt(Raster& raster, const Doubles& xs, const Doubles& y
 } // namespace
 
 void BindPixels(py::module_& module) {
-    module.def("read", &Read, py::arg("raster"), py::arg("out"), py::arg("bands"),
-               py::arg("window"), py::arg("resampling"), py::arg("progress"));
+    module.def("sample_dtype", &SampleDtype, py::arg("dtype"));
+    module.def("common_dtype", &CommonDtype, py::arg("names"));
+    module.def("read", &Read, py::arg("raster"), py::arg("bands"), py::arg("window"),
+               py::arg("shape"), py::arg("dtype"), py::arg("resampling"), py::arg("out"),
+               py::arg("progress"));
     module.def("write", &Write, py::arg("raster"), py::arg("samples"), py::arg("bands"),
                py::arg("window"));
     module.def("values_at", &ValuesAt, py::arg("raster"), py::arg("xs"), py::arg("ys"));

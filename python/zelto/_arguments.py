@@ -3,12 +3,13 @@
 from __future__ import annotations
 
 import math
-import operator
 import os
 from collections.abc import Iterable, Sequence
-from typing import TYPE_CHECKING, Any, List, NamedTuple, Optional, Tuple, Union
+from typing import TYPE_CHECKING, Any, List, NamedTuple, Tuple, Union
 
 import numpy as np
+
+from ._engine import band_numbers as band_numbers, whole as whole
 
 if TYPE_CHECKING:
     from ._arrays import Doubles
@@ -16,8 +17,6 @@ if TYPE_CHECKING:
 PathLike = Union[str, "os.PathLike[str]"]
 Box = Sequence[float]
 Window = Sequence[int]
-
-_LARGEST_INT = 2**31 - 1
 
 
 class Bounds(NamedTuple):
@@ -47,20 +46,6 @@ def text_argument(name: str, value: str) -> bytes:
     if "\0" in value:
         raise ValueError(f"{name} has a null character")
     return os.fsencode(value)
-
-
-def whole(name: str, value: Any, least: int = 0, most: int = _LARGEST_INT) -> int:
-    if type(value) is int and least <= value <= most:
-        return value
-    if isinstance(value, (bool, np.bool_)):
-        raise TypeError(f"{name} is a whole number")
-    try:
-        number = operator.index(value)
-    except TypeError:
-        raise TypeError(f"{name} is a whole number") from None
-    if not least <= number <= most:
-        raise ValueError(f"{name} is {least} to {most}, not {number}")
-    return number
 
 
 def finite(name: str, value: Any) -> float:
@@ -96,22 +81,6 @@ def box_argument(name: str, values: Box) -> Bounds:
 def engine_box(box: Bounds) -> Tuple[float, float, float, float]:
     """The engine names the sides in another order: left, top, right, bottom."""
     return (box.left, box.top, box.right, box.bottom)
-
-
-def band_numbers(bands: Optional[Union[int, Sequence[int]]], count: int) -> List[int]:
-    """Bands numbered from 1; None: all."""
-    if bands is None:
-        return list(range(1, count + 1))
-    if isinstance(bands, (str, bytes)):
-        raise TypeError("bands are whole numbers")
-    chosen = list(bands) if isinstance(bands, Iterable) else [bands]
-    if not chosen:
-        raise ValueError("no bands")
-    found = [whole("a band", band, -_LARGEST_INT) for band in chosen]
-    for band in found:
-        if not 1 <= band <= count:
-            raise IndexError(f"bands are numbered from 1 to {count}, there is no {band}")
-    return found
 
 
 def coordinates(x: Any, y: Any) -> Tuple[Doubles, Doubles, Tuple[int, ...]]:

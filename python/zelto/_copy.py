@@ -7,8 +7,8 @@ from typing import TYPE_CHECKING, Any, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
+from . import _engine
 from ._arguments import PathLike, Window, band_numbers
-from ._pixels import numpy_dtype
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster, create
 
@@ -37,9 +37,9 @@ def copy(
     """
     raster = as_raster(source)
     tell = as_callable(progress)
-    place = raster._checked_window(window)
+    place = _engine.window_within(window, raster.width, raster.height)
     chosen = band_numbers(bands, raster.count)
-    kind = raster._common_dtype(chosen) if dtype is None else numpy_dtype(dtype)
+    kind = raster._common_dtype(chosen) if dtype is None else _engine.sample_dtype(dtype)
     x, width, row_turn, y, column_turn, height = raster.geotransform
     corner = None
     if raster._facts["placed"]:

@@ -1,6 +1,6 @@
 """The compiled half of the package."""
 
-from typing import Any, Dict, List, Optional, Sequence, Tuple
+from typing import Any, Dict, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -66,14 +66,23 @@ class Grid:
 
 def open_raster(path: bytes, update: bool, warp: bool, srs: bytes) -> Raster: ...
 def subdatasets(path: bytes) -> List[Tuple[str, str]]: ...
+def whole(name: str, value: Any, least: int = 0, most: int = 2**31 - 1) -> int: ...
+def band_numbers(bands: Union[None, int, Sequence[int]], count: int) -> List[int]: ...
+def window_within(
+    window: Optional[Sequence[int]], width: int, height: int
+) -> Tuple[int, int, int, int]: ...
+def sample_dtype(dtype: npt.DTypeLike) -> np.dtype[Any]: ...
+def common_dtype(names: Sequence[Optional[str]]) -> np.dtype[Any]: ...
 def read(
     raster: Raster,
-    out: npt.NDArray[Any],
-    bands: Sequence[int],
-    window: Tuple[int, int, int, int],
+    bands: Union[None, int, Sequence[int]],
+    window: Optional[Sequence[int]],
+    shape: Optional[Tuple[int, int]],
+    dtype: Optional[npt.DTypeLike],
     resampling: str,
+    out: Optional[npt.NDArray[Any]],
     progress: Optional[ProgressCallable],
-) -> None: ...
+) -> npt.NDArray[Any]: ...
 def write(
     raster: Raster,
     samples: npt.NDArray[Any],

@@ -147,9 +147,7 @@ class RasterFacts(Grid):
     def _common_dtype(self, bands: Iterable[int]) -> np.dtype[Any]:
         """One of the seven that holds the values of bands."""
         facts = self._facts["bands"]
-        found = np.result_type(*{facts[band - 1]["dtype"] or "float64" for band in bands})
-        # Bands of 32 bits with and without a sign have no other in common.
-        return np.dtype(np.float64) if found == np.int64 else found
+        return _engine.common_dtype([facts[band - 1]["dtype"] for band in bands])
 
     @property
     def nodata(self) -> Optional[float]:

@@ -3,13 +3,13 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Iterable, Sequence
+from collections.abc import Sequence
 from typing import TYPE_CHECKING, Any, Optional, Tuple, Union
 
 import numpy as np
 
 from . import _engine
-from ._arguments import Window, band_numbers, numbers, text_argument, whole
+from ._arguments import Window, band_numbers, numbers, text_argument
 from ._facts import RasterFacts
 from ._looks import as_color
 from ._progress import Progress, as_callable
@@ -32,27 +32,8 @@ def _storable(values: Array, dtype: str) -> Array:
     return stored
 
 
-def numpy_dtype(dtype: DTypeLike) -> "np.dtype[Any]":
-    found = np.dtype(dtype)
-    if found.name not in _DTYPES or not found.isnative:
-        raise TypeError(f"dtype is one of {', '.join(_DTYPES)}, not {found}")
-    return found
-
-
 class RasterPixels(RasterFacts):
     """Reading and writing."""
-
-    def _checked_window(self, window: Optional[Window]) -> Tuple[int, int, int, int]:
-        if window is None:
-            return (0, 0, self.width, self.height)
-        if isinstance(window, (str, bytes)) or len(window) != 4:
-            raise ValueError("window is column, row, columns, rows")
-        column, row, columns, rows = (whole("window", side) for side in window)
-        if columns < 1 or rows < 1 or column + columns > self.width or row + rows > self.height:
-            raise ValueError(
-                f"the window does not lie in the {self.width} columns and {self.height} rows"
-            )
-        return (column, row, columns, rows)
 
     def read(
         self,
@@ -79,32 +60,8 @@ class RasterPixels(RasterFacts):
         array([[69, 69, 63, 60],
                [74, 68, 59, 58]], dtype=uint8)
         """
-        chosen = band_numbers(bands, self.count)
-        single = bands is not None and not isinstance(bands, Iterable)
-        place = self._checked_window(window)
-        if shape is None:
-            rows, columns = place[3], place[2]
-        else:
-            if isinstance(shape, (str, bytes)) or len(shape) != 2:
-                raise ValueError("shape is rows, columns")
-            rows, columns = (whole("shape", side, 1) for side in shape)
-        wanted = (rows, columns) if single else (len(chosen), rows, columns)
-        if not isinstance(resampling, str):
-            raise TypeError("resampling is a str")
-        if out is None:
-            kind = self._common_dtype(chosen) if dtype is None else numpy_dtype(dtype)
-            out = np.empty(wanted, dtype=kind)
-        else:
-            if not isinstance(out, np.ndarray):
-                raise TypeError("out is an array")
-            if dtype is not None and np.dtype(dtype) != out.dtype:
-                raise ValueError("dtype is that of out")
-            numpy_dtype(out.dtype)
-            if out.shape != wanted:
-                raise ValueError(f"out has the shape {out.shape}, not {wanted}")
-        target = out[np.newaxis] if single else out
-        _engine.read(self._native, target, chosen, place, resampling, as_callable(progress))
-        return out
+        told = None if progress is None else as_callable(progress)
+        return _engine.read(self._native, bands, window, shape, dtype, resampling, out, told)
 
     def write(
         self,
@@ -119,7 +76,7 @@ class RasterPixels(RasterFacts):
             values must then be those of the file's
         """
         chosen = band_numbers(bands, self.count)
-        place = self._checked_window(window)
+        place = _engine.window_within(window, self.width, self.height)
         samples = _storable(np.asarray(values), self.bands[chosen[0] - 1].dtype)
         if samples.ndim == 2:
             samples = samples[np.newaxis]

@@ -11,7 +11,7 @@ from typing import TYPE_CHECKING, Any, Optional, Sequence, Tuple, Type, Union
 from . import _engine
 from ._arguments import PathLike, encoded, numbers, text_argument, whole
 from ._drawing import RasterDrawing
-from ._pixels import RasterPixels, numpy_dtype
+from ._pixels import RasterPixels
 from ._places import RasterPlaces
 
 if TYPE_CHECKING:
@@ -121,7 +121,7 @@ def create(
         whole("width", width, 1),
         whole("height", height, 1),
         whole("bands", bands, 1, 65535),
-        numpy_dtype(dtype).name,
+        _engine.sample_dtype(dtype).name,
         None if geotransform is None else numbers("geotransform", geotransform, 6),
         wkt,
         text_argument("format", format),
