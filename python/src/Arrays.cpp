@@ -89,7 +89,8 @@ py::dtype SampleDtype(const py::object& dtype) {
     std::string names;
     for (const SampleType& known : TYPES)
         names += (names.empty() ? "" : ", ") + std::string(known.name);
-    throw py::type_error("dtype is one of " + names + ", not " + std::string(py::str(static_cast<const py::object&>(found))));
+    throw py::type_error("dtype is one of " + names + ", not " +
+                         std::string(py::str(static_cast<const py::object&>(found))));
 }
 
 PixelDataType CommonType(const std::vector<PixelDataType>& types) {

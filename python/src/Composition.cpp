@@ -69,11 +69,9 @@ class Composition {
                 look.Apply(*source, view.box, nullptr, progress);
             CBoundingBox ground = view.box;
             cli::ForgetReasons();
-            if (!m_composed.GetShowData(&ground, view.width, view.height, pixels, true))
+            if (!m_composed.GetShowDataRedFirst(&ground, view.width, view.height, pixels, true))
                 throw cli::Failure(
                     cli::LastReason("the box misses the rasters, or their pixels cannot be read"));
-            BlueToRedFirst(pixels, static_cast<std::size_t>(view.width) *
-                                       static_cast<std::size_t>(view.height));
             return true;
         });
     }

@@ -21,7 +21,4 @@ CBoundingBox CheckedBox(const std::array<double, 4>& sides);
 /// The view that fills an array of rows × columns × 4 bytes. Throws.
 View CheckedPicture(pybind11::array& out, const std::array<double, 4>& box);
 
-/// Turns blue, green, red, alpha into red, green, blue, alpha.
-void BlueToRedFirst(unsigned char* pixels, std::size_t count);
-
 } // namespace zelto::python

@@ -12,10 +12,7 @@
 #include "python/src/RasterLook.h"
 
 #include <array>
-#include <bit>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 #include <pybind11/stl.h>
 
 namespace py = pybind11;
@@ -48,19 +45,6 @@ View CheckedPicture(py::array& out, const std::array<double, 4>& box) {
     if (PixelTypeOf(out.dtype()) != PDT_Byte)
         throw py::type_error("a picture is of uint8");
     return CheckedView(out, 0, box);
-}
-
-void BlueToRedFirst(unsigned char* pixels, std::size_t count) {
-    static_assert(std::endian::native == std::endian::little);
-    constexpr std::size_t ALONE = 1 << 16;
-    // Whole pixels, which a processor turns several at a time.
-#pragma omp parallel for if (count > ALONE)
-    for (std::size_t i = 0; i < count; ++i) {
-        std::uint32_t pixel = 0;
-        std::memcpy(&pixel, pixels + 4 * i, 4);
-        pixel = (pixel & 0xFF00FF00U) | (pixel & 0xFFU) << 16 | (pixel >> 16 & 0xFFU);
-        std::memcpy(pixels + 4 * i, &pixel, 4);
-    }
 }
 
 namespace {
@@ -104,12 +88,10 @@ void DrawPlanes(CRasterSource& source, const Drawing& drawing, unsigned char* pl
 void DrawWhole(CRasterSource& source, const View& view, unsigned char* pixels) {
     CBoundingBox box = view.box;
     cli::ForgetReasons();
-    FailWithoutPixels(source.GetShowData(&box, view.width, view.height, pixels, true));
+    FailWithoutPixels(source.GetShowDataRedFirst(&box, view.width, view.height, pixels, true));
     // Palette and class colours have their transparency from the drawing already.
     source.m_hue = source.m_intensity = source.m_saturation = source.m_contrast = 0.0F;
     source.ApplyShowDataHISC(view.width, view.height, pixels);
-    BlueToRedFirst(pixels,
-                   static_cast<std::size_t>(view.width) * static_cast<std::size_t>(view.height));
 }
 
 /// Pixels outside the area are transparent, or black.

@@ -16,12 +16,15 @@ TEST(ComposeChannels, MakeWhatTheirChannelsMakeOneByOne) {
                 ofBand.push_back(random() % 4 == 0 ? 0 : zelto::isShown | (random() & 255));
         std::vector<unsigned char> oneByOne(static_cast<std::size_t>(count) * 4, 77);
         std::vector<unsigned char> together(oneByOne);
-        for (int k = 0; k < 3; ++k)
-            zelto::ComposeChannel(bytes[k].data(), count, {zelto::ShownChannel(k), k == 0},
-                                  oneByOne.data(), nullptr);
-        zelto::ComposeChannels(bytes[0].data(), bytes[1].data(), bytes[2].data(), count,
-                               together.data());
-        ASSERT_EQ(together, oneByOne) << "seed " << seed;
+        for (const auto first : {zelto::FirstColor::Blue, zelto::FirstColor::Red}) {
+            for (int k = 0; k < 3; ++k)
+                zelto::ComposeChannel(bytes[k].data(), count,
+                                      {zelto::ShownChannel(k, first), k == 0}, oneByOne.data(),
+                                      nullptr);
+            zelto::ComposeChannels(bytes[0].data(), bytes[1].data(), bytes[2].data(), count,
+                                   together.data(), first);
+            ASSERT_EQ(together, oneByOne) << "seed " << seed;
+        }
     }
 }
 

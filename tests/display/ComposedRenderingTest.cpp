@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <utility>
+#include <vector>
 
 using zelto::test::MakePixels;
 using zelto::test::TemporaryFolder;
@@ -261,4 +263,20 @@ TEST(ComposedRendering, BadArgumentsAreRefused) {
     EXPECT_FALSE(scene.composed.GetShowData(&point, 10, 10, out.data(), true));
     CComposedRaster empty;
     EXPECT_FALSE(empty.GetShowData(&box, 10, 10, out.data(), true));
+}
+
+TEST(ComposedRendering, WithRedFirstIsTheSamePicture) {
+    std::mt19937 random(20);
+    ThreeSources scene;
+    ASSERT_NO_FATAL_FAILURE(MakeScene(scene, random, false));
+    CBoundingBox box = scene.composed.GetExtent();
+    std::vector<unsigned char> blueFirst(40 * 30 * 4);
+    std::vector<unsigned char> redFirst(blueFirst);
+    ASSERT_TRUE(scene.composed.GetShowData(&box, 40, 30, blueFirst.data(), true));
+    ASSERT_TRUE(scene.composed.GetShowDataRedFirst(&box, 40, 30, redFirst.data(), true));
+    EXPECT_NE(redFirst, blueFirst);
+    for (std::size_t pixel = 0; pixel < blueFirst.size(); pixel += 4)
+        std::swap(blueFirst[pixel], blueFirst[pixel + 2]);
+    EXPECT_EQ(redFirst, blueFirst);
+    EXPECT_FALSE(scene.composed.GetShowDataRedFirst(nullptr, 40, 30, redFirst.data(), true));
 }

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 using namespace zelto::test;
@@ -94,6 +95,29 @@ TEST(InterleavedRendering, EqualsThePlainOneByteForByteOnRandomScenes) {
                 ASSERT_TRUE(image == plain.pixels);
             ExpectStatistics(source, plain, knownBefore, before);
         }
+    }
+}
+
+TEST(InterleavedRendering, WithRedFirstIsTheSamePictureOnRandomScenes) {
+    for (unsigned seed = 3000; seed < 3000 + sceneCount; ++seed) {
+        RandomScene scene(seed);
+        CRasterSource& source = scene.Source();
+        source.m_hue = scene.Chance(30) ? 0.2F : 0.0F;
+        source.m_contrast = scene.Chance(30) ? 0.4F : 0.0F;
+        const bool adjust = scene.Chance(70);
+        View view = RandomView(scene);
+        SCOPED_TRACE(Describe(seed, scene, view));
+        std::vector<unsigned char> blueFirst(static_cast<std::size_t>(view.w) * view.h * 4, 91);
+        std::vector<unsigned char> redFirst(blueFirst);
+        const bool isDrawn =
+            source.GetShowData(&view.box, view.w, view.h, blueFirst.data(), adjust);
+        ASSERT_EQ(source.GetShowDataRedFirst(&view.box, view.w, view.h, redFirst.data(), adjust),
+                  isDrawn);
+        if (!isDrawn)
+            continue;
+        for (std::size_t pixel = 0; pixel < blueFirst.size(); pixel += 4)
+            std::swap(blueFirst[pixel], blueFirst[pixel + 2]);
+        ASSERT_TRUE(redFirst == blueFirst);
     }
 }
 

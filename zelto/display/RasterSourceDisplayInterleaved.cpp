@@ -28,11 +28,12 @@ class InterleavedView {
   public:
     /// Has no window when the box misses the raster.
     InterleavedView(CRasterSource& source, const CBoundingBox& box, int w, int h,
-                    unsigned char* out)
+                    unsigned char* out, FirstColor first)
         : m_source(source),
           m_w(w),
           m_h(h),
           m_out(out),
+          m_first(first),
           m_window(SelectViewWindow(GridOf(source), box, w, h, ViewRule::Interleaved)),
           // The pixel's corner is looked up here, its centre in the planes.
           m_output(OutputOf(source, box, m_window, w, 0.0)),
@@ -61,8 +62,8 @@ class InterleavedView {
             shows ? ShowColors(samples, m_source, band, transparency, transparentWhite)
                   : ShowNothing(samples, transparentWhite);
         DrawRows(BandView{m_w, m_h, positions, lookup, m_noMask}, Repeatable(),
-                 [out = m_out](std::size_t pixel, int count, const PackedColor* colors) {
-                     ComposePixels(colors, count, out + pixel * 4);
+                 [this](std::size_t pixel, int count, const PackedColor* colors) {
+                     ComposePixels(colors, count, m_out + pixel * 4, m_first);
                  });
     }
 
@@ -76,7 +77,7 @@ class InterleavedView {
         if (DisplayMapping::AwaitsAutoLevels(band))
             DrawAwaited();
         AwaitedChannel& channel = m_awaited.emplace_back(AwaitedChannel{
-            std::move(samples), PositionsOf(band), {}, {ShownChannel(k), k == 0}, sums});
+            std::move(samples), PositionsOf(band), {}, {ShownChannel(k, m_first), k == 0}, sums});
         const bool shows = NeedsDisplayState(
             channel.samples, band, m_w, m_h, channel.positions, m_noMask,
             [k, out = m_out](std::size_t pixel) { return k == 0 || out[pixel * 4 + 3] != 0; });
@@ -176,7 +177,8 @@ class InterleavedView {
                 of.lookup->Get(of.positions.RunOf(row, column, count, scratch),
                                (ofChannel++)->data());
             ComposeChannels(bytes[0].data(), bytes[1].data(), bytes[2].data(), count,
-                            m_out + (PixelIndex(row, m_w) + static_cast<std::size_t>(column)) * 4);
+                            m_out + (PixelIndex(row, m_w) + static_cast<std::size_t>(column)) * 4,
+                            m_first);
         }
     }
     RowBuffers Repeatable() { return {{&m_out, 1}, PixelIndex(1, m_w) * 4, m_sameRows.data()}; }
@@ -188,6 +190,7 @@ class InterleavedView {
     int m_w;
     int m_h;
     unsigned char* m_out;
+    FirstColor m_first;
     ViewWindow m_window;
     OutputGrid m_output;
     ShownReads m_reads;
@@ -205,19 +208,36 @@ class InterleavedView {
 using namespace zelto;
 
 bool CRasterSource::GetShowData(CBoundingBox* box, int w, int h, unsigned char* out, bool adjust) {
-    return DrawOrTell(*this, [=, this] { return DrawInterleaved(box, w, h, out, adjust, false); });
+    return DrawOrTell(
+        *this, [=, this] { return DrawInterleaved(box, w, h, out, adjust, FirstColor::Blue); });
+}
+
+bool CRasterSource::GetShowDataRedFirst(CBoundingBox* box, int w, int h, unsigned char* out,
+                                        bool adjust) {
+    const bool isAdjusted = adjust && (m_hue != 0.0F || m_intensity != 0.0F ||
+                                       m_saturation != 0.0F || m_contrast != 0.0F);
+    if (!isAdjusted && !IsComposedRaster())
+        return DrawOrTell(
+            *this, [=, this] { return DrawInterleaved(box, w, h, out, false, FirstColor::Red); });
+    // Colours are adjusted, and compositions draw, with blue first.
+    if (!GetShowData(box, w, h, out, adjust))
+        return false;
+    SwapRedAndBlue(out, PixelIndex(h, w));
+    return true;
 }
 
 bool CRasterSource::GetShowDataWithoutCache(CBoundingBox* box, int w, int h, unsigned char* out,
                                             bool adjust) {
-    return DrawOrTell(*this, [=, this] { return DrawInterleaved(box, w, h, out, adjust, true); });
+    return DrawOrTell(*this, [=, this] {
+        return DrawInterleaved(box, w, h, out, adjust, FirstColor::Blue, true);
+    });
 }
 
 bool CRasterSource::DrawInterleaved(const CBoundingBox* box, int w, int h, unsigned char* out,
-                                    bool adjust, bool keepsCaches) {
+                                    bool adjust, FirstColor first, bool keepsCaches) {
     if (box == nullptr || out == nullptr)
         return Refuse(noPlaceToDraw);
-    InterleavedView view(*this, *box, w, h, out);
+    InterleavedView view(*this, *box, w, h, out, first);
     if (view.Status() != ViewStatus::Selected)
         return Refuse(ReasonOf(view.Status()));
     std::array<ShowSums, mostShownBands> sums;

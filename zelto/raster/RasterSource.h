@@ -21,6 +21,7 @@ class OGRSpatialReference;
 
 namespace zelto {
 class StatisticsOnDemand;
+enum class FirstColor;
 struct RasterLayout;
 struct ViewGrid;
 } // namespace zelto
@@ -230,6 +231,12 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     /// @return false as the plane rendering, and for null pointers
     bool GetMaskedShowData(CBoundingBox* box, int w, int h, int bands, unsigned char** planes,
                            CRasterAOI* aoi, unsigned char* inside);
+    /// The interleaved rendering as red, green, blue, alpha: the order in which pictures are
+    /// stored. An addition to the fixed interface.
+    /// @param box,w,h,out,adjust as there
+    /// @return as there; after false with a box that meets the raster, what stands in the buffer is
+    ///         of no use
+    bool GetShowDataRedFirst(CBoundingBox* box, int w, int h, unsigned char* out, bool adjust);
     /// The interleaved rendering without touching the bands' data caches.
     bool GetShowDataWithoutCache(CBoundingBox* box, int w, int h, unsigned char* out, bool adjust);
     /// Fills the shown bands' caches for a view without drawing it.
@@ -356,8 +363,9 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     /// Means and deviations of the opaque pixels of an interleaved image, per shown band.
     void ComputeShowDataStatics(const unsigned char* interleaved, int w, int h);
     /// The interleaved rendering; `keepsCaches` leaves the bands' data caches as they are.
+    /// @param adjust with blue first only, where there is something to adjust
     bool DrawInterleaved(const CBoundingBox* box, int w, int h, unsigned char* out, bool adjust,
-                         bool keepsCaches);
+                         zelto::FirstColor first, bool keepsCaches = false);
     /// The plane rendering.
     /// @param aoi may be null
     /// @param inside receives the membership in `aoi` of every pixel; may be null, must be so

@@ -7,8 +7,8 @@
 namespace zelto {
 namespace {
 
-// An interleaved pixel is blue, green, red, alpha in memory, which is a packed colour as a
-// little-endian machine stores it. Loops over whole pixels become vector code that way.
+// An interleaved pixel with blue first is blue, green, red, alpha in memory, which is a packed
+// colour as a little-endian machine stores it. Loops over whole pixels become vector code that way.
 static_assert(std::endian::native == std::endian::little);
 
 PackedColor LoadPixel(const unsigned char* pixel) {
@@ -22,6 +22,10 @@ void StorePixel(unsigned char* pixel, PackedColor color) {
 }
 
 constexpr PackedColor alphaBits = 0xFF000000;
+
+constexpr PackedColor WithRedAndBlueSwapped(PackedColor color) {
+    return (color & 0xFF00FF00U) | (color & 0xFFU) << 16 | (color >> 16 & 0xFFU);
+}
 
 /// Whether a band writes its byte into a pixel.
 bool IsWritten(ShownByte byte, PackedColor before) {
@@ -90,21 +94,34 @@ void ComposeChannel(const ShownByte* bytes, int count, const ChannelRule& rule,
 }
 
 void ComposeChannels(const ShownByte* red, const ShownByte* green, const ShownByte* blue, int count,
-                     unsigned char* pixels) {
-    const auto add = [](PackedColor before, ShownByte byte, Channel channel) {
-        const int shift = ShiftOf(channel);
+                     unsigned char* pixels, FirstColor first) {
+    const int redShift = ShiftOf(ShownChannel(0, first));
+    const int blueShift = ShiftOf(ShownChannel(2, first));
+    const auto add = [](PackedColor before, ShownByte byte, int shift) {
         return WithChannel(before, byte, shift, ~(PackedColor{255} << shift), 0);
     };
     for (int i = 0; i < count; ++i) {
-        PackedColor color = add(untouched, red[i], Channel::Red);
-        color = add(color, green[i], Channel::Green);
-        color = add(color, blue[i], Channel::Blue);
+        PackedColor color = add(untouched, red[i], redShift);
+        color = add(color, green[i], ShiftOf(Channel::Green));
+        color = add(color, blue[i], blueShift);
         StorePixel(pixels + 4 * i, color);
     }
 }
 
-void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels) {
-    std::memcpy(pixels, colors, static_cast<std::size_t>(count) * sizeof *colors);
+void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels, FirstColor first) {
+    if (first == FirstColor::Blue) {
+        std::memcpy(pixels, colors, static_cast<std::size_t>(count) * sizeof *colors);
+        return;
+    }
+    for (int i = 0; i < count; ++i)
+        StorePixel(pixels + 4 * i, WithRedAndBlueSwapped(colors[i]));
+}
+
+void SwapRedAndBlue(unsigned char* pixels, std::size_t count) {
+    constexpr std::size_t ALONE = 1 << 16;
+#pragma omp parallel for if (count > ALONE)
+    for (std::size_t i = 0; i < count; ++i)
+        StorePixel(pixels + 4 * i, WithRedAndBlueSwapped(LoadPixel(pixels + 4 * i)));
 }
 
 void ComposePlane(const PackedColor* colors, int count, Channel channel, unsigned char* plane) {

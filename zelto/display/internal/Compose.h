@@ -19,9 +19,13 @@ inline constexpr auto displayRamp = static_cast<DataDisplayType>(1);
 /// Bytes of an interleaved pixel, in the order they stand in.
 enum class Channel : int { Blue = 0, Green = 1, Red = 2 };
 
+/// Which of its colours an interleaved pixel has first; the last one is alpha in any case.
+enum class FirstColor { Blue, Red };
+
 /// Channel of the k-th shown band: red, green, blue.
-inline constexpr Channel ShownChannel(int k) {
-    return static_cast<Channel>(2 - k);
+/// @return where it stands in a pixel, which is that of blue for red where that is first
+inline constexpr Channel ShownChannel(int k, FirstColor first = FirstColor::Blue) {
+    return static_cast<Channel>(first == FirstColor::Blue ? 2 - k : k);
 }
 
 /// Alpha byte of a transparency of 0 … 1: the complement of its share of 255. The product is
@@ -71,10 +75,14 @@ void ComposeChannel(const ShownByte* bytes, int count, const ChannelRule& rule,
 /// What ComposeChannel() makes of three shown bands one after the other, in one pass over the
 /// pixels and without counting.
 void ComposeChannels(const ShownByte* red, const ShownByte* green, const ShownByte* blue, int count,
-                     unsigned char* pixels);
+                     unsigned char* pixels, FirstColor first = FirstColor::Blue);
 
-/// Writes colours as interleaved pixels of blue, green, red, alpha.
-void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels);
+/// Writes colours as interleaved pixels.
+void ComposePixels(const PackedColor* colors, int count, unsigned char* pixels,
+                   FirstColor first = FirstColor::Blue);
+
+/// Turns pixels of blue, green, red, alpha into red, green, blue, alpha, and the other way.
+void SwapRedAndBlue(unsigned char* pixels, std::size_t count);
 
 /// Writes one channel of packed colours into a plane.
 void ComposePlane(const PackedColor* colors, int count, Channel channel, unsigned char* plane);
