@@ -24,6 +24,7 @@
 #include <QGridLayout>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTabWidget>
 
@@ -49,7 +50,8 @@ MainWindow::MainWindow(const QStringList& files) {
     // Tables of numbers are wide, lists of classes are long.
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::BottomDockWidgetArea);
-    resize(1280, 800);
+    // A screen that is scaled up may have room for less.
+    resize(QSize(1280, 800).boundedTo(screen()->availableSize()));
     MakeCentre();
     MakeActions(files);
     MakePanels();

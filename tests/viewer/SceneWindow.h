@@ -24,6 +24,9 @@ class SceneWindow : public testing::Test {
     const view::Layer& Current() { return *m_window->GetDocument().Current(); }
     void Trigger(const char* action) { m_window->FindAction(action)->trigger(); }
     QPoint Middle() { return Map().rect().center(); }
+    /// What the map counts as pixels: those of the screen, of which a widget's pixel is several
+    /// where the screen is scaled up.
+    QPointF OnScreen(QPointF ofWidget) { return ofWidget * Map().devicePixelRatioF(); }
     /// Draws a rectangle of 120 × 100 pixels of the screen about the middle, with the mouse.
     void DrawRectangle();
 

@@ -21,6 +21,7 @@
 #include <QMessageBox>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
@@ -97,25 +98,33 @@ TEST_F(Window, DrawsWhatSlidersAndBandsSay) {
 
 TEST_F(Window, ShowsTheMovedPictureAtOnceWhileDragging) {
     const view::ViewTransform before = Map().View();
-    const QRgb middle = Map().grab().toImage().pixel(Middle());
-    Drag(Map(), Middle(), Middle() + QPoint(40, -25));
-    EXPECT_EQ(Map().View(), before.MovedBy({40.0, -25.0}));
+    const auto colorAt = [&](QPoint at) {
+        return Map().grab().toImage().pixel(OnScreen(at).toPoint());
+    };
+    const QRgb middle = colorAt(Middle());
+    Drag(Map(), Middle(), Middle() + QPoint(40, -26));
+    EXPECT_EQ(Map().View(), before.MovedBy(OnScreen({40.0, -26.0})));
     // No answer of the worker has been taken yet: the frame shows the former picture, moved.
-    EXPECT_EQ(Map().grab().toImage().pixel(Middle() + QPoint(40, -25)), middle);
+    EXPECT_EQ(colorAt(Middle() + QPoint(40, -26)), middle);
     ASSERT_TRUE(Settle(*m_window));
     EXPECT_EQ(Map().Shown().image, DrawByEngine(ApplyPercent));
 }
 
 TEST_F(Window, ZoomsAroundThePointerWithTheWheel) {
     const QPointF at(300.0, 200.0);
-    const QPointF ground = Map().View().ToGround(at);
+    const QPointF ground = Map().View().ToGround(OnScreen(at));
     const double scale = Map().View().Scale();
     QWheelEvent wheel(at, Map().mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
                       Qt::NoScrollPhase, false);
     QApplication::sendEvent(&Map(), &wheel);
     EXPECT_LT(Map().View().Scale(), scale);
-    EXPECT_NEAR(Map().View().ToGround(at).x(), ground.x(), 1e-6);
-    EXPECT_NEAR(Map().View().ToGround(at).y(), ground.y(), 1e-6);
+    EXPECT_NEAR(Map().View().ToGround(OnScreen(at)).x(), ground.x(), 1e-6);
+    EXPECT_NEAR(Map().View().ToGround(OnScreen(at)).y(), ground.y(), 1e-6);
+}
+
+TEST_F(Window, FitsOnTheScreen) {
+    const view::MainWindow window;
+    EXPECT_EQ(window.size(), QSize(1280, 800).boundedTo(window.screen()->availableSize()));
 }
 
 TEST_F(Window, PansWithTheArrowKeys) {
@@ -136,7 +145,7 @@ TEST_F(Window, ShowsEachPixelOnceOneToOne) {
 }
 
 TEST_F(Window, TellsWhatIsUnderThePointer) {
-    const QPointF ground = Map().View().ToGround(QPointF(Middle()));
+    const QPointF ground = Map().View().ToGround(OnScreen(Middle()));
     QTest::mouseMove(&Map(), Middle() - QPoint(3, 3));
     QTest::mouseMove(&Map(), Middle());
     m_window->GetEngine().Read(Current().id, ground);
@@ -185,7 +194,8 @@ TEST_F(Window, DrawsSelectsMovesAndDeletesShapesWithMouseAndKeys) {
     const CBoundingBox before = areas.All().front().shape->m_extent;
     Drag(Map(), Middle(), Middle() + QPoint(30, 0));
     const CBoundingBox after = areas.All().front().shape->m_extent;
-    EXPECT_NEAR(after.GetLeft() - before.GetLeft(), 30.0 * Map().View().Scale(), 1e-6);
+    EXPECT_NEAR(after.GetLeft() - before.GetLeft(),
+                OnScreen({30.0, 0.0}).x() * Map().View().Scale(), 1e-6);
     Trigger("area-delete");
     EXPECT_EQ(areas.All().size(), 1U);
     Trigger("undo");
