@@ -21,7 +21,7 @@ from ._raster import Raster, create, open
 
 if TYPE_CHECKING:
     from . import many as many
-    from ._area import AreaOfInterest, Ellipse, Line, Point, Polygon, Rectangle, Shape
+    from ._area import AreaOfInterest
     from ._compose import Composition, compose
     from ._coordinates import (
         CoordinateTransformation,
@@ -45,6 +45,7 @@ if TYPE_CHECKING:
         SamplePixels,
         sample_pixels,
     )
+    from ._shapes import Ellipse, Line, Point, Polygon, Rectangle, Shape
     from ._statistics import (
         BandStatistics,
         Covariance,
@@ -59,7 +60,7 @@ if TYPE_CHECKING:
 else:
     # Scripts that only draw need not wait for the rest: it is loaded when it is first named.
     _LATER = {
-        "_area": "AreaOfInterest Ellipse Line Point Polygon Rectangle Shape",
+        "_area": "AreaOfInterest",
         "_compose": "Composition compose",
         "_coordinates": "CoordinateTransformation CrsDescription GeoGrid Residuals describe_crs "
         "gauss_kruger is_same_crs",
@@ -69,6 +70,7 @@ else:
         "_pictures": "save_picture",
         "_polygons": "polygonize",
         "_samples": "ClassEntry ClassFile SampleClass SampleFile SamplePixels sample_pixels",
+        "_shapes": "Ellipse Line Point Polygon Rectangle Shape",
         "_statistics": "BandStatistics Covariance Histogram RegionStatistics StatisticsTable "
         "covariance histogram statistics",
         "_zones": "ZoneBand zonal_statistics",

@@ -10,11 +10,12 @@ import numpy as np
 
 from . import _engine
 from ._alike import Alike
-from ._area import AreaLike, Shape, _shape_of, as_area
+from ._area import AreaLike, as_area
 from ._arguments import PathLike, encoded, whole
 from ._looks import Color, as_color
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster
+from ._shapes import Shape, shape_of
 
 if TYPE_CHECKING:
     from ._arrays import Doubles
@@ -167,7 +168,7 @@ def _sample_class(found: Dict[str, Any]) -> SampleClass:
         found["third"],
         (found["more_values"][0], found["more_values"][1]),
         matrix,
-        tuple(_shape_of(kind, numbers) for kind, numbers in found["shapes"]),
+        tuple(shape_of(kind, numbers) for kind, numbers in found["shapes"]),
     )
 
 

@@ -11,10 +11,11 @@ import numpy as np
 
 from . import _engine
 from ._alike import Alike
-from ._area import AreaLike, AreaOfInterest, Rectangle, as_area
+from ._area import AreaLike, AreaOfInterest, as_area
 from ._arguments import Box, PathLike, band_numbers, box_argument, numbers, whole
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster
+from ._shapes import Rectangle
 
 if TYPE_CHECKING:
     from ._arrays import Counts, Doubles

@@ -9,7 +9,7 @@ from typing import Any, Dict, List, Tuple, Union
 
 from . import _engine
 from ._arguments import PathLike, band_numbers, finite
-from ._area import Shape
+from ._shapes import Shape
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster
 
