@@ -5,11 +5,11 @@
 #include "tests/support/RecordingLog.h"
 #include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/WithoutPrivileges.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <unistd.h>
 
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
@@ -17,33 +17,13 @@ using zelto::test::ReadFile;
 using zelto::test::RecordingLog;
 using zelto::test::SmallDisk;
 using zelto::test::TemporaryFolder;
+using zelto::test::WithoutPrivileges;
 using zelto::test::WriteFile;
 using zelto::test::WriteRaster;
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr uid_t NOBODY = 65534;
-
-/// Gives up the right to write everywhere, which root has, while it lives.
-class WithoutPrivileges {
-  public:
-    WithoutPrivileges() : m_former(geteuid()) {
-        if (m_former == 0)
-            m_dropped = seteuid(NOBODY) == 0;
-    }
-    ~WithoutPrivileges() {
-        if (m_dropped && seteuid(m_former) != 0)
-            std::abort();
-    }
-    WithoutPrivileges(const WithoutPrivileges&) = delete;
-    WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
-
-  private:
-    uid_t m_former;
-    bool m_dropped = false;
-};
 
 GISError CreateTiff(CRasterSource& source, const std::wstring& path, int width = 4,
                     int height = 4) {

@@ -34,8 +34,12 @@ class TiffDirectories {
         if (!m_isBig && version != 42)
             return true;
         m_file.Skip(m_isBig ? 4 : 0);
-        while (const std::uint64_t place = m_file.Integer(Width())) {
+        // A chain that leads back to itself has no end.
+        for (int directory = 0; directory < MOST_DIRECTORIES; ++directory) {
+            const std::uint64_t place = m_file.Integer(Width());
             m_file.MoveTo(place);
+            if (place == 0 || !m_file.IsGood())
+                return true;
             if (!IsDirectorySound())
                 return false;
         }
@@ -50,7 +54,6 @@ class TiffDirectories {
             const std::uint64_t tag = m_file.Integer(2);
             const std::uint64_t type = m_file.Integer(2);
             m_file.Skip(2 * static_cast<std::uint64_t>(Width()));
-            // A chain that leads back to itself has no end.
             if (!m_file.IsGood() || ++m_tags > MOST_TAGS)
                 return true;
             if (IsListed(BLOCK_LISTS, tag) && !IsListed(INTEGER_TYPES, type))
@@ -59,6 +62,7 @@ class TiffDirectories {
         return true;
     }
 
+    static constexpr int MOST_DIRECTORIES = 20'000;
     static constexpr int MOST_TAGS = 20'000;
 
     HeaderReader& m_file;

@@ -18,7 +18,9 @@ std::uint64_t HeaderReader::Integer(int size) {
     const auto bytes = static_cast<std::uint64_t>(size);
     unsigned char field[8] = {};
     Require(bytes, 1);
-    if (!m_good || !m_stream.read(reinterpret_cast<char*>(field), size))
+    // The file may have been cut since it was opened.
+    m_good = m_good && m_stream.read(reinterpret_cast<char*>(field), size);
+    if (!m_good)
         return 0;
     m_place += bytes;
     std::uint64_t value = 0;
