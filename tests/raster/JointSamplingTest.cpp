@@ -127,3 +127,33 @@ TEST(JointSampling, AnUnreadablePixelLeavesTheBandsToBeReadOneByOne) {
         zelto::SampleJointly({{dataset->GetRasterBand(1), {}}, {dataset->GetRasterBand(2), {}}})
             .empty());
 }
+
+TEST(JointSampling, TakesEveryTypeThatADoubleHolds) {
+    GDALAllRegister();
+    const zelto::test::TemporaryFolder folder;
+    for (const GDALDataType type : {GDT_Byte, GDT_UInt16, GDT_Int16, GDT_UInt32, GDT_Int32,
+                                    GDT_Float32, GDT_Float64, GDT_CFloat32}) {
+        SCOPED_TRACE(GDALGetDataTypeName(type));
+        const std::string path =
+            zelto::test::WriteRaster(folder.File("a.tif"),
+                                     {.width = 2,
+                                      .height = 2,
+                                      .type = type,
+                                      .options = {"INTERLEAVE=PIXEL", "COMPRESS=DEFLATE"}},
+                                     {{1, 2, 3, 6}, {9, 9, 9, 9}});
+        const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+        const auto found = zelto::SampleJointly(
+            {{dataset->GetRasterBand(1), 6.0}, {dataset->GetRasterBand(2), {}}});
+        if (type == GDT_CFloat32) {
+            EXPECT_TRUE(found.empty()) << "a complex value has no range";
+            continue;
+        }
+        ASSERT_EQ(found.size(), 2U);
+        EXPECT_EQ(found[0].minimum, 1.0);
+        EXPECT_EQ(found[0].maximum, 3.0);
+        EXPECT_EQ(found[0].mean, 2.0);
+        EXPECT_EQ(found[1].mean, 9.0);
+        EXPECT_EQ(found[1].standardDeviation, 0.0);
+    }
+    EXPECT_TRUE(zelto::SampleJointly({}).empty());
+}

@@ -1,5 +1,10 @@
 #include "zelto/raster/internal/PickedSamples.h"
 
+#include "zelto/raster/internal/StatisticsBand.h"
+
+#include "tests/raster/BareDataset.h"
+#include "tests/raster/HugeBlock.h"
+#include "tests/raster/OpenedRaster.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -59,4 +64,112 @@ TEST(PickedSamples, OfEveryWindowAreThoseThatGdalReads) {
             }
         }
     }
+}
+
+TEST(PickedSamples, HaveTheTypeOfTheirBandsWhateverItsSize) {
+    GDALAllRegister();
+    const zelto::test::TemporaryFolder folder;
+    for (const GDALDataType type : {GDT_Byte, GDT_Int16, GDT_Float32, GDT_Float64, GDT_CFloat64}) {
+        SCOPED_TRACE(GDALGetDataTypeName(type));
+        const std::string path = zelto::test::WriteRaster(
+            folder.File("a.tif"),
+            {.width = 4, .height = 4, .type = type, .options = {"COMPRESS=DEFLATE"}},
+            {zelto::test::MakePixels(4, 4, [](int x, int y) { return 10 * y + x; })});
+        const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+        GDALRasterBand* const band = dataset->GetRasterBand(1);
+        std::vector<std::byte> stored(std::size_t{4} * 16);
+        ASSERT_TRUE(zelto::ReadPicked({band}, {{0, 0, 4, 4}, 2, 2}, {stored.data()}));
+        Pixels samples(4);
+        GDALCopyWords(stored.data(), type, GDALGetDataTypeSizeBytes(type), samples.data(),
+                      GDT_Float64, sizeof(double), 4);
+        // Of every two pixels the one after their middle.
+        EXPECT_EQ(samples, (Pixels{11, 13, 31, 33}));
+    }
+}
+
+TEST(PickedSamples, OfAWindowBeyondGdalsCacheAreDecodedOnThreads) {
+    GDALAllRegister();
+    const zelto::test::TemporaryFolder folder;
+    constexpr int SIDE = 2100;
+    const std::string path = zelto::test::WriteRaster(
+        folder.File("a.tif"),
+        {.width = SIDE,
+         .height = SIDE,
+         .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=256", "BLOCKYSIZE=256"}},
+        {zelto::test::MakePixels(SIDE, SIDE, [](int x, int y) { return (x * 3 + y * 7) % 251; })});
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    const zelto::test::OpenedRaster opened(path);
+    const std::vector<GDALRasterBand*> bands = opened.Bands();
+    const PixelBox whole = {0, 0, SIDE, SIDE};
+    const GIntBig former = GDALGetCacheMax64();
+    GDALSetCacheMax64(GIntBig{64} << 20);
+    EXPECT_FALSE(zelto::IsWorthPicking(bands, whole));
+    GDALSetCacheMax64(GIntBig{4} << 20);
+    EXPECT_TRUE(zelto::IsWorthPicking(bands, whole));
+    EXPECT_FALSE(zelto::IsWorthPicking(bands, {0, 0, 256, SIDE})) << "one column of blocks";
+    std::vector<std::uint8_t> picked(std::size_t{300} * 200);
+    EXPECT_TRUE(zelto::ReadPicked(bands, {whole, 300, 200}, {picked.data()}));
+    GDALSetCacheMax64(former);
+    std::vector<std::uint8_t> expected(picked.size());
+    ASSERT_EQ(bands[0]->RasterIO(GF_Read, 0, 0, SIDE, SIDE, expected.data(), 300, 200, GDT_Byte, 0,
+                                 0, nullptr),
+              CE_None);
+    EXPECT_EQ(picked, expected);
+}
+
+TEST(PickedSamples, AreNotTakenFromBlocksLargerThanTheirMemory) {
+    GDALAllRegister();
+    const zelto::test::TemporaryFolder folder;
+    for (const int side : {4096, 4112}) { // 16 MB, and more
+        const std::string path = zelto::test::WriteHugeBlock(folder, side);
+        const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+        std::uint8_t sample = 1;
+        EXPECT_EQ(
+            zelto::ReadPicked({dataset->GetRasterBand(1)}, {{0, 0, side, side}, 1, 1}, {&sample}),
+            side == 4096);
+    }
+}
+
+TEST(PickedSamples, OfAWindowOutsideAreNone) {
+    GDALAllRegister();
+    const zelto::test::TemporaryFolder folder;
+    const std::string path = zelto::test::WriteRaster(
+        folder.File("a.tif"), {.width = 4, .height = 4, .options = {"COMPRESS=DEFLATE"}},
+        {Pixels(16, 1.0)});
+    const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    std::uint8_t samples[16] = {};
+    for (const PixelBox& box : {PixelBox{3, 0, 2, 4}, PixelBox{0, 3, 4, 2}})
+        EXPECT_FALSE(zelto::ReadPicked({dataset->GetRasterBand(1)}, {box, box.width, box.height},
+                                       {samples}));
+    EXPECT_EQ(samples[0], 0);
+}
+
+TEST(PickedSamples, AreOnlyThoseOfBlocksThatGdalItselfWouldDecode) {
+    GDALAllRegister();
+    const zelto::test::TemporaryFolder folder;
+    zelto::test::RasterSpec spec = {.width = 40, .height = 40, .options = {"COMPRESS=DEFLATE"}};
+    const auto canBePicked = [&] {
+        const std::string path =
+            zelto::test::WriteRaster(folder.File("a.tif"), spec, {Pixels(1600, 1.0)});
+        const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+        return zelto::CanBePicked(*dataset->GetRasterBand(1));
+    };
+    EXPECT_TRUE(canBePicked());
+    for (const char* option : {"GTIFF_DIRECT_IO", "GTIFF_VIRTUAL_MEM_IO"}) {
+        const CPLConfigOptionSetter another(option, "YES", false);
+        EXPECT_FALSE(canBePicked()) << option;
+    }
+    spec.driver = "HFA";
+    spec.options = {"COMPRESSED=YES"};
+    EXPECT_FALSE(canBePicked());
+    zelto::test::BareDataset withoutDriver(40, 40, 2);
+    EXPECT_FALSE(zelto::CanBePicked(*withoutDriver.GetRasterBand(1)));
+    EXPECT_FALSE(zelto::HasBandsTogether(*withoutDriver.GetRasterBand(1)));
+    zelto::StatisticsBand standIn(*withoutDriver.GetRasterBand(1)); // belongs to no data set
+    EXPECT_FALSE(zelto::CanBePicked(*standIn.operator->()));
+    EXPECT_FALSE(zelto::HasBandsTogether(*standIn.operator->()));
+    const std::string huge = zelto::test::WriteHugeBlock(folder, 40'000);
+    const GDALDatasetUniquePtr dataset(GDALDataset::Open(huge.c_str(), GDAL_OF_RASTER));
+    EXPECT_FALSE(zelto::CanBePicked(*dataset->GetRasterBand(1)));
+    EXPECT_FALSE(zelto::CanBePicked(*dataset->GetRasterBand(1)->GetMaskBand()));
 }

@@ -135,3 +135,34 @@ TEST(SampleStatistics, ASecondPartIsAddedToTheFirst) {
     EXPECT_EQ(r.max, 9.0);
     EXPECT_EQ(r.mean, 4.0);
 }
+
+TEST(SampleStatistics, WholeNumbersAddUpOverSeveralCalls) {
+    const std::vector<std::uint8_t> first = {1, 2, 3};
+    const std::vector<std::uint8_t> second = {10, 9};
+    SampleStatistics statistics(nullptr, nullptr);
+    statistics.Add(first.data(), first.size());
+    statistics.Add(first.data(), 0);
+    statistics.Add(second.data(), second.size());
+    Result r;
+    statistics.Report(r.min, r.max, r.mean, r.deviation);
+    EXPECT_EQ(r.min, 1.0);
+    EXPECT_EQ(r.max, 10.0);
+    EXPECT_EQ(r.mean, 5.0);
+    EXPECT_EQ(r.deviation, std::sqrt(195.0 / 5.0 - 25.0));
+}
+
+TEST(SampleStatistics, OfNoSamplesAreNone) {
+    const Result r = Compute(std::vector<std::uint8_t>{});
+    EXPECT_EQ(r.min, -1.0);
+    EXPECT_EQ(r.mean, -3.0);
+}
+
+TEST(SampleStatistics, SquaresBeyondWhatADoubleHoldsExactlyAreAddedAsDoubles) {
+    // 65,535² · 2,200,000 is more than 2^53, and every sum of doubles on the way is rounded.
+    const std::vector<std::uint16_t> samples(2'200'000, 65535);
+    const Result r = Compute(samples);
+    const Result plain = Plain(samples, nullptr, nullptr);
+    EXPECT_EQ(r.mean, 65535.0);
+    EXPECT_EQ(r.max, 65535.0);
+    EXPECT_EQ(r.deviation, plain.deviation);
+}

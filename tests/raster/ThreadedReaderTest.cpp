@@ -4,10 +4,15 @@
 #include "zelto/raster/internal/OpenedFile.h"
 #include "zelto/raster/internal/RowsAhead.h"
 
+#include "tests/raster/BareDataset.h"
+#include "tests/raster/HugeBlock.h"
+#include "tests/raster/OpenedRaster.h"
+#include "tests/support/LimitedMemory.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <omp.h>
 
 #include <algorithm>
 #include <chrono>
@@ -20,34 +25,11 @@ using zelto::FileState;
 using zelto::PixelBox;
 using zelto::RowsAhead;
 using zelto::ThreadedReader;
+using zelto::test::OpenedRaster;
 using zelto::test::Pixels;
 using zelto::test::RasterSpec;
 
 namespace {
-
-/// A data set that is open as a source opens one.
-class OpenedRaster {
-  public:
-    explicit OpenedRaster(const std::string& path) {
-        const auto file = FileState::Of(path);
-        m_dataset.reset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
-        zelto::NoteOpened(*m_dataset, file);
-    }
-    ~OpenedRaster() { zelto::NoteClosed(m_dataset.get()); }
-    OpenedRaster(const OpenedRaster&) = delete;
-    OpenedRaster& operator=(const OpenedRaster&) = delete;
-
-    GDALDataset& operator*() const { return *m_dataset; }
-    std::vector<GDALRasterBand*> Bands() const {
-        std::vector<GDALRasterBand*> bands;
-        for (int number = 1; number <= m_dataset->GetRasterCount(); ++number)
-            bands.push_back(m_dataset->GetRasterBand(number));
-        return bands;
-    }
-
-  private:
-    GDALDatasetUniquePtr m_dataset;
-};
 
 /// A band's samples among those that a reader has read, as doubles.
 Pixels SamplesOf(const ThreadedReader& reader, std::size_t band, const PixelBox& box,
@@ -152,8 +134,12 @@ class ThreadedReaderTest : public testing::Test {
 /// Makes the compressed bytes of a one-band file's last tile useless.
 void DamageLastBlock(const std::string& path) {
     const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
-    const std::string offset =
-        dataset->GetRasterBand(1)->GetMetadataItem("BLOCK_OFFSET_4_3", "TIFF");
+    GDALRasterBand& band = *dataset->GetRasterBand(1);
+    int width = 0, height = 0;
+    band.GetBlockSize(&width, &height);
+    const std::string last = std::to_string((band.GetXSize() - 1) / width) + "_" +
+                             std::to_string((band.GetYSize() - 1) / height);
+    const std::string offset = band.GetMetadataItem(("BLOCK_OFFSET_" + last).c_str(), "TIFF");
     std::string bytes = zelto::test::ReadFile(path);
     bytes.replace(std::stoul(offset), 64, 64, '\xFF');
     zelto::test::WriteFile(path, bytes);
@@ -321,4 +307,209 @@ TEST_F(ThreadedReaderTest, RowsAheadCopyEveryRowOfAWindow) {
             }
         }
     }
+}
+
+TEST_F(ThreadedReaderTest, WithoutAWishOfTheHostsOpenMpDecides) {
+    const OpenedRaster opened(Write("a.tif", TILES, {TILED_RAMP}));
+    const int former = omp_get_max_threads();
+    omp_set_num_threads(1);
+    EXPECT_EQ(ThreadedReader::Of(opened.Bands()), nullptr);
+    omp_set_num_threads(3);
+    EXPECT_NE(ThreadedReader::Of(opened.Bands()), nullptr);
+    int found = 0;
+#pragma omp parallel num_threads(2) reduction(+ : found)
+    if (omp_get_thread_num() == 0 && ThreadedReader::Of(opened.Bands()) != nullptr)
+        ++found;
+    EXPECT_EQ(found, 0) << "the threads of a parallel part have work already";
+    omp_set_num_threads(former);
+}
+
+TEST_F(ThreadedReaderTest, AllProcessorsAreAsManyThreadsAsThereAre) {
+    const OpenedRaster opened(Write("a.tif", TILES, {TILED_RAMP}));
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "ALL_CPUS", false);
+    EXPECT_EQ(ThreadedReader::Of(opened.Bands()) != nullptr, CPLGetNumCPUs() > 1);
+}
+
+TEST_F(ThreadedReaderTest, OnlyGdalsOwnWayThroughItsBlocksIsTakenOnThreads) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    const OpenedRaster opened(Write("a.tif", TILES, {TILED_RAMP}));
+    for (const char* option : {"GTIFF_DIRECT_IO", "GTIFF_VIRTUAL_MEM_IO"}) {
+        const CPLConfigOptionSetter another(option, "YES", false);
+        EXPECT_EQ(ThreadedReader::Of(opened.Bands()), nullptr) << option;
+    }
+    EXPECT_NE(ThreadedReader::Of(opened.Bands()), nullptr);
+    RasterSpec imagine = TILES;
+    imagine.driver = "HFA";
+    imagine.options = {"COMPRESSED=YES"};
+    const OpenedRaster other(Write("a.img", imagine, {TILED_RAMP}));
+    EXPECT_EQ(ThreadedReader::Of(other.Bands()), nullptr);
+    zelto::test::BareDataset withoutDriver(300, 200, 1);
+    EXPECT_EQ(ThreadedReader::Of({withoutDriver.GetRasterBand(1)}), nullptr);
+}
+
+TEST_F(ThreadedReaderTest, BandsThatAreNoneOfTheFilesAreLeftAlone) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    RasterSpec spec = TILES;
+    spec.overviews = {2};
+    const OpenedRaster opened(Write("a.tif", spec, {TILED_RAMP}));
+    GDALRasterBand* const band = opened.Bands()[0];
+    EXPECT_NE(ThreadedReader::Of({band}), nullptr);
+    EXPECT_EQ(ThreadedReader::Of({band, nullptr}), nullptr);
+    EXPECT_EQ(ThreadedReader::Of({band, band->GetOverview(0)}), nullptr);
+    EXPECT_EQ(ThreadedReader::Of({band, band->GetMaskBand()}), nullptr);
+}
+
+TEST_F(ThreadedReaderTest, BlocksBeyondAnyHealthyFilesAreLeftAlone) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    EXPECT_EQ(
+        ThreadedReader::Of(OpenedRaster(zelto::test::WriteHugeBlock(m_folder, 40'000)).Bands()),
+        nullptr);
+    // Blocks that one thread may hold, but not two.
+    EXPECT_EQ(
+        ThreadedReader::Of(OpenedRaster(zelto::test::WriteHugeBlock(m_folder, 16'000)).Bands()),
+        nullptr);
+    EXPECT_NE(
+        ThreadedReader::Of(OpenedRaster(zelto::test::WriteHugeBlock(m_folder, 8'000)).Bands()),
+        nullptr);
+}
+
+TEST_F(ThreadedReaderTest, AWindowMustLieInsideAndBeLarge) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    RasterSpec spec = TILES;
+    spec.width = 2200;
+    spec.height = 2100;
+    const OpenedRaster opened(Write("a.tif", spec, {Pixels(std::size_t{2200} * 2100, 1.0)}));
+    const auto isWorth = [&](const PixelBox& window) {
+        return ThreadedReader::IsWorth(opened.Bands(), window);
+    };
+    EXPECT_TRUE(isWorth({0, 0, 2200, 2100}));
+    EXPECT_TRUE(isWorth({150, 50, 2050, 2050}));
+    EXPECT_TRUE(isWorth({0, 0, 2048, 2048})); // 4 MB
+    EXPECT_FALSE(isWorth({0, 0, 2048, 2047}));
+    EXPECT_FALSE(isWorth({-1, 0, 2200, 2100}));
+    EXPECT_FALSE(isWorth({0, -1, 2200, 2100}));
+    EXPECT_FALSE(isWorth({151, 50, 2050, 2050}));
+    EXPECT_FALSE(isWorth({150, 51, 2050, 2050}));
+    EXPECT_FALSE(isWorth({0, 0, 0, 2100}));
+    EXPECT_FALSE(isWorth({0, 0, 2200, 0}));
+    EXPECT_FALSE(ThreadedReader::IsWorth({}, {0, 0, 2200, 2100}));
+}
+
+TEST_F(ThreadedReaderTest, AFileThatAnotherHandleShowsAsAnotherImageIsLeftAlone) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    const std::string path = Write("a.tif", TILES, {TILED_RAMP, TILED_RAMP});
+    const auto isReadOf = [&](const RasterSpec& spec, std::size_t bandCount) {
+        // As if it had been written over the file, of the same length and at the same time.
+        const auto pixels = static_cast<std::size_t>(spec.width) * spec.height;
+        const std::string other =
+            Write("b.tif", spec, std::vector<Pixels>(bandCount, Pixels(pixels, 1.0)));
+        const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+        dataset->SetDescription(other.c_str());
+        zelto::NoteOpened(*dataset, FileState::Of(other));
+        const bool isRead = ThreadedReader::Of({dataset->GetRasterBand(1)}) != nullptr;
+        zelto::NoteClosed(dataset.get());
+        return isRead;
+    };
+    EXPECT_TRUE(isReadOf(TILES, 2));
+    EXPECT_FALSE(isReadOf(TILES, 3));
+    RasterSpec spec = TILES;
+    spec.width = 301;
+    EXPECT_FALSE(isReadOf(spec, 2));
+    spec = TILES;
+    spec.height = 201;
+    EXPECT_FALSE(isReadOf(spec, 2));
+    spec = TILES;
+    spec.type = GDT_Int16;
+    EXPECT_FALSE(isReadOf(spec, 2));
+    spec = TILES;
+    spec.options[0] = "COMPRESS=LZW";
+    EXPECT_FALSE(isReadOf(spec, 2));
+    spec = TILES;
+    spec.options.emplace_back("NBITS=7");
+    EXPECT_FALSE(isReadOf(spec, 2));
+    spec = TILES;
+    spec.options.emplace_back("PHOTOMETRIC=MINISWHITE");
+    EXPECT_FALSE(isReadOf(spec, 2));
+}
+
+TEST_F(ThreadedReaderTest, WhatCannotBeOpenedAgainIsLeftAlone) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    const OpenedRaster opened(Write("a.tif", TILES, {TILED_RAMP}));
+    zelto::test::WriteFile(m_folder.Path() / "b.tif", "no image");
+    (*opened).SetDescription(m_folder.File("b.tif").c_str());
+    zelto::NoteOpened(*opened, FileState::Of(m_folder.File("b.tif")));
+    EXPECT_EQ(ThreadedReader::Of(opened.Bands()), nullptr);
+}
+
+TEST_F(ThreadedReaderTest, WithoutMemoryForThreadsTheCallersReadsAlone) {
+    if (!zelto::test::CanLimitMemory())
+        GTEST_SKIP() << "memory cannot be limited here";
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "3", false);
+    const OpenedRaster opened(Write("a.tif", TILES, {TILED_RAMP}));
+    const auto reader = ThreadedReader::Of(opened.Bands());
+    ASSERT_NE(reader, nullptr);
+    const PixelBox box = {0, 0, 300, 200};
+    const Pixels expected = Plainly(*opened.Bands()[0], box);
+    std::vector<std::byte> samples(reader->BytesOf(box));
+    // The stack of a thread is larger than this.
+    EXPECT_EQ(zelto::test::RunWithMemory(std::size_t{4} << 20,
+                                         [&] {
+                                             return reader->Read(box, samples.data()) &&
+                                                    IsSame(SamplesOf(*reader, 0, box, samples),
+                                                           expected);
+                                         }),
+              zelto::test::Ending::ANSWERED_TRUE);
+}
+
+TEST_F(ThreadedReaderTest, RowsAheadAreReadWithoutMemoryForTheirThreadToo) {
+    if (!zelto::test::CanLimitMemory())
+        GTEST_SKIP() << "memory cannot be limited here";
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    RasterSpec spec = TILES;
+    spec.width = 2200;
+    spec.height = 2100;
+    const OpenedRaster opened(Write(
+        "rows.tif", spec,
+        {zelto::test::MakePixels(2200, 2100, [](int x, int y) { return (x + 3 * y) % 251; })}));
+    EXPECT_EQ(zelto::test::RunWithMemory(
+                  std::size_t{7} << 20,
+                  [&] {
+                      const auto ahead = RowsAhead::Of(opened.Bands(), {0, 0, 2200, 2100}, 1);
+                      Pixels row(2200);
+                      if (!ahead || !ahead->Prepare(0, 1))
+                          return false;
+                      ahead->Copy(0, 0, 1, row.data());
+                      return row[7] == 7.0 && row[252] == 1.0;
+                  }),
+              zelto::test::Ending::ANSWERED_TRUE);
+}
+
+TEST_F(ThreadedReaderTest, RowsAheadThatCannotBeReadAreAFailureForGood) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    RasterSpec spec = TILES;
+    spec.width = 2200;
+    spec.height = 4000;
+    const std::string path = Write(
+        "rows.tif", spec,
+        {zelto::test::MakePixels(2200, 4000, [](int x, int y) { return (x + 3 * y) % 251; })});
+    DamageLastBlock(path);
+    const OpenedRaster opened(path);
+    const auto ahead = RowsAhead::Of(opened.Bands(), {0, 0, 2200, 4000}, 100);
+    ASSERT_NE(ahead, nullptr);
+    ASSERT_TRUE(ahead->Prepare(0, 100));
+    Pixels row(2200);
+    ahead->Copy(0, 2, 1, row.data());
+    EXPECT_EQ(row[10], 16.0);
+    // The last row of blocks is in the second batch of 8 MB.
+    EXPECT_FALSE(ahead->Prepare(3900, 100));
+    EXPECT_FALSE(ahead->Prepare(3900, 100));
+}
+
+TEST_F(ThreadedReaderTest, RowsOfVeryLargeBlocksAreNotReadAhead) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    const OpenedRaster opened(zelto::test::WriteHugeBlock(m_folder, 8'208));
+    EXPECT_NE(ThreadedReader::Of(opened.Bands()), nullptr);
+    // 8,208 rows of a block stand in one batch: 67,371,264 bytes.
+    EXPECT_EQ(RowsAhead::Of(opened.Bands(), {0, 0, 8'208, 8'208}, 1), nullptr);
+    EXPECT_NE(RowsAhead::Of(opened.Bands(), {0, 0, 8'000, 8'208}, 1), nullptr);
 }

@@ -1,0 +1,99 @@
+#include "zelto/raster/internal/BandSampling.h"
+
+#include "zelto/baselib/internal/LastError.h"
+
+#include "tests/raster/BareDataset.h"
+#include "tests/raster/HugeBlock.h"
+#include "tests/raster/OpenedRaster.h"
+#include "tests/support/LimitedMemory.h"
+#include "tests/support/RasterFile.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+using zelto::BandSummary;
+using zelto::test::TemporaryFolder;
+
+TEST(BandSampling, ALargeBandIsSampledOnThreadsAsWithoutThem) {
+    GDALAllRegister();
+    const TemporaryFolder folder;
+    constexpr int SIDE = 2200;
+    const zelto::test::OpenedRaster opened(zelto::test::WriteRaster(
+        folder.File("a.tif"),
+        {.width = SIDE,
+         .height = SIDE,
+         .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=256", "BLOCKYSIZE=256"}},
+        {zelto::test::MakePixels(SIDE, SIDE, [](int x, int y) { return (x * 3 + y * 7) % 251; })}));
+    GDALRasterBand& band = *opened.Bands()[0];
+    const GIntBig former = GDALGetCacheMax64();
+    GDALSetCacheMax64(GIntBig{4} << 20);
+    std::vector<BandSummary> found(2);
+    for (const char* count : {"1", "2"}) {
+        const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", count, false);
+        EXPECT_TRUE(zelto::SampleBand(band, nullptr, nullptr, found[count[0] - '1']));
+    }
+    GDALSetCacheMax64(former);
+    EXPECT_EQ(found[0].minimum, 0.0);
+    EXPECT_EQ(found[0].maximum, 250.0);
+    EXPECT_EQ(found[0].mean, found[1].mean);
+    EXPECT_EQ(found[0].standardDeviation, found[1].standardDeviation);
+    EXPECT_EQ(found[0].maximum, found[1].maximum);
+}
+
+TEST(BandSampling, WhatAnUnreadableBandHasIsToldByGdal) {
+    GDALAllRegister();
+    const TemporaryFolder folder;
+    const std::string path = zelto::test::WriteRaster(
+        folder.File("a.tif"), {.width = 4, .height = 4}, {zelto::test::Pixels(16, 1.0)});
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 8);
+    const GDALDatasetUniquePtr image(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    ASSERT_NE(image, nullptr);
+    BandSummary found{.minimum = 3.0};
+    EXPECT_FALSE(zelto::SampleBand(*image->GetRasterBand(1), nullptr, nullptr, found));
+    EXPECT_EQ(found.minimum, 3.0);
+    EXPECT_EQ(zelto::LastError().find(path + ": "), 0U) << zelto::LastError();
+}
+
+TEST(BandSampling, WithoutMemoryForTheSamplesThatIsToldAndNothingFound) {
+    if (!zelto::test::CanLimitMemory())
+        GTEST_SKIP() << "memory cannot be limited here";
+    GDALAllRegister();
+    const std::string path = "<VRTDataset rasterXSize='2048' rasterYSize='2048'>"
+                             "<VRTRasterBand dataType='Float64' band='1'/></VRTDataset>";
+    const GDALDatasetUniquePtr image(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    constexpr std::size_t BYTES_OF_SAMPLES = std::size_t{32} << 20;
+    const auto tells = [&] {
+        // What was freed before is taken again first.
+        while (std::malloc(BYTES_OF_SAMPLES) != nullptr) {
+        }
+        BandSummary found;
+        return !zelto::SampleBand(*image->GetRasterBand(1), nullptr, nullptr, found) &&
+               zelto::LastError() == path + ": not enough memory for its statistics";
+    };
+    EXPECT_EQ(zelto::test::RunWithMemory(std::size_t{8} << 20, tells),
+              zelto::test::Ending::ANSWERED_TRUE);
+}
+
+TEST(BandSampling, BlocksBeyondAnyHealthyFilesAreNotRead) {
+    GDALAllRegister();
+    const TemporaryFolder folder;
+    const std::string path = zelto::test::WriteHugeBlock(folder, 40'000);
+    const GDALDatasetUniquePtr image(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    BandSummary found{.minimum = 3.0};
+    EXPECT_FALSE(zelto::SampleBand(*image->GetRasterBand(1), nullptr, nullptr, found));
+    EXPECT_EQ(found.minimum, 3.0);
+}
+
+TEST(BandSampling, ABandWithoutADriverIsSampledAsItIs) {
+    zelto::test::BareDataset image(3, 2, 1);
+    BandSummary found;
+    EXPECT_TRUE(zelto::SampleBand(*image.GetRasterBand(1), nullptr, nullptr, found));
+    EXPECT_EQ(found.mean, 5.0);
+    const double five = 5.0;
+    BandSummary none{.minimum = 3.0};
+    EXPECT_TRUE(zelto::SampleBand(*image.GetRasterBand(1), nullptr, &five, none));
+    EXPECT_EQ(none.minimum, 3.0) << "no sample counts";
+}
