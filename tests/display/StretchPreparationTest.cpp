@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <memory>
 #include <numeric>
 
@@ -49,6 +50,22 @@ Bytes LinearBetween(double low, double high) {
 void Prepare(CStretchPreparation& stretch, const std::string& name) {
     ASSERT_TRUE(stretch.SetStretch(name));
     ASSERT_EQ(stretch.Apply(nullptr), GIS_SUCCESS) << CGISDataSource::GetLastErrorText();
+}
+
+/// Three bands of a file that is no longer there.
+ShownRaster Unreadable(const TemporaryFolder& folder, const std::string& type) {
+    const std::string file = folder.File("gone.tif");
+    WriteRaster(file, {.width = 10, .height = 10}, std::vector<Pixels>(3, Pixels(100, 7.0)));
+    std::string xml = "<VRTDataset rasterXSize='10' rasterYSize='10'>"
+                      "<GeoTransform>0,1,0,10,0,-1</GeoTransform>";
+    for (int band = 1; band <= 3; ++band)
+        xml += "<VRTRasterBand dataType='" + type + "' band='" + std::to_string(band) +
+               "'><SimpleSource><SourceFilename>" + file + "</SourceFilename><SourceBand>" +
+               std::to_string(band) +
+               "</SourceBand><SourceProperties RasterXSize='10' RasterYSize='10' "
+               "DataType='Byte'/></SimpleSource></VRTRasterBand>";
+    std::filesystem::remove(file);
+    return ShownRaster(xml + "</VRTDataset>");
 }
 
 std::unique_ptr<CAOISource> Triangle(CPoint2D a, CPoint2D b, CPoint2D c) {
@@ -331,7 +348,8 @@ TEST(StretchPreparation, RefusesSettingsThatTheStretchDoesNotTake) {
     refuses("stddev", [](auto& s) { s.SetRanges({{0, 1}}); });
     refuses("equalize", [](auto& s) { s.SetGamma({2}); });
     refuses("wallis", [](auto& s) { s.SetView({0, 1, 1, 0}); });
-    refuses("linear", [](auto& s) { s.SetBounds(0, 1); });
+    refuses("linear", [](auto& s) { s.SetBounds(0, {}); });
+    refuses("linear", [](auto& s) { s.SetBounds({}, 1); });
     refuses("linear", [](auto& s) { s.SetThreshold(0.1); });
     refuses("linear", [](auto& s) { s.SetWallisModel(1); });
     refuses("none", [](auto& s) { s.SetExact(true); });
@@ -381,12 +399,24 @@ TEST(StretchPreparation, MostlyEqualValuesAreShownFromMinimumToMaximum) {
 TEST(StretchPreparation, RefusesClosedSourcesAndBandsThatAreNotThere) {
     CStretchPreparation nothing(nullptr);
     EXPECT_EQ(nothing.Apply(nullptr), GIS_FAILED);
+    EXPECT_TRUE(nothing.SuitsShownBands());
+    ASSERT_TRUE(nothing.SetStretch("wallis"));
+    EXPECT_FALSE(nothing.SuitsShownBands());
     ShownRaster source = Ramp();
     CStretchPreparation stretch(&source);
     source.Show({3});
     EXPECT_EQ(stretch.Apply(nullptr), GIS_FAILED);
     source.Close();
     EXPECT_EQ(stretch.Apply(nullptr), GIS_FAILED);
+
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 1, .height = 1}, {{5}});
+    CRasterSource hidden; // not for display
+    ASSERT_EQ(hidden.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    CStretchPreparation ofNone(&hidden);
+    EXPECT_EQ(ofNone.Apply(nullptr), GIS_FAILED);
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("a.tif: it shows no band"), std::string::npos)
+        << CGISDataSource::GetLastErrorText();
 }
 
 TEST(StretchPreparation, RefusesValuesThatMeanNothing) {
@@ -429,4 +459,184 @@ TEST(StretchPreparation, BoundsOfAHistogramThatDoNotIncreaseAreRefused) {
     ASSERT_TRUE(stretch.SetBounds(200, {})); // above the largest value
     EXPECT_NE(stretch.Apply(nullptr), GIS_SUCCESS);
     EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
+}
+
+TEST(StretchPreparation, ValuesTooCloseForAHistogramAreNotSupported) {
+    ShownRaster source({.width = 4, .height = 1, .type = GDT_Float32}, {{1, 1.25, 1.5, 1.9375}});
+    source.SetStretchType(StretchStdDev);
+    for (const char* name : {"equalize", "autolevels"}) {
+        CStretchPreparation stretch(&source);
+        ASSERT_TRUE(stretch.SetStretch(name));
+        EXPECT_EQ(stretch.Apply(nullptr), GIS_NOT_SUPPORTED) << name;
+        EXPECT_NE(CGISDataSource::GetLastErrorText().find(
+                      "scene.tif: the values of a band lie too close together for a histogram"),
+                  std::string::npos)
+            << CGISDataSource::GetLastErrorText();
+        EXPECT_EQ(source.GetStretchType(), StretchStdDev) << "the former one";
+    }
+}
+
+TEST(StretchPreparation, ACancelledHistogramIsNoMatterOfItsValues) {
+    ShownRaster source({.width = 4, .height = 1, .type = GDT_Float32}, {{1, 1.25, 1.5, 1.9375}});
+    CStretchPreparation stretch(&source);
+    ASSERT_TRUE(stretch.SetStretch("custom-equalize"));
+    RecordingProgress counting(0);
+    EXPECT_EQ(stretch.Apply(&counting), GIS_FAILED);
+    EXPECT_EQ(source.GetRasterBand(0)->GetCustomHistogramObject(), nullptr);
+    ASSERT_TRUE(stretch.SetStretch("equalize"));
+    stretch.SetExact(true);
+    RecordingProgress reading(0);
+    EXPECT_EQ(stretch.Apply(&reading), GIS_FAILED);
+    EXPECT_EQ(source.GetStretchType(), StretchNone);
+}
+
+TEST(StretchPreparation, ABandThatCannotBeReadFails) {
+    for (const char* type : {"Byte", "UInt16"}) {
+        for (const char* name : {"custom-equalize", "wallis"}) {
+            const TemporaryFolder folder;
+            ShownRaster source = Unreadable(folder, type);
+            source.SetStretchType(StretchStdDev);
+            CStretchPreparation stretch(&source);
+            ASSERT_TRUE(stretch.SetStretch(name));
+            ASSERT_TRUE(std::string(name) == "wallis" || stretch.SetBounds(0, 100));
+            EXPECT_EQ(stretch.Apply(nullptr), GIS_FAILED) << name;
+            EXPECT_NE(CGISDataSource::GetLastErrorText().find("gone.tif"), std::string::npos)
+                << name << ": " << CGISDataSource::GetLastErrorText();
+            EXPECT_EQ(source.GetStretchType(), StretchStdDev) << "the former one";
+        }
+    }
+}
+
+TEST(StretchPreparation, ABandWhoseHistogramCannotBeCountedFails) {
+    const TemporaryFolder folder;
+    ShownRaster source = Unreadable(folder, "Byte");
+    CStretchPreparation stretch(&source);
+    for (const char* name : {"equalize", "autolevels"}) {
+        ASSERT_TRUE(stretch.SetStretch(name));
+        EXPECT_EQ(stretch.Apply(nullptr), GIS_FAILED) << name;
+        EXPECT_NE(CGISDataSource::GetLastErrorText().find("gone.tif"), std::string::npos) << name;
+    }
+}
+
+TEST(StretchPreparation, EqualizesBetweenBoundsByTheHistogramOfTheView) {
+    // Of the view's values half are 10, a quarter is 20, a quarter 30.
+    const Pixels values = {10, 10, 20, 30, 100, 100, 100, 200};
+    ShownRaster source(
+        {.width = 8, .height = 1, .type = GDT_UInt16, .geoTransform = NorthUp(0, 1, 1)}, {values});
+    CStretchPreparation stretch(&source);
+    stretch.SetView({0, 1, 4, 0});
+    ASSERT_TRUE(stretch.SetBounds(0, 40));
+    Prepare(stretch, "custom-equalize");
+    EXPECT_EQ(Reds(source), (Bytes{127, 127, 191, 255, 255, 255, 255, 255}));
+    EXPECT_EQ(stretch.GetBands()[0].range.low, 0);
+    EXPECT_EQ(stretch.GetBands()[0].range.high, 40);
+    EXPECT_EQ(stretch.GetBands()[0].count, 4);
+    ASSERT_TRUE(stretch.SetBounds({}, {}));
+    Prepare(stretch, "custom-equalize");
+    EXPECT_EQ(stretch.GetBands()[0].range.low, 0);
+    EXPECT_EQ(stretch.GetBands()[0].range.high, 30) << "the brightest of the view";
+    ASSERT_TRUE(stretch.SetBounds(30, {}));
+    EXPECT_EQ(stretch.Apply(nullptr), GIS_FAILED);
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find(
+                  "the low bound of the histogram is not less than its high one"),
+              std::string::npos);
+    EXPECT_EQ(stretch.GetBands()[0].range.high, 30) << "what was applied last";
+}
+
+TEST(StretchPreparation, BoundsOfAHistogramWithoutPositiveValuesBeginAtTheLeast) {
+    ShownRaster source(
+        {.width = 4, .height = 1, .type = GDT_Int16, .geoTransform = NorthUp(0, 1, 1)},
+        {{-30, -20, -10, -10}});
+    CStretchPreparation stretch(&source);
+    Prepare(stretch, "custom-equalize");
+    EXPECT_EQ(stretch.GetBands()[0].range.low, -30);
+    EXPECT_EQ(stretch.GetBands()[0].range.high, -10);
+    stretch.SetView({0, 1, 2, 0});
+    Prepare(stretch, "custom-equalize");
+    EXPECT_EQ(stretch.GetBands()[0].range.low, -30);
+    EXPECT_EQ(stretch.GetBands()[0].range.high, -20);
+    EXPECT_EQ(stretch.GetBands()[0].count, 2);
+}
+
+TEST(StretchPreparation, AutoLevelsOfAViewAreThoseOfAnImageOfIt) {
+    ShownRaster source = Ramp();
+    CStretchPreparation stretch(&source);
+    stretch.SetView({0, 1, 10, 0});
+    Prepare(stretch, "autolevels");
+    ShownRaster part({.width = 10, .height = 1, .type = GDT_UInt16},
+                     {MakePixels(10, 1, [](int column, int) { return column; })});
+    CStretchPreparation ofPart(&part);
+    ofPart.SetExact(true);
+    Prepare(ofPart, "autolevels");
+    EXPECT_EQ(ofPart.GetBands()[0].count, 10);
+    Bytes reds = Reds(source);
+    reds.resize(10);
+    EXPECT_EQ(reds, Reds(part));
+    EXPECT_LT(reds.front(), reds.back());
+}
+
+TEST(StretchPreparation, CancellingAtAnyStepLeavesTheFormerStretch) {
+    for (const std::string name : {"percent", "equalize", "custom-equalize"}) {
+        ShownRaster source = Ramp();
+        source.SetStretchType(StretchStdDev);
+        CStretchPreparation stretch(&source);
+        ASSERT_TRUE(stretch.SetStretch(name));
+        stretch.SetExact(true);
+        int steps = 0;
+        for (GISError error = GIS_FAILED; error != GIS_SUCCESS; ++steps) {
+            ASSERT_LT(steps, 1000) << name;
+            EXPECT_EQ(source.GetStretchType(), StretchStdDev) << name << " " << steps;
+            RecordingProgress cancelling(steps);
+            error = stretch.Apply(&cancelling);
+            EXPECT_TRUE(error == GIS_SUCCESS || error == GIS_FAILED) << name << " " << steps;
+        }
+        EXPECT_GT(steps, 2) << name << ": values and histogram are two things to cancel";
+        EXPECT_NE(source.GetStretchType(), StretchStdDev) << name;
+    }
+}
+
+TEST(StretchPreparation, GammaIsGivenForEachBand) {
+    const Pixels values = {0, 50, 100};
+    ShownRaster source({.width = 3, .height = 1, .type = GDT_UInt16}, {values, values, values});
+    source.Show({0, 1, 2});
+    CStretchPreparation stretch(&source);
+    ASSERT_TRUE(stretch.SetRanges({{0, 100}}));
+    ASSERT_TRUE(stretch.SetGamma({1, 2, 0.5}));
+    Prepare(stretch, "linear");
+    // 127 of 255: 255 · √0.498 = 179.96, 255 · 0.498² = 63.25.
+    EXPECT_EQ(source.Interleaved(), (Bytes{0, 0, 0, 255, 63, 180, 127, 255, 255, 255, 255, 255}));
+    ASSERT_TRUE(stretch.SetGamma({1, 2}));
+    EXPECT_EQ(stretch.Apply(nullptr), GIS_FAILED) << "two for three bands";
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("neither one range and gamma"),
+              std::string::npos);
+}
+
+TEST(StretchPreparation, ExactReadsEveryValueThoughTheBandHasItsOwnRange) {
+    ShownRaster source = Ramp();
+    ASSERT_TRUE(source.GetRasterBand(0)->ReplaceStatistics(1, 2, 1.5, 0.25));
+    CStretchPreparation stretch(&source);
+    stretch.SetExact(true);
+    Prepare(stretch, "linear");
+    EXPECT_EQ(stretch.GetBands()[0].count, 100);
+    EXPECT_FALSE(stretch.IsSampled());
+    EXPECT_EQ(Reds(source), LinearBetween(0, 99));
+}
+
+TEST(StretchPreparation, AutoLeavesAPaletteAsItIs) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("i.tif"), {.width = 2, .height = 1}, {{0, 1}});
+    ShownRaster source(R"(<VRTDataset rasterXSize="2" rasterYSize="1">
+  <VRTRasterBand dataType="Byte" band="1"><ColorInterp>Palette</ColorInterp>
+    <ColorTable><Entry c1="10" c2="20" c3="30" c4="255"/>
+      <Entry c1="11" c2="21" c3="31" c4="255"/></ColorTable>
+    <SimpleSource><SourceFilename>)" +
+                       folder.File("i.tif") + R"(</SourceFilename><SourceBand>1</SourceBand>
+    </SimpleSource></VRTRasterBand>
+</VRTDataset>)");
+    CStretchPreparation stretch(&source);
+    ASSERT_TRUE(stretch.SetGamma({2}));
+    Prepare(stretch, "auto");
+    EXPECT_EQ(stretch.GetAppliedStretch(), "none");
+    EXPECT_EQ(stretch.GetBands()[0].range.high, 0);
+    EXPECT_EQ(source.Interleaved(), (Bytes{30, 20, 10, 255, 31, 21, 11, 255}));
 }

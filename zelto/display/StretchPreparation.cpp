@@ -63,8 +63,7 @@ bool IsRange(double low, double high) {
 } // namespace
 
 StretchType zelto::TypeOfStretch(const std::string& name) {
-    const NamedStretch* stretch = Find(name);
-    return stretch != nullptr ? stretch->type : StretchLinear;
+    return Find(name)->type;
 }
 
 CStretchPreparation::CStretchPreparation(CRasterSource* source) : m_source(source) {}
@@ -199,11 +198,10 @@ bool CStretchPreparation::CheckSettings() const {
 bool CStretchPreparation::IsUsable() const {
     if (!zelto::IsUsable(m_source))
         return false;
-    bool any = false;
-    for (int k = 0; k < m_source->GetShowBandCount(); ++k) {
-        any = true;
+    if (m_source->GetShowBandCount() < 1)
+        return zelto::Refuse(*m_source, "it shows no band");
+    for (int k = 0; k < m_source->GetShowBandCount(); ++k)
         if (m_source->GetShownBand(k) == nullptr)
             return zelto::Refuse(*m_source, "it shows a band that it does not have");
-    }
-    return any || zelto::Refuse(*m_source, "it shows no band");
+    return true;
 }

@@ -154,12 +154,11 @@ class ZELTO_API CStretchPreparation {
     bool CheckSettings() const;
     Plan MakePlan() const;
     bool GoesByRegion(const Plan& plan) const;
-    static bool IsUnsuited(const Plan& plan);
     bool Measure(Plan& plan, CDataProgress* progress) const;
     bool CountBuckets(Plan& plan, CRegionStatistics& region, CDataProgress* progress) const;
-    bool Commit(const Plan& plan, CDataProgress* progress) const;
-    bool SetBand(const Plan& plan, const zelto::BandPlan& found, bool curved,
-                 CDataProgress* progress) const;
+    GISError Commit(const Plan& plan, CDataProgress* progress) const;
+    GISError SetBand(const Plan& plan, const zelto::BandPlan& found, bool curved,
+                     CDataProgress* progress) const;
 
     CRasterSource* m_source;
     std::string m_name = "auto";

@@ -51,29 +51,33 @@ bool LacksRange(const CRasterBand& band) {
     return !(band.GetMaximum() - band.GetMinimum() >= 1.0);
 }
 
+GISError DoneIf(bool done) {
+    return done ? GIS_SUCCESS : GIS_FAILED;
+}
+
 /// Counts the whole band where no region has been counted; the counts are answered from the
 /// band's last ones where they are the same.
-bool EqualizeBand(CRasterBand& band, const BandPlan& plan) {
+GISError EqualizeBand(CRasterBand& band, const BandPlan& plan) {
     if (plan.histogram)
-        return band.SetHistogram(plan.histogram->range.low, plan.histogram->range.high,
-                                 static_cast<int>(plan.histogram->counts.size()),
-                                 plan.histogram->counts.data());
+        return DoneIf(band.SetHistogram(plan.histogram->range.low, plan.histogram->range.high,
+                                        static_cast<int>(plan.histogram->counts.size()),
+                                        plan.histogram->counts.data()));
     if (LacksRange(band))
-        return zelto::FailWith(false, L"",
+        return zelto::FailWith(GIS_NOT_SUPPORTED, L"",
                                "the values of a band lie too close together for a histogram");
     const double range = band.GetMaximum() - band.GetMinimum();
     std::array<int, 256> counts{};
     const int buckets = range > 256.0 ? 256 : static_cast<int>(range);
-    return band.GetHistogram(band.GetMinimum(), band.GetMaximum(), buckets, counts.data(), false,
-                             true, nullptr) &&
-           band.EnableHistogramEqualize();
+    return DoneIf(band.GetHistogram(band.GetMinimum(), band.GetMaximum(), buckets, counts.data(),
+                                    false, true, nullptr) &&
+                  band.EnableHistogramEqualize());
 }
 
 /// Has the auto levels find their map anew. It shares its place with that of the equalisation,
 /// and counts as found once it was, unless it was for another threshold.
+/// @param band with a histogram
 void ForgetAutoLevels(CRasterBand& band, double threshold) {
-    if (CRasterHistogram* histogram = band.GetHistogramObject())
-        histogram->SetAutoLevelsMap(threshold + 0.25);
+    band.GetHistogramObject()->SetAutoLevelsMap(threshold + 0.25);
 }
 
 /// Equalises by the histogram between two bounds instead of the whole range. The engine finds a
@@ -119,7 +123,7 @@ Range RangeOf(const CRasterSource& source, const CRasterBand& band) {
         return zelto::BYTE_RANGE;
     if (type == StretchStdDev)
         return {band.GetStdDevLowerBound(), band.GetStdDevUpperBound()};
-    if (type == StretchCustomHistEqualize && band.GetCustomHistogramObject() != nullptr) {
+    if (type == StretchCustomHistEqualize) {
         Range range;
         int buckets = 0;
         band.GetCustomHistogramObject()->GetHistogram(range.low, range.high, buckets, nullptr,
@@ -132,8 +136,9 @@ Range RangeOf(const CRasterSource& source, const CRasterBand& band) {
 } // namespace
 
 /// Sets what was found.
-/// @return false for a histogram that cannot be counted, or a first drawing that fails
-bool CStretchPreparation::Commit(const Plan& plan, CDataProgress* progress) const {
+/// @return GIS_FAILED for a histogram that cannot be counted, or a first drawing that fails;
+///         GIS_NOT_SUPPORTED for values that there is no histogram of
+GISError CStretchPreparation::Commit(const Plan& plan, CDataProgress* progress) const {
     for (int b = 0; b < m_source->GetBandCount(); ++b)
         m_source->GetRasterBand(b)->RestoreStatistics();
     const bool curved =
@@ -141,18 +146,18 @@ bool CStretchPreparation::Commit(const Plan& plan, CDataProgress* progress) cons
                                             [](const BandPlan& band) { return band.gamma != 1.0; });
     const StretchType type = curved ? StretchEnhanceTable : plan.type;
     for (const BandPlan& band : plan.bands)
-        if (!SetBand(plan, band, curved, progress))
-            return false;
+        if (const GISError error = SetBand(plan, band, curved, progress); error != GIS_SUCCESS)
+            return error;
     if (type == StretchWallis)
-        return ApplyWallis(*m_source, m_wallisModel.value_or(USUAL_WALLIS_MODEL));
+        return DoneIf(ApplyWallis(*m_source, m_wallisModel.value_or(USUAL_WALLIS_MODEL)));
     if (type == StretchAutoLevels)
         m_source->SetAutoLevelThresold(m_threshold.value_or(USUAL_THRESHOLD));
     m_source->SetStretchType(type);
-    return true;
+    return GIS_SUCCESS;
 }
 
-bool CStretchPreparation::SetBand(const Plan& plan, const BandPlan& found, bool curved,
-                                  CDataProgress* progress) const {
+GISError CStretchPreparation::SetBand(const Plan& plan, const BandPlan& found, bool curved,
+                                      CDataProgress* progress) const {
     CRasterBand& band = *found.band;
     auto statistics = found.statistics;
     if (curved && plan.type == StretchStdDev) {
@@ -165,36 +170,28 @@ bool CStretchPreparation::SetBand(const Plan& plan, const BandPlan& found, bool 
     }
     if (statistics && !band.ReplaceStatistics(statistics->minimum, statistics->maximum,
                                               statistics->mean, statistics->standardDeviation))
-        return false;
+        return GIS_FAILED;
     switch (curved ? StretchEnhanceTable : plan.type) {
     case StretchEnhanceTable:
-        return plan.type == StretchStdDev ? SetCurve(band, found.gamma, 1, 254)
-                                          : SetCurve(band, found.gamma, 0, 255);
+        return DoneIf(plan.type == StretchStdDev ? SetCurve(band, found.gamma, 1, 254)
+                                                 : SetCurve(band, found.gamma, 0, 255));
     case StretchHistEqualize:
         return EqualizeBand(band, found);
     case StretchAutoLevels:
-        if (!EqualizeBand(band, found))
-            return false;
+        if (const GISError error = EqualizeBand(band, found); error != GIS_SUCCESS)
+            return error;
         ForgetAutoLevels(band, m_threshold.value_or(USUAL_THRESHOLD));
-        return true;
+        return GIS_SUCCESS;
     case StretchZoomLinear:
     case StretchZoomLinear002:
         SetZoom(band, plan.type, m_low, m_high);
-        return true;
+        return GIS_SUCCESS;
     case StretchCustomHistEqualize:
-        return EqualizeBetween(band, zelto::BoundsOfHistogram(found, m_low, m_high), found,
-                               progress);
+        return DoneIf(
+            EqualizeBetween(band, zelto::BoundsOfHistogram(found, m_low, m_high), found, progress));
     default:
-        return true;
+        return GIS_SUCCESS;
     }
-}
-
-/// Whether what fails does so because of the values, and not of reading them.
-bool CStretchPreparation::IsUnsuited(const Plan& plan) {
-    return zelto::IsHistogramType(plan.type) &&
-           std::any_of(plan.bands.begin(), plan.bands.end(), [](const BandPlan& band) {
-               return !band.histogram && LacksRange(*band.band);
-           });
 }
 
 GISError CStretchPreparation::Apply(CDataProgress* progress) {
@@ -202,15 +199,17 @@ GISError CStretchPreparation::Apply(CDataProgress* progress) {
         if (!IsUsable() || !CheckSettings())
             return GIS_FAILED;
         Plan plan = MakePlan();
-        if (!(GoesByRegion(plan) && !Measure(plan, progress)) && Commit(plan, progress)) {
-            m_applied = plan.name;
-            m_sampled = plan.isSampled;
-            m_bands.clear();
-            for (const BandPlan& band : plan.bands)
-                m_bands.push_back({band.index, RangeOf(*m_source, *band.band), band.count});
-            return GIS_SUCCESS;
+        const bool isMeasured = !GoesByRegion(plan) || Measure(plan, progress);
+        const GISError error = isMeasured ? Commit(plan, progress) : GIS_FAILED;
+        if (error != GIS_SUCCESS) {
+            zelto::NameFileOfLastError(m_source->GetFilePath());
+            return error;
         }
-        zelto::NameFileOfLastError(m_source->GetFilePath());
-        return IsUnsuited(plan) ? GIS_NOT_SUPPORTED : GIS_FAILED;
+        m_applied = plan.name;
+        m_sampled = plan.isSampled;
+        m_bands.clear();
+        for (const BandPlan& band : plan.bands)
+            m_bands.push_back({band.index, RangeOf(*m_source, *band.band), band.count});
+        return GIS_SUCCESS;
     });
 }

@@ -10,7 +10,7 @@
 
 namespace zelto {
 
-/// The engine's type behind the name of a stretch.
+/// The engine's type behind the name of a stretch, which it must be.
 StretchType TypeOfStretch(const std::string& name);
 
 /// Counts of a band's values in equal buckets of a range.
