@@ -86,6 +86,20 @@ TEST(BinaryReader, AStreamThatIsNotOpenHasNothing) {
     EXPECT_FALSE(reader.Read(byte));
 }
 
+TEST(BinaryReader, AStreamThatFailsBeforeItsEndSticks) {
+    std::istringstream stream("abcdef");
+    zelto::BinaryReader reader(stream);
+    std::uint8_t byte = 0;
+    EXPECT_TRUE(reader.Read(byte));
+    stream.setstate(std::ios::badbit); // as a broken disk does
+    EXPECT_FALSE(reader.Read(byte));
+    EXPECT_EQ(byte, 'a');
+    EXPECT_FALSE(reader.IsGood());
+    EXPECT_EQ(reader.BytesRemaining(), 5U);
+    stream.clear();
+    EXPECT_FALSE(reader.Read(byte));
+}
+
 TEST(BinaryWriter, WritesWhatTheReaderReads) {
     std::stringstream stream(std::ios::in | std::ios::out | std::ios::binary);
     zelto::BinaryWriter writer(stream);

@@ -77,6 +77,13 @@ TEST_F(GdalWatch, TheHandlerBeforeStillHearsAll) {
     EXPECT_EQ("one;two;three;", m_heard);
 }
 
+TEST_F(GdalWatch, AnAnswerThatIsAWarningIsASuccess) {
+    zelto::GdalWatch watch;
+    EXPECT_TRUE(watch.Succeeded(CE_None, "a.tif"));
+    EXPECT_TRUE(watch.Succeeded(CE_Warning, "a.tif"));
+    EXPECT_FALSE(watch.Succeeded(CE_Failure, "a.tif"));
+}
+
 TEST_F(GdalWatch, NestedWatchesSeeTheirOwnTime) {
     zelto::GdalWatch outer;
     {

@@ -312,6 +312,33 @@ TEST_F(NewFileSet, ABackupWithAnEmptyListStays) {
     EXPECT_EQ(zelto::test::ReadFile(m_folder.File(".zelto-old-a.shp/a.dbf")), "old");
 }
 
+TEST_F(NewFileSet, ABackupThatCannotBePutBackStaysForTheNextTime) {
+    fs::create_directory(m_folder.Path() / ".zelto-old-a.shp");
+    Write({{".zelto-old-a.shp/.zelto-set", "a.shp\n"},
+           {".zelto-old-a.shp/a.shp", "old"},
+           {".zelto-old-a.shp/a.dbf", "old table"}});
+    fs::create_directory(m_folder.Path() / "a.dbf"); // in its place
+    CNewFileSet::Restore(m_folder.WideFile("a.shp"));
+    EXPECT_FALSE(fs::exists(m_folder.File("a.shp")));
+    EXPECT_EQ(zelto::test::ReadFile(m_folder.File(".zelto-old-a.shp/a.shp")), "old");
+    fs::remove(m_folder.Path() / "a.dbf");
+    CNewFileSet::Restore(m_folder.WideFile("a.shp"));
+    EXPECT_EQ(Visible(), (Contents{{"a.dbf", "old table"}, {"a.shp", "old"}}));
+    EXPECT_EQ(m_folder.Names(), (Names{"a.dbf", "a.shp"}));
+}
+
+TEST_F(NewFileSet, AFolderInThePlaceOfASideFileLeavesTheOldSetOrNone) {
+    fs::create_directory(m_folder.Path() / "a.dbf");
+    Write({{"a.dbf/inside", "mine"}});
+    EXPECT_FALSE(Replace({{"a.cpg", "new text"}, {"a.dbf", "new table"}, {"a.shp", "new"}}));
+    EXPECT_EQ(m_folder.Names(), Names{"a.dbf"}) << "there was no set";
+    Write({{"a.shp", "old"}, {"a.prj", "old place"}});
+    EXPECT_FALSE(Replace(NEW, {L"a.prj"}));
+    EXPECT_EQ(m_folder.Names(), (Names{"a.dbf", "a.prj", "a.shp"}));
+    EXPECT_EQ(zelto::test::ReadFile(m_folder.File("a.shp")), "old");
+    EXPECT_EQ(zelto::test::ReadFile(m_folder.File("a.dbf/inside")), "mine");
+}
+
 TEST_F(NewFileSet, ABackupThatAnotherProcessPutsBackIsLeftToIt) {
     fs::create_directory(m_folder.Path() / ".zelto-old-a.shp");
     Write({{".zelto-old-a.shp/.zelto-set", "a.shp\n"}, {".zelto-old-a.shp/a.shp", "old"}});

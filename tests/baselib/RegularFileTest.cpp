@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sys/resource.h>
+#include <utility>
 
 using zelto::test::EndsSoon;
 using zelto::test::MakePipe;
@@ -56,6 +58,19 @@ TEST_F(RegularFile, IsNeitherAPipeNorADeviceNorAFolder) {
     EXPECT_EQ(zelto::LastError(), m_folder.File("none") + ": No such file or directory");
 }
 
+TEST_F(RegularFile, IsRefusedWithTheSystemsReasonWhereItCannotBeOpened) {
+    zelto::test::WriteFile(m_folder.File("a"), "text");
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
+    const rlimit none{0, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    std::ifstream stream;
+    const bool isOpened = zelto::OpenRegularFile(stream, m_folder.File("a"));
+    setrlimit(RLIMIT_NOFILE, &former);
+    EXPECT_FALSE(isOpened);
+    EXPECT_EQ(zelto::LastError(), m_folder.File("a") + ": Too many open files");
+}
+
 TEST_F(RegularFile, FoldersAndNamesThatAreNoFilesAreGdalsAffair) {
     EXPECT_TRUE(zelto::MayBeOpened(m_folder.Path().string()));
     EXPECT_TRUE(zelto::MayBeOpened(m_folder.File("none.tif")));
@@ -76,4 +91,21 @@ TEST_F(RegularFile, HasNoPipeAmongItsSideFiles) {
     }
     MakePipe(m_folder.File("b.tfw"));
     EXPECT_TRUE(zelto::MayBeOpened(m_folder.File("a.tif")));
+}
+
+TEST_F(RegularFile, HasNoPipeAmongItsSideFilesWhateverItsName) {
+    std::filesystem::create_directory(m_folder.File("folder.d"));
+    zelto::test::WriteFile(m_folder.File("folder.d/a"), "x");
+    zelto::test::WriteFile(m_folder.File("a.ti~"), "x");
+    const std::pair<const char*, const char*> pairs[] = {
+        {"folder.d/a", "folder.d/a.prj"}, {"a.ti~", "a.t~w"}, {"a.ti~", "a.TI~W"}};
+    for (const auto& [file, side] : pairs) {
+        EXPECT_TRUE(zelto::MayBeOpened(m_folder.File(file)));
+        MakePipe(m_folder.File(side));
+        EXPECT_FALSE(zelto::MayBeOpened(m_folder.File(file))) << side;
+        EXPECT_EQ(zelto::LastError(), m_folder.File(side) + ": not a regular file");
+        std::filesystem::remove(m_folder.File(side));
+    }
+    MakePipe(m_folder.File("folder.prj"));
+    EXPECT_TRUE(zelto::MayBeOpened(m_folder.File("folder.d/a"))) << "of the folder's name";
 }

@@ -81,6 +81,20 @@ TEST_F(ReplacementFile, AFailedWriteLeavesTheOldFile) {
     EXPECT_EQ(m_folder.Names(), Names{"file"});
 }
 
+TEST_F(ReplacementFile, ANewFileThatIsGoneLeavesTheOldOne) {
+    zelto::test::WriteFile(m_folder.File("file"), "old");
+    {
+        zelto::ReplacementFile file(m_folder.WideFile("file"));
+        file.Stream() << "new";
+        for (const std::string& name : m_folder.Names())
+            if (name != "file")
+                fs::remove_all(m_folder.Path() / name);
+        EXPECT_FALSE(file.Commit());
+    }
+    EXPECT_EQ(Content("file"), "old");
+    EXPECT_EQ(m_folder.Names(), Names{"file"});
+}
+
 TEST_F(ReplacementFile, FoldersAndMissingFoldersAreRefused) {
     fs::create_directory(m_folder.Path() / "folder");
     EXPECT_FALSE(Replace("folder", "x"));

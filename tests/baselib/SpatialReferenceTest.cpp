@@ -145,6 +145,30 @@ TEST(SpatialReferenceNode, TextsThatAreNoWktHaveNoNodes) {
         EXPECT_EQ(zelto::ReadNodeValue(text, "GEOGCS"), "");
 }
 
+TEST(SpatialReferenceNode, ANodeWithoutContentHasNoValue) {
+    EXPECT_EQ(zelto::ReadNodeValue(R"(A["x",B])", "B"), "");
+    EXPECT_EQ(zelto::ReplaceNodeValue(R"(A["x",B])", "B", "new"), "");
+}
+
+TEST(SpatialReferenceText, ThatNamesADeviceIsRefused) {
+    OGRSpatialReference reference;
+    EXPECT_FALSE(LoadSpatialReference(reference, "/dev/zero"));
+    EXPECT_TRUE(reference.IsEmpty());
+}
+
+TEST(SameReference, ASystemMayBeNamedLikeAnAxis) {
+    const std::string wkt = R"(GEOGCS["AXIS",DATUM["AXIS",SPHEROID["AXIS",6378137,298]],)"
+                            R"(PRIMEM["Greenwich",0],UNIT["degree",0.0174532925199433],)";
+    const std::string east = wkt + R"(AXIS["Longitude",EAST],AXIS["Latitude",NORTH]])";
+    const std::string north = wkt + R"(AXIS["Latitude",NORTH],AXIS["Longitude",EAST]])";
+    EXPECT_TRUE(IsSameText(east, north));
+}
+
+TEST(SameReference, AnAxisThatCountsDownIsNotTakenForNorth) {
+    const std::string local = R"(LOCAL_CS["mine",UNIT["metre",1],AXIS["E",EAST],)";
+    EXPECT_FALSE(IsSameText(local + R"(AXIS["D",DOWN]])", local + R"(AXIS["N",NORTH]])"));
+}
+
 TEST(SpatialReferenceNode, ReplacingChangesTheFirstNodeOnly) {
     EXPECT_EQ(zelto::ReplaceNodeValue(R"(A["x",B["y"],B["z"]])", "B", "new"),
               R"(A["x",B["new"],B["z"]])");

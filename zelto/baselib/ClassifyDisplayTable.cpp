@@ -87,9 +87,9 @@ const CClassifyDisplayItem* CClassifyDisplayTable::GetItem(int index) const {
 }
 
 const CClassifyDisplayItem* CClassifyDisplayTable::Find(double value) const {
-    // NaN is in no segment: it compares false with both ends.
+    // NaN is in no segment: it compares false with every end.
     const Segment* const segment = SegmentAt(FirstThatEndsAfter(value));
-    const bool found = segment != nullptr && segment->low <= value && value < segment->high;
+    const bool found = segment != nullptr && segment->low <= value;
     return found ? &m_items[segment->item] : nullptr;
 }
 

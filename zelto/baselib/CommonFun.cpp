@@ -68,8 +68,9 @@ std::wstring CommonFun::GetTempFilePath(const std::wstring& extension) {
 std::wstring CommonFun::getEnviDataFilePath(const std::wstring& headerPath) {
     std::wstring base = GetFilePahWithoutExtension(headerPath);
     const auto isDataFile = [](const std::wstring& path) {
+        const std::string file = U2M(path);
         struct stat status {};
-        return stat(U2M(path).c_str(), &status) == 0 && S_ISREG(status.st_mode);
+        return stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode);
     };
     if (base != headerPath && isDataFile(base))
         return base;

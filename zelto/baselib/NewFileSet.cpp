@@ -96,7 +96,8 @@ bool CNewFileSet::Files::ReadNames(FileSetNames& names) const {
 bool CNewFileSet::Files::Complete(const FileSetNames& names) const {
     return std::all_of(names.begin(), names.end(), [this](const std::string& name) {
         const fs::path file = folder.Path() / name;
-        return TakePermissions(file, Parent() / name) && zelto::SyncFile(file);
+        const fs::path place = Parent() / name;
+        return TakePermissions(file, place) && zelto::SyncFile(file);
     });
 }
 
@@ -129,10 +130,11 @@ bool CNewFileSet::Files::Exchange(const FileSetNames& oldNames,
         if ((isMain || !isReplaced) && unlink((Parent() / name).c_str()) != 0 && errno != ENOENT)
             return false;
     }
-    return zelto::SyncFolder(Parent()) &&
+    const fs::path parent = Parent();
+    return zelto::SyncFolder(parent) &&
            std::all_of(newNames.begin() + 1, newNames.end(),
                        [this](const std::string& name) { return MoveIn(name); }) &&
-           zelto::SyncFolder(Parent()) && MoveIn(newNames.front());
+           zelto::SyncFolder(parent) && MoveIn(newNames.front());
 }
 
 /// From the first name that changes to the last, which the end of the process waits for.

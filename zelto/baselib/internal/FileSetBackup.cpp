@@ -32,6 +32,18 @@ bool Keep(const fs::path& file, const fs::path& kept) {
     return !error && SyncFile(kept);
 }
 
+/// Those that do not exist are passed over.
+bool KeepAll(const fs::path& parent, const fs::path& folder, const FileSetNames& names) {
+    for (const std::string& name : names) {
+        const fs::path file = parent / name;
+        const fs::path kept = folder / name;
+        std::error_code ignored;
+        if (fs::exists(file, ignored) && !Keep(file, kept))
+            return false;
+    }
+    return true;
+}
+
 bool WriteList(const fs::path& folder, const std::string& mainFile, const FileSetNames& names) {
     std::ofstream list(folder / LIST, std::ios::binary);
     list << mainFile << '\n';
@@ -92,15 +104,10 @@ FileSetBackup::FileSetBackup(const fs::path& parent, const FileSetNames& oldName
     if (!m_folder.IsMade())
         return;
     const fs::path& folder = m_folder.Path();
-    const bool kept = std::all_of(oldNames.begin(), oldNames.end(),
-                                  [&](const std::string& name) {
-                                      std::error_code ignored;
-                                      return !fs::exists(parent / name, ignored) ||
-                                             Keep(parent / name, folder / name);
-                                  }) &&
+    const std::string name = PathFor(parent / oldNames.front()).filename();
+    const bool kept = KeepAll(parent, folder, oldNames) &&
                       WriteList(folder, oldNames.front(), newNames) && SyncFolder(folder) &&
-                      m_folder.Rename(PathFor(parent / oldNames.front()).filename()) &&
-                      SyncFolder(parent);
+                      m_folder.Rename(name) && SyncFolder(parent);
     if (!kept)
         m_folder.Remove();
 }
@@ -132,10 +139,11 @@ void FileSetBackup::PutBack(const fs::path& folder) {
     if (!leftover.IsMade())
         return;
     const FileSetNames names = ReadList(folder);
+    const fs::path list = folder / LIST;
     std::error_code error;
     const bool isWhole = !names.empty() && fs::exists(folder.parent_path() / names.front(), error);
     // The list was there before the folder got its name.
-    const bool isBeingRemoved = !fs::exists(folder / LIST, error) && !error;
+    const bool isBeingRemoved = !fs::exists(list, error) && !error;
     if (isWhole || isBeingRemoved || BringBack(folder))
         leftover.Remove();
     else

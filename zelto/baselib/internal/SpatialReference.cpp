@@ -40,8 +40,9 @@ OGR_SRSNode* FindNode(OGR_SRSNode& root, const char* keyword) {
 }
 
 /// Whether an axis counts towards the side where other systems' coordinates decrease.
+/// @param axis with its two children, name and direction
 bool IsReversedAxis(const OGR_SRSNode& axis) {
-    const char* direction = axis.GetChildCount() < 2 ? "" : axis.GetChild(1)->GetValue();
+    const char* direction = axis.GetChild(1)->GetValue();
     return EQUAL(direction, "WEST") || EQUAL(direction, "DOWN");
 }
 
@@ -51,6 +52,7 @@ void UnifyAxisOrder(OGR_SRSNode& node) {
     std::vector<OGR_SRSNode*> axes;
     for (int i = 0; i < node.GetChildCount(); ++i) {
         OGR_SRSNode* child = node.GetChild(i);
+        // A name may be "AXIS" as well.
         if (EQUAL(child->GetValue(), "AXIS") && child->GetChildCount() >= 2)
             axes.push_back(child);
         else
