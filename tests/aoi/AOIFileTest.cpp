@@ -148,6 +148,11 @@ TEST_F(AOIFile, ALongReferenceTextIsCutSoThatItsEndFits) {
     ASSERT_EQ(Save(source, "w.aif"), GIS_SUCCESS);
     ASSERT_EQ(Open(back, "w.aif"), GIS_SUCCESS);
     EXPECT_EQ(back.GetSpatialReferenceWKT(), text);
+    // Middles of letters only: there is no place to cut at.
+    source.SetSpatialReferenceWKT(std::string(2000, '\x80').c_str());
+    ASSERT_EQ(Save(source, "w.aif"), GIS_SUCCESS);
+    ASSERT_EQ(Open(back, "w.aif"), GIS_SUCCESS);
+    EXPECT_EQ(back.GetSpatialReferenceWKT(), "");
 }
 
 TEST_F(AOIFile, OpeningAUsedSourceStartsFromAnEmptyList) {

@@ -16,6 +16,7 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -283,11 +284,14 @@ TEST_F(AOIMask, AgreesWithPixelCentresAndTheirNeighboursOnRandomPolygons) {
 /// A raster of one byte band over a box, open for writing.
 class Target {
   public:
-    Target(const CBoundingBox& box, int width, int height) {
+    /// @param options creation options, null-terminated; may be null
+    Target(const CBoundingBox& box, int width, int height, PixelDataType type = PDT_Byte,
+           const char* const* options = nullptr) {
         double geoTransform[6] = {box.m_left, box.GetWidth() / width,   0.0, box.m_top,
                                   0.0,        -box.GetHeight() / height};
         EXPECT_EQ(m_raster.CreateRaster(RDF_GTiff, m_folder.WideFile("mask.tif").c_str(), width,
-                                        height, 1, PDT_Byte, geoTransform, nullptr, nullptr),
+                                        height, 1, type, geoTransform, nullptr,
+                                        const_cast<char**>(options)),
                   GIS_SUCCESS);
     }
     CRasterSource& Raster() { return m_raster; }
@@ -345,6 +349,35 @@ TEST_F(AOIMask, RowsThatAreBlocksOfTheRasterAreWrittenAsOthers) {
     }
 }
 
+TEST_F(AOIMask, TilesAndWiderValuesAreWrittenAsOthers) {
+    const char* const tiles[] = {"TILED=YES", "BLOCKXSIZE=16", "BLOCKYSIZE=16", nullptr};
+    const char* const rows[] = {"BLOCKYSIZE=1", nullptr};
+    const std::pair<PixelDataType, const char* const*> layouts[] = {
+        {PDT_Byte, tiles}, {PDT_UInt16, rows}, {PDT_UInt16, tiles}};
+    const CBoundingBox box(0, 20, 40, 0);
+    CAOISource source;
+    source.AddDrawShape(new CDrawPolygon(MakePolygon({{3, 2}, {20, 19}, {37, 3}})));
+    const CAOIMask mask(&source, box, 40, 20);
+    for (const auto& [type, options] : layouts) {
+        Target target(box, 40, 20, type, options);
+        __int64 inside = 0;
+        ASSERT_EQ(CAOIMask::WriteRaster(&source, &target.Raster(), inside, nullptr), GIS_SUCCESS);
+        const Pixels expected =
+            MakePixels(40, 20, [&](int x, int y) { return mask.IsPointIn(x, y) ? 1.0 : 0.0; });
+        EXPECT_EQ(inside, std::count(expected.begin(), expected.end(), 1.0));
+        EXPECT_EQ(target.Close(), expected) << type;
+    }
+}
+
+TEST_F(AOIMask, OfAnAreaThatRemembersTheGeometryOfRemovedShapesIsThatGeometrys) {
+    CAOISource source;
+    source.AddDrawShape(new CDrawPolygon(MakePolygon({{-9, -9}, {-9, 20}, {20, 20}, {20, -9}})));
+    ASSERT_NE(source.GetOGRGeometries(), nullptr);
+    ASSERT_TRUE(source.RemoveDrawShape(source.GetDrawShape(0)));
+    const CAOIMask mask(&source, EIGHT, 8, 8);
+    EXPECT_EQ(Draw(mask, 8, 8), Rows(8, "########"));
+}
+
 TEST_F(AOIMask, WithoutAnAreaEveryPixelOfARasterIsInside) {
     Target target(EIGHT, 8, 8);
     __int64 inside = 0;
@@ -366,6 +399,14 @@ TEST_F(AOIMask, WritingIntoARasterFailsWhereItMust) {
     EXPECT_EQ(CAOIMask::WriteRaster(&source, nullptr, inside, nullptr), GIS_FAILED);
     CRasterSource closed;
     EXPECT_EQ(CAOIMask::WriteRaster(&source, &closed, inside, nullptr), GIS_FAILED);
+    const TemporaryFolder folder;
+    zelto::test::WriteFile(folder.File("none.vrt"),
+                           "<VRTDataset rasterXSize='4' rasterYSize='4'></VRTDataset>");
+    CRasterSource bandless;
+    bandless.Open(folder.WideFile("none.vrt").c_str(), GIS_READONLY, true);
+    EXPECT_EQ(bandless.GetBandCount(), 0);
+    EXPECT_EQ(CAOIMask::WriteRaster(&source, &bandless, inside, nullptr), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), "there is no raster to write the mask into");
 }
 
 } // namespace

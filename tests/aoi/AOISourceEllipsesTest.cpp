@@ -175,6 +175,20 @@ TEST_F(AOISourceEllipses, AHostsShapeUnderTheirKindHasNoRing) {
               "GEOMETRYCOLLECTION (POLYGON EMPTY,POLYGON EMPTY)");
 }
 
+TEST_F(AOISourceEllipses, AHostsShapeUnderTheirKindIsTransformedByItsVertices) {
+    CAOISource source;
+    auto* shape = new NamedEllipse(SHAPE_RECTANGLE);
+    shape->m_vertices = {{117, 0}, {117, 1}, {118, 1}};
+    ASSERT_TRUE(source.AddDrawShape(shape));
+    source.SetSpatialReferenceWKT("EPSG:4326");
+    ASSERT_EQ(source.TransformTo("EPSG:32650"), GIS_SUCCESS);
+    ASSERT_EQ(shape->m_vertices.size(), 3U);
+    // On the central meridian of the zone and the equator.
+    EXPECT_NEAR(shape->m_vertices[0].x, 500000, 1e-3);
+    EXPECT_NEAR(shape->m_vertices[0].y, 0, 1e-3);
+    EXPECT_NEAR(shape->m_vertices[1].y, 110530.16, 0.05);
+}
+
 TEST(DrawShapeCopy, OfAHostsShapeUnderAnothersKindIsNull) {
     NamedEllipse shape(SHAPE_ELLIPSE);
     EXPECT_EQ(CDrawShape::CreateCopy(&shape), nullptr);

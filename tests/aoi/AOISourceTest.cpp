@@ -7,6 +7,7 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <ogr_spatialref.h>
 
 #include <filesystem>
 #include <type_traits>
@@ -182,6 +183,18 @@ TEST(AOISource, SpatialReferenceTextIsStoredAndLoaded) {
     EXPECT_FALSE(source.IsGeographic());
 }
 
+TEST(AOISource, WhoseHostHasTakenTheReferenceHandleKeepsTheText) {
+    struct Bare : CAOISource {
+        Bare() {
+            m_spatialReference->Release();
+            m_spatialReference = nullptr;
+        }
+    } source;
+    source.SetSpatialReferenceWKT("EPSG:4326");
+    EXPECT_EQ(source.GetSpatialReferenceWKT(), "EPSG:4326");
+    EXPECT_FALSE(source.IsGeographic());
+}
+
 TEST(AOISource, ATemporaryFileGoesWithItsSourceUnlessItIsSaved) {
     const zelto::test::TemporaryFolder folder;
     zelto::test::WriteFile(folder.File("scratch.aif"), "x");
@@ -205,6 +218,12 @@ TEST(AOISource, ATemporaryFileGoesWithItsSourceUnlessItIsSaved) {
         source.SaveAs(folder.WideFile("other.shp").c_str(), VDF_SHAPEFILE);
     }
     EXPECT_FALSE(std::filesystem::exists(folder.File("kept.aif"))) << "a shapefile does not count";
+    {
+        CAOISource source;
+        source.SetTempFilePath(L"");
+    }
+    EXPECT_EQ(folder.Names(), (std::vector<std::string>{"other.dbf", "other.shp", "other.shx"}))
+        << "a source without a file removes none";
 }
 
 TEST(AOISource, AFileThatIsOpenedIsNoTemporaryOne) {

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <memory>
@@ -157,6 +158,30 @@ TEST_F(RasterAoiRows, TheBufferReportsEveryPixelAndStopsWhenTold) {
     EXPECT_EQ(cancelled.m_steps.size(), 6U);
 }
 
+TEST_F(RasterAoiRows, TheBufferOfAnAreaThatIsNotInitialisedHoldsNothing) {
+    AddRandomShapes(7);
+    const CRasterAOI area(&m_raster, &m_aoi);
+    Bytes buffer(4 * 3, 9);
+    EXPECT_TRUE(zelto::RasterAoiRows(area).ToBuffer(buffer.data(), 4, 3, nullptr));
+    EXPECT_EQ(buffer, Bytes(4 * 3, 0));
+}
+
+TEST_F(RasterAoiRows, TheMapOfAnAreaIsThatOfItsShapes) {
+    AddRandomShapes(7);
+    const auto area = MakeArea();
+    m_aoi.Close();
+    EXPECT_TRUE(area->ConvertToRasterMap(nullptr, nullptr));
+    Bytes before(40 * 30);
+    Bytes after(40 * 30);
+    EXPECT_TRUE(zelto::RasterAoiRows(*area).ToBuffer(before.data(), 40, 30, nullptr));
+    EXPECT_GT(std::count(before.begin(), before.end(), 1), 0) << "not converted anew";
+    CRasterAOI later(&m_raster, &m_aoi);
+    EXPECT_TRUE(later.ConvertToRasterMap(nullptr, nullptr));
+    EXPECT_TRUE(later.IsInitialized());
+    EXPECT_TRUE(zelto::RasterAoiRows(later).ToBuffer(after.data(), 40, 30, nullptr));
+    EXPECT_EQ(after, Bytes(40 * 30, 0));
+}
+
 TEST_F(RasterAoiRows, BuffersWithoutASizeAreLeftAlone) {
     AddRandomShapes(7);
     const auto area = MakeArea();
@@ -184,6 +209,9 @@ TEST_F(RasterAoiRows, TheFileIsGeoreferencedAndGoesWithItsArea) {
     EXPECT_FALSE(zelto::RasterAoiRows::ToFile(*area, path.c_str(), width, height, &cancelled));
     EXPECT_FALSE(zelto::RasterAoiRows::ToFile(*area, nullptr, width, height, nullptr));
     EXPECT_FALSE(zelto::RasterAoiRows::ToFile(*area, path.c_str(), 0, height, nullptr));
+    EXPECT_FALSE(zelto::RasterAoiRows::ToFile(*area, path.c_str(), width, 0, nullptr));
+    CRasterAOI ofNone(nullptr, &m_aoi);
+    EXPECT_FALSE(zelto::RasterAoiRows::ToFile(ofNone, path.c_str(), width, height, nullptr));
     EXPECT_FALSE(zelto::RasterAoiRows::ToFile(*area, m_folder.WideFile("no/mask.tif").c_str(),
                                               width, height, nullptr));
     area.reset();

@@ -203,6 +203,36 @@ TEST(RowMembership, OddEllipsesAnswerAsTheSingleTest) {
         }
 }
 
+TEST(RowMembership, EllipsesAroundAFarPlaceAnswerAsTheSingleTest) {
+    const std::vector<double> places = {-1e152, 0, 1e152};
+    const std::vector<double> xs = {-1.1e152, -1e152, -5, 0, 4, 1e152, 1.2e152};
+    for (double left : places)
+        for (double top : places) {
+            auto ellipse = std::make_unique<CDrawEllipse>();
+            ellipse->m_topLeft = {left, top};
+            ellipse->m_width = 10;
+            ellipse->m_height = 8;
+            ellipse->m_extent.SetBoundingBox(-INFINITE, INFINITE, INFINITE, -INFINITE);
+            Shapes shapes;
+            shapes.push_back(std::move(ellipse));
+            ExpectSameAsSingleTest(shapes, xs, xs);
+        }
+}
+
+TEST(RowMembership, ASinglePositionOrOneBeyondTheLimitAnswersAsTheSingleTest) {
+    Shapes shapes;
+    shapes.push_back(std::make_unique<CDrawPolygon>(zelto::test::UnitSquareTimes10()));
+    for (const std::vector<double>& xs : {std::vector<double>{NOT_A_NUMBER},
+                                          {5.0},
+                                          {5.0, 1e160},
+                                          {-1e160, 5.0},
+                                          std::vector<double>{}})
+        ExpectSameAsSingleTest(shapes, {-1, 0, 5, 10, 11}, xs);
+    EXPECT_FALSE(zelto::RowPositions(std::vector<double>{NOT_A_NUMBER}).AreMonotone());
+    EXPECT_FALSE(zelto::RowPositions(std::vector<double>{5.0, 1e160}).AreMonotone());
+    EXPECT_TRUE(zelto::RowPositions(std::vector<double>{5.0}).AreMonotone());
+}
+
 TEST(RowMembership, PositionsInAnyOrderAnswerAsTheSingleTest) {
     SCOPED_TRACE("seed 16");
     Random random(16);

@@ -151,13 +151,12 @@ bool CAOIMask::BurnMask() {
     const std::unique_ptr<unsigned char[]> burnt(new (std::nothrow) unsigned char[grid.Size()]());
     if (burnt == nullptr)
         zelto::TellReason("not enough memory for the mask");
-    if (burnt != nullptr && zelto::BurnGeometry(*m_clipped, grid, burnt.get())) {
+    const bool isBurnt = burnt != nullptr && zelto::BurnGeometry(*m_clipped, grid, burnt.get());
+    if (isBurnt)
         zelto::GrowByOnePixel(burnt.get(), m_mask, m_width, m_height);
-        return true;
-    }
-    delete[] m_mask;
-    m_mask = nullptr;
-    return false;
+    else
+        delete[] std::exchange(m_mask, nullptr);
+    return isBurnt;
 }
 
 bool CAOIMask::IsOnClipped(double x, double y) const {

@@ -10,9 +10,9 @@
 
 #include <algorithm>
 #include <limits>
-#include <new>
 #include <numeric>
 #include <span>
+#include <vector>
 
 namespace {
 
@@ -52,30 +52,32 @@ std::vector<double> ColumnPositions(int left, int count) {
     return columns;
 }
 
-/// Walks a grid of pixels that starts at the rectangle's top-left corner, row by row.
-/// @param rows the shapes; null holds nothing
-/// @param sink called as sink(row, fill), takes the row's bytes by fill(span) and answers
-///        whether to go on
-/// @return false when the sink failed or the host cancelled
-template <typename Sink>
-bool RasterizeRows(const zelto::RowMembership* rows, const CRect& rect, int width, int height,
-                   CDataProgress* progress, Sink sink) {
-    PixelProgress pixels(progress, width, height);
-    const std::vector<double> columns = ColumnPositions(rect.left, width);
-    const zelto::RowPositions positions(columns);
-    zelto::RowMembership::Scratch scratch;
-    for (int row = 0; row < height && width > 0; ++row) {
-        const auto fill = [&](std::span<unsigned char> inside) {
-            if (rows != nullptr)
-                rows->Row(-(static_cast<double>(row) + rect.top), positions, inside, scratch);
-            else
-                std::fill(inside.begin(), inside.end(), 0);
-        };
-        if (!sink(row, fill) || !pixels.Step(width))
-            return false;
+/// The rows of a grid of pixels that starts at a rectangle's top-left corner.
+class GridRows {
+  public:
+    /// @param rows the shapes; null holds nothing
+    GridRows(const zelto::RowMembership* rows, const CRect& rect, int width)
+        : m_rows(rows),
+          m_top(rect.top),
+          m_columns(ColumnPositions(rect.left, width)),
+          m_positions(m_columns) {}
+
+    /// Marks what is inside of a row, into a byte for each pixel.
+    void Fill(int row, unsigned char* target) {
+        const std::span<unsigned char> inside(target, m_columns.size());
+        if (m_rows != nullptr)
+            m_rows->Row(-(static_cast<double>(row) + m_top), m_positions, inside, m_scratch);
+        else
+            std::fill(inside.begin(), inside.end(), 0);
     }
-    return true;
-}
+
+  private:
+    const zelto::RowMembership* m_rows;
+    int m_top;
+    std::vector<double> m_columns;
+    zelto::RowPositions m_positions; ///< refers to the columns
+    zelto::RowMembership::Scratch m_scratch;
+};
 
 } // namespace
 
@@ -84,12 +86,15 @@ bool CRasterAOI::RasterizeAoiToBuffer(unsigned char* buffer, int width, int heig
     if (buffer == nullptr)
         return false;
     return zelto::NoThrow(false, [&] {
-        return RasterizeRows(m_rows.get(), m_pixelRect, width, height, progress,
-                             [&](int row, const auto& fill) {
-                                 const auto size = static_cast<std::size_t>(width);
-                                 fill({buffer + static_cast<std::size_t>(row) * size, size});
-                                 return true;
-                             });
+        PixelProgress pixels(progress, width, height);
+        GridRows rows(m_rows.get(), m_pixelRect, width);
+        for (int row = 0; row < height && width > 0; ++row) {
+            rows.Fill(row,
+                      buffer + static_cast<std::size_t>(row) * static_cast<std::size_t>(width));
+            if (!pixels.Step(width))
+                return false;
+        }
+        return true;
     });
 }
 
@@ -112,21 +117,20 @@ bool CRasterAOI::WriteFile(const wchar_t* path, int width, int height, CDataProg
     m_temporaryPath = path;
     if (m_temporaryRaster->CreateRaster(RDF_GTiff, path, width, height, 1, PDT_Byte, geoTransform,
                                         m_raster->GetProjectionWKT().c_str(),
-                                        options.List()) != GIS_SUCCESS ||
-        m_temporaryRaster->GetGDALDataset() == nullptr)
+                                        options.List()) != GIS_SUCCESS)
         return false;
     GDALRasterBand* band = m_temporaryRaster->GetGDALDataset()->GetRasterBand(1);
-    const auto size = static_cast<std::size_t>(width);
-    const std::unique_ptr<unsigned char[]> inside(new (std::nothrow) unsigned char[size]);
-    if (inside == nullptr)
-        return false;
+    std::vector<unsigned char> inside(static_cast<std::size_t>(width));
     zelto::GdalWatch watch;
-    const bool written = RasterizeRows(
-        m_rows.get(), m_pixelRect, width, height, progress, [&](int row, const auto& fill) {
-            fill({inside.get(), size});
-            return band->RasterIO(GF_Write, 0, row, width, 1, inside.get(), width, 1, GDT_Byte, 0,
-                                  0, nullptr) == CE_None;
-        });
+    PixelProgress pixels(progress, width, height);
+    GridRows rows(m_rows.get(), m_pixelRect, width);
+    bool written = true;
+    for (int row = 0; row < height && written; ++row) {
+        rows.Fill(row, inside.data());
+        written = band->RasterIO(GF_Write, 0, row, width, 1, inside.data(), width, 1, GDT_Byte, 0,
+                                 0, nullptr) == CE_None &&
+                  pixels.Step(width);
+    }
     // What the blocks of the file could not take is found when they leave the cache.
     return watch.Succeeded(written && band->FlushCache(false) == CE_None, CommonFun::U2M(path));
 }

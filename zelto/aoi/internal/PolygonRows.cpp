@@ -43,7 +43,10 @@ std::size_t PositionsLeftOf(const CrossingEdge& edge, std::span<const double> xs
     std::size_t high = xs.size();
     const auto narrow = [&](std::size_t probe) {
         const bool left = isLeft(probe);
-        (left ? low : high) = left ? probe + 1 : probe;
+        if (left)
+            low = probe + 1;
+        else
+            high = probe;
         return left;
     };
     const bool upwards = narrow(GuessBoundary(edge, xs));

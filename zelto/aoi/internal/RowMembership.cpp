@@ -54,7 +54,8 @@ void RowMembership::Add(CDrawShape& shape) {
 void RowMembership::MarkShape(const ShapeRows& shape, const PositionRow& row,
                               std::span<unsigned char> inside, Scratch& scratch) const {
     const CBoundingBox& extent = shape.Extent();
-    if (!(extent.m_bottom <= row.y && row.y <= extent.m_top))
+    // The index gives those that end just below as well.
+    if (row.y > extent.m_top)
         return;
     if (row.monotone) {
         const auto begin = row.xs.begin();

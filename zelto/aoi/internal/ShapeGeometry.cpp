@@ -158,7 +158,7 @@ ShapePolygons::ShapePolygons(std::span<CDrawShape* const> shapes, double resolut
     : m_resolution(resolution) {
     std::vector<int> wanted;
     for (const CDrawShape* shape : shapes) {
-        const bool isEllipse = shape != nullptr && shape->m_shapeKind == SHAPE_ELLIPSE;
+        const bool isEllipse = shape->m_shapeKind == SHAPE_ELLIPSE;
         const CDrawRectangle* const ellipse = isEllipse ? AsRectangle(*shape) : nullptr;
         if (ellipse != nullptr && HasOutline(*ellipse))
             wanted.push_back(WantedSteps(*ellipse, resolution));

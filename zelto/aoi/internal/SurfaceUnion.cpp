@@ -85,8 +85,7 @@ void AddValid(const OGRPolygon& polygon, OGRMultiPolygon& valid) {
     std::vector<const OGRPolygon*> surfaces;
     CollectPolygons(*repaired, surfaces);
     for (const OGRPolygon* surface : surfaces)
-        if (!surface->IsEmpty())
-            AddCopy(*surface, valid);
+        AddCopy(*surface, valid);
 }
 
 /// The members united one after the other, without those with which that fails.
