@@ -48,12 +48,21 @@ Bytes Shown(PlainDisplay& plain, int type, const Pixels& pixels) {
     return bytes;
 }
 
+/// Rows of Skewed().
+Pixels SkewedRows(int rows) {
+    const Pixels row = Skewed();
+    return MakePixels(WIDTH, rows,
+                      [&](int column, int) { return row[static_cast<std::size_t>(column)]; });
+}
+
 /// One band, equalised, its stretch set to auto levels.
 struct EqualisedScene {
-    ShownRaster source{ONE_ROW, {Skewed()}};
+    ShownRaster source;
     PlainDisplay plain;
 
-    EqualisedScene() {
+    explicit EqualisedScene(int rows = 1)
+        : source({.width = WIDTH, .height = rows, .geoTransform = NorthUp(0, rows, 1)},
+                 {SkewedRows(rows)}) {
         EXPECT_TRUE(source.EnableHistogramEqualize());
         plain = PlainOf(*source.GetRasterBand(0));
         source.SetStretchType(StretchAutoLevels);
@@ -151,4 +160,66 @@ TEST(AutoLevelsMap, AComposedRasterBuildsItTheSameWay) {
     source.SetStretchType(StretchAutoLevels);
     EXPECT_TRUE(composed.GetShowData(&box, WIDTH, 1, 1, planes, nullptr, false));
     EXPECT_EQ(plane, Shown(scene.plain, StretchAutoLevels, Skewed()));
+}
+
+TEST(AutoLevelsMap, IsBuiltForASampleInAnyOfManyRows) {
+    constexpr int ROWS = 3;
+    const auto grey = [](const Bytes& values) {
+        Bytes image;
+        for (const unsigned char v : values)
+            image.insert(image.end(), {v, v, v, 255});
+        return image;
+    };
+    {
+        EqualisedScene scene(ROWS);
+        EXPECT_EQ(scene.source.Planes(1)[0],
+                  Shown(scene.plain, StretchAutoLevels, SkewedRows(ROWS)));
+    }
+    {
+        EqualisedScene scene(ROWS);
+        EXPECT_EQ(scene.source.Interleaved(),
+                  grey(Shown(scene.plain, StretchAutoLevels, SkewedRows(ROWS))));
+    }
+    for (const bool asPlanes : {false, true}) {
+        EqualisedScene scene(ROWS);
+        CRasterSource& source = scene.source;
+        CRasterBand* band = source.GetRasterBand(0);
+        CComposedRaster composed;
+        ASSERT_EQ(composed.CreateRaster(&source, band, &source, band, &source, band), GIS_SUCCESS);
+        CBoundingBox box = composed.GetExtent();
+        const Bytes expected = Shown(scene.plain, StretchAutoLevels, SkewedRows(ROWS));
+        Bytes image(static_cast<std::size_t>(WIDTH) * ROWS * (asPlanes ? 1 : 4));
+        unsigned char* planes[] = {image.data()};
+        if (asPlanes) {
+            EXPECT_TRUE(composed.GetShowData(&box, WIDTH, ROWS, 1, planes, nullptr, false));
+            EXPECT_EQ(image, expected);
+        } else {
+            EXPECT_TRUE(composed.GetShowData(&box, WIDTH, ROWS, image.data(), false));
+            EXPECT_EQ(image, grey(expected));
+        }
+    }
+}
+
+TEST(AutoLevelsMap, OfAComposedRasterNeedsAPixelThatItsFirstSourceShows) {
+    EqualisedScene scene;
+    ShownRaster hidden(ONE_ROW, {Pixels(WIDTH, 7.0)});
+    hidden.GetRasterBand(0)->SetNoDataValue(7.0, false);
+    CRasterBand* band = scene.source.GetRasterBand(0);
+    CComposedRaster composed;
+    ASSERT_EQ(composed.CreateRaster(&hidden, hidden.GetRasterBand(0), &scene.source, band,
+                                    &scene.source, band),
+              GIS_SUCCESS);
+    CBoundingBox box = composed.GetExtent();
+    Bytes image(static_cast<std::size_t>(WIDTH) * 4);
+    EXPECT_TRUE(composed.GetShowData(&box, WIDTH, 1, image.data(), false));
+    EXPECT_EQ(image[3], 0);
+    EXPECT_EQ(scene.Equalised(), Shown(scene.plain, StretchHistEqualize, Skewed()));
+}
+
+TEST(AutoLevelsMap, ASinglePixelHasNoUseForIt) {
+    ShownRaster source({.width = 1, .height = 1}, {{200}});
+    int counts[] = {1, 5, 1, 9};
+    ASSERT_TRUE(source.GetRasterBand(0)->SetHistogram(0, 255, 4, counts));
+    source.SetStretchType(StretchAutoLevels);
+    EXPECT_EQ(source.Interleaved(), (Bytes{200, 200, 200, 255}));
 }

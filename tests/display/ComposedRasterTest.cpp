@@ -2,9 +2,11 @@
 
 #include "tests/support/CopiedProcess.h"
 #include "tests/support/RasterFile.h"
+#include "tests/support/RecordingLog.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <ogr_spatialref.h>
 
 #include <filesystem>
 #include <unistd.h>
@@ -144,6 +146,48 @@ TEST_F(ComposedRaster, SourcesWithoutACommonPixelAreRefused) {
     }
 }
 
+TEST_F(ComposedRaster, SourcesThatOnlyTouchAreRefusedWhicheverTheyAre) {
+    Make("far.tif", 3, NorthUp(100.0, 4.0, 1.0), "", GDT_Byte);
+    Make("below.tif", 4, NorthUp(0.0, 0.0, 1.0), "", GDT_Byte);
+    CRasterSource far;
+    CRasterSource below;
+    Open(far, "far.tif");
+    Open(below, "below.tif");
+    CComposedRaster composed;
+    EXPECT_EQ(composed.CreateRaster(&red, red.GetRasterBand(0), &green, green.GetRasterBand(0),
+                                    &far, far.GetRasterBand(0)),
+              GIS_FAILED);
+    EXPECT_EQ(composed.CreateRaster(&red, red.GetRasterBand(0), &below, below.GetRasterBand(0),
+                                    &below, below.GetRasterBand(0)),
+              GIS_FAILED)
+        << "4 × 0 pixels are common";
+}
+
+TEST_F(ComposedRaster, ARefusedCompositionHasNoShownBand) {
+    Make("far.tif", 3, NorthUp(100.0, 4.0, 1.0), "", GDT_Byte);
+    CRasterSource far;
+    Open(far, "far.tif");
+    CComposedRaster composed;
+    ASSERT_EQ(Compose(composed), GIS_SUCCESS);
+    composed.SetBlueBandNum(1);
+    EXPECT_EQ(composed.GetBlueBandNum(), 1);
+    ASSERT_EQ(composed.CreateRaster(&far, far.GetRasterBand(0), &green, green.GetRasterBand(0),
+                                    &blue, blue.GetRasterBand(0)),
+              GIS_FAILED);
+    EXPECT_EQ(composed.GetRedBandNum(), 0);
+    EXPECT_EQ(composed.GetGreenBandNum(), 0);
+    EXPECT_EQ(composed.GetBlueBandNum(), 0);
+    {
+        const zelto::test::RecordingLog log;
+        CBoundingBox box = composed.GetExtent();
+        EXPECT_FALSE(composed.GetShowData2Cache(&box, 4, 4));
+        ASSERT_EQ(log.m_records.size(), 1U);
+        EXPECT_EQ(log.m_records[0].message, L"读取第1波段数据出错");
+    }
+    EXPECT_TRUE(composed.SetRedBandNum(2));
+    EXPECT_EQ(composed.GetShowBandArray(), (std::vector<int>{2}));
+}
+
 TEST_F(ComposedRaster, TheBandsKeepTheirOwnStretch) {
     CComposedRaster composed;
     ASSERT_EQ(Compose(composed), GIS_SUCCESS);
@@ -182,6 +226,40 @@ TEST_F(ComposedRaster, PixelsComeFromEachSourcesOwnPosition) {
     EXPECT_EQ(composed.GetPixel(nullptr, 0, 0, PDT_Byte), GIS_FAILED);
     EXPECT_EQ(composed.GetPixel(values, 4, 0, PDT_Byte), GIS_FAILED);
     EXPECT_EQ(composed.GetPixel(values, 0, -1, PDT_Byte), GIS_FAILED);
+    EXPECT_EQ(composed.GetPixel(values, -1, 0, PDT_Byte), GIS_FAILED);
+    EXPECT_EQ(composed.GetPixel(values, 0, 4, PDT_Byte), GIS_FAILED);
+}
+
+TEST_F(ComposedRaster, WhoseHostHasTakenTheReferenceHandleKeepsTheText) {
+    struct Bare : CComposedRaster {
+        Bare() {
+            m_spatialReference->Release();
+            m_spatialReference = nullptr;
+        }
+    } composed;
+    ASSERT_EQ(Compose(composed), GIS_SUCCESS);
+    EXPECT_EQ(composed.GetSpatialReferenceWKT(), blue.GetSpatialReferenceWKT());
+    EXPECT_FALSE(composed.IsProjected());
+}
+
+TEST_F(ComposedRaster, ABandThatIsNotThereLeavesItsValue) {
+    CComposedRaster composed;
+    ASSERT_EQ(Compose(composed), GIS_SUCCESS);
+    int bands[] = {0, 7, 2};
+    ASSERT_TRUE(composed.SetShowBandNum(3, bands));
+    unsigned short values[] = {500, 501, 502};
+    ASSERT_EQ(composed.GetPixel(values, 3, 3, PDT_Unknown), GIS_SUCCESS);
+    EXPECT_EQ(values[0], 33);
+    EXPECT_EQ(values[1], 501);
+    EXPECT_EQ(values[2], 11);
+    // So does one that is smaller than its source: of the 4 × 4 pixels of red, 3 × 3.
+    ASSERT_EQ(composed.CreateRaster(&red, blue.GetRasterBand(0), &green, green.GetRasterBand(0),
+                                    &blue, blue.GetRasterBand(0)),
+              GIS_SUCCESS);
+    values[0] = 500;
+    ASSERT_EQ(composed.GetPixel(values, 3, 3, PDT_Unknown), GIS_SUCCESS);
+    EXPECT_EQ(values[0], 500);
+    EXPECT_EQ(values[1], 66);
 }
 
 TEST_F(ComposedRaster, ClosingForgetsTheSourcesAndLeavesThemOpen) {

@@ -257,12 +257,20 @@ TEST(ComposedRendering, BadArgumentsAreRefused) {
     EXPECT_FALSE(scene.composed.GetShowData(&box, 10, -1, out.data(), true));
     EXPECT_FALSE(scene.composed.GetShowData(&box, 10, 10, 3, planes, nullptr, true));
     EXPECT_FALSE(scene.composed.GetShowData(&box, 10, 10, 3, nullptr, nullptr, true));
+    unsigned char* one[] = {out.data()};
+    EXPECT_FALSE(scene.composed.GetShowData(nullptr, 10, 10, 1, one, nullptr, true));
+    EXPECT_FALSE(scene.composed.GetShowData(&box, 0, 10, 1, one, nullptr, true));
+    EXPECT_FALSE(scene.composed.GetShowData(&box, 10, 0, 1, one, nullptr, true));
+    EXPECT_FALSE(scene.composed.GetShowData(&box, 10, 10, 0, one, nullptr, true));
+    CBoundingBox upsideDown(box.m_left, box.m_bottom, box.m_right, box.m_top);
+    EXPECT_FALSE(scene.composed.GetShowData(&upsideDown, 10, 10, out.data(), true));
     CBoundingBox nowhere(NAN, 1.0, 2.0, 0.0);
     EXPECT_FALSE(scene.composed.GetShowData(&nowhere, 10, 10, out.data(), true));
     CBoundingBox point(50.0, 50.0, 50.0, 50.0);
     EXPECT_FALSE(scene.composed.GetShowData(&point, 10, 10, out.data(), true));
     CComposedRaster empty;
     EXPECT_FALSE(empty.GetShowData(&box, 10, 10, out.data(), true));
+    EXPECT_FALSE(empty.GetShowData(&box, 10, 10, 1, one, nullptr, true));
 }
 
 TEST(ComposedRendering, WithRedFirstIsTheSamePicture) {

@@ -142,3 +142,12 @@ TEST(WallisColorModel, ASourceThatWasNotDrawnHasShowMeansOfZero) {
     EXPECT_EQ(source.GetRasterBand(0)->Convert2ShowValue(200.0), 250);
     EXPECT_EQ(source.GetRasterBand(0)->Convert2ShowValue(10.0), 134);
 }
+
+TEST(WallisColorModel, PassesOverShownBandsThatDoNotExist) {
+    ShownRaster source({.width = 3, .height = 1}, {{10, 60, 200}, {20, 70, 150}});
+    source.SetStretchType(StretchWallis);
+    source.Show({0, 7, 1});
+    EXPECT_TRUE(source.ReadWallisColorModel(1));
+    EXPECT_NE(source.GetRasterBand(0)->GetStretchFunction(), nullptr);
+    EXPECT_NE(source.GetRasterBand(1)->GetStretchFunction(), nullptr);
+}

@@ -1,10 +1,15 @@
 #include "zelto/display/DisplayRecipe.h"
 
 #include "zelto/display/StretchPreparation.h"
+#include "zelto/display/ZoomLinear.h"
 
 #include "tests/display/ShownRaster.h"
+#include "tests/support/SmallDisk.h"
 
+#include <fstream>
+#include <limits>
 #include <random>
+#include <utility>
 
 using namespace zelto::test;
 
@@ -195,6 +200,9 @@ TEST(DisplayRecipe, NamesTheMemberThatIsWrong) {
               "vertigo: a recipe has no such member");
     EXPECT_EQ(with("\"version\": 1", "\"version\": 2"), "version: it is not 1");
     EXPECT_EQ(with("\"hue\": 0", "\"hue\": 1.5"), "colors.hue: it is not within its bounds");
+    EXPECT_EQ(with("\"hue\": 0", "\"hue\": -1.5"), "colors.hue: it is not within its bounds");
+    EXPECT_EQ(with("\"linear\"", "\"zoom\", \"function\": {\"stretch\": \"linear\"}"),
+              "bands[0].function.stretch: 'linear' is not the name of a stretch that can be here");
     EXPECT_EQ(with("\"band\": 1", "\"band\": 0"),
               "bands[0].band: it is no whole number from 1 to 2147483647");
     EXPECT_EQ(with("\"band\": 1", "\"band\": 1.5").find("bands[0].band: it is no whole"), 0U);
@@ -235,6 +243,9 @@ TEST(DisplayRecipe, NamesTheListThatIsWrong) {
     EXPECT_EQ(with("\"colors\"", "\"classes\": [{\"low\": 0, \"high\": 1, \"name\": \"sea\", "
                                  "\"color\": [1, 2, 3]}], \"colors\""),
               "classes[0].color: it has not four elements");
+    EXPECT_EQ(with("\"colors\"", "\"classes\": [{\"low\": 0, \"high\": 1, \"name\": \"sea\", "
+                                 "\"color\": [1, 256, 3, 4]}], \"colors\""),
+              "classes[0].color[1]: it is no whole number from 0 to 255");
     std::string ramp = "\"#0000ff\"";
     for (int i = 1; i < 256; ++i)
         ramp += ", \"#0000ff\"";
@@ -350,4 +361,120 @@ TEST(DisplayRecipe, ACopyIsItsOwn) {
     EXPECT_FALSE(recipe.GetView().has_value());
     recipe = copy;
     EXPECT_TRUE(recipe.GetView().has_value());
+}
+
+TEST(DisplayRecipe, TakesABandThatLacksWhatItsStretchNeedsAsTheLinearOneItIsDrawnAs) {
+    for (const int type :
+         {static_cast<int>(StretchZoomLinear), static_cast<int>(StretchZoomLinear002),
+          static_cast<int>(StretchWallis), static_cast<int>(StretchHistEqualize),
+          static_cast<int>(StretchAutoLevels), static_cast<int>(StretchCustomHistEqualize),
+          static_cast<int>(StretchEnhanceTable), 77, -1}) {
+        for (const bool hasEmptyEnhancer : {false, true}) {
+            ShownRaster source = Scene();
+            if (hasEmptyEnhancer) {
+                EXPECT_FALSE(source.GetRasterBand(0)->SetEnhancedData(nullptr, HistogramLineCurve,
+                                                                      nullptr, 0));
+                EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
+            }
+            source.SetStretchType(static_cast<StretchType>(type));
+            CDisplayRecipe recipe;
+            ASSERT_TRUE(recipe.Take(source)) << type << CGISDataSource::GetLastErrorText();
+            EXPECT_NE(recipe.GetJson().find("\"stretch\": \"linear\""), std::string::npos) << type;
+            ShownRaster again = Scene();
+            ASSERT_TRUE(recipe.Apply(again));
+            EXPECT_EQ(again.GetStretchType(), StretchLinear);
+            EXPECT_EQ(again.Interleaved(), source.Interleaved()) << type;
+        }
+    }
+}
+
+TEST(DisplayRecipe, TakesZoomsWhoseBoundsRoundingMovesOrThatShowOneValue) {
+    constexpr double LEAST = std::numeric_limits<double>::denorm_min();
+    const std::pair<double, double> bounds[] = {
+        {70.47, 304.59},             // 70.47 + 255 / (255 / 234.12) is one step below
+        {192.42, 433.31},            // and here one above
+        {50, 50},          {80, 20}, // no range
+        {0, 1000 * LEAST},           // 255 divided by it is infinite
+    };
+    for (const auto& [low, high] : bounds) {
+        ShownRaster source = Scene();
+        for (int b = 0; b < 3; ++b)
+            source.GetRasterBand(b)->SetStretchData(StretchZoomLinear, 0, 0, low, high, 0, 0);
+        CDisplayRecipe recipe;
+        ASSERT_TRUE(recipe.Take(source));
+        ShownRaster again = Scene();
+        CDisplayRecipe read;
+        ASSERT_TRUE(read.SetJson(recipe.GetJson())) << CGISDataSource::GetLastErrorText();
+        ASSERT_TRUE(read.Apply(again));
+        EXPECT_EQ(again.Interleaved(), source.Interleaved()) << low << " " << high;
+        const auto& function =
+            dynamic_cast<const CZoomLinear&>(*again.GetRasterBand(0)->GetStretchFunction());
+        if (high - low > 1) {
+            EXPECT_EQ(function.GetScale(), 255.0 / (high - low));
+            EXPECT_EQ(function.GetOffset(), low);
+        }
+    }
+}
+
+TEST(DisplayRecipe, HoldsAHistogramWithoutCounts) {
+    ShownRaster source = Scene();
+    for (int b = 0; b < 3; ++b)
+        ASSERT_TRUE(source.GetRasterBand(b)->SetCustomHistogram(0, 100, 0, nullptr));
+    source.SetStretchType(StretchCustomHistEqualize);
+    CDisplayRecipe recipe;
+    ASSERT_TRUE(recipe.Take(source));
+    EXPECT_NE(recipe.GetJson().find("\"counts\": []"), std::string::npos) << recipe.GetJson();
+    ShownRaster again = Scene();
+    CDisplayRecipe read;
+    ASSERT_TRUE(read.SetJson(recipe.GetJson()));
+    ASSERT_TRUE(read.Apply(again));
+    EXPECT_EQ(again.GetStretchType(), StretchCustomHistEqualize);
+    EXPECT_EQ(again.Interleaved(), source.Interleaved());
+}
+
+TEST(DisplayRecipe, AFileMayHoldNeitherViewNorMask) {
+    const TemporaryFolder folder;
+    CDisplayRecipe recipe;
+    ASSERT_TRUE(recipe.SetJson(PLAIN));
+    ASSERT_TRUE(recipe.Write(folder.WideFile("look.json").c_str()));
+    CDisplayRecipe read;
+    ASSERT_TRUE(read.Read(folder.WideFile("look.json").c_str()));
+    EXPECT_FALSE(read.GetView().has_value());
+    EXPECT_FALSE(read.GetMask().has_value());
+    EXPECT_EQ(read.GetJson(), recipe.GetJson());
+    // A view in the image's own reference, an area that is transparent outside.
+    recipe.SetView(CDisplayRecipe::View{{0, 1, 2, 0}, 2, 1, ""});
+    recipe.SetMask(CDisplayRecipe::Mask{folder.WideFile("a.aif"), false});
+    ASSERT_TRUE(recipe.Write(folder.WideFile("look.json").c_str()));
+    ASSERT_TRUE(read.Read(folder.WideFile("look.json").c_str()));
+    EXPECT_EQ(read.GetView()->srs, "");
+    EXPECT_EQ(read.GetJson().find("srs"), std::string::npos);
+    EXPECT_FALSE(read.GetMask()->isBlack);
+    EXPECT_NE(read.GetJson().find("\"outside\": \"transparent\""), std::string::npos);
+}
+
+TEST(DisplayRecipe, AFileWhoseBytesCannotBeReadSaysWhy) {
+    CDisplayRecipe recipe;
+    // The memory of this process, of which there is none at the beginning.
+    EXPECT_FALSE(recipe.Read(L"/proc/self/mem"));
+    const std::string reason = CGISDataSource::GetLastErrorText();
+    EXPECT_EQ(reason.rfind("/proc/self/mem: ", 0), 0U) << reason;
+    EXPECT_NE(reason.find("Input/output error"), std::string::npos) << reason;
+}
+
+TEST(DisplayRecipe, OnAFullDiskSaysThat) {
+    const TemporaryFolder folder;
+    const SmallDisk disk(folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount a file system";
+    {
+        std::ofstream filling(folder.Path() / "disk" / "full", std::ios::binary);
+        for (const std::string page(4096, 'x'); filling.write(page.data(), 4096).flush();) {
+        }
+    }
+    CDisplayRecipe recipe;
+    ASSERT_TRUE(recipe.SetJson(PLAIN));
+    EXPECT_FALSE(recipe.Write(folder.WideFile("disk/look.json").c_str()));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              folder.File("disk/look.json") + ": No space left on device");
 }

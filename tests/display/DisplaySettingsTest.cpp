@@ -29,6 +29,7 @@ TEST(ShowBandNum, DoesNotCheckTheIndices) {
     EXPECT_EQ(source.GetShownBand(1), nullptr);
     EXPECT_EQ(source.GetShownBand(2), source.GetRasterBand(0));
     EXPECT_EQ(source.GetShownBand(3), nullptr);
+    EXPECT_EQ(source.GetShownBand(-1), nullptr);
 }
 
 TEST(ShowBandNum, RedTakesAnyBandOfTheSource) {
@@ -46,6 +47,7 @@ TEST(ShowBandNum, GreenAndBlueNeedThreeShownBands) {
     EXPECT_TRUE(source.SetBlueBandNum(2));
     EXPECT_EQ(source.GetShowBandArray(), (std::vector<int>{2, 3, 2}));
     EXPECT_FALSE(source.SetGreenBandNum(4));
+    EXPECT_FALSE(source.SetGreenBandNum(-1));
     EXPECT_FALSE(source.SetBlueBandNum(-1));
     source.Show({1});
     EXPECT_FALSE(source.SetGreenBandNum(0));

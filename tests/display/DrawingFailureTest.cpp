@@ -74,6 +74,11 @@ TEST(DrawingFailure, TellsWhatGdalSaysOfPixelsThatCannotBeRead) {
     ASSERT_EQ(source.Reopen(GIS_READONLY, true), GIS_SUCCESS);
     EXPECT_FALSE(Draw(source, source.GetExtent()));
     ExpectReason(source, "gone.tif");
+    CBoundingBox box = source.GetExtent();
+    Bytes plane(16);
+    unsigned char* planes[] = {plane.data()};
+    EXPECT_FALSE(source.GetShowDataGray(&box, 4, 4, 1, planes, nullptr, false));
+    ExpectReason(source, "gone.tif");
 }
 
 TEST(DrawingFailure, AViewThatEnlargesAPixelToGigabytesIsRefused) {
@@ -93,6 +98,20 @@ TEST(DrawingFailure, AComposedRasterNamesTheSourceThatCannotBeRead) {
     const std::string reason = CGISDataSource::GetLastErrorText();
     EXPECT_EQ(reason.rfind("RGBComposedFile", 0), 0U) << reason;
     EXPECT_NE(reason.find("scene.tif: the view enlarges"), std::string::npos) << reason;
+}
+
+TEST(DrawingFailure, AComposedRasterNamesABandThatDoesNotExist) {
+    ShownRaster source(GROUND, {Pixels(100, 7.0)});
+    CRasterBand* band = source.GetRasterBand(0);
+    CComposedRaster composed;
+    ASSERT_EQ(composed.CreateRaster(&source, band, &source, band, &source, band), GIS_SUCCESS);
+    int bands[] = {0, 7, 2};
+    ASSERT_TRUE(composed.SetShowBandNum(3, bands));
+    for (const auto& draw : {Draw, DrawPlanes}) {
+        EXPECT_FALSE(draw(composed, composed.GetExtent()));
+        const std::string reason = CGISDataSource::GetLastErrorText();
+        EXPECT_NE(reason.find("does not exist"), std::string::npos) << reason;
+    }
 }
 
 TEST(DrawingFailure, SettingsThatAreRefusedSayWhy) {

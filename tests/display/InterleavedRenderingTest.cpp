@@ -94,6 +94,24 @@ TEST(InterleavedRendering, PixelsBeyondTheRasterAreTransparent) {
     EXPECT_EQ(image[4 * 3], 9);
 }
 
+TEST(InterleavedRendering, FollowsAGridWhoseRowsAloneAreSheared) {
+    // x = column, y = 4 + column − row: the second column lies one unit higher.
+    ShownRaster source(
+        {.width = 2, .height = 2, .geoTransform = std::array<double, 6>{0, 1, 0, 4, 1, -1}},
+        {{1, 2, 3, 4}});
+    CBoundingBox box(0, 6, 2, 2);
+    Bytes image(32);
+    ASSERT_TRUE(source.GetShowData(&box, 2, 4, image.data(), false));
+    Bytes reds;
+    Bytes alphas;
+    for (std::size_t i = 0; i < image.size(); i += 4) {
+        reds.push_back(image[i + 2]);
+        alphas.push_back(image[i + 3]);
+    }
+    EXPECT_EQ(reds, (Bytes{255, 255, 255, 2, 1, 4, 3, 255}));
+    EXPECT_EQ(alphas, (Bytes{0, 0, 0, 255, 255, 255, 255, 0}));
+}
+
 TEST(InterleavedRendering, OneBandIsGrey) {
     ShownRaster source({.width = 2, .height = 1, .noData = 9.0}, {{7, 9}});
     Bytes expected{7, 7, 7, 255};

@@ -161,6 +161,16 @@ TEST(ShowValue, AHistogramWithoutAMapShowsTheWrappedSample) {
     EXPECT_EQ(band->Convert2ShowValue(-1.0), 255);
 }
 
+TEST(ShowValue, RefusedAutoLevelsShowTheClampedSample) {
+    TestBand band = SixteenBit();
+    const std::array<int, 2> counts = {4, 4};
+    ASSERT_TRUE(band->SetHistogram(5, 5, 2, counts.data())); // no range to find a bucket in
+    band->SetStretchType(StretchAutoLevels);
+    EXPECT_EQ(band->Convert2ShowValue(900), 255);
+    EXPECT_EQ(band->Convert2ShowValue(-4), 0);
+    EXPECT_EQ(band->Convert2ShowValue(77), 77);
+}
+
 TEST(ShowValue, AutoLevelsClipTheThreshold) {
     // Values 1 … 4 once to four times, in the buckets [1,2) … [4,5): shares 0.1, 0.3, 0.6, 1.
     TestBand band({.width = 10, .height = 1}, {1, 2, 2, 3, 3, 3, 4, 4, 4, 4});

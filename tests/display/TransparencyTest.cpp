@@ -83,12 +83,68 @@ TEST(Transparency, NothingHappensWithoutABuffer) {
     source.ApplyTransparenVal(static_cast<unsigned char*>(nullptr), 1, 1);
     source.ApplyTransparenVal(static_cast<double*>(nullptr), 1, 1);
     source.ApplyTransparenVal(image.data(), 0, 1);
+    source.ApplyTransparenVal(image.data(), 1, 0);
+    source.ApplyTransparenVal(&alpha, 0, 1);
     source.ApplyTransparenVal(&alpha, 1, -1);
     source.ApplyShowDataHISC(1, 1, nullptr);
     source.ApplyShowDataHISC(nullptr, nullptr, nullptr, 1, 1);
     source.ComputeShowDataStatics(nullptr, 1, 1);
+    source.ComputeShowDataStatics(image.data(), 0, 1);
+    source.ComputeShowDataStatics(image.data(), 1, 0);
     EXPECT_EQ(image, Bytes(4, 200));
     EXPECT_EQ(alpha, 200.0);
+    EXPECT_EQ(source.GetShowMeans()[0], 0.0);
+    EXPECT_FALSE(source.IsShowStatisticsKnown());
+}
+
+TEST(Transparency, OfASourceThatShowsNoBandChangesNothing) {
+    struct Hidden : CRasterSource {
+        using CRasterSource::ApplyTransparenVal;
+    } source;
+    ASSERT_EQ(source.GetShowBandCount(), 0);
+    source.m_transparency = 0.5F;
+    Bytes image(4, 200);
+    source.ApplyTransparenVal(image.data(), 1, 1);
+    EXPECT_EQ(image, Bytes(4, 200));
+}
+
+TEST(FinishedImage, TakesEachAdjustmentAlone) {
+    for (float CRasterSource::*const adjustment :
+         {&CRasterSource::m_hue, &CRasterSource::m_intensity, &CRasterSource::m_saturation}) {
+        ShownRaster source = BandsOf(3);
+        source.*adjustment = 0.25F;
+        const Bytes before = {10, 90, 200, 255};
+        Bytes image = before;
+        Bytes expected = before;
+        source.ApplyShowDataHISC(1, 1, image.data());
+        CRasterAlgorithm::AdjustHIS(expected.data(), 1, 1, source.m_hue, source.m_intensity,
+                                    source.m_saturation);
+        EXPECT_EQ(image, expected);
+        EXPECT_NE(image, before);
+        double r = 200, g = 90, b = 10, r2 = 200, g2 = 90, b2 = 10;
+        source.ApplyShowDataHISC(&r, &g, &b, 1, 1);
+        CRasterAlgorithm::AdjustHIS(&r2, &g2, &b2, 1, 1, source.m_hue, source.m_intensity,
+                                    source.m_saturation);
+        EXPECT_EQ(r, r2);
+        EXPECT_EQ(g, g2);
+        EXPECT_EQ(b, b2);
+        EXPECT_FALSE(r == 200 && g == 90 && b == 10);
+    }
+}
+
+TEST(FinishedImage, OfPlanesTakesEachAdjustmentAlone) {
+    for (float CRasterSource::*const adjustment :
+         {&CRasterSource::m_hue, &CRasterSource::m_intensity, &CRasterSource::m_saturation}) {
+        ShownRaster source({.width = 1, .height = 1}, {{10}, {90}, {200}});
+        source.Show({0, 1, 2});
+        auto expected = source.Planes(3);
+        source.*adjustment = 0.25F;
+        unsigned char* planes[] = {expected[0].data(), expected[1].data(), expected[2].data()};
+        CRasterAlgorithm::AdjustHIS(planes, 1, 1, source.m_hue, source.m_intensity,
+                                    source.m_saturation);
+        EXPECT_EQ(source.Planes(3), expected);
+        EXPECT_NE(expected, (std::vector<Bytes>{{10}, {90}, {200}}));
+    }
 }
 
 TEST(FinishedImage, TakesTransparencyThenHueThenContrast) {

@@ -41,10 +41,7 @@ std::string ReadText(const std::string& path) {
         throw std::runtime_error(zelto::LastError());
     if (std::filesystem::file_size(std::filesystem::u8path(path)) > LARGEST_FILE)
         throw std::runtime_error("it is too large for a recipe");
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    if (stream.bad())
-        throw std::runtime_error("it cannot be read");
-    return text;
+    return {std::istreambuf_iterator<char>(stream), {}}; // a failed read throws
 }
 
 } // namespace

@@ -28,6 +28,7 @@ int NumberOf(int index) {
 }
 
 /// Why there is nothing to read.
+/// @param status not ViewStatus::Selected
 void LogMissedWindow(ViewStatus status) {
     switch (status) {
     case ViewStatus::MissesRaster:
@@ -36,10 +37,8 @@ void LogMissedWindow(ViewStatus status) {
         return LogFailure(__LINE__, L"转换之后的宽度为0");
     case ViewStatus::NoGroundHeight:
         return LogFailure(__LINE__, L"转换之后的高度为0");
-    case ViewStatus::NothingToRead:
+    default:
         return LogFailure(__LINE__, L"读出的内存大小为0");
-    case ViewStatus::Selected:
-        return;
     }
 }
 
@@ -93,7 +92,9 @@ bool CRasterSource::GetShowValueFormCache(double x, double y, unsigned char& r, 
         CRasterBand* band = GetShownBand(k);
         a = band != nullptr && band->GetShowValueAt(column, row, channels[k]) ? 255 : 0;
     }
-    return a != 0 || FailWith(false, NameOf(*this), noValueInCache);
+    if (a == 0)
+        return FailWith(false, NameOf(*this), noValueInCache);
+    return true;
 }
 
 bool CRasterSource::GetSingleBandColor(double column, double row, unsigned char& r,

@@ -68,8 +68,7 @@ SingleBandKind KindOf(const CRasterSource& source, const CRasterBand& band);
 /// opaque.
 /// @param transparency 0 … 255: taken from the alpha of palette colours, which wraps; an alpha
 ///        of class colours below it becomes 0
-/// @param missing colour of pixels without a sample, and of all where a palette is to be used
-///        but the band has none
+/// @param missing colour of pixels without a sample
 SampleLookup<PackedColor> ShowColors(const WindowSamples& samples, const CRasterSource& source,
                                      CRasterBand& band, int transparency, PackedColor missing);
 

@@ -20,7 +20,7 @@ namespace {
 /// complex types, which have no exact smaller one here.
 GDALDataType ReadType(GDALRasterBand* band) {
     const GDALDataType type = band->GetRasterDataType();
-    if (type < GDT_Byte || type > GDT_Float32 || IsVirtual(band))
+    if (type > GDT_Float32 || IsVirtual(band))
         return GDT_Float64;
     return type;
 }
@@ -40,15 +40,15 @@ bool IsEnlargedTooFar(const ReadWindow& window, GDALDataType type) {
 /// Whether the bands are of one data set and may be read together, and the window is so large that
 /// this is better.
 bool IsReadTogether(const std::vector<GDALRasterBand*>& bands, const ReadWindow& window) {
-    GDALRasterBand* first = bands.empty() ? nullptr : bands.front();
+    GDALRasterBand* first = bands.front();
+    // Those of a file from which samples can be picked are all of one type.
     const auto suits = [&](GDALRasterBand* band) {
         return band != nullptr && band->GetDataset() == first->GetDataset() &&
-               band->GetRasterDataType() == first->GetRasterDataType() &&
                ReadType(band) == band->GetRasterDataType() && CanBePicked(*band);
     };
     const bool isReduced = window.bufWidth > 0 && window.bufHeight > 0 &&
                            window.bufWidth <= window.xSize && window.bufHeight <= window.ySize;
-    if (bands.empty() || !isReduced || !std::all_of(bands.begin(), bands.end(), suits))
+    if (!isReduced || !std::all_of(bands.begin(), bands.end(), suits))
         return false;
     const std::int64_t sampleSize = GDALGetDataTypeSizeBytes(first->GetRasterDataType());
     const std::int64_t stored =

@@ -37,6 +37,7 @@ class WindowSamples {
 
     /// The same of some bands, for large windows, whose blocks GDAL's cache could not keep, of
     /// files without a pyramid: blocks are decoded once for all of the bands, on several threads.
+    /// @param bands at least one; those that are null are not read together with others
     /// @return empty where that does not suit, and the bands are to be read one by one
     static std::vector<WindowSamples> ReadTogether(const std::vector<GDALRasterBand*>& bands,
                                                    const ReadWindow& window);
