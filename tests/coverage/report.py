@@ -5,10 +5,10 @@ how many have a stated reason not to be (reasons.txt beside this file says which
 missing; those go to BUILD/missing.txt. Names reasons that explain nothing any more.
 
 Branches are those of conditions and loops. What the compiler adds is left out: the way that an
-exception takes from a call, destruction at the end of a block, the making of static objects, the
-question whether there is something to delete, to cast or to fill. So are conditions that a line
-which was reached never came to: destruction after an exception, and what stands behind a condition
-that always decides, which is missing itself then.
+exception takes from a call and to its handler, destruction at the end of a block, the making of
+static objects, the question whether there is something to delete, to cast or to fill. So are
+conditions that a line which was reached never came to: destruction after an exception, and what
+stands behind a condition that always decides, which is missing itself then.
 """
 
 import collections
@@ -24,7 +24,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 REASONS = pathlib.Path(__file__).with_name("reasons.txt")
 CLOSING = re.compile(r"^\s*[\]}),;]*$")
 OF_COMPILER = re.compile(
-    r"^\s*(#pragma omp|(inline )?static |thread_local |delete |"
+    r"^\s*(#pragma omp|(inline )?static |thread_local |(.*\{ )?delete(\[\])? |\} catch \(|"
     r"(?!.*\bif\b)[^?]*(dynamic_cast<|new \(std::nothrow\)))")
 LAMBDA = "_clE"  # in the name that the compiler gives to the function of a lambda
 

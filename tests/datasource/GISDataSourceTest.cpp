@@ -88,6 +88,25 @@ TEST(DataSource, SourcesWithTheSamePathAreEqualWhetherOpenOrNot) {
     EXPECT_FALSE(a == b);
 }
 
+TEST(DataSource, AssignedToItselfStaysAsItIs) {
+    PlainDataSource a("EPSG:4326");
+    a.SetFilePath(L"/data/a.tif");
+    const CGISDataSource& same = a;
+    static_cast<CGISDataSource&>(a) = same;
+    EXPECT_EQ(a.GetFilePath(), L"/data/a.tif");
+    EXPECT_EQ(a.GetSpatialReferenceWKT(), "EPSG:4326");
+}
+
+TEST(DataSource, OfNoFurtherKindTakesNoDisplaySettings) {
+    PlainDataSource a;
+    PlainDataSource b;
+    b.SetDisplayType(DISPLAY_CLASSIFIED);
+    b.SetVisible(false);
+    a.CopyDisplaySetting(&b);
+    EXPECT_EQ(a.GetDisplayType(), DISPLAY_DEFAULT);
+    EXPECT_TRUE(a.IsVisible());
+}
+
 TEST(DataSource, AssignmentTakesOverPathAndWktOnly) {
     PlainDataSource a("EPSG:4326");
     a.SetFilePath(L"/data/a.tif");

@@ -1,5 +1,7 @@
 #include "zelto/geometry/OgrAlgorithm.h"
 
+#include "zelto/datasource/GISDataSource.h"
+
 #include "tests/support/TemporaryFolder.h"
 
 #include <gdal_priv.h>
@@ -162,6 +164,13 @@ TEST(SaveGeometry, AnswersOneWhateverHappens) {
     EXPECT_EQ(COgrAlgorithm::SaveGeometry(nullptr, geometry.get()), 1);
     EXPECT_EQ(COgrAlgorithm::SaveGeometry(folder.File("no/dump.shp").c_str(), geometry.get()), 1);
     EXPECT_EQ(COgrAlgorithm::SaveGeometry(folder.File("null.shp").c_str(), nullptr), 1);
+    const OGRGeometryUniquePtr point = Geometry("POINT (1 2)");
+    EXPECT_EQ(COgrAlgorithm::SaveGeometry(folder.File("point.shp").c_str(), point.get()), 1);
+    EXPECT_NE(CGISDataSource::GetLastErrorText().find("point.shp: "), std::string::npos)
+        << "a point is no polygon: " << CGISDataSource::GetLastErrorText();
+    zelto::test::WriteFile(folder.File("file"), "x");
+    EXPECT_EQ(COgrAlgorithm::SaveGeometry(folder.File("file/dump.shp").c_str(), geometry.get()), 1);
+    EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
     CPLPopErrorHandler();
 }
 

@@ -23,12 +23,11 @@ std::wstring ReadableName(const OGRSpatialReference& reference, const char* name
 
 /// @param factor units in radians or metres
 std::wstring UnitText(const char* name, double factor, bool withFactor) {
-    const char* unit = name != nullptr ? name : "";
     CPLString text;
     if (withFactor)
-        text.Printf("%s(%.18lf)", unit, factor);
+        text.Printf("%s(%.18lf)", name, factor);
     else
-        text.Printf("%s", unit);
+        text.Printf("%s", name);
     return CommonFun::M2U(text);
 }
 
@@ -71,7 +70,7 @@ std::wstring CGISDataSource::GetDatumName() const {
 std::wstring CGISDataSource::GetAngularUnits(bool withFactor) const {
     if (!IsGeographic())
         return {};
-    const char* name = nullptr;
+    const char* name = "";
     const double factor = m_spatialReference->GetAngularUnits(&name);
     return UnitText(name, factor, withFactor);
 }
@@ -79,7 +78,7 @@ std::wstring CGISDataSource::GetAngularUnits(bool withFactor) const {
 std::wstring CGISDataSource::GetLinearUnits(bool withFactor) const {
     if (!IsProjected())
         return {};
-    const char* name = nullptr;
+    const char* name = "";
     const double factor = m_spatialReference->GetLinearUnits(&name);
     return UnitText(name, factor, withFactor);
 }

@@ -27,8 +27,8 @@ Registrations& TheRegistrations() {
 
 /// What the host has asked for; none: the installation folder's "logs".
 std::optional<std::string>& HostsLogFolder() {
-    static auto* const folder =
-        new std::optional<std::string>; // NOLINT(cppcoreguidelines-owning-memory)
+    // NOLINTNEXTLINE(cppcoreguidelines-owning-memory)
+    static auto* const folder = new std::optional<std::string>;
     return *folder;
 }
 
