@@ -222,3 +222,24 @@ TEST(ColorTableLookup, ValuesBeyondTheTableAreTransparentBlack) {
     EXPECT_TRUE(band->GetRGBDataFromColorTable(0.5, 0.5, r, g, b, a));
     EXPECT_EQ(static_cast<int>(r) + g + b + a, 0);
 }
+
+TEST(ColorTableLookup, AfterColoursGivenAsRecordsIsOfThem) {
+    TestBand band({.width = 2, .height = 1, .type = GDT_Byte}, {0, 1}, GDAL_OF_UPDATE);
+    GDALColorTable table;
+    const GDALColorEntry entry{10, 20, 30, 128};
+    table.SetColorEntry(1, &entry);
+    ASSERT_EQ(band->SetColorTable(&table), GIS_SUCCESS);
+    // GDAL frees the table that the band's pointer is of.
+    std::array<tagColorEntry, 3> records{};
+    records[1] = {50, 60, 70, 80};
+    ASSERT_EQ(band->SetColorTable(records.data(), 3), GIS_SUCCESS);
+    ASSERT_TRUE(band->GetData(0, 0, 2, 1, 2, 1));
+    unsigned char r = 1;
+    unsigned char g = 2;
+    unsigned char b = 3;
+    unsigned char a = 4;
+    EXPECT_TRUE(band->GetRGBDataFromColorTable(1.5, 0.5, r, g, b, a));
+    EXPECT_EQ(r, 50);
+    EXPECT_EQ(g, 60);
+    EXPECT_EQ(b, 70);
+}

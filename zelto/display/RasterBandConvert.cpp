@@ -32,9 +32,10 @@ bool CRasterBand::GetRGBDataFromColorTable(double x, double y, unsigned char& r,
                                            unsigned char& b, unsigned char& a) const {
     const zelto::OperationScope scope;
     double sample = 0.0;
-    if (m_colorTable == nullptr || !GetNearestValueAt(x, y, &sample))
+    const GDALColorTable* const palette = zelto::PaletteOf(*this);
+    if (palette == nullptr || !GetNearestValueAt(x, y, &sample))
         return zelto::FailWith(false, L"", noValue);
-    const GDALColorEntry entry = zelto::PaletteEntry(*m_colorTable, sample);
+    const GDALColorEntry entry = zelto::PaletteEntry(*palette, sample);
     r = static_cast<unsigned char>(entry.c1);
     g = static_cast<unsigned char>(entry.c2);
     b = static_cast<unsigned char>(entry.c3);

@@ -132,8 +132,9 @@ SampleLookup<PackedColor> ShowColors(const WindowSamples& samples, const CRaster
                         });
     case SingleBandKind::Palette:
         return ShowEach(samples, band, missing,
-                        [&table = *band.GetColorTable(), transparency](double value) {
-                            return PaletteColor(table, value, transparency);
+                        [table = PaletteOf(band), transparency, missing](double value) {
+                            return table != nullptr ? PaletteColor(*table, value, transparency)
+                                                    : missing;
                         });
     default:
         return ShowByteColors(samples, band, missing, MakeByteColors([](unsigned char v) {

@@ -68,7 +68,8 @@ SingleBandKind KindOf(const CRasterSource& source, const CRasterBand& band);
 /// opaque.
 /// @param transparency 0 … 255: taken from the alpha of palette colours, which wraps; an alpha
 ///        of class colours below it becomes 0
-/// @param missing colour of pixels without a sample
+/// @param missing colour of pixels without a sample, and of all where the format has not kept the
+///        palette that the band was given
 SampleLookup<PackedColor> ShowColors(const WindowSamples& samples, const CRasterSource& source,
                                      CRasterBand& band, int transparency, PackedColor missing);
 
