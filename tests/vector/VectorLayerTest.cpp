@@ -6,6 +6,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/VectorFile.h"
 
+#include <cpl_conv.h>
 #include <gdal_priv.h>
 #include <gtest/gtest.h>
 
@@ -85,6 +86,12 @@ TEST_F(VectorLayerTest, HeightsDoNotChangeTheKind) {
     EXPECT_EQ(Geometries(layer, &box).size(), 1U);
 }
 
+TEST_F(VectorLayerTest, CurvesAreNoneOfTheKindsThatAreGiven) {
+    CVectorLayer& layer = Layer({"CIRCULARSTRING (0 0,1 1,2 0)", "POINT (1 2)",
+                                 "CURVEPOLYGON (CIRCULARSTRING (0 0,1 1,2 0,1 -1,0 0))"});
+    EXPECT_EQ(Geometries(layer, nullptr), std::vector<std::string>{"POINT (1 2)"});
+}
+
 TEST_F(VectorLayerTest, ABoxKeepsWhatTouchesIt) {
     CVectorLayer& layer = Layer(
         {"LINESTRING (0 0,10 10)", "POINT (20 5)", "MULTIPOINT (20.5 5,15 15)", "POINT (25 25)"});
@@ -95,6 +102,10 @@ TEST_F(VectorLayerTest, ABoxKeepsWhatTouchesIt) {
     EXPECT_EQ(Geometries(layer, &corner), std::vector<std::string>{"LINESTRING (0 0,10 10)"});
     CBoundingBox beside(10.5, 4, 11, 0);
     EXPECT_TRUE(Geometries(layer, &beside).empty());
+    // Left of everything, above and below in columns that hold something, right of everything.
+    for (CBoundingBox apart : {CBoundingBox(-9, 30, -8, 0), CBoundingBox(0, 40, 30, 30),
+                               CBoundingBox(0, -8, 30, -9), CBoundingBox(30, 30, 40, 0)})
+        EXPECT_TRUE(Geometries(layer, &apart).empty()) << apart.m_left;
 }
 
 TEST_F(VectorLayerTest, AskingTwiceGivesTheSameTwice) {
@@ -172,6 +183,18 @@ TEST_F(VectorLayerTest, AMissingFeatureOrPlaceFailsAndLeavesTheOldFile) {
     EXPECT_EQ(ReadGeometries(m_folder.File("out.shp")), std::vector<std::string>{polygon});
     EXPECT_FALSE(layer.SaveSelectedGeometrys(m_folder.File("missing/out.shp"), {0}));
     EXPECT_FALSE(layer.SaveSelectedGeometrys("", {0}));
+}
+
+TEST_F(VectorLayerTest, WithoutTheShapefileDriverNothingIsSavedAndTheReasonTold) {
+    CVectorLayer& layer = Layer({"POLYGON ((0 0,0 1,1 1,0 0))"});
+    // Else the driver is registered anew.
+    const CPLConfigOptionSetter skipped("OGR_SKIP", "ESRI Shapefile", false);
+    const WithoutShapefileDriver without;
+    CGISDataSource::ClearLastErrorText();
+    EXPECT_FALSE(layer.SaveSelectedGeometrys(m_folder.File("out.shp"), {1}));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText().find(m_folder.File("out.shp") + ": "), 0U)
+        << CGISDataSource::GetLastErrorText();
+    EXPECT_EQ(m_folder.Names(), std::vector<std::string>{"a.gpkg"});
 }
 
 TEST_F(VectorLayerTest, CopiesShareTheOgrLayerAndOwnTheRest) {

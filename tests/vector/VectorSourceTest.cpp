@@ -6,6 +6,7 @@
 #include "tests/support/Text.h"
 #include "tests/support/VectorFile.h"
 
+#include <cpl_string.h>
 #include <gdal_priv.h>
 #include <gtest/gtest.h>
 
@@ -199,6 +200,17 @@ TEST_F(VectorSourceTest, ADriverThatOnlyReadsIsNotSupportedAndTheSourceStaysOpen
     EXPECT_EQ(source.GetFileName(), L"a.ovf");
 }
 
+TEST_F(VectorSourceTest, ADriverOfRastersOnlyIsNotSupported) {
+    struct OwnKind : CVectorSource {
+        OwnKind() { m_driver = GetGDALDriverManager()->GetDriverByName("GTiff"); }
+    };
+    OwnKind source;
+    ASSERT_TRUE(CPLFetchBool(GetGDALDriverManager()->GetDriverByName("GTiff")->GetMetadata(),
+                             GDAL_DCAP_CREATE, false));
+    EXPECT_EQ(Create(source, VDF_AOI, "a.tif"), GIS_NOT_SUPPORTED);
+    EXPECT_TRUE(m_folder.Names().empty());
+}
+
 TEST_F(VectorSourceTest, WithoutTheShapefileDriverShapefilesAreNotSupported) {
     CVectorSource source;
     const WithoutShapefileDriver without;
@@ -233,6 +245,37 @@ TEST_F(VectorSourceTest, AssignmentTakesPathAndReferenceTextOnly) {
     EXPECT_TRUE(other.GetFileName().empty());
     EXPECT_FALSE(other.IsOpened());
     EXPECT_TRUE(source.IsOpened());
+}
+
+TEST_F(VectorSourceTest, AssignmentToItselfChangesNothing) {
+    WriteVector(m_folder.File("a.shp"), {.type = wkbPolygon}, {SQUARE});
+    CVectorSource source;
+    ASSERT_EQ(Open(source, "a.shp"), GIS_SUCCESS);
+    source = *&source;
+    EXPECT_EQ(source.GetFilePath(), m_folder.WideFile("a.shp"));
+    EXPECT_NE(source.GetVectorLayer(0), nullptr);
+}
+
+TEST_F(VectorSourceTest, WithoutLayersHasNeitherExtentNorReference) {
+    WriteFile(m_folder.File("none.vrt"), "<OGRVRTDataSource></OGRVRTDataSource>");
+    CVectorSource source;
+    ASSERT_EQ(Open(source, "none.vrt"), GIS_SUCCESS) << CGISDataSource::GetLastErrorText();
+    EXPECT_EQ(source.GetLayerCount(), 0);
+    EXPECT_EQ(source.GetVectorLayer(0), nullptr);
+    ExpectBox(source.GetExtent(), 0, 0, 0, 0);
+    EXPECT_TRUE(source.GetSpatialReferenceWKT().empty());
+}
+
+TEST_F(VectorSourceTest, HasNoDisplaySettingToCopy) {
+    WriteVector(m_folder.File("a.shp"), {.type = wkbPolygon}, {SQUARE});
+    CVectorSource source;
+    ASSERT_EQ(Open(source, "a.shp"), GIS_SUCCESS);
+    CVectorSource other;
+    other.SetVisible(false);
+    source.CopyDisplaySetting(&other);
+    source.CopyDisplaySetting(nullptr);
+    EXPECT_TRUE(source.IsVisible());
+    EXPECT_NE(source.GetVectorLayer(0), nullptr);
 }
 
 TEST_F(VectorSourceTest, EveryRealFileOpensOrFailsCleanly) {

@@ -26,10 +26,10 @@ bool Meets(const OGRGeometry& geometry, const CBoundingBox* box) {
 void AddMeeting(const OGRGeometry& geometry, const CBoundingBox* box,
                 OGRGeometryCollection& collection) {
     const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
-    if (type >= wkbPoint && type <= wkbPolygon) {
+    if (type <= wkbPolygon) {
         if (Meets(geometry, box))
             collection.addGeometry(&geometry);
-    } else if (type >= wkbMultiPoint && type <= wkbGeometryCollection) {
+    } else if (type <= wkbGeometryCollection) {
         for (const OGRGeometry* member : *geometry.toGeometryCollection())
             if (Meets(*member, box))
                 collection.addGeometry(member);

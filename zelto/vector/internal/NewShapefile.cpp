@@ -61,10 +61,7 @@ OGRLayer* NewShapefile::CreateLayer(const char* name, OGRwkbGeometryType type) {
 }
 
 bool NewShapefile::Commit() {
-    if (m_dataset == nullptr)
-        return false;
-    const GIntBig made =
-        m_dataset->GetLayerCount() > 0 ? m_dataset->GetLayer(0)->GetFeatureCount() : 0;
+    const GIntBig made = m_dataset->GetLayer(0)->GetFeatureCount();
     // Blocks still in memory are written when the data set closes, which reports no result.
     m_dataset.reset();
     if (!m_watch.Succeeded(true, m_path))

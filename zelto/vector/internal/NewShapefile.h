@@ -31,7 +31,7 @@ class NewShapefile {
     bool IsOpen() const { return m_dataset != nullptr; }
     /// Creates the layer, without a spatial reference; null when that fails.
     OGRLayer* CreateLayer(const char* name, OGRwkbGeometryType type);
-    /// Closes the file and puts it in the place of the old one.
+    /// Closes the file, which must have its layer, and puts it in the place of the old one.
     /// @return false when writing or moving it failed
     bool Commit();
 
