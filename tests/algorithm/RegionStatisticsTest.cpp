@@ -190,6 +190,32 @@ TEST_F(RegionStatistics, BandsComeInTheOrderWanted) {
     EXPECT_EQ(statistics.GetBands()[1].mean, 1);
 }
 
+TEST_F(RegionStatistics, BandsThatTheRasterDoesNotHaveAreLeftOut) {
+    auto source = Open(UnitSpec(2, 1), {{1, 3}, {5, 7}});
+    CRegionStatistics statistics(source.get());
+    statistics.SetBands({2, 1, -1});
+    ASSERT_EQ(statistics.GetBands().size(), 1U);
+    EXPECT_EQ(statistics.GetBands()[0].index, 1);
+    CRegionStatistics none(nullptr);
+    none.SetBands({0});
+    EXPECT_TRUE(none.GetBands().empty());
+}
+
+TEST_F(RegionStatistics, OfNoBandsReadNothingAndSucceed) {
+    auto source = Open(UnitSpec(2, 1), {{1, 3}});
+    CRegionStatistics statistics(source.get());
+    statistics.SetBands({});
+    RecordingProgress progress;
+    EXPECT_EQ(statistics.ComputeWithCovariance(&progress), GIS_SUCCESS);
+    EXPECT_TRUE(statistics.GetBands().empty());
+    EXPECT_TRUE(statistics.GetCovariance().empty());
+    EXPECT_TRUE(progress.m_steps.empty());
+    CRegionStatistics::Products products;
+    EXPECT_EQ(statistics.ComputeProducts(products, nullptr), GIS_SUCCESS);
+    EXPECT_EQ(products.count, 0);
+    EXPECT_TRUE(products.products.empty());
+}
+
 TEST_F(RegionStatistics, TheCovarianceTakesCompletePixelsAroundTheirOwnMeans) {
     RasterSpec spec = UnitSpec(4, 1, GDT_Float32);
     spec.noData = 9.0;
@@ -255,6 +281,37 @@ TEST_F(RegionStatistics, ReportProgressAndCanBeCancelled) {
     EXPECT_EQ(statistics.Compute(&cancelling), GIS_FAILED);
     RecordingProgress again(0);
     EXPECT_EQ(statistics.ComputeCovariance(&again), GIS_FAILED);
+}
+
+TEST_F(RegionStatistics, PercentilesThatAreCancelledKeepThoseThatWere) {
+    auto source = Open(UnitSpec(5, 1), {{1, 2, 3, 4, 5}});
+    CRegionStatistics statistics(source.get());
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    ASSERT_EQ(statistics.ComputePercentiles(0, 100, nullptr), GIS_SUCCESS);
+    RecordingProgress cancelling(0);
+    EXPECT_EQ(statistics.ComputePercentiles(25, 75, &cancelling), GIS_FAILED);
+    EXPECT_EQ(statistics.GetBands()[0].lowPercentile, 1);
+    EXPECT_EQ(statistics.GetBands()[0].highPercentile, 5);
+}
+
+TEST_F(RegionStatistics, PercentilesOfAnotherRegionThanWasComputedAreRefused) {
+    auto source = Open(UnitSpec(5, 1), {{1, 2, 3, 4, 5}});
+    CRegionStatistics statistics(source.get());
+    statistics.SetBox({0, 1, 3, 0});
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    // No values, fewer than were counted, more, and as many others.
+    for (const CBoundingBox& box : {CBoundingBox(8, 1, 9, 0), CBoundingBox(0, 1, 1, 0),
+                                    CBoundingBox(0, 1, 5, 0), CBoundingBox(2, 1, 5, 0)}) {
+        statistics.SetBox(box);
+        CGISDataSource::ClearLastErrorText();
+        EXPECT_EQ(statistics.ComputePercentiles(50, 100, nullptr), GIS_FAILED) << box.m_right;
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+                  m_path + ": the region has other values than were counted");
+    }
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    ASSERT_EQ(statistics.ComputePercentiles(50, 100, nullptr), GIS_SUCCESS);
+    EXPECT_EQ(statistics.GetBands()[0].lowPercentile, 4);
+    EXPECT_EQ(statistics.GetBands()[0].highPercentile, 5);
 }
 
 TEST_F(RegionStatistics, OfARasterThatCannotBeReadFail) {
@@ -363,6 +420,16 @@ TEST_F(RegionStatistics, HistogramsCountTheValuesBetweenTheirBounds) {
     EXPECT_EQ(statistics.ComputeHistogram(1, 0, 1, counts, nullptr), GIS_FAILED);
     EXPECT_EQ(statistics.ComputeHistogram(-1, 0, 1, counts, nullptr), GIS_FAILED);
     EXPECT_EQ(statistics.ComputeHistogram(0, 0, 0, counts, nullptr), GIS_FAILED);
+}
+
+TEST_F(RegionStatistics, HistogramsOfABandThatCannotBeReadFail) {
+    auto source = OpenWithCutSecondBand();
+    CRegionStatistics statistics(source.get());
+    std::vector<__int64> counts(1);
+    EXPECT_EQ(statistics.ComputeHistogram(0, 0, 10, counts, nullptr), GIS_SUCCESS);
+    EXPECT_EQ(counts[0], 90000);
+    EXPECT_EQ(statistics.ComputeHistogram(1, 0, 10, counts, nullptr), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText().find(m_path + ": "), 0U);
 }
 
 TEST_F(RegionStatistics, HistogramsOfSeveralBandsAreThoseOfEachBandAlone) {

@@ -88,3 +88,16 @@ TEST(PreciseMoments, BatchesOfAnySizeMergeToTheSame) {
     EXPECT_EQ(parts.Mean(), all.Mean()); // whole numbers: the sum is exact
     EXPECT_NEAR(parts.StandardDeviation(), all.StandardDeviation(), 1e-10);
 }
+
+TEST(RankSearch, EndsWhereTheSamplesAreNotThoseThatWereCounted) {
+    const std::vector<double> samples = {1, 2, 3};
+    RankSearch search(3, 1, 5);
+    search.BeginPass();
+    search.Add(samples);
+    EXPECT_FALSE(search.EndPass());
+    RankSearch last(2, 1, 5);
+    last.BeginPass();
+    last.Add(samples);
+    EXPECT_TRUE(last.EndPass());
+    EXPECT_EQ(last.Value(), 3);
+}

@@ -119,7 +119,8 @@ class ZELTO_API CRegionStatistics {
     /// between the two values around position (count − 1) × percent / 100 of the sorted values.
     /// The region is read a few times over. Call Compute() first.
     /// @param low,high 0 … 100, to which others are limited
-    /// @return GIS_FAILED also for one that is not a number
+    /// @return GIS_FAILED also for one that is not a number, and where the values are not those
+    ///         that Compute() counted: of another region, or of a file that changed
     GISError ComputePercentiles(double low, double high, CDataProgress* progress);
 
     /// Counts one band's values into buckets of equal width; those outside are left out.

@@ -9,7 +9,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <iterator>
 #include <limits>
+#include <span>
+#include <vector>
 
 namespace {
 
@@ -40,7 +44,8 @@ class Percentile {
 /// The percentiles of one band; none for a band without values.
 class BandPercentiles {
   public:
-    BandPercentiles(const CRegionStatistics::Band& band, double low, double high) {
+    BandPercentiles(const CRegionStatistics::Band& band, double low, double high)
+        : m_count(band.count) {
         if (band.count < 1)
             return;
         for (const double percent : {low, high})
@@ -49,6 +54,7 @@ class BandPercentiles {
 
     /// @return whether there is anything left to search
     bool BeginPass() {
+        m_seen = 0;
         m_open.clear();
         for (Percentile& percentile : m_percentiles)
             for (zelto::RankSearch* search : percentile.Searches())
@@ -59,17 +65,22 @@ class BandPercentiles {
         return !m_open.empty();
     }
     void Add(std::span<const double> values) {
+        m_seen += std::ssize(values);
         for (zelto::RankSearch* search : m_open)
             search->Add(values);
     }
-    void EndPass() {
-        for (zelto::RankSearch* search : m_open)
-            search->EndPass();
+    /// @return false when the values were not those that have been counted
+    bool EndPass() {
+        return m_seen == m_count &&
+               std::all_of(m_open.begin(), m_open.end(),
+                           [](zelto::RankSearch* search) { return search->EndPass(); });
     }
     double Low() const { return m_percentiles.empty() ? NO_PERCENTILE : m_percentiles[0].Value(); }
     double High() const { return m_percentiles.empty() ? NO_PERCENTILE : m_percentiles[1].Value(); }
 
   private:
+    std::int64_t m_count;    ///< of the band's values
+    std::int64_t m_seen = 0; ///< in the present pass
     std::vector<Percentile> m_percentiles;
     std::vector<zelto::RankSearch*> m_open;
 };
@@ -106,8 +117,11 @@ GISError CRegionStatistics::ComputePercentiles(double low, double high, CDataPro
         while (beginPass()) {
             if (!visitValues())
                 return GIS_FAILED;
-            for (BandPercentiles& band : bands)
-                band.EndPass();
+            if (!std::all_of(bands.begin(), bands.end(),
+                             [](BandPercentiles& band) { return band.EndPass(); })) {
+                zelto::Refuse(*m_source, "the region has other values than were counted");
+                return GIS_FAILED;
+            }
         }
         for (std::size_t b = 0; b < bands.size(); ++b) {
             m_bands[b].lowPercentile = bands[b].Low();

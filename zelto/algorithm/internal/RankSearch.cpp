@@ -36,16 +36,16 @@ void RankSearch::Add(std::span<const double> samples) {
     }
 }
 
-void RankSearch::EndPass() {
+bool RankSearch::EndPass() {
     for (const Bin& bin : m_bins) {
         if (m_rank < bin.count) {
             m_low = bin.low;
             m_high = bin.high;
-            break;
+            return true;
         }
         m_rank -= bin.count;
     }
-    m_bins.clear();
+    return false;
 }
 
 } // namespace zelto

@@ -23,7 +23,9 @@ class RankSearch {
     /// One pass: start, all finite samples, end.
     void BeginPass();
     void Add(std::span<const double> samples);
-    void EndPass();
+    /// @return false when the samples were not those that the rank was counted in, which leaves
+    ///         nothing to be found
+    bool EndPass();
 
   private:
     /// The samples of one part of the interval.
