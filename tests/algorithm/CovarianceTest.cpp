@@ -116,6 +116,18 @@ TEST_F(Covariance, AreasWithoutPixelsOrPartlyOffTheRasterAnswerFalse) {
     EXPECT_FALSE(FromShape(*source, Rectangle(50, 50, 60, 40).get(), nullptr));
 }
 
+TEST_F(Covariance, RegionsOfNoRowOrNoColumnAreRefusedAndTold) {
+    auto source = Open(UnitSpec(10, 10), {MakePixels(10, 10, [](int c, int) { return c; })});
+    // All vertices fall on row 3: the window has no height.
+    EXPECT_FALSE(FromArea(*source, *Area(Polygon({{1, 6.9}, {8, 6.9}, {4, 6.2}})), nullptr));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), m_path + ": the region has no pixels");
+    CGISDataSource::ClearLastErrorText();
+    // Column 10 is widened to one pixel and then cut off at the raster's width.
+    EXPECT_FALSE(FromShape(*source, Rectangle(10, 5, 12, 3).get(), nullptr));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), m_path + ": the region has no pixels");
+    EXPECT_EQ(m_covariance[0], -999);
+}
+
 TEST_F(Covariance, RandomAreasAgreeWithThePlainRuleForAnyNumberOfBands) {
     for (unsigned seed = 1; seed <= 27; ++seed) {
         SCOPED_TRACE(seed);

@@ -62,6 +62,29 @@ TEST_F(HistogramFromBox, ABoxOffTheRasterOrOfOnePixelAnswersFalse) {
     EXPECT_EQ(m_histogram[0], -999);
 }
 
+TEST_F(HistogramFromBox, ABoxOfMorePixelsThan32BitsCountAnswersFalseAndTellsSo) {
+    // 65,537 × 65,536 pixels are 65,536 in 32 bits.
+    m_path = m_folder.File("large.vrt");
+    WriteFile(m_path, "<VRTDataset rasterXSize='65537' rasterYSize='65536'>"
+                      "<GeoTransform>0,1,0,65536,0,-1</GeoTransform>"
+                      "<VRTRasterBand dataType='Byte' band='1'/></VRTDataset>");
+    const auto source = Reopen();
+    EXPECT_FALSE(Compute(*source, {0, 65536, 65537, 0}));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_path + ": the region has more pixels than can be counted");
+    EXPECT_EQ(m_count, -999);
+}
+
+TEST_F(HistogramFromBox, ABandThatTheRasterDoesNotHaveCountsNothing) {
+    auto source = Open(UnitSpec(2, 1), {{1, 3}});
+    for (const int band : {-1, 1}) {
+        EXPECT_TRUE(Compute(*source, {0, 1, 2, 0}, -1e300, 1e300, band));
+        EXPECT_EQ(m_count, 0);
+        EXPECT_EQ(m_min, -999);
+        EXPECT_EQ(m_histogram[0], -999);
+    }
+}
+
 TEST_F(HistogramFromBox, TheEndsOfTheRangeAreNotCounted) {
     // Bins are trunc((v − 10) / 255 × 255 + 0.5): v − 10.
     auto source = Open(UnitSpec(6, 1, GDT_UInt16), {{10, 11, 12, 12, 264, 265}});

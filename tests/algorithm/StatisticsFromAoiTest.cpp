@@ -147,6 +147,16 @@ TEST_F(StatisticsFromAoi, AnAreaFarLargerThanTheRasterAnswersFalseAtOnce) {
     }
 }
 
+TEST_F(StatisticsFromAoi, AnAreaOfMorePixelsThan32BitsCountIsRefusedAndTold) {
+    auto source = Open(UnitSpec(10, 10), {Digits()});
+    // 65,537 × 65,536 pixels are 65,536 in 32 bits.
+    auto area = Area(Polygon({{0, 10}, {65537, 10}, {65537, 10 - 65536}}));
+    EXPECT_FALSE(Compute(*source, area.get()));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_path + ": the region has more pixels than can be counted");
+    EXPECT_EQ(m_count, -999);
+}
+
 TEST_F(StatisticsFromAoi, ABandThatCannotBeReadCountsNothingAndKeepsTheRangeOfTheBandBefore) {
     auto source = OpenWithCutSecondBand();
     auto area = Area(Rectangle(0, 300, 300, 0));

@@ -33,8 +33,6 @@ bool CRasterAlgorithm::ComputeCovarianceFromAOI(CRasterSource* source, CRasterAO
             return zelto::Refuse(*source, zelto::NO_PIXELS);
         const zelto::CovariancePlan plan = zelto::PlanAoiCovariance(
             window.width, window.height, static_cast<int>(bands.size()), approx);
-        if (!plan.grid.IsHeld())
-            return zelto::Refuse(*source, "the region has more pixels than can be counted");
         zelto::CovarianceSums sums(bands, mean, covariance);
         sums.Clear();
         __int64 count = 0;
@@ -57,8 +55,6 @@ bool CRasterAlgorithm::ComputeCovarianceFromAOIByBlock(CRasterSource* source, co
                                                        const double* mean, double* covariance,
                                                        __int64& count, double step,
                                                        CDataProgress* /*progress*/) {
-    if (source == nullptr || rows == nullptr || block == nullptr || covariance == nullptr)
-        return false;
     const zelto::PixelWindow samples = zelto::WindowOf(*block);
     zelto::RegionSpans spans;
     spans.Find(*RowsOfBlock(aoi, *block, step), 0, samples.height);

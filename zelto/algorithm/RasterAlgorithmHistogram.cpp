@@ -31,7 +31,9 @@ class BoxSamples {
         BoxSamples result;
         result.m_window = *window;
         result.m_grid = zelto::HistogramGrid(window->width, window->height, source.GetBandCount());
-        if (result.m_grid.samples < 2 || !result.m_grid.IsHeld())
+        if (!result.m_grid.IsHeld())
+            return Nothing(source, zelto::TOO_MANY_PIXELS);
+        if (result.m_grid.samples < 2)
             return Nothing(source, zelto::NO_PIXELS);
         result.m_samples = zelto::AllocateSamples<double>(result.m_grid.samples);
         if (!result.m_samples)

@@ -74,7 +74,9 @@ bool CRasterAlgorithm::ComputeStaticsFromAOI(CRasterSource* source, CRasterAOI* 
         if (plan.inBlocks)
             return finish(
                 ComputeStaticsFormAOIByBlock(source, aoi, count, min, max, mean, progress), false);
-        if (plan.grid.samples < 1 || !plan.grid.IsHeld())
+        if (!plan.grid.IsHeld())
+            return zelto::Refuse(*source, zelto::TOO_MANY_PIXELS);
+        if (plan.grid.samples < 1)
             return zelto::Refuse(*source, zelto::NO_PIXELS);
         const auto region = zelto::RowsOf(*aoi, window, plan.grid);
         const auto moments =

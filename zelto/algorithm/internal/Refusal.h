@@ -9,6 +9,7 @@ namespace zelto {
 
 inline constexpr const char* NO_OVERLAP = "the region does not overlap the raster";
 inline constexpr const char* NO_PIXELS = "the region has no pixels";
+inline constexpr const char* TOO_MANY_PIXELS = "the region has more pixels than can be counted";
 inline constexpr const char* NO_MEMORY = "not enough memory";
 inline constexpr const char* ROWS_TOO_LONG = "its rows are too long to be read";
 
