@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 using namespace zelto::test;
@@ -150,15 +151,22 @@ TEST(AdjustContrast, NothingHappensWithoutBuffersOrPixels) {
     unsigned char* planes[2] = {pixel, nullptr};
     double value = 6.0;
     CRasterAlgorithm::AdjustContrast(static_cast<unsigned char*>(nullptr), 1, 1, 1.0F);
-    CRasterAlgorithm::AdjustContrast(pixel, -1, 1, 1.0F);
     CRasterAlgorithm::AdjustContrast(static_cast<unsigned char**>(nullptr), 1, 1, 1.0F, 1);
     CRasterAlgorithm::AdjustContrast(planes, 1, 1, 1.0F, 2);
-    CRasterAlgorithm::AdjustContrast(planes, 1, 0, 1.0F, 1);
     CRasterAlgorithm::AdjustContrast(planes, 1, 1, 1.0F, 0);
     CRasterAlgorithm::AdjustContrast(planes, 1, 1, 1.0F, -3);
-    CRasterAlgorithm::AdjustContrast(&value, &value, nullptr, 1, 1, 1.0F);
     CRasterAlgorithm::AdjustIntensityAndContrast(nullptr, 1, 1, 1.0F, 1.0F);
-    CRasterAlgorithm::AdjustIntensityAndContrast(pixel, 1, 0, 1.0F, 1.0F);
+    for (const auto& [w, h] : {std::pair{-1, 1}, std::pair{1, 0}}) {
+        CRasterAlgorithm::AdjustContrast(pixel, w, h, 1.0F);
+        CRasterAlgorithm::AdjustContrast(planes, w, h, 1.0F, 1);
+        CRasterAlgorithm::AdjustContrast(&value, &value, &value, w, h, 1.0F);
+        CRasterAlgorithm::AdjustIntensityAndContrast(pixel, w, h, 1.0F, 1.0F);
+    }
+    for (int missing = 0; missing < 3; ++missing) {
+        double* values[3] = {&value, &value, &value};
+        values[missing] = nullptr;
+        CRasterAlgorithm::AdjustContrast(values[0], values[1], values[2], 1, 1, 1.0F);
+    }
     EXPECT_EQ(pixel[0], 1);
     EXPECT_EQ(value, 6.0);
 }

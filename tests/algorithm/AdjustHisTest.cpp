@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 using namespace zelto::test;
@@ -177,14 +178,23 @@ TEST(AdjustHIS, TheResultIsTheSameForEveryNumberOfThreads) {
 TEST(AdjustHIS, NothingHappensWithoutBuffersOrPixels) {
     unsigned char pixel[4] = {1, 2, 3, 4};
     unsigned char plane[1] = {5};
-    unsigned char* planes[3] = {plane, nullptr, plane};
+    unsigned char* planes[3] = {plane, plane, plane};
     double value = 6.0;
     CRasterAlgorithm::AdjustHIS(static_cast<unsigned char*>(nullptr), 1, 1, 1.0F, 1.0F, 1.0F);
-    CRasterAlgorithm::AdjustHIS(pixel, 0, 1, 1.0F, 1.0F, 1.0F);
-    CRasterAlgorithm::AdjustHIS(pixel, 1, -1, 1.0F, 1.0F, 1.0F);
     CRasterAlgorithm::AdjustHIS(static_cast<unsigned char**>(nullptr), 1, 1, 1.0F, 1.0F, 1.0F);
-    CRasterAlgorithm::AdjustHIS(planes, 1, 1, 1.0F, 1.0F, 1.0F);
-    CRasterAlgorithm::AdjustHIS(&value, nullptr, &value, 1, 1, 1.0F, 1.0F, 1.0F);
+    for (const auto& [w, h] : {std::pair{0, 1}, std::pair{1, -1}}) {
+        CRasterAlgorithm::AdjustHIS(pixel, w, h, 1.0F, 1.0F, 1.0F);
+        CRasterAlgorithm::AdjustHIS(planes, w, h, 1.0F, 1.0F, 1.0F);
+        CRasterAlgorithm::AdjustHIS(&value, &value, &value, w, h, 1.0F, 1.0F, 1.0F);
+    }
+    for (int missing = 0; missing < 3; ++missing) {
+        unsigned char* some[3] = {plane, plane, plane};
+        some[missing] = nullptr;
+        CRasterAlgorithm::AdjustHIS(some, 1, 1, 1.0F, 1.0F, 1.0F);
+        double* values[3] = {&value, &value, &value};
+        values[missing] = nullptr;
+        CRasterAlgorithm::AdjustHIS(values[0], values[1], values[2], 1, 1, 1.0F, 1.0F, 1.0F);
+    }
     EXPECT_EQ(pixel[0], 1);
     EXPECT_EQ(plane[0], 5);
     EXPECT_EQ(value, 6.0);

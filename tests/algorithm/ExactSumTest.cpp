@@ -1,13 +1,17 @@
 #include "zelto/algorithm/internal/ExactSum.h"
 
+#include "zelto/algorithm/internal/ExactMoments.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <limits>
 #include <random>
+#include <utility>
 #include <vector>
 
 using zelto::ExactSum;
+using zelto::ExactWay;
 
 namespace {
 
@@ -76,4 +80,41 @@ TEST(ExactSum, IsNegativeInTwosComplement) {
     EXPECT_EQ(bytes[2148 / 8], 0xF0); // bit 2148 and all above it
     EXPECT_EQ(bytes.back(), 0xFF);
     EXPECT_EQ(bytes.front(), 0x00);
+}
+
+TEST(ExactSum, OfManyLargeTermsCarriesInTime) {
+    // All the digits that a term has are full: 2^53 − 1 and its square.
+    constexpr double FULL = 9007199254740991.0;
+    constexpr int TERMS = 1 << 21;
+    ExactSum many;
+    for (int i = 0; i < TERMS; ++i) {
+        many.AddProduct(FULL, FULL);
+        many.Add(-FULL);
+    }
+    ExactSum product;
+    const auto square = static_cast<zelto::Int128>(FULL) * static_cast<zelto::Int128>(FULL);
+    product.AddWhole((square - static_cast<zelto::Int128>(FULL)) * TERMS);
+    EXPECT_EQ(many.Bytes(), product.Bytes());
+}
+
+TEST(ExactSum, ProductsOfEveryTwoTypesAreExact) {
+    // Whole numbers of 32 bits, singles, whole numbers of 16 bits.
+    const std::vector<double> whole = {2147483647, -2147483648.0, 3};
+    const std::vector<double> single = {16777215, 0.125, -16777213};
+    const std::vector<double> small = {65535, -32768, 1};
+    const std::vector<std::pair<std::vector<double>, ExactWay>> bands = {
+        {whole, ExactWay::Whole},
+        {single, ExactWay::Single},
+        {small, ExactWay::SmallWhole},
+        {small, ExactWay::Double}};
+    for (const auto& [a, wayOfA] : bands)
+        for (const auto& [b, wayOfB] : bands) {
+            ExactSum sum;
+            AddProducts(sum, a, wayOfA, b, wayOfB);
+            ExactSum plain;
+            for (std::size_t i = 0; i < a.size(); ++i)
+                plain.AddProduct(a[i], b[i]);
+            EXPECT_EQ(sum.Bytes(), plain.Bytes())
+                << static_cast<int>(wayOfA) << " " << static_cast<int>(wayOfB);
+        }
 }

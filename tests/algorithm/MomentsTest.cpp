@@ -107,3 +107,25 @@ TEST(NoDataRule, HoldsWithin1e8AndOnlyWhereThereIsOne) {
     const OneBand one(GDT_Byte, 3.0);
     EXPECT_TRUE(NoDataRule::Of(*one.band).Holds(3.0));
 }
+
+TEST(MomentsAdder, RepeatedSamplesAddUpAsOneByOneWhereDoublesHaveGaps) {
+    const OneBand one(GDT_Byte, {});
+    Moments moments;
+    moments.Add(9007199254740990.0); // 2^53 − 2
+    MomentsAdder(*one.band).AddRepeated(moments, 1, 5);
+    EXPECT_EQ(moments.count, 6);
+    // One more than 2^53 is rounded down to it again; 2^53 − 1 + 4 would have been rounded up.
+    EXPECT_EQ(moments.sum, 9007199254740992.0);
+}
+
+TEST(MomentsAdder, BandsThatAreAssembledMayHaveFractionsWhateverTheirType) {
+    const OneBand stored(GDT_Byte, {});
+    EXPECT_TRUE(HasSmallWholeNumbers(*stored.band));
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("VRT");
+    const GDALDatasetUniquePtr assembled(driver->Create("", 1, 1, 1, GDT_Byte, nullptr));
+    const CRasterBand band(assembled->GetRasterBand(1), false, false);
+    EXPECT_FALSE(HasSmallWholeNumbers(band));
+    Moments moments;
+    MomentsAdder(band).AddRepeated(moments, 0.1, 3);
+    EXPECT_EQ(moments.sum, 0.1 + 0.1 + 0.1);
+}

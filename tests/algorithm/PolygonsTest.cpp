@@ -171,6 +171,27 @@ TEST_F(Polygons, PolygonizeFailsWhenCancelledOrWithoutItsArguments) {
     EXPECT_EQ(CRasterAlgorithm::RasterPolygonize(source->GetRasterBand(0), nullptr, nullptr, 0,
                                                  nullptr, nullptr, L""),
               GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), "no open band, mask or layer is given");
+}
+
+TEST_F(Polygons, PolygonizeDoesNotTakeAMaskOrALayerThatIsGoneForNone) {
+    auto source = Open(UnitSpec(3, 3), {THREE_AREAS});
+    CRasterBand* const band = source->GetRasterBand(0);
+    CRasterBand gone(false, nullptr);
+    MemoryLayer memory;
+    CVectorLayer layer(memory.layer);
+    CVectorLayer layerGone(nullptr);
+    const auto run = [](CRasterBand* pixels, CRasterBand* mask, CVectorLayer* target) {
+        CGISDataSource::ClearLastErrorText();
+        const GISError answer =
+            CRasterAlgorithm::RasterPolygonize(pixels, mask, target, 0, nullptr, nullptr, L"");
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(), "no open band, mask or layer is given");
+        return answer;
+    };
+    EXPECT_EQ(run(&gone, nullptr, &layer), GIS_FAILED);
+    EXPECT_EQ(run(band, &gone, &layer), GIS_FAILED);
+    EXPECT_EQ(run(band, nullptr, &layerGone), GIS_FAILED);
+    EXPECT_EQ(memory.layer->GetFeatureCount(), 0);
 }
 
 TEST_F(Polygons, ANetKeepsEachPolygonsOwnNameAcrossNullEntries) {
@@ -294,6 +315,17 @@ TEST_F(Polygons, AnIntersectionGdalCannotMakeIsNullAndTold) {
     EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
 }
 
+TEST_F(Polygons, AnIntersectionWithMembersThatCannotBeMergedIsNullAndTold) {
+    CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    CGISDataSource::ClearLastErrorText();
+    // The second member crosses itself, which ends the merging before the third.
+    EXPECT_EQ(Intersection("MULTIPOLYGON (((0 0,0 4,4 4,4 0,0 0)),((1 1,3 3,3 1,1 3,1 1)),"
+                           "((8 0,8 4,9 4,8 0)))",
+                           "POLYGON ((0 0,0 1,9 1,9 0,0 0))"),
+              nullptr);
+    EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
+}
+
 TEST_F(Polygons, TextPolygonsAreANamePairsAndAnEnd) {
     WriteFile(m_folder.File("net.txt"), "one\n0 0\n0 2\n2 2\nend\ntwo 5.5 0 5.5 1 6 1 end\n");
     EXPECT_TRUE(CRasterAlgorithm::SaveGemetryFromTxt(m_folder.File("net.txt")));
@@ -324,6 +356,12 @@ TEST_F(Polygons, TextThatIsAFolderOrAPipeAnswersFalseAndMakesNothing) {
         EXPECT_EQ(CGISDataSource::GetLastErrorText().rfind(m_folder.File(name + ".txt: "), 0), 0U)
             << CGISDataSource::GetLastErrorText();
     }
+}
+
+TEST_F(Polygons, TextThatCannotBeReadToItsEndAnswersFalseAndTellsSo) {
+    // A regular file whose first byte is never mapped.
+    EXPECT_FALSE(CRasterAlgorithm::SaveGemetryFromTxt("/proc/self/mem"));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), "/proc/self/mem: cannot be read to its end");
 }
 
 TEST_F(Polygons, IntersectionOfAPolygonIsGdals) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 using namespace zelto::test;
@@ -114,6 +115,17 @@ TEST_F(RegionSums, OfNothingAreZeroAndTheRangeIsNoNumber) {
     EXPECT_EQ(sums[0].sum, Sum(sums[0].sum.size()));
 }
 
+TEST_F(RegionSums, OfABandWithoutValuesAreThoseOfNothing) {
+    RasterSpec spec = UnitSpec(3, 1);
+    spec.noData = 9.0;
+    auto source = Open(spec, {{9, 9, 9}});
+    CRegionStatistics statistics(source.get());
+    const auto sums = SumsOf(statistics);
+    EXPECT_EQ(sums[0].count, 0);
+    EXPECT_TRUE(std::isnan(sums[0].maximum));
+    EXPECT_EQ(sums[0].squares, Sum(sums[0].squares.size()));
+}
+
 TEST_F(RegionSums, OfProductsTakeThePixelsWithAValueInEveryBand) {
     RasterSpec spec = UnitSpec(4, 1, GDT_Int16);
     spec.noData = 9.0;
@@ -155,6 +167,29 @@ TEST_F(RegionSums, MaskTellsThePixelsWhoseCentresLieInTheRegion) {
     EXPECT_EQ(statistics.FillMask(0, 1, nullptr), GIS_FAILED);
 }
 
+TEST_F(RegionSums, MaskOfTheWholeRasterIsFullAndThatOfARegionBesideItEmpty) {
+    auto source = Open(UnitSpec(3, 2), {Pixels(6, 1)});
+    CRegionStatistics statistics(source.get());
+    std::vector<unsigned char> mask(6, 7);
+    ASSERT_EQ(statistics.FillMask(0, 2, mask.data()), GIS_SUCCESS);
+    EXPECT_EQ(mask, std::vector<unsigned char>(6, 1));
+    statistics.SetBox({10, 12, 12, 10});
+    ASSERT_EQ(statistics.FillMask(0, 2, mask.data()), GIS_SUCCESS);
+    EXPECT_EQ(mask, std::vector<unsigned char>(6, 0));
+}
+
+TEST_F(RegionSums, MaskOfRowsThatTheRasterDoesNotHaveIsRefused) {
+    auto source = Open(UnitSpec(3, 2), {Pixels(6, 1)});
+    CRegionStatistics statistics(source.get());
+    std::vector<unsigned char> mask(6, 7);
+    for (const auto& [first, count] : {std::pair{-1, 1}, {0, 0}, {0, -1}, {0, 3}, {2, 1}}) {
+        CGISDataSource::ClearLastErrorText();
+        EXPECT_EQ(statistics.FillMask(first, count, mask.data()), GIS_FAILED) << first;
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(), "no rows of the mask is given");
+    }
+    EXPECT_EQ(mask, std::vector<unsigned char>(6, 7));
+}
+
 TEST_F(RegionSums, RowsLimitWhatIsMeasured) {
     auto source = Open(UnitSpec(2, 3), {{1, 2, 3, 4, 5, 6}});
     CRegionStatistics statistics(source.get());
@@ -165,4 +200,7 @@ TEST_F(RegionSums, RowsLimitWhatIsMeasured) {
     statistics.SetRows(2, 2147483647);
     ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
     EXPECT_EQ(statistics.GetBands()[0].mean, 5.5);
+    statistics.SetRows(3, 1); // below the last row
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    EXPECT_EQ(statistics.GetBands()[0].count, 0);
 }

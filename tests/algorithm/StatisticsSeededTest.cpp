@@ -99,6 +99,23 @@ TEST_F(SeededStatistics, ARegionOffTheRasterAnswersFalse) {
     EXPECT_EQ(m_count, -999);
 }
 
+TEST_F(SeededStatistics, ARasterWhoseRowsRunUpwardsHasNoSamplesUnderARegion) {
+    // The upper edge of a box lies below the lower one in rows: the window's height is negative.
+    RasterSpec spec = UnitSpec(2, 2);
+    spec.geoTransform = {0, 1, 0, 0, 0, 1};
+    Open(spec, {{1, 2, 3, 4}}).reset();
+    const auto source = Reopen(true);
+    for (const bool skipZero : {false, true}) {
+        CGISDataSource::ClearLastErrorText();
+        EXPECT_FALSE(FromArea(*source, *Area(Rectangle(0, 2, 2, 0)), skipZero));
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(), m_path + ": the region has no pixels");
+    }
+    CGISDataSource::ClearLastErrorText();
+    EXPECT_FALSE(FromBox(*source, {0, 2, 2, 0}));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), m_path + ": the region has no pixels");
+    EXPECT_EQ(m_count, -999);
+}
+
 TEST_F(SeededStatistics, NullArraysAreNotWritten) {
     auto source = Open(UnitSpec(2, 2), {{1, 2, 3, 4}});
     CBoundingBox box(0, 2, 2, 0);

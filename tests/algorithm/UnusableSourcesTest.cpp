@@ -1,5 +1,5 @@
+#include "zelto/algorithm/ZonalStatistics.h"
 #include "zelto/display/ComposedRaster.h"
-#include "zelto/vector/VectorLayer.h"
 
 #include "tests/algorithm/RegionFixture.h"
 #include "tests/algorithm/RegionOperations.h"
@@ -31,6 +31,16 @@ class UnusableSources : public RegionTest {
         EXPECT_EQ(statistics.ComputeCovariance(nullptr), GIS_FAILED);
         EXPECT_EQ(statistics.ComputePercentiles(2, 98, nullptr), GIS_FAILED);
         EXPECT_EQ(statistics.ComputeHistogram(0, 0, 1, counts, nullptr), GIS_FAILED);
+        EXPECT_EQ(statistics.ComputeWithCovariance(nullptr), GIS_FAILED);
+        std::vector<CRegionStatistics::Sums> sums(1);
+        EXPECT_EQ(statistics.ComputeSums(sums, nullptr), GIS_FAILED);
+        EXPECT_EQ(sums.size(), 1U);
+        CRegionStatistics::Products products;
+        EXPECT_EQ(statistics.ComputeProducts(products, nullptr), GIS_FAILED);
+        EXPECT_TRUE(products.sums.empty());
+        unsigned char inside[8] = {7};
+        EXPECT_EQ(statistics.FillMask(0, 1, inside), GIS_FAILED);
+        EXPECT_EQ(inside[0], 7);
         EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
     }
 
@@ -103,13 +113,43 @@ TEST_F(UnusableSources, OnesNeverOpenedDoNoHarm) {
     }
 }
 
-TEST_F(UnusableSources, APolygonizedMaskThatIsGoneIsNotTakenForNone) {
-    CRasterBand gone(false, nullptr);
+TEST_F(UnusableSources, OnesReopenedWithFewerBandsAreRefusedForThoseThatAreGone) {
     const auto source = OpenThreeBands();
-    CVectorLayer layer(nullptr);
-    EXPECT_EQ(CRasterAlgorithm::RasterPolygonize(&gone, nullptr, &layer, -1, nullptr, nullptr, L""),
-              GIS_FAILED);
-    EXPECT_EQ(CRasterAlgorithm::RasterPolygonize(source->GetRasterBand(0), &gone, &layer, -1,
-                                                 nullptr, nullptr, L""),
-              GIS_FAILED);
+    CRegionStatistics before(source.get());
+    CZonalStatistics zones(source.get());
+    ASSERT_TRUE(zones.AddZone(nullptr));
+    std::filesystem::remove(m_path);
+    WriteRaster(m_path, UnitSpec(8, 8), {Pixels(64, 1.0)});
+    ASSERT_EQ(source->Reopen(GIS_READONLY, false), GIS_SUCCESS);
+    ASSERT_EQ(source->GetBandCount(), 1);
+    ExpectReportsFail(before);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_path + ": the raster has fewer bands than before");
+    CGISDataSource::ClearLastErrorText();
+    EXPECT_EQ(zones.Compute(nullptr), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_path + ": the raster has fewer bands than before");
+    EXPECT_FALSE(zones.AddZone(nullptr));
+    EXPECT_EQ(zones.GetZoneCount(), 1);
+    CRegionStatistics after(source.get());
+    EXPECT_EQ(after.Compute(nullptr), GIS_SUCCESS);
+}
+
+TEST_F(UnusableSources, ClosedOnesHaveNoBandsForZones) {
+    const auto source = OpenThreeBands();
+    source->Close();
+    CZonalStatistics zones(source.get());
+    EXPECT_FALSE(zones.AddZone(nullptr));
+    EXPECT_EQ(zones.Compute(nullptr), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), m_path + ": the raster is not open");
+}
+
+TEST_F(UnusableSources, OnesThatHoldNoBandsAreRefused) {
+    m_path = m_folder.File("none.vrt");
+    WriteFile(m_path, "<VRTDataset rasterXSize='8' rasterYSize='8'>"
+                      "<GeoTransform>0,1,0,8,0,-1</GeoTransform></VRTDataset>");
+    CRasterSource source;
+    source.SetForDisplay(false);
+    ASSERT_NE(source.Open(m_folder.WideFile("none.vrt").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    ExpectAllRefuse(&source);
 }

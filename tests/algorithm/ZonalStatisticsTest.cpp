@@ -7,8 +7,10 @@
 #include <ogr_geometry.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 using namespace zelto::test;
 using Weights = CZonalStatistics::Weights;
@@ -256,10 +258,7 @@ TEST_F(ZonalStatistics, AgreeWithClippingEveryPixelAndTestingEveryCentre) {
         const auto draw = [&](int, int) { return static_cast<double>(random() % 60) / 4; };
         const std::vector<Pixels> pixels = {MakePixels(24, 18, draw), MakePixels(24, 18, draw)};
         Open(spec, pixels).reset();
-        auto source = std::make_unique<CRasterSource>();
-        ASSERT_EQ(
-            source->Open(std::wstring(m_path.begin(), m_path.end()).c_str(), GIS_READONLY, false),
-            GIS_SUCCESS);
+        const auto source = Reopen(true);
         std::vector<Geometry> zones;
         for (int i = 0; i < 25; ++i)
             zones.push_back(FromWkt("POLYGON " + RandomStar(random, 20)));
@@ -406,4 +405,139 @@ TEST_F(ZonalStatistics, ManyZonesAreFarFromTheOrigin) {
     const double area = (17.3 * 21.7 - 11.9 * 3.1) / 2 / 100;
     for (int i = 0; i < 1000; ++i)
         EXPECT_NEAR(statistics.GetZone(i)[0].weight, area, 1e-9) << i;
+}
+
+TEST_F(ZonalStatistics, MeasuresTheBandsThatAreWanted) {
+    auto source = Open(UnitSpec(2, 1), {{1, 3}, {5, 7}});
+    CZonalStatistics statistics(source.get());
+    statistics.SetBands({1, 2, -1, 0});
+    ASSERT_TRUE(statistics.AddZone(FromWkt("POLYGON ((0 0,1 0,1 1,0 1,0 0))").get()));
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    const auto& bands = statistics.GetZone(0);
+    ASSERT_EQ(bands.size(), 2U);
+    EXPECT_EQ(bands[0].index, 1);
+    EXPECT_EQ(bands[0].sum, 5);
+    EXPECT_EQ(bands[1].index, 0);
+    EXPECT_EQ(bands[1].sum, 1);
+    EXPECT_TRUE(statistics.GetZone(-1).empty());
+    CZonalStatistics none(nullptr);
+    none.SetBands({0});
+    EXPECT_EQ(none.Compute(nullptr), GIS_FAILED);
+}
+
+TEST_F(ZonalStatistics, QuantilesOfSharesThatAreNoneChangeNothing) {
+    auto source = Open(UnitSpec(3, 1), {{1, 3, 8}});
+    CZonalStatistics statistics(source.get());
+    ASSERT_TRUE(statistics.SetQuantiles({0.5}));
+    for (const double share : {-0.1, 1.1, std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_FALSE(statistics.SetQuantiles({0.25, share})) << share;
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(), "the share of a quantile is from 0 to 1");
+    }
+    ASSERT_TRUE(statistics.AddZone(FromWkt("POLYGON ((0 0,3 0,3 1,0 1,0 0))").get()));
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    EXPECT_EQ(statistics.GetZone(0)[0].quantiles, std::vector<double>{3});
+}
+
+TEST_F(ZonalStatistics, CollectionsOfPolygonsAreUnitedAndOthersRefused) {
+    auto source = Open(UnitSpec(4, 4), {Pixels(16, 1)});
+    const std::string squares = "POLYGON ((0 0,3 0,3 3,0 3,0 0)),POLYGON ((1 1,4 1,4 4,1 4,1 1))";
+    EXPECT_NEAR(
+        Measure(*source, "GEOMETRYCOLLECTION (" + squares + ")", Weights::Coverage)[0].weight,
+        9 + 9 - 4, 1e-9);
+    CZonalStatistics statistics(source.get());
+    const auto mixed = FromWkt("GEOMETRYCOLLECTION (" + squares + ",POINT (1 1))");
+    EXPECT_FALSE(statistics.AddZone(mixed.get()));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), "a zone is no polygon");
+    EXPECT_EQ(statistics.GetZoneCount(), 0);
+}
+
+TEST_F(ZonalStatistics, CurvesAreMeasuredAsLines) {
+    auto source = Open(UnitSpec(10, 10), {Pixels(100, 1)});
+    // A circle of radius 4, within the tenth of a percent that its chords leave out.
+    const auto bands =
+        Measure(*source, "CURVEPOLYGON (CIRCULARSTRING (1 5,5 9,9 5,5 1,1 5))", Weights::Coverage);
+    EXPECT_NEAR(bands[0].weight, 16 * 3.141592653589793, 0.05);
+}
+
+TEST_F(ZonalStatistics, PolygonsWithoutAPlaceAreRefused) {
+    auto source = Open(UnitSpec(4, 4), {Pixels(16, 1)});
+    OGRLinearRing ring;
+    ring.addPoint(0, 0);
+    ring.addPoint(std::numeric_limits<double>::quiet_NaN(), 0);
+    ring.addPoint(3, 3);
+    ring.addPoint(0, 0);
+    OGRPolygon polygon;
+    polygon.addRing(&ring);
+    CZonalStatistics statistics(source.get());
+    EXPECT_FALSE(statistics.AddZone(&polygon));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), "a shape has coordinates that are not finite");
+    EXPECT_EQ(statistics.GetZoneCount(), 0);
+}
+
+TEST_F(ZonalStatistics, RastersWithoutAPlaceOnTheGroundAreRefused) {
+    // Columns and rows that run the same way, and pixels whose area is beyond all numbers.
+    for (const std::string terms : {"0,1,1,0,1,1", "0,1e200,0,0,0,-1e200"}) {
+        m_path = m_folder.File("flat.vrt");
+        WriteFile(m_path, "<VRTDataset rasterXSize='2' rasterYSize='2'><GeoTransform>" + terms +
+                              "</GeoTransform><VRTRasterBand dataType='Byte' band='1'/>"
+                              "</VRTDataset>");
+        const auto source = Reopen(true);
+        CZonalStatistics statistics(source.get());
+        EXPECT_FALSE(statistics.AddZone(FromWkt("POLYGON ((0 0,1 0,1 1,0 0))").get())) << terms;
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+                  m_path + ": its pixels have no place on the ground");
+    }
+}
+
+TEST_F(ZonalStatistics, ShearedGridsAreMeasuredOnTheirOwn) {
+    // x = c + r/2, y = 4 − r; and x = c, y = 4 − r + c/2.
+    for (const std::array<double, 6>& terms :
+         {std::array<double, 6>{0, 1, 0.5, 4, 0, -1}, std::array<double, 6>{0, 1, 0, 4, 0.5, -1}}) {
+        RasterSpec spec = UnitSpec(4, 4);
+        spec.geoTransform = terms;
+        Open(spec, {MakePixels(4, 4, [](int c, int r) { return 10 * r + c; })}).reset();
+        const auto source = Reopen(true);
+        // Around the centre of the pixel of column 2, row 1, a hundredth of its area.
+        const double x = terms[0] + 2.5 * terms[1] + 1.5 * terms[2];
+        const double y = terms[3] + 2.5 * terms[4] + 1.5 * terms[5];
+        OGRLinearRing ring;
+        for (const auto& [dx, dy] : std::vector<std::pair<double, double>>{
+                 {-0.05, -0.05}, {0.05, -0.05}, {0.05, 0.05}, {-0.05, 0.05}, {-0.05, -0.05}})
+            ring.addPoint(x + dx, y + dy);
+        OGRPolygon square;
+        square.addRing(&ring);
+        CZonalStatistics statistics(source.get());
+        statistics.SetWeights(Weights::Coverage);
+        ASSERT_TRUE(statistics.AddZone(&square));
+        ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+        EXPECT_EQ(statistics.GetZone(0)[0].minimum, 12);
+        EXPECT_EQ(statistics.GetZone(0)[0].maximum, 12);
+        EXPECT_NEAR(statistics.GetZone(0)[0].weight, 0.01, 1e-12);
+    }
+}
+
+TEST_F(ZonalStatistics, ThatBeginFurtherDownWaitForTheirRows) {
+    // A strip of 400 columns has 163 rows.
+    auto source = Open(UnitSpec(400, 400, GDT_UInt16),
+                       {MakePixels(400, 400, [](int, int r) { return static_cast<double>(r); })});
+    CZonalStatistics statistics(source.get());
+    ASSERT_TRUE(statistics.AddZone(FromWkt("POLYGON ((0 90,400 90,400 100,0 100,0 90))").get()));
+    ASSERT_TRUE(statistics.AddZone(FromWkt("POLYGON ((0 0,400 0,400 400,0 400,0 0))").get()));
+    ASSERT_EQ(statistics.Compute(nullptr), GIS_SUCCESS);
+    EXPECT_EQ(statistics.GetZone(0)[0].count, 4000);
+    EXPECT_EQ(statistics.GetZone(0)[0].minimum, 300);
+    EXPECT_EQ(statistics.GetZone(0)[0].mean, 304.5);
+    EXPECT_EQ(statistics.GetZone(1)[0].count, 160000);
+    EXPECT_EQ(statistics.GetZone(1)[0].mean, 199.5);
+}
+
+TEST_F(ZonalStatistics, TellsItsProgress) {
+    auto source = Open(UnitSpec(10, 10), {Pixels(100, 1)});
+    CZonalStatistics statistics(source.get());
+    ASSERT_TRUE(statistics.AddZone(FromWkt("POLYGON ((0 0,9 0,9 9,0 0))").get()));
+    RecordingProgress progress;
+    EXPECT_EQ(statistics.Compute(&progress), GIS_SUCCESS);
+    ASSERT_EQ(progress.m_stages.size(), 1U);
+    EXPECT_EQ(progress.m_stages[0].second, 100);
+    EXPECT_EQ(progress.m_steps.back().first, 100);
 }

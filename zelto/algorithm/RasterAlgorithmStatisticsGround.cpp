@@ -119,7 +119,7 @@ bool CRasterAlgorithm::ComputeStaticsFromAOI2(CRasterSource* source, CAOISource*
             return zelto::Refuse(*source, zelto::NO_OVERLAP);
         const SampleGrid grid =
             zelto::SharedBudgetGrid(window->width, window->height, source->GetBandCount());
-        if (grid.samples <= 1 || !grid.IsHeld())
+        if (grid.samples < 2)
             return zelto::Refuse(*source, zelto::NO_PIXELS);
         const StatisticsArrays arrays = {min, max, mean, stddev};
         // Skipping zeros takes the place of the region test.
@@ -149,7 +149,7 @@ bool CRasterAlgorithm::ComputeStaticsFromBox2(CRasterSource* source, CBoundingBo
             return zelto::Refuse(*source, zelto::NO_OVERLAP);
         const SampleGrid grid =
             zelto::SharedBudgetGrid(window->width, window->height, source->GetBandCount());
-        if (grid.samples < 2 || !grid.IsHeld())
+        if (grid.samples < 2)
             return zelto::Refuse(*source, zelto::NO_PIXELS);
         const auto isInRange = [&](int band, std::size_t, double sample) {
             return sample != 0.0 && !(lowClip != nullptr && sample < lowClip[band]) &&
@@ -168,10 +168,11 @@ bool CRasterAlgorithm::ComputeBandApproxStatics(GDALRasterBand* band, __int64& c
             return zelto::RefuseMissing("band");
         const PixelWindow window = {0, 0, band->GetXSize(), band->GetYSize()};
         const SampleGrid grid = zelto::OverviewGrid(window.width, window.height);
-        const auto samples = zelto::AllocateSamples<float>(grid.samples < 2 ? 0 : grid.samples);
-        if (!samples || !grid.IsHeld())
-            return zelto::RefuseMissing(grid.samples < 2 ? "band of two samples or more"
-                                                         : "memory");
+        if (grid.samples < 2)
+            return zelto::RefuseMissing("band of two samples or more");
+        const auto samples = zelto::AllocateSamples<float>(grid.samples);
+        if (!samples)
+            return zelto::RefuseMissing("memory");
         SeededMoments moments;
         count = 0;
         min = moments.minimum;

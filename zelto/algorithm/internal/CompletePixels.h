@@ -35,7 +35,8 @@ class CompletePixels {
                 SelectFrom(samples, begin, count);
         });
     }
-    std::size_t Count() const { return m_values.empty() ? 0 : m_values.front().size(); }
+    /// Of what Select() kept, for which there has to be a band.
+    std::size_t Count() const { return m_values.front().size(); }
     const std::vector<double>& Of(std::size_t band) const { return m_values[band]; }
 
   private:

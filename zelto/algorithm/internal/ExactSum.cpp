@@ -8,8 +8,9 @@ namespace {
 
 constexpr int DIGIT_BITS = 32;
 constexpr std::uint64_t DIGIT_MASK = 0xFFFFFFFFU;
-/// A term adds less than 2^32 to a digit, of which its word holds 2^31 beside the carry.
-constexpr std::uint32_t MOST_TERMS = 1U << 30;
+/// Terms from carry to carry. Each adds less than 2^32 to a digit, of which its word holds 2^31
+/// beside the carry; so many are enough for carrying to cost nothing.
+constexpr std::uint32_t MOST_TERMS = 1U << 20;
 
 /// A finite double as ± mantissa × 2^exponent.
 struct Parts {

@@ -88,7 +88,7 @@ WindowStrips::WindowStrips(const std::vector<CRasterBand*>& bands, const PixelWi
     else if (blocksAreKept && cutting)
         m_rows = std::min(m_rows, std::max(STRIP_SAMPLES / std::max(grid.width, 1), 1));
     m_rows = std::clamp(m_rows, 1, std::max(grid.height, 1));
-    if (grid.step == 1.0 && grid.width == window.width && grid.height == window.height)
+    if (grid.step == 1.0)
         DecodeAhead();
 }
 

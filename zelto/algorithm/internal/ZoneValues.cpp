@@ -76,8 +76,9 @@ std::vector<double> ZoneValues::Quantiles(std::span<const double> shares) {
         const double place = share * steps * lighter;
         const auto above = static_cast<std::size_t>(
             std::upper_bound(places.begin(), places.end(), place) - places.begin());
-        const std::size_t below = above > 0 ? above - 1 : 0;
-        if (above == 0 || above == places.size()) {
+        // The first place is 0: there is always one below.
+        const std::size_t below = above - 1;
+        if (above == places.size()) {
             quantiles.push_back(m_values[below].value);
             continue;
         }
