@@ -118,6 +118,9 @@ TEST(CoordinateDatum, OfAVerticalSystemIsItsVerticalOrItsOtherDatum) {
 TEST(CoordinateDatum, IsEmptyWithoutAKeyword) {
     EXPECT_EQ(Algorithm::GetDatum("EPSG:4326"), "");
     EXPECT_EQ(Algorithm::GetDatum(InDialect("EPSG:5773", "WKT1_GDAL").c_str()), "");
+    EXPECT_EQ(Algorithm::GetDatum("VERTCRS[\"VERTCS\",VRF[\"mean sea level\"],CS[vertical,1],"
+                                  "AXIS[\"up\",up],LENGTHUNIT[\"metre\",1]]"),
+              "");
 }
 
 TEST(CoordinateUnit, IsLinearWhereTheTextHasAProjectedSystem) {
@@ -133,6 +136,10 @@ TEST(CoordinateUnit, IsAngularWhereTheTextHasAGeographicSystemOnly) {
 TEST(CoordinateUnit, IsLinearForAVerticalSystem) {
     EXPECT_EQ(Algorithm::GetUnit(VERTICAL_ESRI), "metre");
     EXPECT_EQ(Algorithm::GetUnit(ELLIPSOIDAL_ESRI), "foot");
+}
+
+TEST(CoordinateUnit, OfASystemWithoutAUnitIsTheOneThatGdalGivesIt) {
+    EXPECT_EQ(Algorithm::GetUnit("LOCAL_CS[\"site of no PROJCS\"]"), "metre");
 }
 
 TEST(CoordinateUnit, NeedsWellKnownText) {

@@ -76,6 +76,15 @@ TEST(CoordinateInfo, OtherMeridiansAndUnitsAreNamed) {
     EXPECT_NEAR(NumberAfter(lines[7], "Prime Meridian: Paris("), 2.33722917, 1e-8);
 }
 
+TEST(CoordinateInfo, NodesThatTheOldTextDoesNotHaveStayEmpty) {
+    const auto lines =
+        InfoLines("+proj=ob_tran +o_proj=longlat +o_lon_p=0 +o_lat_p=39 +lon_0=18 +ellps=krass");
+    ASSERT_EQ(lines.size(), 8U);
+    EXPECT_EQ(lines[0], "Name: ");
+    EXPECT_EQ(lines[3], "    Semimajor Axis: 6378245");
+    EXPECT_NEAR(NumberAfter(lines[6], "Angular Unit: degree("), 0.0174532925199433, 1e-15);
+}
+
 TEST(CoordinateInfo, IsTheSameInEveryDialectOfWellKnownText) {
     const auto expected = CCoordinateAlgorithm::GetCoordinateInfoString("EPSG:32650");
     for (const char* dialect : {"WKT1_GDAL", "WKT1_SIMPLE", "WKT2_2015", "WKT2_2019"}) {

@@ -113,6 +113,12 @@ TEST(CoordinateTransformation, OfUnreadableOrUnrelatedSystemsIsNull) {
     const char* local = "LOCAL_CS[\"here\",UNIT[\"metre\",1]]";
     EXPECT_EQ(Connect(local, "EPSG:4326"), nullptr);
     EXPECT_EQ(ConnectBy("EPSG:5773", "EPSG:4326", nullptr, nullptr), nullptr);
+    CGISDataSource::ClearLastErrorText();
+    EXPECT_EQ(ConnectBy("EPSG:4326", "EPSG:5773", nullptr, nullptr), nullptr);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), "EPSG:5773: cannot be shifted to WGS 84");
+    EXPECT_EQ(ConnectBy(local, "EPSG:4326", nullptr, nullptr), nullptr);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              std::string(local) + ": cannot be shifted to WGS 84");
 }
 
 TEST(CoordinateTransformation, BetweenPlacesAndHeightsAloneIsNull) {

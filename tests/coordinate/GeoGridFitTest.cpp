@@ -234,6 +234,10 @@ TEST(GeoGridFit, PositionsThatAreNotFiniteFailAndLeaveNoFormerFit) {
     EXPECT_FALSE(points.Fit(grid));
     EXPECT_EQ(grid.GetCoefficients(), nullptr);
     points.outX[5] = 1.0;
+    points.outY[5] = std::nan("");
+    EXPECT_FALSE(points.Fit(grid));
+    EXPECT_EQ(grid.GetCoefficients(), nullptr);
+    points.outY[5] = 1.0;
     points.x[3] = std::nan("");
     EXPECT_FALSE(points.Fit(grid));
 }

@@ -87,6 +87,7 @@ TEST(GeoGrid, SizesBelowOneOrBeyondMemoryHoldNoPositions) {
     for (const auto& [nx, ny] : {std::pair(0, 5), {5, 0}, {-3, -3}, {huge, huge}, {most, 2}}) {
         CGeoGrid grid(nx, ny, 1.0, 1.0, 0);
         EXPECT_EQ(grid.GetColumns(), nullptr);
+        EXPECT_EQ(grid.GetRows(), nullptr);
         EXPECT_EQ(grid.GetColumnCount(), 0);
         ExpectPosition(grid, 1.0, 1.0, 0.0, 0.0);
     }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 
 using zelto::test::Bind;
 using zelto::test::NorthUp;
@@ -57,6 +58,27 @@ TEST(ReprojectCreation, TakesSevenParametersForBothWays) {
     CBoundingBox to;
     EXPECT_TRUE(reproject->Src2DestBox(from, to, 0, 0));
     ExpectBox(to, 500000, 4400000, 500100, 4399900, 1e-9);
+}
+
+TEST(ReprojectCreation, ToASystemThatOnlyLeadsThereHasNoWayBack) {
+    // Airy's projection has no inverse.
+    auto raster = SmallRaster();
+    const auto reproject = Bind(raster, "+proj=airy +lat_0=39 +lon_0=117 +datum=WGS84");
+    ASSERT_NE(reproject, nullptr);
+    CBoundingBox box(500000, 4400000, 500100, 4399900);
+    CBoundingBox there;
+    EXPECT_TRUE(reproject->Src2DestBox(box, there, 0, 0));
+    EXPECT_NEAR(there.m_left, 0, 1e-3); // the meridian in the middle of both
+    CBoundingBox back;
+    EXPECT_FALSE(reproject->Dest2SrcBox(there, back, 0, 0));
+    EXPECT_FALSE(reproject->CreateGrid(there, 0, 0, 1));
+    EXPECT_EQ(reproject->GetGrid(), nullptr);
+    double x = 0;
+    double y = 0;
+    double column = 7;
+    double row = 7;
+    EXPECT_FALSE(reproject->GetSrcPos(&x, &y, &column, &row, 1));
+    EXPECT_EQ(column, 7);
 }
 
 TEST(BoxTransform, OfTheSameSystemIsTheBox) {
@@ -220,6 +242,35 @@ TEST(BoxTransform, GoesThroughAReadyGridWhateverTheTransformation) {
     EXPECT_NEAR(ground.m_top, y, 20.0);
 }
 
+TEST(BoxTransform, OfTheSecondKindGoesByTheTransformationBesideAReadyGrid) {
+    auto raster = SmallRaster();
+    raster->SetGeoreferencingKind(2);
+    const auto reproject = Bind(raster, "EPSG:4326");
+    CBoundingBox area(116.9, 39.8, 117.1, 39.6);
+    ASSERT_TRUE(reproject->CreateGrid(area, 0.02, 0.02, 1));
+    CBoundingBox box(500000, 4400000, 500100, 4399900);
+    CBoundingBox ground;
+    ASSERT_TRUE(reproject->Src2DestBox(box, ground, 0, 0));
+    EXPECT_NEAR(ground.m_left, 117, 1e-9);
+    double x = 500100;
+    double y = 4399900;
+    ASSERT_TRUE(CReproject::CoorTransform(&x, &y, 1, UTM50, "EPSG:4326"));
+    EXPECT_NEAR(ground.m_bottom, y, 1e-6);
+}
+
+TEST(BoxTransform, OneStepOfNothingIsNoStep) {
+    auto raster = SmallRaster();
+    const auto reproject = Bind(raster, "EPSG:4326");
+    CBoundingBox box(500000, 4400000, 501000, 4399000);
+    CBoundingBox expected;
+    ASSERT_TRUE(reproject->Src2DestBox(box, expected, 0, 0));
+    for (const auto& [stepX, stepY] : {std::pair{10.0, 0.0}, std::pair{0.0, 10.0}}) {
+        CBoundingBox ground;
+        ASSERT_TRUE(reproject->Src2DestBox(box, ground, stepX, stepY));
+        ExpectBox(ground, expected.m_left, expected.m_top, expected.m_right, expected.m_bottom, 0);
+    }
+}
+
 TEST(SourceWindow, IsWidenedByFivePixelsAndTruncated) {
     auto raster = SmallRaster();
     const auto reproject = Bind(raster, UTM50);
@@ -301,6 +352,24 @@ TEST(SourceWindow, NeedsAnAffineRasterABoxAndARectangle) {
     EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(box, &rect, 0, 0));
 }
 
+TEST(SourceWindow, OfARasterThatWasClosedIsNone) {
+    auto raster = SmallRaster();
+    const auto reproject = Bind(raster, UTM50);
+    CBoundingBox box(500207, 4399691, 500402, 4399499);
+    raster->Close();
+    CRect rect = {7, 7, 7, 7};
+    EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(box, &rect, 0, 0));
+    EXPECT_FALSE(reproject->FindSourceWindow(box, rect, 0, 0));
+    EXPECT_EQ(rect.left, 7);
+    long x = 7;
+    long y = 7;
+    long width = 7;
+    long height = 7;
+    EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(500207, 4399691, 500402, 4399499, x, y, width,
+                                                   height, 0, 0));
+    EXPECT_EQ(width, 7);
+}
+
 TEST(SourceWindow, OfANorthUpImageIsTheSameByItsEdges) {
     auto raster = SmallRaster();
     const unsigned seed = std::random_device()();
@@ -345,4 +414,5 @@ TEST(SourceWindow, OfABoxWithoutAnAnswerIsNone) {
     CBoundingBox partly(10, 100, 20, 0);
     CRect rect;
     EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(partly, &rect, 0, 0));
+    EXPECT_FALSE(reproject->FindSourceWindow(partly, rect, 0, 0));
 }

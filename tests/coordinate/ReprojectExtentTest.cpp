@@ -1,6 +1,7 @@
 #include "zelto/coordinate/ImageInfo.h"
 #include "zelto/coordinate/Reproject.h"
 
+#include <cpl_error.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -120,6 +121,28 @@ TEST(ImageExtent, ThatNeedsMorePixelsThanCanBeCountedIsNone) {
     // Pixels a billionth of a metre high and a metre wide make square ones far too many.
     tagImageInfo source = Image(2000000000, 1, 0, 0, 1e-3, UTM_ZONE_50);
     source.geoTransform[5] = -1e-9;
+    tagImageInfo target;
+    target.srs = UTM_ZONE_50;
+    EXPECT_FALSE(CReproject::GetExtent(source, target));
+    source = Image(1, 2000000000, 0, 0, 1e-3, UTM_ZONE_50);
+    source.geoTransform[1] = 1e-9;
+    EXPECT_FALSE(CReproject::GetExtent(source, target));
+}
+
+TEST(ImageExtent, OfPointsWithoutANeighbourIsNone) {
+    // Of 21 rows of points, 200 degrees apart, only the one on the equator has an answer.
+    tagImageInfo source = Image(20, 20, 110, 2000, 0.1, "EPSG:4326");
+    source.geoTransform[5] = -200;
+    tagImageInfo target;
+    target.srs = UTM_ZONE_50;
+    target.width = 7;
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    EXPECT_FALSE(CReproject::GetExtent(source, target));
+    EXPECT_EQ(target.width, 7);
+}
+
+TEST(ImageExtent, OfPixelsBeyondAllNumbersIsNone) {
+    tagImageInfo source = Image(10, 10, 0, 0, 1e200, UTM_ZONE_50);
     tagImageInfo target;
     target.srs = UTM_ZONE_50;
     EXPECT_FALSE(CReproject::GetExtent(source, target));

@@ -16,10 +16,6 @@ bool Contains(const char* text, const char* keyword) {
     return std::strstr(text, keyword) != nullptr;
 }
 
-std::string Text(const char* text) {
-    return text == nullptr ? "" : text;
-}
-
 /// Value of a node of the parsed reference, or of the text itself where the reference knows
 /// the node under another name, as it does for vertical systems of projection files.
 std::string NodeValue(const OGRSpatialReference& reference, const char* text, const char* keyword) {
@@ -28,16 +24,18 @@ std::string NodeValue(const OGRSpatialReference& reference, const char* text, co
     return zelto::ReadNodeValue(text, keyword);
 }
 
+// GDAL names a unit of every reference, whether or not its text does.
+
 std::string LinearUnit(const OGRSpatialReference& reference) {
-    const char* name = nullptr;
+    const char* name = "";
     reference.GetLinearUnits(&name);
-    return Text(name);
+    return name;
 }
 
 std::string AngularUnit(const OGRSpatialReference& reference) {
-    const char* name = nullptr;
+    const char* name = "";
     reference.GetAngularUnits(&name);
-    return Text(name);
+    return name;
 }
 
 } // namespace

@@ -21,8 +21,8 @@ std::string SummaryValue(const OGRSpatialReference& reference, const char* keywo
     return value == nullptr ? "" : value;
 }
 
-std::string NameAndValue(const char* name, double value) {
-    return std::string(name == nullptr ? "" : name) + "(" + CommonFun::double2string(value) + ")";
+std::string NameAndValue(const std::string& name, double value) {
+    return name + "(" + CommonFun::double2string(value) + ")";
 }
 
 Summary Summarise(const OGRSpatialReference& reference) {
@@ -33,10 +33,10 @@ Summary Summarise(const OGRSpatialReference& reference) {
     summary.semiMajor = CommonFun::double2string(reference.GetSemiMajor());
     summary.semiMinor = CommonFun::double2string(reference.GetSemiMinor());
     summary.inverseFlattening = CommonFun::double2string(reference.GetInvFlattening());
-    const char* name = nullptr;
+    // GDAL names unit and meridian of every reference, whether or not its text does.
+    const char* name = "";
     const double unit = reference.GetAngularUnits(&name);
     summary.angularUnit = "Angular Unit: " + NameAndValue(name, unit);
-    name = nullptr;
     const double meridian = reference.GetPrimeMeridian(&name);
     summary.primeMeridian = "Prime Meridian: " + NameAndValue(name, meridian);
     return summary;
@@ -63,8 +63,10 @@ std::string DescribeGeographic(const Summary& summary) {
 }
 
 std::string DescribeProjected(const OGRSpatialReference& reference, const Summary& summary) {
+    const std::string name = SummaryValue(reference, "PROJCS");
+    const std::string projection = SummaryValue(reference, "PROJCS|PROJECTION");
     return JoinLines({
-        "Name: " + SummaryValue(reference, "PROJCS"),
+        "Name: " + name,
         "  GCSName: " + summary.geographic,
         "  Datum: " + summary.datum,
         "    Spheroid: " + summary.spheroid,
@@ -73,7 +75,7 @@ std::string DescribeProjected(const OGRSpatialReference& reference, const Summar
         "      Inverse Flattening: " + summary.inverseFlattening,
         "  " + summary.angularUnit,
         "  " + summary.primeMeridian,
-        "Projection: " + SummaryValue(reference, "PROJCS|PROJECTION"),
+        "Projection: " + projection,
     });
 }
 

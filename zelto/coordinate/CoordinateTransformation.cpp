@@ -17,11 +17,16 @@ constexpr int PARAMETERS = 7;
 constexpr int FIRST_ROTATION = 3;
 constexpr int SCALE = 6;
 
-bool SetShiftToWgs84(OGRSpatialReference& reference, const double* parameters) {
+/// @param text what the reference was read from
+/// @return false, with the reason, for heights and for what has no place on the Earth
+bool SetShiftToWgs84(OGRSpatialReference& reference, const char* text, const double* parameters) {
     double p[PARAMETERS] = {};
     if (parameters != nullptr)
         std::copy_n(parameters, PARAMETERS, p);
-    return reference.SetTOWGS84(p[0], p[1], p[2], p[3], p[4], p[5], p[6]) == OGRERR_NONE;
+    if (reference.SetTOWGS84(p[0], p[1], p[2], p[3], p[4], p[5], p[6]) == OGRERR_NONE)
+        return true;
+    zelto::SetLastError(std::string(text) + ": cannot be shifted to WGS 84");
+    return false;
 }
 
 bool HasHeightsOnly(const OGRSpatialReference& reference) {
@@ -59,8 +64,8 @@ CCoordinateTransformation::CreateCoordinateTransformation(const char* src, const
                                                           double* srcToWgs84, double* dstToWgs84) {
     auto source = Parse(src);
     auto target = Parse(dst);
-    if (!source || !target || !SetShiftToWgs84(*source, srcToWgs84) ||
-        !SetShiftToWgs84(*target, dstToWgs84))
+    if (!source || !target || !SetShiftToWgs84(*source, src, srcToWgs84) ||
+        !SetShiftToWgs84(*target, dst, dstToWgs84))
         return nullptr;
     // Otherwise the registry's ways win over the given parameters.
     const CPLConfigOptionSetter preferOwn("OGR_CT_PREFER_OFFICIAL_SRS_DEF", "NO", false);

@@ -18,7 +18,7 @@ int GridLine(double position, int count) {
 template <int Order>
 bool CGeoGrid::GetPosByPoly(int count, const double* x, const double* y, double* col,
                             double* row) const {
-    if (m_coefficients.empty() || m_order != Order)
+    if (m_coefficients.empty())
         return false;
     constexpr int TERMS = zelto::POLYNOMIAL_TERMS<Order>;
     // Copies that nothing written in the loop can change.

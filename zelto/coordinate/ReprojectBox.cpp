@@ -97,7 +97,7 @@ bool ClipWindow(std::int64_t xMin, std::int64_t yMin, std::int64_t xMax, std::in
 } // namespace
 
 bool CReproject::TransformEdges(double* x, double* y, int count, CCoordinateTransformation* ct) {
-    if (m_gridReady && m_grid != nullptr && GetAffineRaster() != nullptr)
+    if (m_gridReady && GetAffineRaster() != nullptr)
         return m_grid->Transform(static_cast<CRasterSource*>(m_source), count, x, y, nullptr);
     return ct->Transform(count, x, y, nullptr, nullptr);
 }
