@@ -131,6 +131,21 @@ TEST(DataSource, AssignmentTakesOverPathAndWktOnly) {
     EXPECT_EQ(b.GetDisplayType(), DISPLAY_DEFAULT);
 }
 
+TEST(DataSource, AssignmentToItselfAndDisplaySettingsOfOthersChangeNothing) {
+    PlainDataSource source("EPSG:4326");
+    source.SetFilePath(L"/data/a.tif");
+    CGISDataSource& base = source;
+    base = *&base;
+    PlainDataSource other;
+    other.SetVisible(false);
+    other.SetDisplayType(DISPLAY_CLASSIFIED);
+    source.CopyDisplaySetting(&other);
+    EXPECT_EQ(source.GetFilePath(), L"/data/a.tif");
+    EXPECT_EQ(source.GetSpatialReferenceWKT(), "EPSG:4326");
+    EXPECT_TRUE(source.IsVisible());
+    EXPECT_EQ(source.GetDisplayType(), DISPLAY_DEFAULT);
+}
+
 TEST(DataSource, CopyTakesEveryMemberAndSharesTheReference) {
     // The copy does not count as a source but its end does; this keeps the count above zero.
     CGISDataSource::RegisterGDAL();
