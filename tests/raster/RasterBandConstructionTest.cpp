@@ -1,5 +1,6 @@
 #include "zelto/datasource/GISDataSource.h"
 
+#include "tests/raster/HugeBlock.h"
 #include "tests/raster/TestBand.h"
 
 #include <cmath>
@@ -238,4 +239,55 @@ TEST(RasterBand, WithoutAGdalBandEverythingIsRefused) {
     EXPECT_FALSE(band.GetShowValueAt(0, 0, &byte));
     band.FlushCache();
     EXPECT_EQ(CRasterBand(true, nullptr).GetWidth(), 0);
+}
+
+TEST(RasterBand, AnOverviewWhoseFileIsGoneIsLeftOut) {
+    const zelto::test::TemporaryFolder folder;
+    const std::string path = zelto::test::WriteRaster(
+        folder.File("a.tif"), {.width = 4, .height = 3}, {zelto::test::Twelve()});
+    const std::string overview = "<Overview><SourceFilename relativeToVRT='0'>";
+    const std::string xml = "<VRTDataset rasterXSize='8' rasterYSize='6'>"
+                            "<VRTRasterBand dataType='Byte' band='1'>" +
+                            overview + folder.File("gone.tif") +
+                            "</SourceFilename><SourceBand>1</SourceBand></Overview>" + overview +
+                            path +
+                            "</SourceFilename><SourceBand>1</SourceBand></Overview>"
+                            "</VRTRasterBand></VRTDataset>";
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const GDALDatasetUniquePtr view(GDALDataset::Open(xml.c_str(), GDAL_OF_RASTER));
+    ASSERT_NE(view, nullptr);
+    ASSERT_EQ(view->GetRasterBand(1)->GetOverviewCount(), 2);
+    const CRasterBand band(view->GetRasterBand(1), true, false);
+    ASSERT_EQ(band.GetOverviewCount(), 1);
+    EXPECT_EQ(band.GetOverview(0)->GetWidth(), 4);
+}
+
+TEST(RasterBand, BlocksBeyondAnyHealthyFilesAreRefusedWithAReason) {
+    GDALAllRegister();
+    const zelto::test::TemporaryFolder folder;
+    const std::string path = zelto::test::WriteHugeBlock(folder, 40'000);
+    const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    CRasterBand band(false, dataset->GetRasterBand(1));
+    const std::string reason = path + ": its blocks are too large to be read";
+    const auto expectReason = [&] {
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(), reason);
+        band.ReadBlock(0, 0, 0, 0, nullptr, 1, 1, PDT_Byte, 0, 0);
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(), "no such block");
+    };
+    double value = 0.0;
+    EXPECT_FALSE(band.GetData(0, 0, 1, 1, 1, 1));
+    expectReason();
+    EXPECT_FALSE(band.GetDataToBuffer(0, 0, 1, 1, 1, 1, &value));
+    expectReason();
+    EXPECT_EQ(band.ReadBlock(0, 0, 1, 1, &value, 1, 1, PDT_Float64, 0, 0), GIS_FAILED);
+    expectReason();
+    EXPECT_FALSE(band.ComputeMinMax(nullptr, nullptr, false));
+    expectReason();
+    EXPECT_FALSE(band.ComputeStatics(nullptr, nullptr, nullptr, nullptr, false, nullptr));
+    expectReason();
+    EXPECT_FALSE(band.ComputeStaticsFromCustom(value, value, value, value, nullptr));
+    expectReason();
+    int counts[4] = {};
+    EXPECT_FALSE(band.GetHistogram(0.0, 4.0, 4, counts, false, false, nullptr));
+    expectReason();
 }

@@ -1,7 +1,6 @@
 #include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/internal/BandCall.h"
-#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/CachedRegion.h"
 
 #include <gdal_priv.h>
@@ -54,10 +53,10 @@ bool CRasterBand::GetData(int xOff, int yOff, int xSize, int ySize, int bufWidth
 
 bool CRasterBand::GetDataToBuffer(int xOff, int yOff, int xSize, int ySize, int bufWidth,
                                   int bufHeight, double* buffer) {
-    if (m_band == nullptr || buffer == nullptr || !IsReadable(xSize, ySize, bufWidth, bufHeight) ||
-        !zelto::CanHoldBlocks(*m_band))
-        return false;
     const zelto::OperationScope scope;
+    if (m_band == nullptr || buffer == nullptr || !IsReadable(xSize, ySize, bufWidth, bufHeight) ||
+        !zelto::HoldsBlocks(*m_band))
+        return false;
     return zelto::Reads(*m_band, [&] {
         return m_band->RasterIO(GF_Read, xOff, yOff, xSize, ySize, buffer, bufWidth, bufHeight,
                                 GDT_Float64, 0, 0, nullptr);

@@ -2,7 +2,6 @@
 #include "zelto/display/RasterHistogram.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/internal/BandCall.h"
-#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/StatisticsBand.h"
 
 #include <gdal_priv.h>
@@ -58,7 +57,7 @@ bool CRasterBand::GetHistogram(double min, double max, int buckets, int* counts,
     }
     if (progress != nullptr)
         progress->BeginProgress(L"计算直方图信息", 100);
-    if (buckets < 1 || !zelto::CanHoldBlocks(*m_band) ||
+    if (buckets < 1 || !zelto::HoldsBlocks(*m_band) ||
         !CountPixels(*m_band, min, max, buckets, counts, progress))
         return false;
     delete m_histogram;

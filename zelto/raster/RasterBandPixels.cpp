@@ -1,7 +1,7 @@
+#include "zelto/baselib/internal/LastError.h"
 #include "zelto/baselib/internal/Operation.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/internal/BandCall.h"
-#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/LastWindow.h"
 
 #include <gdal_priv.h>
@@ -21,12 +21,13 @@ struct Block {
 /// Whether a block can be transferred; GDAL takes empty windows and buffers for done, callers do
 /// not.
 bool IsTransferable(GDALRasterBand* band, const Block& block) {
-    if (band != nullptr && block.buffer != nullptr && block.xSize > 0 && block.ySize > 0 &&
-        block.bufWidth > 0 && block.bufHeight > 0 && block.type >= PDT_Unknown &&
-        block.type < static_cast<int>(GDT_TypeCount) && zelto::CanHoldBlocks(*band))
-        return true;
-    zelto::SetLastError(band == nullptr ? "the band is not open" : "no such block");
-    return false;
+    if (band == nullptr)
+        return zelto::FailWith(false, L"", "the band is not open");
+    if (block.buffer == nullptr || block.xSize < 1 || block.ySize < 1 || block.bufWidth < 1 ||
+        block.bufHeight < 1 || block.type < PDT_Unknown ||
+        block.type >= static_cast<int>(GDT_TypeCount))
+        return zelto::FailWith(false, L"", "no such block");
+    return zelto::HoldsBlocks(*band);
 }
 
 CPLErr TransferBlock(GDALRasterBand& band, GDALRWFlag direction, const Block& block) {

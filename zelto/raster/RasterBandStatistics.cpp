@@ -2,7 +2,6 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/internal/BandCall.h"
 #include "zelto/raster/internal/BandSampling.h"
-#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/StatisticsBand.h"
 #include "zelto/raster/internal/StatisticsOnDemand.h"
 
@@ -23,7 +22,7 @@ void Report(double value, double* target) {
 bool CRasterBand::ComputeMinMax(double* min, double* max, bool useStored) {
     const zelto::OperationScope scope;
     if (!m_storedMinMaxFixed && !useStored) {
-        if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band))
+        if (m_band == nullptr || !zelto::HoldsBlocks(*m_band))
             return false;
         double range[2] = {0.0, 0.0};
         const zelto::StatisticsBand source(*m_band);
@@ -48,7 +47,7 @@ bool CRasterBand::ComputeStatics(double* min, double* max, double* mean, double*
     } else {
         if (progress != nullptr)
             progress->BeginProgress(L"计算统计信息", 100);
-        if (m_band == nullptr || !zelto::CanHoldBlocks(*m_band))
+        if (m_band == nullptr || !zelto::HoldsBlocks(*m_band))
             return false;
         const zelto::StatisticsBand source(*m_band);
         const bool computed = zelto::Reads(*m_band, [&] {

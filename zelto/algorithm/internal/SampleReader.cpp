@@ -5,7 +5,6 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 #include "zelto/raster/internal/BandCall.h"
-#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/VirtualBand.h"
 
 #include <gdal_priv.h>
@@ -29,10 +28,8 @@ bool ReadWindow(GDALRasterBand* band, const PixelWindow& window, int width, int 
                 void* samples, GDALDataType type) {
     if (band == nullptr)
         return RefuseMissing("band");
-    if (!CanHoldBlocks(*band)) {
-        SetLastError(FileOf(*band) + ": its blocks are too large to be read");
+    if (!HoldsBlocks(*band))
         return false;
-    }
     if (window.width < 1 || window.height < 1 || width < 1 || height < 1) {
         SetLastError(NO_PIXELS);
         return false;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "zelto/baselib/internal/GdalWatch.h"
+#include "zelto/baselib/internal/LastError.h"
+#include "zelto/raster/internal/BlockLimit.h"
 
 #include <gdal_priv.h>
 
@@ -12,6 +14,14 @@ namespace zelto {
 inline std::string FileOf(GDALRasterBand& band) {
     const GDALDataset* const dataset = band.GetDataset();
     return dataset != nullptr ? dataset->GetDescription() : "";
+}
+
+/// CanHoldBlocks(), with the reason against it in LastError().
+inline bool HoldsBlocks(GDALRasterBand& band) {
+    if (CanHoldBlocks(band))
+        return true;
+    SetLastError(FileOf(band) + ": its blocks are too large to be read");
+    return false;
 }
 
 /// Makes a call that reads from the band. Its answer decides alone: a warped view emits errors

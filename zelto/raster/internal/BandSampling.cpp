@@ -2,7 +2,6 @@
 
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/BandCall.h"
-#include "zelto/raster/internal/BlockLimit.h"
 #include "zelto/raster/internal/PickedSamples.h"
 #include "zelto/raster/internal/SampleStatistics.h"
 #include "zelto/raster/internal/VirtualBand.h"
@@ -86,7 +85,7 @@ StatisticsGrid::StatisticsGrid(int width, int height) : columns(width), rows(hei
 
 bool SampleBand(GDALRasterBand& band, const double* noData, const double* excluded,
                 BandSummary& found) {
-    if (!CanHoldBlocks(band))
+    if (!HoldsBlocks(band))
         return false;
     SampleStatistics statistics(noData, excluded);
     if (!AddSamples(band, StatisticsGrid(band.GetXSize(), band.GetYSize()), statistics))
