@@ -21,14 +21,13 @@ constexpr std::int64_t PIXELS_THAT_NEED_OVERVIEWS = 65536;
 /// The pyramid ends with the first level of at most this many pixels.
 constexpr double SMALLEST_LEVEL = 4096.0;
 constexpr double SMALLEST_LEVEL_PCIDSK = 65536.0;
-constexpr std::size_t MOST_LEVELS = 64;
 
 /// Reduction factors 2, 4, 8 … for as long as the level above has too many pixels.
 std::vector<int> OverviewLevels(GDALDataset& dataset, double smallestLevel) {
     // Not truncated between the levels.
     double pixels = static_cast<double>(dataset.GetRasterXSize()) * dataset.GetRasterYSize();
     std::vector<int> levels;
-    for (int level = 2; pixels > smallestLevel && levels.size() < MOST_LEVELS; level *= 2) {
+    for (int level = 2; pixels > smallestLevel; level *= 2) {
         levels.push_back(level);
         pixels /= 4.0;
     }

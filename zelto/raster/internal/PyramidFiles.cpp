@@ -84,15 +84,10 @@ bool IsImagine(const fs::path& image) {
 } // namespace
 
 bool HasForeignIndex(const fs::path& image) {
-    switch (OwnerOfIndex(image)) {
-    case IndexOwner::NONE:
-        return false;
-    case IndexOwner::ANOTHER:
-        return true;
-    case IndexOwner::IMAGE:
+    const IndexOwner owner = OwnerOfIndex(image);
+    if (owner == IndexOwner::IMAGE)
         return !IsImagine(image) && ClaimedByImagineFile(image);
-    }
-    return false;
+    return owner == IndexOwner::ANOTHER;
 }
 
 bool IsStemTaken(const fs::path& image) {

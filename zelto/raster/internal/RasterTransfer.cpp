@@ -75,8 +75,6 @@ Files FilesOf(GDALDataset& dataset, const fs::path& path) {
         if (isOwn && !Contains(files, file) && !Contains(others, file))
             files.push_back(file);
     }
-    if (dataset.GetDriver() == nullptr)
-        return files;
     const std::optional<fs::path> worldFile = OwnWorldFile(*dataset.GetDriver(), path);
     if (worldFile && !Contains(files, *worldFile))
         files.push_back(*worldFile);

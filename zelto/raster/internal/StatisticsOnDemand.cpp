@@ -10,16 +10,6 @@
 
 namespace zelto {
 
-namespace {
-
-/// Whether both bands are samples of the same pixels, in the same form.
-bool AreAlike(GDALRasterBand& a, GDALRasterBand& b) {
-    return a.GetDataset() == b.GetDataset() && a.GetXSize() == b.GetXSize() &&
-           a.GetYSize() == b.GetYSize() && a.GetRasterDataType() == b.GetRasterDataType();
-}
-
-} // namespace
-
 BandSummary ApproximateRange(GDALRasterBand& band) {
     double range[2] = {0.0, 0.0};
     if (CanHoldBlocks(band))
@@ -96,7 +86,8 @@ StatisticsOnDemand::MembersOfOnePass(const Member& wanted) {
     const auto most = static_cast<std::size_t>(JOINT_SAMPLING_BYTES) / bytesOfBand;
     std::vector<Member*> pass;
     for (Member& member : m_members) {
-        if (member.kind != Kind::Sampled || member.found || !AreAlike(*member.band, *wanted.band))
+        if (member.kind != Kind::Sampled || member.found ||
+            member.band->GetDataset() != wanted.band->GetDataset())
             continue;
         pass.push_back(&member);
         if (pass.size() < most)
@@ -105,8 +96,7 @@ StatisticsOnDemand::MembersOfOnePass(const Member& wanted) {
             return pass;
         pass.clear();
     }
-    return std::find(pass.begin(), pass.end(), &wanted) != pass.end() ? pass
-                                                                      : std::vector<Member*>{};
+    return pass;
 }
 
 } // namespace zelto

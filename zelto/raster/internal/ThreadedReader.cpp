@@ -142,8 +142,7 @@ bool MayServe(const std::vector<GDALRasterBand*>& bands) {
     return dataset != nullptr && WantedThreads() > 1 && IsDecoded(*dataset) &&
            CanHoldBlocks(*first) &&
            std::all_of(bands.begin(), bands.end(), [&](GDALRasterBand* band) {
-               return band != nullptr && HasBand(*dataset, *band) &&
-                      band->GetRasterDataType() == first->GetRasterDataType();
+               return band != nullptr && HasBand(*dataset, *band);
            });
 }
 
