@@ -4,10 +4,14 @@
 #include "tests/support/RasterFile.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/RecordingProgress.h"
+#include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Text.h"
+#include "tests/support/WithoutPrivileges.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 using zelto::test::ExposedRasterSource;
 using zelto::test::MakePixels;
@@ -311,4 +315,129 @@ TEST(OverviewsValid, AWarpedViewIsGivenAPyramidOnceItsFileHasOne) {
     ASSERT_GT(source.GetWidth() * source.GetHeight(), 65536);
     EXPECT_TRUE(source.IsOverviewsValid());
     EXPECT_GT(source.GetGDALDataset()->GetRasterBand(1)->GetOverviewCount(), 0);
+}
+
+TEST(BuildOverviews, LevelsOfOneColumnAreToldByTheirRows) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 1, .height = 20'000}, {Pixels(20'000, 3.0)});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_SUCCESS);
+    ASSERT_EQ(source.Reopen(GIS_UPDATE, false), GIS_SUCCESS);
+    CRasterBand& band = *source.GetRasterBand(0);
+    ASSERT_EQ(band.GetOverviewCount(), 2);
+    EXPECT_EQ(source.BuildOverviews("AVERAGE", 0, nullptr, nullptr), GIS_SUCCESS);
+    EXPECT_EQ(band.GetOverview(0)->GetGDALBand()->GetYSize(), 10'000);
+    EXPECT_EQ(band.GetOverview(1)->GetGDALBand()->GetYSize(), 5'000);
+}
+
+TEST(BuildOverviews, AnImagineFileThatIsTooSmallCountsAsDone) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.img"), {.width = 60, .height = 60, .driver = "HFA"},
+                {Stripes(60, 60)});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.img").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_SUCCESS);
+    EXPECT_TRUE(source.IsOpened());
+    EXPECT_EQ(Pyramid(folder.File("a.img")), Sizes{});
+}
+
+TEST(BuildOverviews, OfAnImagineFileThatIsGoneFails) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.img"), {.width = 300, .height = 300, .driver = "HFA"},
+                {Stripes(300, 300)});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.img").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    std::filesystem::remove(folder.File("a.img"));
+    EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), folder.File("a.img") + ": it is not open");
+    EXPECT_FALSE(source.IsOpened());
+}
+
+TEST(BuildOverviews, TheDataSetAndItsBandsMustBeThere) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 100, .height = 100}, {Stripes(100, 100)});
+    ExposedRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    GDALDataset* const dataset = source.GetGDALDataset();
+    EXPECT_EQ(source.BuildOverviews(nullptr, "NEAREST", 0, nullptr, nullptr), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), folder.File("a.tif") + ": it is not open");
+    EXPECT_EQ(source.BuildOverviews(dataset, "no such method", 0, nullptr, nullptr), GIS_FAILED);
+    int band = 2;
+    EXPECT_EQ(source.BuildOverviews(dataset, "NEAREST", 1, &band, nullptr), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              folder.File("a.tif") + ": it has no such bands, or no such method");
+    EXPECT_EQ(source.BuildOverviews(dataset, "NEAREST", 0, nullptr, nullptr), GIS_SUCCESS);
+    EXPECT_EQ(Pyramid(folder.File("a.tif")).size(), 1U);
+}
+
+TEST(BuildOverviews, OfAnImageWithAFileOfMasksLeaveNothingUnfinished) {
+    for (const GISDataAccess access : {GIS_UPDATE, GIS_READONLY}) {
+        SCOPED_TRACE(access == GIS_UPDATE ? "inside" : "beside");
+        const TemporaryFolder folder;
+        for (const char* name : {"a.tif", "a.tif.msk"})
+            WriteRaster(folder.File(name), {.width = 300, .height = 300}, {Stripes(300, 300)});
+        CRasterSource source;
+        ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), access, true), GIS_SUCCESS);
+        RecordingProgress cancelling(1);
+        EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, &cancelling), GIS_FAILED);
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+                  folder.File("a.tif") + ": the build of its pyramid was cancelled");
+        source.Close();
+        EXPECT_EQ(Pyramid(folder.File("a.tif")), Sizes{});
+        for (int time = 0; time < 2; ++time) {
+            ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), access, true), GIS_SUCCESS);
+            EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_SUCCESS)
+                << CGISDataSource::GetLastErrorText();
+            source.Close();
+            EXPECT_EQ(Pyramid(folder.File("a.tif")).size(), 3U);
+        }
+    }
+}
+
+TEST(BuildOverviews, BesideAnImageInAFolderThatCannotBeWrittenFails) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 300, .height = 300}, {Stripes(300, 300)});
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms(0555));
+    {
+        const zelto::test::WithoutPrivileges unprivileged;
+        CRasterSource source;
+        ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+        EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_FAILED);
+        EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+                  folder.File("a.tif") + ": its folder cannot be written");
+    }
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms(0755));
+    EXPECT_EQ(folder.Names(), std::vector<std::string>{"a.tif"});
+}
+
+TEST(BuildOverviews, OfAnImagineFileThatTheDiskHasNoRoomForIsNotBegun) {
+    const TemporaryFolder folder;
+    const zelto::test::SmallDisk disk(folder.Path() / "disk");
+    if (!disk.IsMounted())
+        GTEST_SKIP() << "this user may not mount";
+    WriteRaster(folder.File("disk/a.img"),
+                {.width = 2000, .height = 2000, .driver = "HFA", .options = {"COMPRESSED=YES"}},
+                {Pixels(std::size_t{2000} * 2000, 7.0)});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("disk/a.img").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+    EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              folder.File("disk/a.img") + ": there is no room for its pyramid");
+    source.Close();
+    EXPECT_EQ(Pyramid(folder.File("disk/a.img")), Sizes{});
+}
+
+TEST(OverviewsValid, AWarpedViewOfALargeFileWithAPyramidIs) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"),
+                {.width = 300,
+                 .height = 300,
+                 .geoTransform = std::array<double, 6>{1000.0, 8.0, 3.0, 2000.0, 3.0, -8.0},
+                 .overviews = {2}},
+                {Stripes(300, 300)});
+    ExposedRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    ASSERT_TRUE(source.HasBase());
+    EXPECT_TRUE(source.IsOverviewsValid());
 }

@@ -174,12 +174,15 @@ int CountLevelsBeside(GDALDataset& image) {
     return keeper.IsInitialized() ? keeper.GetOverviewCount(1) : 0;
 }
 
-bool CanHavePyramidBeside(GDALDataset& image) {
-    const fs::path path = image.GetDescription();
+bool HasMasksBeside(GDALDataset& image) {
     std::error_code ignored;
-    // A file of masks has a pyramid of its own, which GDAL builds along with the image's.
-    return PyramidKeeper::Of(image).IsInitialized() && fs::is_regular_file(path, ignored) &&
-           !fs::exists(path.string() + ".msk", ignored);
+    return fs::exists(std::string(image.GetDescription()) + ".msk", ignored);
+}
+
+bool CanHavePyramidBeside(GDALDataset& image) {
+    std::error_code ignored;
+    return PyramidKeeper::Of(image).IsInitialized() &&
+           fs::is_regular_file(image.GetDescription(), ignored) && !HasMasksBeside(image);
 }
 
 bool BuildPyramidBeside(GDALDataset& image, const PyramidOrder& order) {

@@ -18,6 +18,10 @@ void HideForeignPyramid(GDALDataset& image);
 /// Number of levels that GDAL knows beside the image; the first band tells.
 int CountLevelsBeside(GDALDataset& image);
 
+/// Whether a file of masks stands beside the image. It has a pyramid of its own, which GDAL builds
+/// along with the image's.
+bool HasMasksBeside(GDALDataset& image);
+
 /// Whether the image's format leaves the pyramid beside the file to GDAL.
 bool CanHavePyramidBeside(GDALDataset& image);
 

@@ -47,8 +47,9 @@ void RemoveLevels(GDALDataset& image) {
 class InsideSettings {
   public:
     explicit InsideSettings(GDALDataset& image) {
-        // A pyramid inside the file can be replaced, but not joined by one beside it.
-        if (HasPyramidInside(image))
+        // A pyramid inside the file can be replaced, but not joined by one beside it. In files of
+        // a stem, GDAL neither removes nor replaces that of an image with a file of masks.
+        if (HasPyramidInside(image) || HasMasksBeside(image))
             m_noneBeside.emplace("USE_RRD", "NO", false);
         if (IsDriver(image, "HFA") && HasForeignIndex(image.GetDescription()))
             m_noLevelsBeside.emplace("HFA_USE_RRD", "NO", false);
