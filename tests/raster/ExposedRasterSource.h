@@ -12,6 +12,7 @@ namespace zelto::test {
 /// A raster source whose protected state the tests may look at.
 class ExposedRasterSource : public CRasterSource {
   public:
+    using CRasterSource::BuildOverviews;
     using CRasterSource::GetByteOffset;
 
     bool HasBase() const { return m_baseDataset != nullptr; }

@@ -201,3 +201,22 @@ TEST(RasterBandBilinear, AnyNoDataNeighbourRefusesTheBlend) {
         EXPECT_EQ(value, -1.0);
     }
 }
+
+TEST(RasterBandCache, SizesBeyondAnyMemoryAreRefused) {
+    TestBand band({.width = 4, .height = 3}, Twelve());
+    constexpr int SIDE = 1 << 25; // 2^53 bytes of samples
+    EXPECT_FALSE(band->GetData(0, 0, 4, 3, SIDE, SIDE));
+    EXPECT_EQ(band->GetCacheDataMean(), 0.0);
+    double sample = 7.0;
+    EXPECT_FALSE(band->GetDataToBuffer(0, 0, 4, 3, 1, -1, &sample));
+    EXPECT_EQ(sample, 7.0);
+}
+
+TEST(RasterBandBilinear, AboveTheCacheTheNearestSampleIsAskedForAndMissing) {
+    TestBand band({.width = 2, .height = 3}, {0, 0, 10, 20, 40, 80});
+    ASSERT_TRUE(band->GetData(0, 1, 2, 2, 2, 2));
+    double value = -1.0;
+    EXPECT_FALSE(band->GetBilinearValueAt(0.5, 0.0, &value));
+    EXPECT_EQ(value, -1.0);
+    EXPECT_TRUE(band->GetBilinearValueAt(0.5, 0.5, &value)) << "row 0 with dy = -0.5";
+}

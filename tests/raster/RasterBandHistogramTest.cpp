@@ -189,3 +189,12 @@ TEST(BandHistogram, BeyondThatItIsGdalsApproximation) {
     EXPECT_EQ(found, Counts(expected.begin(), expected.end()));
     EXPECT_LT(found[0] + found[200], 10241 * 100) << "a sample, not every pixel";
 }
+
+TEST(BandHistogram, AGivenOneIsNoAnswerToARequest) {
+    TestBand band({.width = 10, .height = 1}, TEN);
+    const Counts counted = Histogram(*band, 1.0, 5.0, 4);
+    const Counts given = {100, 200, 300, 400};
+    ASSERT_TRUE(band->SetHistogram(1.0, 5.0, 4, given.data()));
+    EXPECT_EQ(Histogram(*band, 1.0, 5.0, 4), counted);
+    EXPECT_EQ(Histogram(*band, 1.0, 5.0, 4), counted);
+}

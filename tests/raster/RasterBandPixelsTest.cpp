@@ -1,3 +1,5 @@
+#include "zelto/datasource/GISDataSource.h"
+
 #include "tests/raster/TestBand.h"
 
 #include <array>
@@ -112,4 +114,23 @@ TEST(RasterBandPixel, PositionsOutsideFailWithoutTouchingTheValue) {
     }
     EXPECT_EQ(CPLGetLastErrorType(), CE_None) << "GDAL was asked";
     EXPECT_EQ(band->GetPixel(nullptr, 0, 0, PDT_Float64), GIS_FAILED);
+}
+
+TEST(RasterBandBlocks, AnUnknownTypeIsTheBandsOwn) {
+    TestBand band({.width = 4, .height = 3, .type = GDT_UInt16}, Twelve());
+    std::array<std::uint16_t, 4> read{};
+    EXPECT_EQ(band->ReadBlock(0, 1, 4, 1, read.data(), 4, 1, PDT_Unknown, 0, 0), GIS_SUCCESS);
+    EXPECT_EQ(read, (std::array<std::uint16_t, 4>{4, 5, 6, 7}));
+}
+
+TEST(RasterBandBlocks, ABlockThatIsNoneIsNotWrittenAndLeavesAReason) {
+    TestBand band({.width = 4, .height = 3}, Twelve(), GDAL_OF_UPDATE);
+    std::uint8_t value = 99;
+    const auto type = static_cast<PixelDataType>(GDT_TypeCount);
+    EXPECT_EQ(band->WriteBlock(0, 0, 1, 1, nullptr, 1, 1, PDT_Byte, 0, 0), GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(), "no such block");
+    EXPECT_EQ(band->WriteBlock(0, 0, 1, 1, &value, 1, 0, PDT_Byte, 0, 0), GIS_FAILED);
+    EXPECT_EQ(band->WriteBlock(0, 0, 1, 1, &value, 1, 1, type, 0, 0), GIS_FAILED);
+    band.Close();
+    EXPECT_EQ(ReadBand(band.Path(), 1), Twelve());
 }

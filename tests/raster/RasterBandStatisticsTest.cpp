@@ -1,3 +1,5 @@
+#include "zelto/raster/RasterSource.h"
+
 #include "tests/raster/TestBand.h"
 #include "tests/support/RecordingProgress.h"
 
@@ -274,4 +276,56 @@ TEST(ExactStatistics, FailWithoutAValidPixel) {
     CPLPushErrorHandler(CPLQuietErrorHandler);
     EXPECT_FALSE(band->ComputeStatics(&s.min, &s.max, &s.mean, &s.deviation, false, nullptr));
     CPLPopErrorHandler();
+}
+
+TEST(ReplacedStatistics, GiveWayToTheBandsOwnAgain) {
+    TestBand band({.width = 4, .height = 3}, zelto::test::Twelve());
+    const double mean = band->GetMean();
+    EXPECT_EQ(mean, 5.5);
+    band->RestoreStatistics(); // nothing is replaced
+    EXPECT_EQ(band->GetMean(), 5.5);
+    EXPECT_TRUE(band->ReplaceStatistics(1.0, 2.0, 1.5, 0.5));
+    EXPECT_TRUE(band->ReplaceStatistics(10.0, 20.0, 15.0, 5.0));
+    EXPECT_EQ(band->GetMinimum(), 10.0);
+    EXPECT_EQ(band->GetStandardDeviation(), 5.0);
+    band->RestoreStatistics();
+    EXPECT_EQ(band->GetMinimum(), 0.0);
+    EXPECT_EQ(band->GetMaximum(), 11.0);
+    EXPECT_EQ(band->GetMean(), 5.5);
+}
+
+TEST(ReplacedStatistics, OfABandThatTakesItsOwnOnDemandLeaveThemToBeTaken) {
+    const zelto::test::TemporaryFolder folder;
+    zelto::test::WriteRaster(folder.File("a.tif"), {.width = 4, .height = 3},
+                             {zelto::test::Twelve()});
+    for (const bool isTaken : {false, true}) {
+        SCOPED_TRACE(isTaken);
+        CRasterSource source;
+        ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+        CRasterBand& band = *source.GetRasterBand(0);
+        if (isTaken) {
+            EXPECT_EQ(band.GetMean(), 5.5);
+        }
+        EXPECT_TRUE(band.ReplaceStatistics(10.0, 20.0, 15.0, 5.0));
+        EXPECT_EQ(band.GetMean(), 15.0);
+        band.RestoreStatistics();
+        EXPECT_EQ(band.GetMean(), 5.5);
+        EXPECT_EQ(band.GetMaximum(), 11.0);
+    }
+}
+
+TEST(ReplacedStatistics, KeepTheOwnOnesOfTheImageThatWasOpened) {
+    const zelto::test::TemporaryFolder folder;
+    zelto::test::WriteRaster(folder.File("a.tif"), {.width = 300, .height = 300},
+                             {zelto::test::MakePixels(300, 300, [](int c, int) { return c % 2; })});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    CRasterBand& band = *source.GetRasterBand(0);
+    EXPECT_TRUE(band.ReplaceStatistics(10.0, 20.0, 15.0, 5.0));
+    // A pyramid changes what later samples are; the band's own are taken before.
+    EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_SUCCESS);
+    EXPECT_EQ(band.GetMean(), 15.0);
+    band.RestoreStatistics();
+    EXPECT_EQ(band.GetMean(), 0.5);
+    EXPECT_EQ(band.GetMaximum(), 1.0);
 }

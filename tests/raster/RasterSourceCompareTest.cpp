@@ -170,3 +170,29 @@ TEST(CompareReferences, ParametersThatOneOfThemLacksCountAsZero) {
                                 "PARAMETER[\"scale_factor\",1],UNIT[\"length\",1]]";
     EXPECT_FALSE(Same(Projected("Transverse_Mercator", "117"), without));
 }
+
+TEST(CompareReferences, ADatumWithoutANameIsThatOfNoOther) {
+    const std::string heights = "VERT_CS[\"Heights\",VERT_DATUM[\"Sea\",2005],UNIT[\"metre\",1]]";
+    const std::string others = "VERT_CS[\"Heights\",VERT_DATUM[\"Lake\",2005],UNIT[\"metre\",1]]";
+    EXPECT_FALSE(Same(heights, others)) << "neither has a datum of positions";
+    EXPECT_TRUE(Same(heights, heights + " ")) << "but the same of heights";
+    EXPECT_FALSE(Same(heights, Geographic().Wkt()));
+    EXPECT_FALSE(Same(heights, "LOCAL_CS[\"Site\",UNIT[\"metre\",1]]"));
+}
+
+TEST(CompareReferences, SpheroidsDifferByTheirFlatteningToo) {
+    EXPECT_TRUE(SameAsPlain({.flattening = "298.30009"}));
+    EXPECT_FALSE(SameAsPlain({.flattening = "298.3002"}));
+    EXPECT_FALSE(SameAsPlain({.axis = "6378245.02"}));
+}
+
+TEST(CompareReferences, AParameterThatOnlyOneOfThemHasCountsInBothDirections) {
+    const auto grid = [](const std::string& parameter) {
+        return "PROJCS[\"My grid\"," + Geographic().Wkt() +
+               ",PROJECTION[\"Transverse_Mercator\"],"
+               "PARAMETER[\"latitude_of_origin\",0],PARAMETER[\"central_meridian\",117]," +
+               parameter + "PARAMETER[\"false_easting\",0],UNIT[\"length\",1]]";
+    };
+    EXPECT_TRUE(Same(grid("PARAMETER[\"false_northing\",0],"), grid("")));
+    EXPECT_FALSE(Same(grid("PARAMETER[\"false_northing\",9],"), grid("")));
+}

@@ -174,3 +174,20 @@ TEST(RasterExtent, OfASouthUpGridIsStillWellFormed) {
     source.SetGrid({0.0, -2.0, 0.0, 10.0, 0.0, 3.0}, 10, 20);
     ExpectBox(source.Extent(), -20.0, 70.0, 0.0, 10.0);
 }
+
+TEST(ImageToGround, NoRectangleIsNoBox) {
+    const CRasterSource source;
+    const CBoundingBox box = source.ImageToGround(static_cast<CRect*>(nullptr));
+    const CBoundingBox none;
+    EXPECT_EQ(box.m_left, none.m_left);
+    EXPECT_EQ(box.m_top, none.m_top);
+    EXPECT_EQ(box.m_right, none.m_right);
+    EXPECT_EQ(box.m_bottom, none.m_bottom);
+}
+
+TEST(GeoreferencingKind, IsAnAffineOneUntilTheHostSetsAnother) {
+    CRasterSource source;
+    EXPECT_EQ(source.GetGeoreferencingKind(), 1);
+    source.SetGeoreferencingKind(2);
+    EXPECT_EQ(source.GetGeoreferencingKind(), 2);
+}

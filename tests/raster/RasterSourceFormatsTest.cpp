@@ -124,3 +124,7 @@ TEST(RasterSourceLayout, VirtualOperationsStandInTheirSlots) {
     EXPECT_EQ(SlotOf(&CRasterSource::GetPixel), 15);
     EXPECT_EQ(SlotOf(&CRasterSource::IsComposedRaster), 16);
 }
+
+TEST(RasterFormat, OfNoPathIsUnknown) {
+    EXPECT_EQ(CRasterSource::GetDataFormat(nullptr), RDF_Unknown);
+}

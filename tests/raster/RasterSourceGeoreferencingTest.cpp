@@ -231,3 +231,14 @@ TEST(AllBandNoData, IsClearedInMemoryOnly) {
     ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
     EXPECT_TRUE(source.GetRasterBand(0)->IsHaveNoData());
 }
+
+TEST(GetGeoTransform, OfAClosedSourceAreTheMembers) {
+    CRasterSource source;
+    double set[6] = {1, 2, 3, 4, 5, 6};
+    EXPECT_EQ(source.SetGeoTransform(set, true), GIS_SUCCESS);
+    double found[6] = {};
+    EXPECT_TRUE(source.GetGeoTransform(found, true));
+    EXPECT_EQ(std::to_array(found), std::to_array(set));
+    EXPECT_FALSE(source.GetGeoTransform(nullptr, true));
+    EXPECT_EQ(source.SetBaseGeoTransform(set), GIS_FAILED);
+}

@@ -245,3 +245,35 @@ TEST(RasterInfo, TheRastersTypeIsTheFirstBands) {
         EXPECT_EQ(static_cast<int>(source.GetRasterDataType()), type);
     }
 }
+
+TEST(RasterInfo, EveryTermDecidesWhetherAnImageIsNorthUp) {
+    using Terms = std::array<double, 6>;
+    for (const Terms& terms :
+         {Terms{10, 1, 0, 20, 0, -1}, Terms{10, 1, 0.5, 20, 0, -1}, Terms{10, 1, 0, 20, 0.5, -1},
+          Terms{10, -1, 0, 20, 0, -1}, Terms{10, 1, 0, 20, 0, 1}}) {
+        SCOPED_TRACE(testing::PrintToString(terms));
+        const TemporaryFolder folder;
+        WriteRaster(folder.File("a.tif"), {.width = 4, .height = 4, .geoTransform = terms},
+                    {Pixels(16, 7.0)});
+        ExposedRasterSource source;
+        ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+        EXPECT_EQ(source.HasBase(), terms != (Terms{10, 1, 0, 20, 0, -1}));
+        EXPECT_EQ(source.GeoTransform()[2], 0.0);
+        EXPECT_LT(source.GeoTransform()[5], 0.0);
+    }
+}
+
+TEST(RasterInfo, ASourceWithoutAPlaceForAReferenceOpensWithItsText) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"),
+                {.width = 2,
+                 .height = 1,
+                 .geoTransform = zelto::test::NorthUp(10.0, 20.0, 1.0),
+                 .srs = "EPSG:4326"},
+                {{1, 2}});
+    ExposedRasterSource source;
+    source.GiveUpReference();
+    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_EQ(source.GetProjectionWKT().find("GEOGCS[\"WGS 84\""), 0U);
+    EXPECT_EQ(source.GetOGRSpatialReference(), nullptr);
+}

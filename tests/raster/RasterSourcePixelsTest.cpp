@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <complex>
 #include <cstdint>
+#include <filesystem>
 
 using zelto::test::MakePixels;
 using zelto::test::ReadBand;
@@ -118,4 +120,20 @@ TEST(SetPixelOfAllBands, ErrorsOfGdalAreIgnored) {
     EXPECT_EQ(source.SetPixel(values, 0, 0), GIS_SUCCESS);
     source.Close();
     EXPECT_EQ(ReadBand(folder.File("a.tif"), 1).front(), 100.0);
+}
+
+TEST(GetPixelOfAllBands, LeavesTheSlotOfABandThatCannotBeRead) {
+    const TemporaryFolder folder;
+    const std::string path = zelto::test::WriteRaster(
+        folder.File("a.tif"), {.width = 64, .height = 64, .options = {"INTERLEAVE=BAND"}},
+        {zelto::test::Pixels(64 * 64, 11.0), zelto::test::Pixels(64 * 64, 22.0)});
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 64);
+    CRasterSource source;
+    const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    ASSERT_EQ(source.OpenSimple(folder.WideFile("a.tif").c_str(), GIS_READONLY, false),
+              GIS_SUCCESS);
+    std::array<unsigned char, 2> values = {1, 2};
+    EXPECT_EQ(source.GetPixel(values.data(), 63, 63, PDT_Byte), GIS_SUCCESS);
+    EXPECT_EQ(values, (std::array<unsigned char, 2>{11, 2}));
+    EXPECT_EQ(CGISDataSource::GetLastErrorText().find(path + ": "), 0U);
 }

@@ -1,4 +1,5 @@
 #include "zelto/raster/RasterBand.h"
+#include "zelto/raster/RasterFiles.h"
 #include "zelto/raster/RasterSource.h"
 
 #include "tests/support/RasterFile.h"
@@ -175,4 +176,57 @@ TEST_F(SameStem, APyramidThatIsLeftOverDoesNotCountForANewImage) {
         EXPECT_EQ(LevelsOf(created), 0);
         EXPECT_EQ(m_folder.Names(), Names{"s.tif"});
     }
+}
+
+TEST_F(SameStem, AnImagineFileThatMeansTheLevelsOfAnotherImageLeavesThemThere) {
+    Write(GTIFF);
+    Build(GTIFF);
+    std::filesystem::create_directory(m_folder.Path() / "elsewhere");
+    {
+        const CPLConfigOptionSetter beside("HFA_USE_RRD", "YES", false);
+        const Image elsewhere = {"elsewhere/s.img", "HFA", IMAGINE.value};
+        Write(elsewhere);
+        Build(elsewhere);
+    }
+    ASSERT_TRUE(std::filesystem::exists(m_folder.Path() / "elsewhere/s.rrd"));
+    std::filesystem::rename(m_folder.File("elsewhere/s.img"), m_folder.File(IMAGINE.name));
+    const std::string levels = zelto::test::ReadFile(m_folder.Path() / "s.rrd");
+    Build(IMAGINE);
+    EXPECT_EQ(zelto::test::ReadFile(m_folder.Path() / "s.rrd"), levels);
+    EXPECT_EQ(LevelsOf(GTIFF), 3);
+    EXPECT_EQ(LevelsOf(IMAGINE), 3);
+}
+
+TEST_F(SameStem, ThePyramidOfAnotherImageIsNeitherCopiedNorReplaced) {
+    Write(GTIFF);
+    Build(GTIFF);
+    Write(BITMAP);
+    EXPECT_EQ(CRasterFiles::Copy(m_folder.WideFile(BITMAP.name).c_str(),
+                                 m_folder.WideFile("t.bmp").c_str(), false),
+              GIS_SUCCESS);
+    EXPECT_EQ(m_folder.Names(), (Names{"s.aux", "s.bmp", "s.rrd", "s.tif", "t.bmp"}));
+    // Its pyramid would take the place of that of s.tif.
+    const Image other = {"u.tif", "GTiff", 60.0};
+    Write(other);
+    Build(other);
+    EXPECT_EQ(CRasterFiles::Move(m_folder.WideFile("u.tif").c_str(),
+                                 m_folder.WideFile(BITMAP.name).c_str(), true),
+              GIS_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              m_folder.File("s.aux") + ": it belongs to another image");
+    EXPECT_EQ(LevelsOf(GTIFF), 3);
+    EXPECT_EQ(LevelsOf(other), 3);
+}
+
+TEST_F(SameStem, AMovedImageKeepsItsPyramid) {
+    Write(GTIFF);
+    Build(GTIFF);
+    const Image moved = {"t.tif", "GTiff", GTIFF.value};
+    Write(moved);
+    Build(moved);
+    EXPECT_EQ(CRasterFiles::Move(m_folder.WideFile(GTIFF.name).c_str(),
+                                 m_folder.WideFile(moved.name).c_str(), true),
+              GIS_SUCCESS);
+    EXPECT_EQ(m_folder.Names(), (Names{"t.aux", "t.rrd", "t.tif"}));
+    EXPECT_EQ(LevelsOf(moved), 3);
 }

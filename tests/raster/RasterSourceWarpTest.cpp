@@ -1,9 +1,13 @@
+#include "zelto/raster/RasterBand.h"
+
 #include "tests/raster/ExposedRasterSource.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+
+#include <optional>
 
 using zelto::test::ExposedRasterSource;
 using zelto::test::NorthUp;
@@ -124,4 +128,120 @@ TEST(OpenAndWarped, AnImageWithoutGeoreferencingCannotBeWarped) {
     EXPECT_EQ(source.OpenAndWarped(folder.WideFile("a.tif").c_str(), GIS_READONLY, "EPSG:4326"),
               GIS_OPEN_FAILED);
     EXPECT_FALSE(source.IsOpened());
+}
+
+namespace {
+
+/// Columns of one value each, 10 × 10 pixels of a degree from 100°E 50°N, and none at −1.
+std::wstring WriteColumns(const TemporaryFolder& folder, std::optional<double> noData) {
+    WriteRaster(
+        folder.File("c.tif"),
+        {.width = 10,
+         .height = 10,
+         .type = GDT_Int16,
+         .geoTransform = NorthUp(100.0, 50.0, 1.0),
+         .srs = "EPSG:4326",
+         .noData = noData},
+        {zelto::test::MakePixels(10, 10, [](int c, int) { return 10 + c; }), Pixels(100, 5.0)});
+    return folder.WideFile("c.tif");
+}
+
+constexpr double DEGREE = 111319.49079327357; // metres on the equator of a ball of 6,378,137 m
+
+/// A row of values of the view's band.
+std::vector<short> RowOf(CRasterSource& source, int band, int row) {
+    std::vector<short> values(static_cast<std::size_t>(source.GetWidth()));
+    EXPECT_EQ(source.GetRasterBand(band)->ReadBlock(0, row, source.GetWidth(), 1, values.data(),
+                                                    source.GetWidth(), 1, PDT_Int16, 0, 0),
+              GIS_SUCCESS);
+    return values;
+}
+
+} // namespace
+
+TEST(OpenWarpedToGrid, ShowsTheFileOnTheGridThatIsGiven) {
+    const TemporaryFolder folder;
+    const std::wstring path = WriteColumns(folder, {});
+    // In Mercator's system columns stay columns: six of them, two beyond the left edge.
+    const double grid[6] = {98.0 * DEGREE, DEGREE, 0.0, 45.5 * DEGREE, 0.0, -DEGREE / 10.0};
+    ExposedRasterSource source;
+    ASSERT_EQ(source.OpenWarpedToGrid(path.c_str(), GIS_READONLY, "EPSG:3395", grid, 6, 2),
+              GIS_SUCCESS);
+    EXPECT_TRUE(source.HasBase());
+    EXPECT_EQ(source.GetWidth(), 6);
+    EXPECT_EQ(source.GetHeight(), 2);
+    EXPECT_EQ(source.GetLeft(), 98.0 * DEGREE);
+    EXPECT_EQ(source.GetXResolution(), DEGREE);
+    EXPECT_TRUE(source.IsProjected());
+    EXPECT_EQ(RowOf(source, 0, 0), (std::vector<short>{0, 0, 10, 11, 12, 13}));
+    EXPECT_EQ(RowOf(source, 1, 1), (std::vector<short>{0, 0, 5, 5, 5, 5}));
+}
+
+TEST(OpenWarpedToGrid, FillsWhatTheFileDoesNotReachWithItsNoDataValue) {
+    const TemporaryFolder folder;
+    const std::wstring path = WriteColumns(folder, 11.0);
+    const double grid[6] = {99.0 * DEGREE, DEGREE, 0.0, 45.5 * DEGREE, 0.0, -DEGREE / 10.0};
+    CRasterSource source;
+    ASSERT_EQ(source.OpenWarpedToGrid(path.c_str(), GIS_READONLY, "EPSG:3395", grid, 4, 1),
+              GIS_SUCCESS);
+    EXPECT_EQ(RowOf(source, 0, 0), (std::vector<short>{11, 10, 11, 12}));
+    EXPECT_EQ(source.GetRasterBand(0)->GetNoDataValue(), 11.0);
+}
+
+TEST(OpenWarpedToGrid, InItsOwnReferenceTheFileKeepsItsOwnGrid) {
+    const TemporaryFolder folder;
+    const std::wstring path = WriteColumns(folder, {});
+    const double grid[6] = {100.0, 0.5, 0.0, 50.0, 0.0, -0.5};
+    for (const char* target : {"EPSG:4326", static_cast<const char*>(nullptr)}) {
+        ExposedRasterSource source;
+        ASSERT_EQ(source.OpenWarpedToGrid(path.c_str(), GIS_READONLY, target, grid, 20, 20),
+                  GIS_SUCCESS);
+        EXPECT_FALSE(source.HasBase());
+        EXPECT_EQ(source.GetWidth(), 10);
+    }
+}
+
+TEST(OpenWarpedToGrid, AGridWithoutPlaceOrPixelsFails) {
+    const TemporaryFolder folder;
+    const std::wstring path = WriteColumns(folder, {});
+    const double grid[6] = {0.0, 1.0, 0.0, 0.0, 0.0, -1.0};
+    CRasterSource source;
+    const auto open = [&](const double* terms, int width, int height) {
+        return source.OpenWarpedToGrid(path.c_str(), GIS_READONLY, "EPSG:3395", terms, width,
+                                       height);
+    };
+    EXPECT_EQ(open(nullptr, 1, 1), GIS_OPEN_FAILED);
+    EXPECT_EQ(CGISDataSource::GetLastErrorText(),
+              "the grid of a view has no geotransform or no pixels");
+    EXPECT_EQ(open(grid, 0, 1), GIS_OPEN_FAILED);
+    EXPECT_EQ(open(grid, 1, 0), GIS_OPEN_FAILED);
+    EXPECT_FALSE(source.IsOpened());
+}
+
+TEST(OpenWarpedToGrid, ARotatedGridNeedsAViewOverTheViewWhichThereIsNot) {
+    const TemporaryFolder folder;
+    const std::wstring path = WriteColumns(folder, {});
+    const double grid[6] = {100.0 * DEGREE, DEGREE, DEGREE, 50.0 * DEGREE, 0.0, -DEGREE};
+    const RecordingLog log;
+    ExposedRasterSource source;
+    ASSERT_EQ(source.OpenWarpedToGrid(path.c_str(), GIS_READONLY, "EPSG:3395", grid, 2, 2),
+              GIS_SUCCESS);
+    EXPECT_EQ(source.GetWidth(), 2);
+    EXPECT_EQ(source.GeoTransform()[2], DEGREE) << "it is shown as it is";
+    ASSERT_EQ(log.m_records.size(), 1U);
+    EXPECT_EQ(log.m_records[0].message, path + L" Warped VRT Creation failed.");
+    source.Close();
+    EXPECT_EQ(OpenDatasetCount(), 0);
+}
+
+TEST(OpenWarpedToGrid, AnImageWithoutAPlaceCannotBeShownOnAGrid) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.tif"), {.width = 2, .height = 2}, {Pixels(4, 1.0)});
+    const double grid[6] = {0.0, 1.0, 0.0, 0.0, 0.0, -1.0};
+    CRasterSource source;
+    EXPECT_EQ(source.OpenWarpedToGrid(folder.WideFile("a.tif").c_str(), GIS_READONLY, "EPSG:4326",
+                                      grid, 2, 2),
+              GIS_OPEN_FAILED);
+    EXPECT_NE(CGISDataSource::GetLastErrorText(), "");
+    EXPECT_EQ(OpenDatasetCount(), 0);
 }
