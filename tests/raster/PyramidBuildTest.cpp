@@ -21,9 +21,9 @@ namespace {
 
 const PyramidOrder TWO_LEVELS = {.resampling = "NEAREST", .levels = {2, 4}, .bands = {}};
 
-class Pyramid : public testing::Test {
+class BuiltPyramid : public testing::Test {
   protected:
-    Pyramid() { GDALAllRegister(); }
+    BuiltPyramid() { GDALAllRegister(); }
 
     std::string Write(const std::string& name, const std::vector<int>& levels,
                       const std::string& driver = "GTiff") const {
@@ -41,7 +41,7 @@ class Pyramid : public testing::Test {
 
 } // namespace
 
-TEST_F(Pyramid, IsWholeWithEveryLevelThatWasOrdered) {
+TEST_F(BuiltPyramid, IsWholeWithEveryLevelThatWasOrdered) {
     EXPECT_TRUE(zelto::IsPyramidInFile(Write("a.tif", {2, 4}), TWO_LEVELS));
     EXPECT_TRUE(zelto::IsPyramidInFile(Write("b.tif", {2, 4, 8}), TWO_LEVELS));
     const std::string path = Write("c.tif", {2});
@@ -49,7 +49,7 @@ TEST_F(Pyramid, IsWholeWithEveryLevelThatWasOrdered) {
     EXPECT_EQ(zelto::LastError(), path + ": its pyramid is not complete");
 }
 
-TEST_F(Pyramid, OfABandThatIsNotThereIsNotComplete) {
+TEST_F(BuiltPyramid, OfABandThatIsNotThereIsNotComplete) {
     const std::string path = Write("a.tif", {2, 4});
     PyramidOrder order = TWO_LEVELS;
     order.bands = {1};
@@ -59,7 +59,7 @@ TEST_F(Pyramid, OfABandThatIsNotThereIsNotComplete) {
     EXPECT_EQ(zelto::LastError().find(path + ": "), 0U) << zelto::LastError();
 }
 
-TEST_F(Pyramid, WhoseLastPixelsAreLostIsToldInGdalsWords) {
+TEST_F(BuiltPyramid, WhoseLastPixelsAreLostIsToldInGdalsWords) {
     const std::string path = Write("a.tif", {2, 4});
     std::string bytes = ReadFile(path);
     const auto image = Open(path);
@@ -74,7 +74,7 @@ TEST_F(Pyramid, WhoseLastPixelsAreLostIsToldInGdalsWords) {
     EXPECT_EQ(zelto::LastError().find("not complete"), std::string::npos) << zelto::LastError();
 }
 
-TEST_F(Pyramid, OfAFileThatCannotBeOpenedIsNone) {
+TEST_F(BuiltPyramid, OfAFileThatCannotBeOpenedIsNone) {
     const std::string path = m_folder.File("a.tif");
     WriteFile(path, "no image");
     EXPECT_FALSE(zelto::IsPyramidInFile(path, TWO_LEVELS));
@@ -83,7 +83,7 @@ TEST_F(Pyramid, OfAFileThatCannotBeOpenedIsNone) {
         << "what is no file is not looked into";
 }
 
-TEST_F(Pyramid, InsideAFileIsRemovedFromIt) {
+TEST_F(BuiltPyramid, InsideAFileIsRemovedFromIt) {
     const std::string path = Write("a.tif", {2, 4});
     zelto::RemovePyramidInside(path);
     EXPECT_EQ(Open(path)->GetRasterBand(1)->GetOverviewCount(), 0);
@@ -95,7 +95,7 @@ TEST_F(Pyramid, InsideAFileIsRemovedFromIt) {
     EXPECT_EQ(ReadFile(path), "no image");
 }
 
-TEST_F(Pyramid, WhoseIndexIsPartOfTheFileComesBackWithACopyOnly) {
+TEST_F(BuiltPyramid, WhoseIndexIsPartOfTheFileComesBackWithACopyOnly) {
     const auto needsCopy = [&](const char* name, const char* driver, unsigned access,
                                const std::vector<int>& levels) {
         const std::string path = Write(name, levels, driver);
@@ -108,7 +108,7 @@ TEST_F(Pyramid, WhoseIndexIsPartOfTheFileComesBackWithACopyOnly) {
     EXPECT_FALSE(needsCopy("c.img", "HFA", GDAL_OF_UPDATE, {}));
 }
 
-TEST_F(Pyramid, AFormatOfTheHostsOwnKeepsNoneInItsFile) {
+TEST_F(BuiltPyramid, AFormatOfTheHostsOwnKeepsNoneInItsFile) {
     BareDataset image(300, 300, 1);
     EXPECT_FALSE(zelto::HasPyramidInside(image));
     EXPECT_TRUE(zelto::CanRemovePyramid(image));
