@@ -196,3 +196,9 @@ TEST(CompareReferences, AParameterThatOnlyOneOfThemHasCountsInBothDirections) {
     EXPECT_TRUE(Same(grid("PARAMETER[\"false_northing\",0],"), grid("")));
     EXPECT_FALSE(Same(grid("PARAMETER[\"false_northing\",9],"), grid("")));
 }
+
+TEST(CompareReferences, AProjectedSystemIsNoLocalOne) {
+    EXPECT_FALSE(
+        Same(Projected("Transverse_Mercator", "117"), "LOCAL_CS[\"Site\",UNIT[\"metre\",1]]"));
+    EXPECT_FALSE(Same("EPSG:32650", "EPSG:4978")) << "nor one from the centre of the earth";
+}

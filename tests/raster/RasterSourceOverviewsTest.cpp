@@ -441,3 +441,22 @@ TEST(OverviewsValid, AWarpedViewOfALargeFileWithAPyramidIs) {
     ASSERT_TRUE(source.HasBase());
     EXPECT_TRUE(source.IsOverviewsValid());
 }
+
+TEST(BuildOverviews, OfAnImagineFileThatCannotBeChangedGoBesideIt) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.img"), {.width = 300, .height = 300, .driver = "HFA"},
+                {Stripes(300, 300)});
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms(0777));
+    std::filesystem::permissions(folder.File("a.img"), std::filesystem::perms(0444));
+    const std::string bytes = zelto::test::ReadFile(folder.Path() / "a.img");
+    CRasterSource source;
+    {
+        const zelto::test::WithoutPrivileges unprivileged;
+        ASSERT_EQ(source.Open(folder.WideFile("a.img").c_str(), GIS_UPDATE, true), GIS_SUCCESS);
+        EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_SUCCESS)
+            << CGISDataSource::GetLastErrorText();
+        source.Close();
+    }
+    EXPECT_EQ(zelto::test::ReadFile(folder.Path() / "a.img"), bytes);
+    EXPECT_EQ(Pyramid(folder.File("a.img")).size(), 3U);
+}

@@ -282,3 +282,17 @@ TEST_F(RasterTransfer, FilesThatNameEachOtherAreCopiedInTheFormatsOwnWay) {
     EXPECT_EQ(m_folder.Names(), (Names{"b.ige", "b.img", "to"}));
     EXPECT_EQ(PixelsOf("to/c.img"), Pixels(4, 3.0));
 }
+
+TEST_F(RasterTransfer, ALinkToTheImageLeavesItItsWorldFile) {
+    WriteRaster(File("a.tif"),
+                {.width = 4, .height = 1, .geoTransform = zelto::test::NorthUp(10.0, 20.0, 1.0)},
+                {Pixels(4, 1.0)});
+    WriteFile(File("a.tfw"), WORLD_FILE);
+    fs::create_symlink(File("a.tif"), File("a.tiff"));
+    EXPECT_EQ(Copy("a.tif", "b.tif"), GIS_SUCCESS);
+    EXPECT_EQ(ReadFile(File("b.tfw")), WORLD_FILE);
+    fs::remove(File("a.tiff"));
+    WriteImage("a.tiff", 2.0);
+    EXPECT_EQ(Copy("a.tif", "c.tif"), GIS_SUCCESS);
+    EXPECT_FALSE(fs::exists(File("c.tfw"))) << "it may be that of the other image";
+}

@@ -73,8 +73,7 @@ void CRasterSource::AddSubRaster(std::unique_ptr<CRasterSource> sub) {
 void CRasterSource::MergeSubRasters() {
     for (const CRasterSource* sub : m_subRasters)
         m_bands.insert(m_bands.end(), sub->m_bands.begin(), sub->m_bands.end());
-    if (const CRasterBand* first = m_subRasters.front()->GetRasterBand(0))
-        m_dataType = first->GetDataType();
+    m_dataType = m_subRasters.front()->GetRasterBand(0)->GetDataType(); // none opens without bands
     m_bandCount = static_cast<int>(m_bands.size());
 
     const CRasterSource& last = *m_subRasters.back();

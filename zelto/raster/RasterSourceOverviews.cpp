@@ -182,7 +182,7 @@ bool CRasterSource::IsOverviewsValid() {
     for (const CRasterBand* band : m_bands) {
         if (!NeedsOverviews(band->GetWidth(), band->GetHeight(), band->GetOverviewCount()))
             continue;
-        if (m_baseDataset == nullptr || m_dataset == nullptr)
+        if (m_baseDataset == nullptr)
             return false;
         BuildOverviews(m_dataset, "AVERAGE", 0, nullptr, nullptr);
         return true;
