@@ -1,8 +1,10 @@
 #include "zelto/coordinate/CoordinateTransformation.h"
 #include "zelto/coordinate/Reproject.h"
+#include "zelto/vector/VectorSource.h"
 
 #include "tests/coordinate/PlacedRaster.h"
 #include "tests/coordinate/ReferenceDialects.h"
+#include "tests/support/VectorFile.h"
 
 #include <gtest/gtest.h>
 
@@ -45,6 +47,24 @@ TEST(ReprojectCreation, NeedsASourceThatCanBeTransformed) {
     EXPECT_EQ(Bind(raster, "LOCAL_CS[\"here\",UNIT[\"metre\",1]]"), nullptr);
     PlacedRaster nowhere(2, 2, NorthUp(0, 0, 1), "");
     EXPECT_EQ(Bind(nowhere, UTM50), nullptr);
+}
+
+TEST(ReprojectCreation, TakesASourceThatIsNoRasterWithoutPositionsInPixels) {
+    const zelto::test::TemporaryFolder folder;
+    zelto::test::WriteVector(folder.File("a.shp"), {.type = wkbPoint, .srs = UTM50},
+                             {"POINT (500000 4400000)"});
+    CVectorSource vector;
+    ASSERT_EQ(vector.Open(folder.WideFile("a.shp").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+    const std::unique_ptr<CReproject> reproject(
+        CReproject::Create(&vector, "EPSG:4326", nullptr, nullptr));
+    ASSERT_NE(reproject, nullptr);
+    CBoundingBox box(500000, 4400000, 500100, 4399900);
+    CBoundingBox there;
+    EXPECT_TRUE(reproject->Src2DestBox(box, there, 0, 0));
+    EXPECT_NEAR(there.m_left, 117, 1e-9);
+    CRect window;
+    EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(there, &window, 0, 0));
+    EXPECT_FALSE(reproject->FindSourceWindow(there, window, 0, 0));
 }
 
 TEST(ReprojectCreation, TakesSevenParametersForBothWays) {
@@ -415,4 +435,8 @@ TEST(SourceWindow, OfABoxWithoutAnAnswerIsNone) {
     CRect rect;
     EXPECT_FALSE(reproject->GetInImgEnveFromGeoOut(partly, &rect, 0, 0));
     EXPECT_FALSE(reproject->FindSourceWindow(partly, rect, 0, 0));
+    EXPECT_FALSE(reproject->FindSourceWindow({10, 300, 20, 200}, rect, 0, 0));
+    // Rows beyond all numbers, in columns that are there.
+    PlacedRaster flat(2, 2, {0, 1, 0, 0, 0, -1e-300}, UTM50);
+    EXPECT_FALSE(Bind(flat, UTM50)->FindSourceWindow({0, 1e10, 1, 0}, rect, 0, 0));
 }
