@@ -14,9 +14,9 @@ using zelto::WindowSamples;
 
 namespace {
 
-constexpr int COLUMNS = 300;
-constexpr int ROWS = 200;
-constexpr ReadWindow WHOLE = {0, 0, COLUMNS, ROWS, 60, 50};
+constexpr int SCENE_COLUMNS = 300;
+constexpr int SCENE_ROWS = 200;
+constexpr ReadWindow WHOLE = {0, 0, SCENE_COLUMNS, SCENE_ROWS, 60, 50};
 
 /// A small cache of GDAL for blocks, that windows are beyond.
 class SmallCache {
@@ -34,11 +34,11 @@ class SmallCache {
 ShownRaster Together(GDALDataType type) {
     std::vector<Pixels> bands;
     for (int b = 0; b < 3; ++b)
-        bands.push_back(MakePixels(COLUMNS, ROWS, [b](int column, int row) {
+        bands.push_back(MakePixels(SCENE_COLUMNS, SCENE_ROWS, [b](int column, int row) {
             return (7 * column + 13 * row + 50 * b) % 251;
         }));
-    return {{.width = COLUMNS,
-             .height = ROWS,
+    return {{.width = SCENE_COLUMNS,
+             .height = SCENE_ROWS,
              .type = type,
              .options = {"COMPRESS=LZW", "INTERLEAVE=PIXEL"}},
             bands};
@@ -98,15 +98,17 @@ TEST(WindowSamples, AreNotReadTogetherWhereThatDoesNotSuit) {
     EXPECT_FALSE(isReadTogether({bands[0], BandsOf(other)[1]}, WHOLE)) << "of two files";
     EXPECT_FALSE(isReadTogether({bands[0], nullptr}, WHOLE));
     EXPECT_FALSE(isReadTogether({nullptr}, WHOLE));
-    EXPECT_FALSE(isReadTogether(bands, {0, 0, COLUMNS, ROWS, 0, 50}));
-    EXPECT_FALSE(isReadTogether(bands, {0, 0, COLUMNS, ROWS, 50, 0}));
-    EXPECT_FALSE(isReadTogether(bands, {0, 0, COLUMNS, ROWS, COLUMNS + 1, 50})) << "enlarged";
-    EXPECT_FALSE(isReadTogether(bands, {0, 0, COLUMNS, ROWS, 50, ROWS + 1}));
+    EXPECT_FALSE(isReadTogether(bands, {0, 0, SCENE_COLUMNS, SCENE_ROWS, 0, 50}));
+    EXPECT_FALSE(isReadTogether(bands, {0, 0, SCENE_COLUMNS, SCENE_ROWS, 50, 0}));
+    EXPECT_FALSE(isReadTogether(bands, {0, 0, SCENE_COLUMNS, SCENE_ROWS, SCENE_COLUMNS + 1, 50}))
+        << "enlarged";
+    EXPECT_FALSE(isReadTogether(bands, {0, 0, SCENE_COLUMNS, SCENE_ROWS, 50, SCENE_ROWS + 1}));
     EXPECT_FALSE(isReadTogether({bands[0]}, WHOLE)) << "one band, and few pixels for threads";
     ShownRaster wide = Together(GDT_CFloat32);
     EXPECT_FALSE(isReadTogether(BandsOf(wide), WHOLE)) << "no type that samples have here";
-    ShownRaster plain({.width = COLUMNS, .height = ROWS, .options = {"INTERLEAVE=PIXEL"}},
-                      std::vector<Pixels>(3, Pixels(COLUMNS * ROWS, 5.0)));
+    ShownRaster plain(
+        {.width = SCENE_COLUMNS, .height = SCENE_ROWS, .options = {"INTERLEAVE=PIXEL"}},
+        std::vector<Pixels>(3, Pixels(SCENE_COLUMNS * SCENE_ROWS, 5.0)));
     EXPECT_FALSE(isReadTogether(BandsOf(plain), WHOLE)) << "not compressed";
 }
 

@@ -131,11 +131,10 @@ SampleLookup<PackedColor> ShowColors(const WindowSamples& samples, const CRaster
                             return ClassColor(table, value, transparency);
                         });
     case SingleBandKind::Palette:
-        return ShowEach(samples, band, missing,
-                        [table = PaletteOf(band), transparency, missing](double value) {
-                            return table != nullptr ? PaletteColor(*table, value, transparency)
-                                                    : missing;
-                        });
+        return ShowEach(
+            samples, band, missing, [table = PaletteOf(band), transparency, missing](double value) {
+                return table != nullptr ? PaletteColor(*table, value, transparency) : missing;
+            });
     default:
         return ShowByteColors(samples, band, missing, MakeByteColors([](unsigned char v) {
                                   return PackColor(v, v, v, 255);
