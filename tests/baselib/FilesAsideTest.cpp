@@ -38,7 +38,10 @@ class FilesAside : public testing::Test {
                 files[name] = zelto::test::ReadFile(m_folder.File(name));
         return files;
     }
-    Paths Files() const { return {m_folder.File("a"), m_folder.File("none"), m_folder.File("b")}; }
+    /// One of them is named twice, one does not exist.
+    Paths Files() const {
+        return {m_folder.File("a"), m_folder.File("none"), m_folder.File("b"), m_folder.File("a")};
+    }
 
     /// Runs `work`, which answers whether it succeeded, with each of its changes refused in turn.
     /// @param check of the answer, when it is over

@@ -327,6 +327,13 @@ TEST_F(NewFileSet, ABackupThatCannotBePutBackStaysForTheNextTime) {
     EXPECT_EQ(m_folder.Names(), (Names{"a.dbf", "a.shp"}));
 }
 
+TEST_F(NewFileSet, ABackupOfASetThatWasNotThereTakesTheHalfNewOneAway) {
+    fs::create_directory(m_folder.Path() / ".zelto-old-a.shp");
+    Write({{".zelto-old-a.shp/.zelto-set", "a.shp\na.cpg\na.dbf\n"}, {"a.cpg", "new text"}});
+    CNewFileSet::Restore(m_folder.WideFile("a.shp"));
+    EXPECT_EQ(m_folder.Names(), Names());
+}
+
 TEST_F(NewFileSet, AFolderInThePlaceOfASideFileLeavesTheOldSetOrNone) {
     fs::create_directory(m_folder.Path() / "a.dbf");
     Write({{"a.dbf/inside", "mine"}});

@@ -214,6 +214,14 @@ TEST(AutoLevelsMap, OfAComposedRasterNeedsAPixelThatItsFirstSourceShows) {
     EXPECT_TRUE(composed.GetShowData(&box, WIDTH, 1, image.data(), false));
     EXPECT_EQ(image[3], 0);
     EXPECT_EQ(scene.Equalised(), Shown(scene.plain, StretchHistEqualize, Skewed()));
+
+    hidden.ClearAllBandNoDataValue(false);
+    scene.source.SetStretchType(StretchAutoLevels);
+    EXPECT_TRUE(composed.GetShowData(&box, WIDTH, 1, image.data(), false));
+    Bytes greens;
+    for (std::size_t i = 1; i < image.size(); i += 4)
+        greens.push_back(image[i]);
+    EXPECT_EQ(greens, Shown(scene.plain, StretchAutoLevels, Skewed()));
 }
 
 TEST(AutoLevelsMap, ASinglePixelHasNoUseForIt) {

@@ -262,6 +262,8 @@ TEST(ComposedRendering, BadArgumentsAreRefused) {
     EXPECT_FALSE(scene.composed.GetShowData(&box, 0, 10, 1, one, nullptr, true));
     EXPECT_FALSE(scene.composed.GetShowData(&box, 10, 0, 1, one, nullptr, true));
     EXPECT_FALSE(scene.composed.GetShowData(&box, 10, 10, 0, one, nullptr, true));
+    CBoundingBox flat(20.0, std::nextafter(50.0, 51.0), 40.0, 50.0); // its rows are too many
+    EXPECT_FALSE(scene.composed.GetShowData(&flat, 10, 10, out.data(), true));
     CBoundingBox upsideDown(box.m_left, box.m_bottom, box.m_right, box.m_top);
     EXPECT_FALSE(scene.composed.GetShowData(&upsideDown, 10, 10, out.data(), true));
     CBoundingBox nowhere(NAN, 1.0, 2.0, 0.0);

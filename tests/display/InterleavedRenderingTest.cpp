@@ -1,6 +1,7 @@
 #include "tests/display/ShownRaster.h"
 #include "tests/support/LimitedMemory.h"
 
+#include <gdal.h>
 #include <omp.h>
 
 #include <cmath>
@@ -110,6 +111,28 @@ TEST(InterleavedRendering, FollowsAGridWhoseRowsAloneAreSheared) {
     }
     EXPECT_EQ(reds, (Bytes{255, 255, 255, 2, 1, 4, 3, 255}));
     EXPECT_EQ(alphas, (Bytes{0, 0, 0, 255, 255, 255, 255, 0}));
+}
+
+TEST(InterleavedRendering, BandsThatAreReadTogetherShowTheSame) {
+    constexpr int WIDE = 300;
+    constexpr int HIGH = 200;
+    std::vector<Pixels> bands;
+    for (int b = 0; b < 3; ++b)
+        bands.push_back(MakePixels(WIDE, HIGH, [b](int column, int row) {
+            return (7 * column + 13 * row + 50 * b) % 251;
+        }));
+    ShownRaster source(
+        {.width = WIDE, .height = HIGH, .options = {"COMPRESS=LZW", "INTERLEAVE=PIXEL"}}, bands);
+    source.Show({0, 1, 2});
+    CBoundingBox box = source.GetExtent();
+    Bytes expected(std::size_t{60} * 50 * 4);
+    ASSERT_TRUE(source.GetShowData(&box, 60, 50, expected.data(), false));
+    const GIntBig former = GDALGetCacheMax64();
+    GDALSetCacheMax64(10'000); // the window is beyond it
+    Bytes image(expected.size());
+    EXPECT_TRUE(source.GetShowData(&box, 60, 50, image.data(), false));
+    GDALSetCacheMax64(former);
+    EXPECT_EQ(image, expected);
 }
 
 TEST(InterleavedRendering, OneBandIsGrey) {

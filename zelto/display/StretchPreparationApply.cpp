@@ -162,8 +162,9 @@ GISError CStretchPreparation::SetBand(const Plan& plan, const BandPlan& found, b
     auto statistics = found.statistics;
     if (curved && plan.type == StretchStdDev) {
         // The curve goes over the range of a band: that of the deviations takes its place.
-        const auto own = statistics.value_or(zelto::BandSummary{
-            band.GetMinimum(), band.GetMaximum(), band.GetMean(), band.GetStandardDeviation()});
+        const zelto::BandSummary ofBand = {band.GetMinimum(), band.GetMaximum(), band.GetMean(),
+                                           band.GetStandardDeviation()};
+        const zelto::BandSummary own = statistics.value_or(ofBand);
         const double lower = std::max(own.mean - 2.0 * own.standardDeviation, own.minimum);
         const double upper = std::min(own.mean + 2.0 * own.standardDeviation, own.maximum);
         statistics = {lower, upper, own.mean, own.standardDeviation};

@@ -70,7 +70,9 @@ bool OpenRegularFile(std::ifstream& stream, const std::string& path) {
     if (!S_ISREG(status.st_mode))
         return Refuse(path, "not a regular file");
     stream.open(path, std::ios::binary);
-    return stream || Refuse(path, std::strerror(errno));
+    if (!stream)
+        return Refuse(path, std::strerror(errno));
+    return true;
 }
 
 bool MayBeOpened(const std::string& path) {

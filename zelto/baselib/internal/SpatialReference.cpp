@@ -34,11 +34,6 @@ std::string WriteTree(const OGR_SRSNode& root) {
     return result == OGRERR_NONE ? text : "";
 }
 
-OGR_SRSNode* FindNode(OGR_SRSNode& root, const char* keyword) {
-    OGR_SRSNode* node = root.GetNode(keyword);
-    return node != nullptr && node->GetChildCount() > 0 ? node : nullptr;
-}
-
 /// Whether an axis counts towards the side where other systems' coordinates decrease.
 /// @param axis with its two children, name and direction
 bool IsReversedAxis(const OGR_SRSNode& axis) {
@@ -130,7 +125,7 @@ std::string ReadNodeValue(const char* wkt, const char* keyword) {
     OGR_SRSNode root;
     if (wkt == nullptr || !ReadTree(root, wkt))
         return "";
-    const OGR_SRSNode* node = FindNode(root, keyword);
+    const OGR_SRSNode* node = root.GetNode(keyword); // one with content
     return node == nullptr ? "" : node->GetChild(0)->GetValue();
 }
 
@@ -138,7 +133,7 @@ std::string ReplaceNodeValue(const std::string& wkt, const char* keyword, const 
     OGR_SRSNode root;
     if (!ReadTree(root, wkt.c_str()))
         return "";
-    OGR_SRSNode* node = FindNode(root, keyword);
+    OGR_SRSNode* node = root.GetNode(keyword); // one with content
     if (node == nullptr)
         return "";
     node->GetChild(0)->SetValue(value);

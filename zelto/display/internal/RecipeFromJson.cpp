@@ -22,7 +22,8 @@ StretchType StretchFrom(JsonObject& object, bool isFunction) {
         const auto stretch = static_cast<StretchType>(type);
         const bool hasFunction = stretch == StretchZoomLinear || stretch == StretchZoomLinear002 ||
                                  stretch == StretchWallis;
-        if (name == CStretchPreparation::GetStretchName(stretch) && (hasFunction || !isFunction))
+        const std::string known = CStretchPreparation::GetStretchName(stretch);
+        if (name == known && (hasFunction || !isFunction))
             return stretch;
     }
     RefuseMember(object.NameOf("stretch"),

@@ -21,8 +21,9 @@ double Shortest(double value) {
 }
 
 Json ToJson(const RecipeBand& band) {
-    Json json = {{"band", band.number + 1},
-                 {"stretch", CStretchPreparation::GetStretchName(band.stretch)}};
+    Json json;
+    json["band"] = band.number + 1;
+    json["stretch"] = CStretchPreparation::GetStretchName(band.stretch);
     if (const auto& found = band.statistics)
         json["statistics"] = {{"minimum", JsonNumber(found->minimum)},
                               {"maximum", JsonNumber(found->maximum)},
@@ -85,11 +86,12 @@ std::string ToJson(const RecipeContent& content) {
     Json& bands = json["bands"] = Json::array();
     for (const RecipeBand& band : content.bands)
         bands.push_back(ToJson(band));
-    json["colors"] = {{"hue", Shortest(content.colors.hue)},
-                      {"intensity", Shortest(content.colors.intensity)},
-                      {"saturation", Shortest(content.colors.saturation)},
-                      {"contrast", Shortest(content.colors.contrast)},
-                      {"transparency", Shortest(content.colors.transparency)}};
+    Json& colors = json["colors"];
+    colors["hue"] = Shortest(content.colors.hue);
+    colors["intensity"] = Shortest(content.colors.intensity);
+    colors["saturation"] = Shortest(content.colors.saturation);
+    colors["contrast"] = Shortest(content.colors.contrast);
+    colors["transparency"] = Shortest(content.colors.transparency);
     if (content.ramp)
         json["ramp"] = ToJson(*content.ramp);
     if (content.classes) {

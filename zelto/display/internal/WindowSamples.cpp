@@ -62,8 +62,9 @@ bool IsReadTogether(const std::vector<GDALRasterBand*>& bands, const ReadWindow&
 template <typename T>
 std::optional<WindowSamples::Samples<T>> ReadAs(GDALDataType type, GDALRasterBand* band,
                                                 const ReadWindow& window) {
-    WindowSamples::Samples<T> samples(static_cast<std::size_t>(window.bufWidth) *
-                                      static_cast<std::size_t>(window.bufHeight));
+    const std::size_t count =
+        static_cast<std::size_t>(window.bufWidth) * static_cast<std::size_t>(window.bufHeight);
+    WindowSamples::Samples<T> samples(count);
     if (samples.empty())
         return samples;
     GdalWatch watch;
