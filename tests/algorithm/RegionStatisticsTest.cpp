@@ -322,6 +322,8 @@ TEST_F(RegionStatistics, OfARasterThatCannotBeReadFail) {
     source = Reopen();
     CRegionStatistics statistics(source.get());
     EXPECT_EQ(statistics.Compute(nullptr), GIS_FAILED);
+    EXPECT_EQ(statistics.ComputeWithCovariance(nullptr), GIS_FAILED);
+    EXPECT_TRUE(statistics.GetCovariance().empty());
 }
 
 TEST_F(RegionStatistics, LargeRegionsAreSampledOnlyWhenThatIsWanted) {

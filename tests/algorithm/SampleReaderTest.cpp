@@ -108,6 +108,28 @@ TEST_F(SampleReader, StripsOfGridsWithoutSamplesAreNotVisitedAndTold) {
     }
 }
 
+TEST_F(SampleReader, RowsThatAreTooLongForTheBandsTogetherAreNotReadAndTold) {
+    const auto source = Open(UnitSpec(2, 1), {{1, 2}, {3, 4}});
+    // 2^26 samples in all bands.
+    constexpr int LONGEST = 1 << 25;
+    const SampleGrid grid = {2, LONGEST + 1, 1, LONGEST + 1};
+    EXPECT_FALSE(VisitBandStrips(BandsOf(*source), {0, 0, 2, 1}, grid, 1, [](auto, int, int) {
+        ADD_FAILURE() << "there is nothing to visit";
+        return true;
+    }));
+    EXPECT_EQ(LastError(), ROWS_TOO_LONG);
+}
+
+TEST_F(SampleReader, BandsThatAreAssembledAreReadInOneStrip) {
+    m_path = m_folder.File("assembled.vrt");
+    WriteFile(m_path, "<VRTDataset rasterXSize='1024' rasterYSize='256'>"
+                      "<GeoTransform>0,1,0,256,0,-1</GeoTransform>"
+                      "<VRTRasterBand dataType='Byte' band='1'/></VRTDataset>");
+    const auto source = Reopen();
+    EXPECT_EQ(StripsOf(BandsOf(*source), {0, 0, 1024, 256}, {1.0, 1024, 256, 1024 * 256}, 256),
+              std::vector<int>{256});
+}
+
 TEST_F(SampleReader, BlocksThatTheCacheDoesNotKeepAreReadInOneStrip) {
     RasterSpec spec = UnitSpec(1024, 256);
     spec.options = {"TILED=YES"};
