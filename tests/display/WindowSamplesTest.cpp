@@ -104,9 +104,10 @@ TEST(WindowSamples, AreNotReadTogetherWhereThatDoesNotSuit) {
         << "enlarged";
     EXPECT_FALSE(isReadTogether(bands, {0, 0, SCENE_COLUMNS, SCENE_ROWS, 50, SCENE_ROWS + 1}));
     EXPECT_FALSE(isReadTogether({bands[0]}, WHOLE)) << "one band, and few pixels for threads";
-    ShownRaster apart(
-        {.width = WIDTH, .height = HEIGHT, .options = {"COMPRESS=LZW", "INTERLEAVE=BAND"}},
-        std::vector<Pixels>(3, Pixels(WIDTH * HEIGHT, 5.0)));
+    ShownRaster apart({.width = SCENE_COLUMNS,
+                       .height = SCENE_ROWS,
+                       .options = {"COMPRESS=LZW", "INTERLEAVE=BAND"}},
+                      std::vector<Pixels>(3, Pixels(SCENE_COLUMNS * SCENE_ROWS, 5.0)));
     EXPECT_FALSE(isReadTogether(BandsOf(apart), WHOLE)) << "few pixels, stored band by band";
     ShownRaster wide = Together(GDT_CFloat32);
     EXPECT_FALSE(isReadTogether(BandsOf(wide), WHOLE)) << "no type that samples have here";
