@@ -246,6 +246,18 @@ TEST(BoxTransform, NeedsATransformation) {
     EXPECT_FALSE(reproject->BoxTansform(0, 1, 1, 0, l, t, r, b, 0, 0, nullptr));
 }
 
+TEST(BoxTransform, OfSidesAndStepsWithoutEndIsRefused) {
+    auto raster = SmallRaster();
+    const auto reproject = Bind(raster, UTM50);
+    constexpr double ENDLESS = std::numeric_limits<double>::infinity();
+    CBoundingBox box(-1.7e308, 10, 1.7e308, 0); // a width beyond all numbers
+    CBoundingBox to(1, 2, 3, 4);
+    EXPECT_FALSE(reproject->Dest2SrcBox(box, to, ENDLESS, 1.0));
+    EXPECT_FALSE(reproject->Src2DestBox(box, to, -ENDLESS, 1.0));
+    EXPECT_EQ(to.m_left, 1.0);
+    EXPECT_EQ(to.m_bottom, 4.0);
+}
+
 TEST(BoxTransform, GoesThroughAReadyGridWhateverTheTransformation) {
     // The grid maps target to source ground; the transformation given leads the other way.
     auto raster = SmallRaster();

@@ -70,7 +70,8 @@ std::optional<Points> SampleEdges(const CBoundingBox& box, double stepX, double 
         nx = std::ceil(w / sx);
         ny = std::ceil(h / sy);
     }
-    if (2 * (nx + ny) > CReproject::MAX_EDGE_POINTS)
+    // Sides without end in steps without end are no number of points.
+    if (!(2 * (nx + ny) <= CReproject::MAX_EDGE_POINTS))
         return std::nullopt;
     return SampleEdges(box, static_cast<std::size_t>(nx), static_cast<std::size_t>(ny), sx, sy);
 }
