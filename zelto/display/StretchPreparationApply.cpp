@@ -51,6 +51,14 @@ bool LacksRange(const CRasterBand& band) {
     return !(band.GetMaximum() - band.GetMinimum() >= 1.0);
 }
 
+/// Where the band begins to count from zero, which is background in most images.
+constexpr double FIRST_COUNTED_FROM_ZERO = 0.5;
+
+GISError RefuseHistogram() {
+    return zelto::FailWith(GIS_NOT_SUPPORTED, L"",
+                           "the values of a band lie too close together for a histogram");
+}
+
 GISError DoneIf(bool done) {
     return done ? GIS_SUCCESS : GIS_FAILED;
 }
@@ -63,8 +71,7 @@ GISError EqualizeBand(CRasterBand& band, const BandPlan& plan) {
                                         static_cast<int>(plan.histogram->counts.size()),
                                         plan.histogram->counts.data()));
     if (LacksRange(band))
-        return zelto::FailWith(GIS_NOT_SUPPORTED, L"",
-                               "the values of a band lie too close together for a histogram");
+        return RefuseHistogram();
     const double range = band.GetMaximum() - band.GetMinimum();
     std::array<int, 256> counts{};
     const int buckets = range > 256.0 ? 256 : static_cast<int>(range);
@@ -82,16 +89,18 @@ void ForgetAutoLevels(CRasterBand& band, double threshold) {
 
 /// Equalises by the histogram between two bounds instead of the whole range. The engine finds a
 /// value's bucket from the value itself, so the picture is even where the bounds begin at zero.
-bool EqualizeBetween(CRasterBand& band, Range range, const BandPlan& plan,
-                     CDataProgress* progress) {
+GISError EqualizeBetween(CRasterBand& band, Range range, const BandPlan& plan,
+                         CDataProgress* progress) {
     std::array<int, 256> counts{};
     if (plan.histogram)
         counts = plan.histogram->counts;
+    else if (!((range.low == 0.0 ? FIRST_COUNTED_FROM_ZERO : range.low) < range.high))
+        return RefuseHistogram();
     else if (!band.GetHistogram(range.low, range.high, static_cast<int>(counts.size()),
                                 counts.data(), false, true, progress))
-        return false;
-    return band.SetCustomHistogram(range.low, range.high, static_cast<int>(counts.size()),
-                                   counts.data());
+        return GIS_FAILED;
+    return DoneIf(band.SetCustomHistogram(range.low, range.high, static_cast<int>(counts.size()),
+                                          counts.data()));
 }
 
 /// The Wallis models start from the statistics of the displayed values, which a first drawing of
@@ -188,8 +197,8 @@ GISError CStretchPreparation::SetBand(const Plan& plan, const BandPlan& found, b
         SetZoom(band, plan.type, m_low, m_high);
         return GIS_SUCCESS;
     case StretchCustomHistEqualize:
-        return DoneIf(
-            EqualizeBetween(band, zelto::BoundsOfHistogram(found, m_low, m_high), found, progress));
+        return EqualizeBetween(band, zelto::BoundsOfHistogram(found, m_low, m_high), found,
+                               progress);
     default:
         return GIS_SUCCESS;
     }
