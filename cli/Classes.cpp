@@ -3,15 +3,16 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
-#include "cli/support/ClassFacts.h"
-#include "cli/support/ClassTable.h"
-#include "cli/support/Csv.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Message.h"
-#include "cli/support/Open.h"
-#include "cli/support/Output.h"
-#include "cli/support/Printable.h"
-#include "cli/support/Text.h"
+#include "cli/options/SharedOptions.h"
+#include "host/base/Failure.h"
+#include "host/base/Message.h"
+#include "host/base/Printable.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
+#include "host/files/Output.h"
+#include "host/report/ClassFacts.h"
+#include "host/report/ClassTable.h"
+#include "host/report/Csv.h"
 
 #include <CLI/CLI.hpp>
 
@@ -33,83 +34,84 @@ struct ClassesOptions {
     bool json = false;
 };
 
-std::vector<ClassFacts> Facts(const CClassifiedAssistantFile& file) {
-    std::vector<ClassFacts> facts;
+std::vector<host::ClassFacts> Facts(const CClassifiedAssistantFile& file) {
+    std::vector<host::ClassFacts> facts;
     for (const auto& record : file.GetClasses())
         facts.push_back({static_cast<double>(record.m_value),
                          {record.m_color.red, record.m_color.green, record.m_color.blue},
-                         Narrow(record.GetName())});
+                         host::Narrow(record.GetName())});
     return facts;
 }
 
 CClassifiedAssistantFile Read(const std::string& path) {
     CClassifiedAssistantFile file;
-    if (!file.ReadClassifiedAssistantFile(Wide(path)))
-        throw Failure(path, LastReason("cannot be read"));
+    if (!file.ReadClassifiedAssistantFile(host::Wide(path)))
+        throw host::Failure(path, host::LastReason("cannot be read"));
     return file;
 }
 
 /// In the form that `classes write` reads.
-void PrintClassTable(const std::vector<ClassFacts>& classes) {
+void PrintClassTable(const std::vector<host::ClassFacts>& classes) {
     std::cout << "value,red,green,blue,name\n";
-    for (const ClassFacts& each : classes)
-        std::cout << FormatNumber(each.value) << ',' << each.color[0] << ',' << each.color[1] << ','
-                  << each.color[2] << ',' << CsvText(Printable(each.name)) << '\n';
+    for (const host::ClassFacts& each : classes)
+        std::cout << host::FormatNumber(each.value) << ',' << each.color[0] << ',' << each.color[1]
+                  << ',' << each.color[2] << ',' << host::CsvText(host::Printable(each.name))
+                  << '\n';
 }
 
 void ShowClasses(const ClassesOptions& options) {
     const auto classes = Facts(Read(options.file));
     if (options.json)
-        PrintJson({{"path", options.file}, {"classes", ToJson(classes)}});
+        host::PrintJson({{"path", options.file}, {"classes", host::ToJson(classes)}});
     else if (options.csv)
         PrintClassTable(classes);
     else
-        PrintClasses(classes);
+        host::PrintClasses(classes);
 }
 
 /// The image that an assistant file belongs to shows its classes when it is opened.
 void CheckWithImage(const std::string& image, std::size_t classCount) {
     CRasterSource source;
     source.SetForDisplay(true);
-    OpenOrFail(source, image);
+    host::OpenOrFail(source, image);
     const CClassifyDisplayTable* table = source.GetClassifyDisplayTable();
     if (table == nullptr)
-        throw Failure(image, "opens without classes");
+        throw host::Failure(image, "opens without classes");
     if (static_cast<std::size_t>(table->GetItemCount()) != classCount)
-        throw Failure(image, "opens with " + std::to_string(table->GetItemCount()) +
-                                 " classes instead of " + std::to_string(classCount));
+        throw host::Failure(image, "opens with " + std::to_string(table->GetItemCount()) +
+                                       " classes instead of " + std::to_string(classCount));
 }
 
 /// The file that --image is to be checked with is the one that is written, or none.
 void RequireAssistantOf(const ClassesOptions& options) {
     std::error_code ignored;
-    const std::filesystem::path expected = AssistantOf(options.image);
+    const std::filesystem::path expected = host::AssistantOf(options.image);
     if (std::filesystem::weakly_canonical(options.file, ignored) !=
         std::filesystem::weakly_canonical(expected, ignored))
-        throw UsageError("--image: '" + options.image + "' takes its classes from '" +
-                         expected.string() + "', not from '" + options.file + "'");
+        throw host::UsageError("--image: '" + options.image + "' takes its classes from '" +
+                               expected.string() + "', not from '" + options.file + "'");
 }
 
 void Write(const ClassesOptions& options) {
     if (options.file.empty() && options.image.empty())
-        throw UsageError("classes write: give the assistant file or the image it belongs to");
+        throw host::UsageError("classes write: give the assistant file or the image it belongs to");
     if (!options.file.empty() && !options.image.empty())
         RequireAssistantOf(options);
-    const std::string path = options.file.empty() ? AssistantOf(options.image) : options.file;
-    RequireFreePath(path, options.overwrite, {options.table, options.image});
+    const std::string path = options.file.empty() ? host::AssistantOf(options.image) : options.file;
+    host::RequireFreePath(path, options.overwrite, {options.table, options.image});
     CClassifiedAssistantFile file;
-    file.SetClasses(ReadClassTable(options.table));
-    if (!file.WriteClssifiedAssistantFile(Wide(path)))
-        throw Failure(path, "cannot be written");
+    file.SetClasses(host::ReadClassTable(options.table));
+    if (!file.WriteClssifiedAssistantFile(host::Wide(path)))
+        throw host::Failure(path, "cannot be written");
     if (!options.image.empty())
         CheckWithImage(options.image, file.GetClasses().size());
-    Confirm(path + ": " + std::to_string(file.GetClasses().size()) + " classes");
+    host::Confirm(path + ": " + std::to_string(file.GetClasses().size()) + " classes");
 }
 
 void CheckClasses(const ClassesOptions& options) {
-    const std::size_t count = Read(AssistantOf(options.image)).GetClasses().size();
+    const std::size_t count = Read(host::AssistantOf(options.image)).GetClasses().size();
     CheckWithImage(options.image, count);
-    Confirm(options.image + ": opens with " + std::to_string(count) + " classes");
+    host::Confirm(options.image + ": opens with " + std::to_string(count) + " classes");
 }
 
 } // namespace

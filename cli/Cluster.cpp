@@ -1,6 +1,6 @@
 #include "cli/Cluster.h"
 
-#include "cli/support/Message.h"
+#include "host/base/Message.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -70,9 +70,9 @@ int HandOverToPython(int argc, char** argv) {
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     arguments.push_back(nullptr);
     LetSignalsThrough();
-    GiveBackStandardError();
+    host::GiveBackStandardError();
     execvp(interpreter.c_str(), arguments.data());
-    Tell("--cluster takes Python: " + interpreter + ": " + std::strerror(errno));
+    host::Tell("--cluster takes Python: " + interpreter + ": " + std::strerror(errno));
     return 1;
 }
 

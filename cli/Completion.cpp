@@ -1,5 +1,5 @@
 #include "cli/Manual.h"
-#include "cli/support/CommandTree.h"
+#include "cli/options/CommandTree.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,7 +20,7 @@ std::string SwitchNames(const CLI::App& command) {
     return names;
 }
 
-std::string CommandNames(const CLI::App& command) {
+std::string CommandWords(const CLI::App& command) {
     std::string names;
     for (const CLI::App* each : Subcommands(command))
         names += (names.empty() ? "" : " ") + each->get_name();
@@ -38,7 +38,7 @@ std::string AllCommands(const CLI::App& program) {
 }
 
 /// A text between single quotes.
-std::string Quoted(const std::string& text) {
+std::string ShellQuoted(const std::string& text) {
     std::string quoted = "'";
     for (const char c : text)
         quoted += c == '\'' ? "'\\''" : std::string(1, c);
@@ -50,7 +50,7 @@ std::string Described(const std::string& name, const std::string& description) {
     std::string text;
     for (const char c : description.substr(0, description.find('\n')))
         text += c == ':' ? "\\:" : std::string(1, c);
-    return Quoted(name + ":" + text);
+    return ShellQuoted(name + ":" + text);
 }
 
 } // namespace
@@ -69,7 +69,7 @@ std::string BashCompletion(const CLI::App& program) {
               "    done\n"
               "    case \"$command\" in\n";
     ForEachCommand(program, [&](const CLI::App& command, const std::string& words) {
-        script << "        \"" << words << "\") commands=\"" << CommandNames(command)
+        script << "        \"" << words << "\") commands=\"" << CommandWords(command)
                << "\" options=\"" << SwitchNames(command) << "\" ;;\n";
     });
     script << "    esac\n"

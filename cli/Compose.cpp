@@ -2,15 +2,16 @@
 #include "zelto/raster/RasterBand.h"
 
 #include "cli/Commands.h"
+#include "cli/options/SharedOptions.h"
 #include "cli/render/Opacity.h"
 #include "cli/render/Stretch.h"
 #include "cli/render/View.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Message.h"
-#include "cli/support/Open.h"
-#include "cli/support/Output.h"
-#include "cli/support/Picture.h"
-#include "cli/support/PyramidHint.h"
+#include "host/base/Failure.h"
+#include "host/base/Message.h"
+#include "host/files/Open.h"
+#include "host/files/Output.h"
+#include "host/files/PyramidHint.h"
+#include "host/picture/Picture.h"
 
 #include <CLI/CLI.hpp>
 
@@ -22,7 +23,7 @@ namespace {
 
 struct ComposeOptions {
     std::vector<std::string> colors; ///< FILE:BAND for red, green, blue
-    PictureFile out;
+    host::PictureFile out;
     ViewOptions view;
     StretchOptions stretch;
 };
@@ -39,10 +40,10 @@ void OpenColor(ColorSource& color, const std::string& text) {
     const std::size_t colon = text.rfind(':');
     if (colon == std::string::npos || colon + 1 == text.size() ||
         text.find_first_not_of("0123456789", colon + 1) != std::string::npos)
-        throw UsageError("'" + text + "': give each colour as FILE:BAND, as scene.tif:4");
+        throw host::UsageError("'" + text + "': give each colour as FILE:BAND, as scene.tif:4");
     color.path = text.substr(0, colon);
     color.source.SetForDisplay(true);
-    OpenOrFail(color.source, color.path, GIS_READONLY, true);
+    host::OpenOrFail(color.source, color.path, GIS_READONLY, true);
     int band = -1;
     try {
         band = std::stoi(text.substr(colon + 1)) - 1;
@@ -51,39 +52,40 @@ void OpenColor(ColorSource& color, const std::string& text) {
     }
     color.band = color.source.GetRasterBand(band);
     if (color.band == nullptr)
-        throw UsageError("'" + text + "': bands are numbered from 1 to " +
-                         std::to_string(color.source.GetBandCount()));
+        throw host::UsageError("'" + text + "': bands are numbered from 1 to " +
+                               std::to_string(color.source.GetBandCount()));
     color.source.SetShowBandNum(1, &band);
 }
 
 void RunCompose(const ComposeOptions& options) {
-    CheckPictureFile(options.out);
+    host::CheckPictureFile(options.out);
     ColorSource colors[3];
     for (std::size_t k = 0; k < 3; ++k) {
         OpenColor(colors[k], options.colors[k]);
-        RequireFreePath(options.out.path, options.out.overwrite, {colors[k].path});
+        host::RequireFreePath(options.out.path, options.out.overwrite, {colors[k].path});
         ApplyStretch(colors[k].source, options.stretch, {}, colors[k].path);
     }
     CComposedRaster composed;
     if (composed.CreateRaster(&colors[0].source, colors[0].band, &colors[1].source, colors[1].band,
                               &colors[2].source, colors[2].band) != GIS_SUCCESS)
-        throw Failure(colors[0].path + ", " + colors[1].path + ", " + colors[2].path,
-                      "the three have no ground in common");
+        throw host::Failure(colors[0].path + ", " + colors[1].path + ", " + colors[2].path,
+                            "the three have no ground in common");
     const View view = ChooseView(composed, options.view);
-    Picture picture(view.width, view.height);
+    host::Picture picture(view.width, view.height);
     CBoundingBox box = view.box;
     if (!composed.GetShowData(&box, view.width, view.height, picture.pixels.data(), true))
-        throw Failure(options.out.path,
-                      "the box misses the images, or their pixels cannot be read");
+        throw host::Failure(options.out.path,
+                            "the box misses the images, or their pixels cannot be read");
     if (!CGISDataSource::GetLastErrorText().empty()) // drawn without statistics of its bands
-        throw Failure(CGISDataSource::GetLastErrorText());
+        throw host::Failure(CGISDataSource::GetLastErrorText());
     for (ColorSource& color : colors)
         ApplyOpacity(picture, color.source, view, "");
-    WritePicture(picture, options.out, PicturePlace{view.box, composed.GetProjectionWKT()});
-    Confirm(options.out.path + ": " + std::to_string(view.width) + " x " +
-            std::to_string(view.height) + " pixels");
+    host::WritePicture(picture, options.out,
+                       host::PicturePlace{view.box, composed.GetProjectionWKT()});
+    host::Confirm(options.out.path + ": " + std::to_string(view.width) + " x " +
+                  std::to_string(view.height) + " pixels");
     for (const ColorSource& color : colors)
-        HintAtPyramid(color.source, color.path);
+        host::HintAtPyramid(color.source, color.path);
 }
 
 } // namespace
@@ -112,7 +114,7 @@ void AddCompose(CLI::App& program) {
     compose->callback([options] {
         CheckStretch(options->stretch, false);
         if (options->stretch.name == "wallis")
-            throw UsageError("--stretch wallis is for the three bands of one raster");
+            throw host::UsageError("--stretch wallis is for the three bands of one raster");
         RunCompose(*options);
     });
 }

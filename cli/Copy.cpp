@@ -1,8 +1,9 @@
 #include "cli/Commands.h"
-#include "cli/support/Message.h"
-#include "cli/support/Output.h"
-#include "cli/support/Progress.h"
-#include "cli/support/RasterCopy.h"
+#include "cli/options/SharedOptions.h"
+#include "host/base/Message.h"
+#include "host/base/Progress.h"
+#include "host/files/Output.h"
+#include "host/files/RasterCopy.h"
 
 #include <CLI/CLI.hpp>
 
@@ -15,14 +16,14 @@ namespace {
 /// Tells what the new file lacks.
 void TellWhatIsLost(const std::vector<std::string>& lost, const std::string& path) {
     for (const std::string& what : lost)
-        Remark(path + ": the format cannot hold " + what + ", which the copy lacks");
+        host::Remark(path + ": the format cannot hold " + what + ", which the copy lacks");
 }
 
 } // namespace
 
 void AddCopy(CLI::App& program) {
     auto* copy = program.add_subcommand("copy", "copy pixels into a new raster file");
-    auto options = std::make_shared<CopyOptions>();
+    auto options = std::make_shared<host::CopyOptions>();
     copy->add_option("IN", options->from, "the raster to copy")->required();
     copy->add_option("OUT", options->to, "the file to make")->required();
     copy->add_option("--bands", options->bands, "bands to copy, in this order: 3,2,1");
@@ -33,8 +34,8 @@ void AddCopy(CLI::App& program) {
     AddOverwriteOption(*copy, options->overwrite);
     copy->add_option("--co", options->creation, "KEY=VALUE for the GeoTIFF writer");
     copy->callback([options] {
-        TerminalProgress progress;
-        TellWhatIsLost(CopyRaster(*options, progress), options->to);
+        host::TerminalProgress progress;
+        TellWhatIsLost(host::CopyRaster(*options, progress), options->to);
     });
 }
 

@@ -1,14 +1,15 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 
 #include "cli/Commands.h"
-#include "cli/support/Failure.h"
-#include "cli/support/GdalUse.h"
-#include "cli/support/NewRaster.h"
-#include "cli/support/Open.h"
-#include "cli/support/Output.h"
-#include "cli/support/RasterChoice.h"
-#include "cli/support/Strips.h"
-#include "cli/support/Text.h"
+#include "cli/options/SharedOptions.h"
+#include "host/base/Failure.h"
+#include "host/base/GdalUse.h"
+#include "host/base/Text.h"
+#include "host/files/NewRaster.h"
+#include "host/files/Open.h"
+#include "host/files/Output.h"
+#include "host/files/RasterChoice.h"
+#include "host/files/Strips.h"
 
 #include <CLI/CLI.hpp>
 
@@ -40,14 +41,14 @@ struct CreateOptions {
 
 /// The new raster's layout with room for its geotransform.
 struct Layout {
-    NewRasterLayout raster;
+    host::NewRasterLayout raster;
     std::array<double, 6> geoTransform = {};
 };
 
 /// Size, place, reference, bands and type of another file.
 void TakeFrom(const std::string& path, Layout& layout) {
     CRasterSource model;
-    OpenOrFail(model, path);
+    host::OpenOrFail(model, path);
     layout.raster.width = model.GetWidth();
     layout.raster.height = model.GetHeight();
     layout.raster.bands = model.GetBandCount();
@@ -61,20 +62,20 @@ void TakeFrom(const std::string& path, Layout& layout) {
 /// WxH; a comma between the sides is understood as well.
 void SetSize(std::string text, Layout& layout) {
     std::replace(text.begin(), text.end(), 'x', ',');
-    const std::vector<double> size = ParseNumbers("--size", text, 2);
+    const std::vector<double> size = host::ParseNumbers("--size", text, 2);
     for (const double side : size)
         if (!(side >= 1 && side <= std::numeric_limits<int>::max()) || side != std::floor(side))
-            throw UsageError("--size: the sides are whole numbers of pixels from 1 on");
+            throw host::UsageError("--size: the sides are whole numbers of pixels from 1 on");
     layout.raster.width = static_cast<int>(size[0]);
     layout.raster.height = static_cast<int>(size[1]);
 }
 
 void SetBox(const std::string& text, Layout& layout) {
-    const CBoundingBox box = ParseBox("--box", text);
+    const CBoundingBox box = host::ParseBox("--box", text);
     if (!(box.GetLeft() < box.GetRight() && box.GetBottom() < box.GetTop()))
-        throw UsageError("--box: left must be below right and bottom below top");
+        throw host::UsageError("--box: left must be below right and bottom below top");
     if (!std::isfinite(box.GetWidth()) || !std::isfinite(box.GetHeight()))
-        throw UsageError("--box: the numbers are finite");
+        throw host::UsageError("--box: the numbers are finite");
     layout.geoTransform = {
         box.GetLeft(), box.GetWidth() / layout.raster.width, 0.0, box.GetTop(), 0.0, 0.0};
     layout.geoTransform[5] = -box.GetHeight() / layout.raster.height;
@@ -82,38 +83,38 @@ void SetBox(const std::string& text, Layout& layout) {
 }
 
 void Resolve(const CreateOptions& options, Layout& layout) {
-    layout.raster.format = ChooseFormat(options.format, options.path);
-    CheckCreationOptions(options.creation, layout.raster.format);
+    layout.raster.format = host::ChooseFormat(options.format, options.path);
+    host::CheckCreationOptions(options.creation, layout.raster.format);
     layout.raster.options = options.creation;
     if (!options.like.empty())
         TakeFrom(options.like, layout);
     if (!options.size.empty())
         SetSize(options.size, layout);
     if (layout.raster.width < 1)
-        throw UsageError("give --size or --like");
+        throw host::UsageError("give --size or --like");
     if (!options.box.empty())
         SetBox(options.box, layout);
     if (!options.srs.empty()) {
         if (!CCoordinateAlgorithm::IsValidCoordinate(options.srs.c_str()))
-            throw Failure(options.srs, "not a reference system");
+            throw host::Failure(options.srs, "not a reference system");
         layout.raster.wkt = options.srs;
     }
     if (options.bands > 0)
         layout.raster.bands = options.bands;
     if (!options.type.empty())
-        layout.raster.type = ParsePixelType(options.type);
+        layout.raster.type = host::ParsePixelType(options.type);
 }
 
 void Create(const CreateOptions& options) {
-    const GdalUse use;
-    RequireFreePath(options.path, options.overwrite, {options.like});
+    const host::GdalUse use;
+    host::RequireFreePath(options.path, options.overwrite, {options.like});
     Layout layout;
     Resolve(options, layout);
-    NewRaster made(options.path, layout.raster);
+    host::NewRaster made(options.path, layout.raster);
     if (options.noData && !made.Raster().SetAllBandNoDataValue(*options.noData, true))
-        throw Failure(options.path, "the format cannot store a no-data value");
+        throw host::Failure(options.path, "the format cannot store a no-data value");
     if (options.fill)
-        FillRaster(made.Raster(), *options.fill, options.path);
+        host::FillRaster(made.Raster(), *options.fill, options.path);
     made.Commit();
 }
 

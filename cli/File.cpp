@@ -2,11 +2,11 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
-#include "cli/support/Failure.h"
-#include "cli/support/GdalUse.h"
-#include "cli/support/Interrupts.h"
-#include "cli/support/Open.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/GdalUse.h"
+#include "host/base/Interrupts.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
 
 #include <CLI/CLI.hpp>
 #include <gdal_priv.h>
@@ -30,19 +30,19 @@ struct FileOptions {
 
 /// Throws Failure with the reason where no driver recognises a raster.
 void RequireRaster(const std::string& path) {
-    RequireNoPipe(path);
-    ForgetReasons();
+    host::RequireNoPipe(path);
+    host::ForgetReasons();
     if (GDALIdentifyDriverEx(path.c_str(), GDAL_OF_RASTER, nullptr, nullptr) == nullptr)
-        throw Failure(path, ReasonForFailure(path, GIS_OPEN_FAILED));
+        throw host::Failure(path, host::ReasonForFailure(path, GIS_OPEN_FAILED));
 }
 
 void Remove(const FileOptions& options) {
-    const GdalUse use;
+    const host::GdalUse use;
     for (const std::string& path : options.paths) {
         RequireRaster(path);
-        const ChangeInPlace change;
-        if (CRasterSource::DeleteFileW(Wide(path).c_str()) != GIS_SUCCESS)
-            throw Failure(path, LastReason("cannot be removed"));
+        const host::ChangeInPlace change;
+        if (CRasterSource::DeleteFileW(host::Wide(path).c_str()) != GIS_SUCCESS)
+            throw host::Failure(path, host::LastReason("cannot be removed"));
     }
 }
 
@@ -57,20 +57,20 @@ std::string Destination(const FileOptions& options) {
 using Operation = GISError (*)(const wchar_t* from, const wchar_t* to, bool overwrite);
 
 void Transfer(const FileOptions& options, Operation operation) {
-    const GdalUse use;
+    const host::GdalUse use;
     RequireRaster(options.from);
     const std::string to = Destination(options);
     std::error_code ignored;
     const bool exists = fs::exists(to, ignored);
     if (exists && !options.overwrite && !fs::equivalent(options.from, to, ignored))
-        throw Failure(to, "it exists; --overwrite replaces it");
+        throw host::Failure(to, "it exists; --overwrite replaces it");
     if (exists)
-        RequireNoPipe(to);
-    ForgetReasons();
+        host::RequireNoPipe(to);
+    host::ForgetReasons();
     const GISError result =
-        operation(Wide(options.from).c_str(), Wide(to).c_str(), options.overwrite);
+        operation(host::Wide(options.from).c_str(), host::Wide(to).c_str(), options.overwrite);
     if (result != GIS_SUCCESS)
-        throw Failure(LastReason(options.from + ": cannot be moved or copied"));
+        throw host::Failure(host::LastReason(options.from + ": cannot be moved or copied"));
 }
 
 void AddTransferOptions(CLI::App& command, const std::shared_ptr<FileOptions>& options) {

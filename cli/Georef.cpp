@@ -4,10 +4,10 @@
 
 #include "cli/Commands.h"
 #include "cli/GeorefPoints.h"
-#include "cli/support/ChangedRaster.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/ChangedRaster.h"
+#include "host/files/Open.h"
 
 #include <CLI/CLI.hpp>
 #include <gdal_priv.h>
@@ -44,24 +44,24 @@ struct GeorefOptions {
 
 void CheckFinite(const std::string& option, const std::vector<double>& numbers) {
     if (!std::all_of(numbers.begin(), numbers.end(), [](double x) { return std::isfinite(x); }))
-        throw UsageError(option + ": the numbers are finite");
+        throw host::UsageError(option + ": the numbers are finite");
 }
 
 /// The box divided into the image's pixels.
 GeoTransform FromBox(const std::string& text, const CRasterSource& raster) {
-    const std::vector<double> sides = ParseNumbers("--box", text, 4);
+    const std::vector<double> sides = host::ParseNumbers("--box", text, 4);
     CheckFinite("--box", sides);
     if (!(sides[0] < sides[2] && sides[3] < sides[1]))
-        throw UsageError("--box: left must be below right and bottom below top");
+        throw host::UsageError("--box: left must be below right and bottom below top");
     return {sides[0], (sides[2] - sides[0]) / raster.GetWidth(), 0.0, sides[1],
             0.0,      (sides[3] - sides[1]) / raster.GetHeight()};
 }
 
 GeoTransform FromTerms(const std::string& text) {
-    const std::vector<double> terms = ParseNumbers("--geotransform", text, 6);
+    const std::vector<double> terms = host::ParseNumbers("--geotransform", text, 6);
     CheckFinite("--geotransform", terms);
     if (terms[1] * terms[5] == terms[2] * terms[4])
-        throw UsageError("--geotransform: its pixels have no area");
+        throw host::UsageError("--geotransform: its pixels have no area");
     GeoTransform geoTransform;
     std::copy(terms.begin(), terms.end(), geoTransform.begin());
     return geoTransform;
@@ -84,17 +84,18 @@ std::string ReferenceOf(const CRasterSource& raster) {
 }
 
 /// Writes the system; the engine keeps a system that the file cannot hold, a user wants to know.
-void SetReference(CRasterSource& raster, const std::string& srs, const ChangedRaster& file) {
-    ForgetReasons();
+void SetReference(CRasterSource& raster, const std::string& srs, const host::ChangedRaster& file) {
+    host::ForgetReasons();
     raster.SetProjection(srs.c_str());
     if (CPLGetLastErrorType() == CE_Failure)
         throw file.Fail("the format cannot store a reference system");
 }
 
-void ClearPoints(CRasterSource& raster, const GeorefOptions& options, const ChangedRaster& file) {
+void ClearPoints(CRasterSource& raster, const GeorefOptions& options,
+                 const host::ChangedRaster& file) {
     // Some formats keep one system for both, which goes with the points.
     const std::string srs = ReferenceOf(raster);
-    ForgetReasons();
+    host::ForgetReasons();
     if (raster.ClearGCP(true) != GIS_SUCCESS)
         throw file.Fail("its control points cannot be removed");
     if (options.srs.empty() && !srs.empty())
@@ -102,7 +103,8 @@ void ClearPoints(CRasterSource& raster, const GeorefOptions& options, const Chan
 }
 
 /// The world file that GDAL wrote beside a GeoTIFF when it was made, but does not keep up.
-void UpdateWorldFile(CRasterSource& raster, const ChangedRaster& file, GeoTransform& geoTransform) {
+void UpdateWorldFile(CRasterSource& raster, const host::ChangedRaster& file,
+                     GeoTransform& geoTransform) {
     const std::string& path = file.Path();
     std::error_code ignored;
     if (EQUAL(raster.GetGDALDataset()->GetDriverName(), "GTiff") &&
@@ -111,8 +113,8 @@ void UpdateWorldFile(CRasterSource& raster, const ChangedRaster& file, GeoTransf
         throw file.Fail("its world file cannot be written");
 }
 
-void Place(CRasterSource& raster, GeoTransform& geoTransform, const ChangedRaster& file) {
-    ForgetReasons();
+void Place(CRasterSource& raster, GeoTransform& geoTransform, const host::ChangedRaster& file) {
+    host::ForgetReasons();
     if (raster.GetGCPCount(true) > 0)
         throw file.Fail("control points place it; --clear-points removes them");
     if (raster.SetGeoTransform(geoTransform.data(), true) != GIS_SUCCESS)
@@ -131,34 +133,34 @@ void RequireSoundHeader(const CRasterSource& raster, const std::string& path) {
     const std::uint64_t columns = (band.GetWidth() - 1) / band.GetBlockXSize() + 1;
     const std::uint64_t rows = (band.GetHeight() - 1) / band.GetBlockYSize() + 1;
     if (columns > size / rows)
-        throw Failure(path, "its header tells of more pixels than it can hold");
+        throw host::Failure(path, "its header tells of more pixels than it can hold");
 }
 
 /// Throws Failure where the raster cannot be opened, or is protected: the engine opens that for
 /// reading. It is opened for a change as a copy only.
 void RequireChangeable(const std::string& path) {
     CRasterSource raster;
-    OpenOrFail(raster, path);
+    host::OpenOrFail(raster, path);
     std::error_code ignored;
     if (std::filesystem::is_regular_file(path, ignored) &&
         faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
-        throw Failure(path, std::strerror(errno));
+        throw host::Failure(path, std::strerror(errno));
     RequireSoundHeader(raster, path);
 }
 
 void Georef(const GeorefOptions& options) {
     if (options.box.empty() && options.geoTransform.empty() && options.srs.empty() &&
         !options.clearPoints && !options.HasPoints())
-        throw UsageError("give --box, --geotransform, --gcp, --srs or --clear-points");
+        throw host::UsageError("give --box, --geotransform, --gcp, --srs or --clear-points");
     std::vector<ControlPoint> points;
     if (options.HasPoints())
         points = ReadControlPoints(options.points, options.pointFile);
     if (!options.srs.empty() && !CCoordinateAlgorithm::IsValidCoordinate(options.srs.c_str()))
-        throw Failure(options.srs, "not a reference system");
+        throw host::Failure(options.srs, "not a reference system");
     RequireChangeable(options.path);
-    ChangedRaster file(options.path);
+    host::ChangedRaster file(options.path);
     CRasterSource raster;
-    OpenOrFail(raster, file.Path(), GIS_UPDATE);
+    host::OpenOrFail(raster, file.Path(), GIS_UPDATE);
     std::optional<GeoTransform> place = ChoosePlace(options, raster);
     if (options.clearPoints)
         ClearPoints(raster, options, file);
@@ -169,7 +171,7 @@ void Georef(const GeorefOptions& options) {
                          file);
     else if (!options.srs.empty())
         SetReference(raster, options.srs, file);
-    ForgetReasons();
+    host::ForgetReasons();
     raster.Close();
     if (CPLGetLastErrorType() == CE_Failure)
         throw file.Fail("cannot be written");

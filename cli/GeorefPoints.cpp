@@ -3,11 +3,11 @@
 #include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/ChangedRaster.h"
-#include "cli/support/Csv.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Reference.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/ChangedRaster.h"
+#include "host/files/Reference.h"
+#include "host/report/Csv.h"
 
 #include <gdal_priv.h>
 
@@ -21,20 +21,21 @@ namespace zelto::cli {
 namespace {
 
 ControlPoint ParsePoint(const std::string& option, const std::string& text) {
-    const std::vector<double> numbers = ParseNumbers(option, text, 4);
+    const std::vector<double> numbers = host::ParseNumbers(option, text, 4);
     if (!std::all_of(numbers.begin(), numbers.end(), [](double x) { return std::isfinite(x); }))
-        throw UsageError(option + ": the numbers are finite");
+        throw host::UsageError(option + ": the numbers are finite");
     return {numbers[0], numbers[1], numbers[2], numbers[3]};
 }
 
 void AddFromFile(std::vector<ControlPoint>& points, const std::string& file) {
-    ForEachCsvLine(file, [&](const std::string& line, int number) {
-        if (line.front() == '#' || (number == 1 && IsCsvHeading(line)))
+    host::ForEachCsvLine(file, [&](const std::string& line, int number) {
+        if (line.front() == '#' || (number == 1 && host::IsCsvHeading(line)))
             return;
         try {
             points.push_back(ParsePoint(file, line.substr(0, line.find_last_not_of(" \r") + 1)));
-        } catch (const UsageError&) {
-            throw Failure(file, "line " + std::to_string(number) + ": expected column,row,x,y");
+        } catch (const host::UsageError&) {
+            throw host::Failure(file,
+                                "line " + std::to_string(number) + ": expected column,row,x,y");
         }
     });
 }
@@ -62,7 +63,7 @@ bool SpanArea(const std::vector<ControlPoint>& points) {
 }
 
 /// A world file would place a GeoTIFF elsewhere.
-void RemoveWorldFile(GDALDataset& dataset, const ChangedRaster& file) {
+void RemoveWorldFile(GDALDataset& dataset, const host::ChangedRaster& file) {
     std::error_code error;
     if (EQUAL(dataset.GetDriverName(), "GTiff"))
         std::filesystem::remove(std::filesystem::path(file.Path()).replace_extension("tfw"), error);
@@ -81,12 +82,13 @@ std::vector<ControlPoint> ReadControlPoints(const std::vector<std::string>& text
     if (!file.empty())
         AddFromFile(points, file);
     if (points.size() < 3 || !SpanArea(points))
-        throw UsageError("--gcp: three points or more that are not on one line place an image");
+        throw host::UsageError(
+            "--gcp: three points or more that are not on one line place an image");
     return points;
 }
 
 void SetControlPoints(CRasterSource& raster, const std::vector<ControlPoint>& points,
-                      const std::string& srs, const ChangedRaster& file) {
+                      const std::string& srs, const host::ChangedRaster& file) {
     std::vector<GDAL_GCP> list(points.size());
     GDALInitGCPs(static_cast<int>(list.size()), list.data());
     for (std::size_t i = 0; i < points.size(); ++i) {
@@ -97,7 +99,7 @@ void SetControlPoints(CRasterSource& raster, const std::vector<ControlPoint>& po
         list[i].dfGCPX = points[i].x;
         list[i].dfGCPY = points[i].y;
     }
-    const auto reference = ParseReference(srs);
+    const auto reference = host::ParseReference(srs);
     GDALDataset& dataset = *raster.GetGDALDataset();
     GdalWatch watch;
     const CPLErr result = dataset.SetGCPs(static_cast<int>(list.size()), list.data(),

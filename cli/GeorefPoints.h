@@ -5,9 +5,11 @@
 
 class CRasterSource;
 
-namespace zelto::cli {
-
+namespace zelto::host {
 class ChangedRaster;
+}
+
+namespace zelto::cli {
 
 /// A pixel whose place on the ground is known.
 struct ControlPoint {
@@ -27,6 +29,6 @@ std::vector<ControlPoint> ReadControlPoints(const std::vector<std::string>& text
 /// Lets these points, and nothing else, place an image. Throws Failure.
 /// @param srs reference system of x and y; may be empty
 void SetControlPoints(CRasterSource& raster, const std::vector<ControlPoint>& points,
-                      const std::string& srs, const ChangedRaster& file);
+                      const std::string& srs, const host::ChangedRaster& file);
 
 } // namespace zelto::cli

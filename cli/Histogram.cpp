@@ -5,17 +5,18 @@
 
 #include "cli/Commands.h"
 #include "cli/HistogramPlot.h"
-#include "cli/support/BandHistogram.h"
-#include "cli/support/Effect.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Json.h"
-#include "cli/support/Open.h"
-#include "cli/support/Output.h"
-#include "cli/support/Plot.h"
-#include "cli/support/Progress.h"
-#include "cli/support/Region.h"
-#include "cli/support/Table.h"
-#include "cli/support/Text.h"
+#include "cli/options/Effect.h"
+#include "cli/options/SharedOptions.h"
+#include "host/base/Failure.h"
+#include "host/base/Progress.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
+#include "host/files/Output.h"
+#include "host/files/Region.h"
+#include "host/picture/Plot.h"
+#include "host/report/BandHistogram.h"
+#include "host/report/Json.h"
+#include "host/report/Table.h"
 
 #include <CLI/CLI.hpp>
 
@@ -36,7 +37,7 @@ constexpr int MOST_BUCKETS = 65536;
 
 struct HistogramOptions {
     std::string path;
-    RegionOptions region;
+    host::RegionOptions region;
     std::string bands;
     std::string range;
     std::string png;
@@ -49,9 +50,9 @@ struct HistogramOptions {
 std::optional<std::pair<double, double>> ParseRange(const std::string& text) {
     if (text.empty())
         return std::nullopt;
-    const std::vector<double> bounds = ParseNumbers("--range", text, 2);
+    const std::vector<double> bounds = host::ParseNumbers("--range", text, 2);
     if (!(bounds[0] < bounds[1]))
-        throw UsageError("--range: the first value must be less than the second");
+        throw host::UsageError("--range: the first value must be less than the second");
     return std::pair(bounds[0], bounds[1]);
 }
 
@@ -60,21 +61,22 @@ std::vector<CountedBand> Count(CRasterSource& source, const HistogramOptions& op
     std::vector<int> bands(static_cast<std::size_t>(source.GetBandCount()));
     std::iota(bands.begin(), bands.end(), 0);
     if (!options.bands.empty())
-        bands = ParseBands("--band", options.bands, source.GetBandCount());
+        bands = host::ParseBands("--band", options.bands, source.GetBandCount());
     const auto range = ParseRange(options.range);
-    const auto area = MakeRegion(options.region, source);
-    TerminalProgress progress;
+    const auto area = host::MakeRegion(options.region, source);
+    host::TerminalProgress progress;
     CRegionStatistics region(&source);
     region.SetBands(bands);
     region.SetAOI(area.get());
-    ForgetReasons();
+    host::ForgetReasons();
     if (region.Compute(&progress) != GIS_SUCCESS)
-        throw Failure(options.path, Interrupted() ? "interrupted" : LastReason("cannot be read"));
-    std::vector<BandHistogram> histograms =
-        CountValues(region, source, buckets, range, options.path, progress);
+        throw host::Failure(options.path, host::Interrupted() ? "interrupted"
+                                                              : host::LastReason("cannot be read"));
+    std::vector<host::BandHistogram> histograms =
+        host::CountValues(region, source, buckets, range, options.path, progress);
     if (std::any_of(histograms.begin(), histograms.end(),
-                    [](const BandHistogram& histogram) { return histogram.counts.empty(); }))
-        throw Failure(options.path, "no values in the region");
+                    [](const host::BandHistogram& histogram) { return histogram.counts.empty(); }))
+        throw host::Failure(options.path, "no values in the region");
     std::vector<CountedBand> counted;
     for (std::size_t i = 0; i < bands.size(); ++i) {
         const CRasterBand& band = *source.GetRasterBand(bands[i]);
@@ -85,17 +87,17 @@ std::vector<CountedBand> Count(CRasterSource& source, const HistogramOptions& op
 }
 
 void PrintHistogramsAsJson(const HistogramOptions& options, const std::vector<CountedBand>& bands) {
-    Json json = {{"path", options.path}, {"bands", Json::array()}};
+    host::Json json = {{"path", options.path}, {"bands", host::Json::array()}};
     for (const CountedBand& band : bands)
         json["bands"].push_back(
             {{"band", band.number},
-             {"low", JsonNumber(band.histogram.low)},
-             {"high", JsonNumber(band.histogram.High())},
-             {"bucketWidth", JsonNumber(band.histogram.width)},
+             {"low", host::JsonNumber(band.histogram.low)},
+             {"high", host::JsonNumber(band.histogram.High())},
+             {"bucketWidth", host::JsonNumber(band.histogram.width)},
              {"counted", band.histogram.Total()},
-             {"displayRange", {JsonNumber(band.shownFrom), JsonNumber(band.shownTo)}},
+             {"displayRange", {host::JsonNumber(band.shownFrom), host::JsonNumber(band.shownTo)}},
              {"counts", band.histogram.counts}});
-    PrintJson(json);
+    host::PrintJson(json);
 }
 
 /// Marks as long as the count compared with the greatest one.
@@ -109,15 +111,15 @@ std::string Bar(int count, int greatest) {
 
 void PrintAsTable(const std::vector<CountedBand>& bands) {
     for (const CountedBand& band : bands) {
-        const BandHistogram& histogram = band.histogram;
+        const host::BandHistogram& histogram = band.histogram;
         std::cout << (&band == &bands.front() ? "" : "\n") << "band " << band.number << ": "
-                  << histogram.Total() << " values, shown from " << TickLabel(band.shownFrom)
-                  << " to " << TickLabel(band.shownTo) << '\n';
-        Table table({"from", "to", "count", ""});
+                  << histogram.Total() << " values, shown from " << host::TickLabel(band.shownFrom)
+                  << " to " << host::TickLabel(band.shownTo) << '\n';
+        host::Table table({"from", "to", "count", ""});
         const int greatest = *std::max_element(histogram.counts.begin(), histogram.counts.end());
         for (std::size_t i = 0; i < histogram.counts.size(); ++i) {
             const double from = histogram.low + histogram.width * static_cast<double>(i);
-            table.AddRow({TickLabel(from), TickLabel(from + histogram.width),
+            table.AddRow({host::TickLabel(from), host::TickLabel(from + histogram.width),
                           std::to_string(histogram.counts[i]), Bar(histogram.counts[i], greatest)});
         }
         table.Print(2);
@@ -125,23 +127,23 @@ void PrintAsTable(const std::vector<CountedBand>& bands) {
 }
 
 void CheckPlotName(const std::string& path) {
-    std::string extension = Narrow(CommonFun::GetExtensionName(Wide(path)));
+    std::string extension = host::Narrow(CommonFun::GetExtensionName(host::Wide(path)));
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return std::tolower(c); });
     if (extension != "png")
-        throw UsageError("--png: '" + path + "' does not end in .png");
+        throw host::UsageError("--png: '" + path + "' does not end in .png");
 }
 
 void RunHistograms(const HistogramOptions& options) {
     if (options.buckets < 0 || options.buckets > MOST_BUCKETS)
-        throw UsageError("--buckets: 1 to " + std::to_string(MOST_BUCKETS));
+        throw host::UsageError("--buckets: 1 to " + std::to_string(MOST_BUCKETS));
     if (!options.png.empty()) {
         CheckPlotName(options.png);
-        RequireFreePath(options.png, options.overwrite, {options.path, options.region.aoi});
+        host::RequireFreePath(options.png, options.overwrite, {options.path, options.region.aoi});
     }
     CRasterSource source;
     source.SetForDisplay(true); // the display range is what a display would show
-    OpenOrFail(source, options.path, GIS_READONLY, !options.region.IsWholeImage());
+    host::OpenOrFail(source, options.path, GIS_READONLY, !options.region.IsWholeImage());
     const bool fine = options.json || !options.png.empty();
     const int buckets =
         options.buckets > 0 ? options.buckets : (fine ? FINE_BUCKETS : TABLE_BUCKETS);

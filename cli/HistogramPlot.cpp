@@ -2,8 +2,8 @@
 
 #include "zelto/baselib/CommonFun.h"
 
-#include "cli/support/Plot.h"
-#include "cli/support/Text.h"
+#include "host/base/Text.h"
+#include "host/picture/Plot.h"
 
 #include <algorithm>
 #include <array>
@@ -14,19 +14,19 @@ namespace zelto::cli {
 namespace {
 
 /// Blue, green, red as bands commonly come first, then colours that keep apart.
-PlotColor BandColor(std::size_t index) {
-    constexpr std::array<PlotColor, 8> COLORS = {{{0.12, 0.35, 0.78},
-                                                  {0.10, 0.56, 0.22},
-                                                  {0.80, 0.16, 0.14},
-                                                  {0.58, 0.22, 0.62},
-                                                  {0.85, 0.50, 0.05},
-                                                  {0.10, 0.58, 0.62},
-                                                  {0.45, 0.45, 0.45},
-                                                  {0.55, 0.40, 0.15}}};
+host::PlotColor BandColor(std::size_t index) {
+    constexpr std::array<host::PlotColor, 8> COLORS = {{{0.12, 0.35, 0.78},
+                                                        {0.10, 0.56, 0.22},
+                                                        {0.80, 0.16, 0.14},
+                                                        {0.58, 0.22, 0.62},
+                                                        {0.85, 0.50, 0.05},
+                                                        {0.10, 0.58, 0.62},
+                                                        {0.45, 0.45, 0.45},
+                                                        {0.55, 0.40, 0.15}}};
     return COLORS[index % COLORS.size()];
 }
 
-std::vector<double> Heights(const BandHistogram& histogram, bool logarithmic) {
+std::vector<double> Heights(const host::BandHistogram& histogram, bool logarithmic) {
     std::vector<double> heights;
     for (const int count : histogram.counts)
         heights.push_back(logarithmic ? std::log10(1.0 + count) : count);
@@ -34,8 +34,8 @@ std::vector<double> Heights(const BandHistogram& histogram, bool logarithmic) {
 }
 
 /// The part of the axis that the bands' counts occupy.
-Plot::Range ValueRange(const std::vector<CountedBand>& bands) {
-    Plot::Range range = {bands.front().histogram.low, bands.front().histogram.High()};
+host::Plot::Range ValueRange(const std::vector<CountedBand>& bands) {
+    host::Plot::Range range = {bands.front().histogram.low, bands.front().histogram.High()};
     for (const CountedBand& band : bands) {
         range.low = std::min(range.low, band.histogram.low);
         range.high = std::max(range.high, band.histogram.High());
@@ -43,7 +43,7 @@ Plot::Range ValueRange(const std::vector<CountedBand>& bands) {
     return range;
 }
 
-Plot::Range CountRange(const std::vector<CountedBand>& bands, bool logarithmic) {
+host::Plot::Range CountRange(const std::vector<CountedBand>& bands, bool logarithmic) {
     double greatest = 1.0;
     for (const CountedBand& band : bands)
         for (const double height : Heights(band.histogram, logarithmic))
@@ -56,11 +56,11 @@ Plot::Range CountRange(const std::vector<CountedBand>& bands, bool logarithmic) 
 void DrawHistograms(const HistogramPlot& what, const std::vector<CountedBand>& bands) {
     constexpr int WIDTH = 960;
     constexpr int HEIGHT = 540;
-    constexpr PlotColor SHOWN = {0.95, 0.60, 0.05};
-    constexpr PlotColor MARK = {0.72, 0.40, 0.0};
-    Plot plot(WIDTH, HEIGHT, ValueRange(bands), CountRange(bands, what.logarithmic));
+    constexpr host::PlotColor SHOWN = {0.95, 0.60, 0.05};
+    constexpr host::PlotColor MARK = {0.72, 0.40, 0.0};
+    host::Plot plot(WIDTH, HEIGHT, ValueRange(bands), CountRange(bands, what.logarithmic));
     const bool single = bands.size() == 1;
-    std::string title = Narrow(CommonFun::GetFileNameWithExtension(Wide(what.image)));
+    std::string title = host::Narrow(CommonFun::GetFileNameWithExtension(host::Wide(what.image)));
     if (single) {
         const CountedBand& band = bands.front();
         title += ", band " + std::to_string(band.number);
@@ -69,7 +69,7 @@ void DrawHistograms(const HistogramPlot& what, const std::vector<CountedBand>& b
     plot.Title(title);
     plot.AxisLabels("value", what.logarithmic ? "log10 (1 + pixels)" : "pixels");
     for (std::size_t i = 0; i < bands.size(); ++i) {
-        const BandHistogram& histogram = bands[i].histogram;
+        const host::BandHistogram& histogram = bands[i].histogram;
         plot.Bars(histogram.low, histogram.width, Heights(histogram, what.logarithmic),
                   BandColor(single ? 0 : i), !single);
         if (!single)
@@ -77,9 +77,9 @@ void DrawHistograms(const HistogramPlot& what, const std::vector<CountedBand>& b
     }
     plot.Axes();
     if (single) {
-        plot.Mark(bands.front().shownFrom, "shown from " + TickLabel(bands.front().shownFrom),
+        plot.Mark(bands.front().shownFrom, "shown from " + host::TickLabel(bands.front().shownFrom),
                   MARK);
-        plot.Mark(bands.front().shownTo, "to " + TickLabel(bands.front().shownTo), MARK);
+        plot.Mark(bands.front().shownTo, "to " + host::TickLabel(bands.front().shownTo), MARK);
     }
     plot.Write(what.path);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/support/BandHistogram.h"
+#include "host/report/BandHistogram.h"
 
 #include <string>
 #include <vector>
@@ -10,7 +10,7 @@ namespace zelto::cli {
 /// A band's histogram with what its display shows of it.
 struct CountedBand {
     int number = 1; ///< of the band, from 1
-    BandHistogram histogram;
+    host::BandHistogram histogram;
     double shownFrom = 0.0; ///< bounds of the standard-deviation stretch
     double shownTo = 0.0;
 };

@@ -1,6 +1,6 @@
 #include "cli/Commands.h"
-#include "cli/support/ManyFiles.h"
-#include "cli/support/RasterReport.h"
+#include "cli/ManyFiles.h"
+#include "host/report/RasterReport.h"
 
 #include <CLI/CLI.hpp>
 
@@ -16,43 +16,43 @@ namespace {
 struct InfoOptions {
     std::vector<std::string> files;
     bool json = false;
-    ValueFacts values;
+    host::ValueFacts values;
     bool reference = false;
     int jobs = 0;
 };
 
 /// Every file that can be described is, in the order given.
-std::vector<RasterFacts> DescribeAll(const InfoOptions& options,
-                                     std::vector<std::string>& failures) {
-    std::vector<std::optional<RasterFacts>> found(options.files.size());
+std::vector<host::RasterFacts> DescribeAll(const InfoOptions& options,
+                                           std::vector<std::string>& failures) {
+    std::vector<std::optional<host::RasterFacts>> found(options.files.size());
     failures =
         ForEachFile(options.files, options.jobs, [&](std::size_t file, CDataProgress& progress) {
-            found[file] = DescribeRaster(options.files[file], options.values, progress);
+            found[file] = host::DescribeRaster(options.files[file], options.values, progress);
         });
-    std::vector<RasterFacts> described;
+    std::vector<host::RasterFacts> described;
     for (auto& facts : found)
         if (facts)
             described.push_back(std::move(*facts));
     return described;
 }
 
-void PrintAll(const std::vector<RasterFacts>& described, const InfoOptions& options) {
+void PrintAll(const std::vector<host::RasterFacts>& described, const InfoOptions& options) {
     if (!options.json) {
         for (std::size_t i = 0; i < described.size(); ++i) {
             std::cout << (i > 0 ? "\n" : "");
-            PrintReport(described[i], options.reference);
+            host::PrintReport(described[i], options.reference);
         }
         return;
     }
     if (options.files.size() == 1) {
         if (!described.empty())
-            PrintJson(ToJson(described.front()));
+            host::PrintJson(host::ToJson(described.front()));
         return;
     }
-    Json all = Json::array();
-    for (const RasterFacts& facts : described)
-        all.push_back(ToJson(facts));
-    PrintJson(all);
+    host::Json all = host::Json::array();
+    for (const host::RasterFacts& facts : described)
+        all.push_back(host::ToJson(facts));
+    host::PrintJson(all);
 }
 
 void RunInfo(const InfoOptions& options) {

@@ -1,11 +1,11 @@
 #include "cli/Program.h"
-#include "cli/support/Interrupts.h"
+#include "host/base/Interrupts.h"
 
 namespace {
 
 /// The libraries take most of the program's start to set themselves up; what is called by this
 /// list comes before them.
-__attribute__((section(".preinit_array"), used)) void (*const g_first)() = zelto::cli::HoldSignals;
+__attribute__((section(".preinit_array"), used)) void (*const g_first)() = zelto::host::HoldSignals;
 
 } // namespace
 

@@ -1,7 +1,7 @@
 #include "cli/Manual.h"
 
-#include "cli/support/CommandTree.h"
-#include "cli/support/Failure.h"
+#include "cli/options/CommandTree.h"
+#include "host/base/Failure.h"
 
 #include <CLI/CLI.hpp>
 
@@ -123,7 +123,7 @@ void WriteText(const std::filesystem::path& path, const std::string& text) {
     file << text;
     file.close();
     if (!file)
-        throw Failure(path.string(), std::strerror(errno));
+        throw host::Failure(path.string(), std::strerror(errno));
 }
 
 } // namespace

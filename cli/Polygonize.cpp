@@ -2,11 +2,12 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
-#include "cli/support/Message.h"
-#include "cli/support/Open.h"
-#include "cli/support/Output.h"
-#include "cli/support/PolygonBuild.h"
-#include "cli/support/Progress.h"
+#include "cli/options/SharedOptions.h"
+#include "host/base/Message.h"
+#include "host/base/Progress.h"
+#include "host/files/Open.h"
+#include "host/files/Output.h"
+#include "host/files/PolygonBuild.h"
 
 #include <CLI/CLI.hpp>
 
@@ -19,7 +20,7 @@ namespace {
 struct PolygonizeOptions {
     std::string image;
     std::string out;
-    PolygonOptions polygons;
+    host::PolygonOptions polygons;
     bool overwrite = false;
 };
 
@@ -29,15 +30,16 @@ bool HasFractions(PixelDataType type) {
 
 void RunPolygonize(const PolygonizeOptions& options) {
     CRasterSource raster;
-    OpenOrFail(raster, options.image, GIS_READONLY, true);
-    RequireFreePath(options.out, options.overwrite, {options.image});
-    TerminalProgress progress;
+    host::OpenOrFail(raster, options.image, GIS_READONLY, true);
+    host::RequireFreePath(options.out, options.overwrite, {options.image});
+    host::TerminalProgress progress;
     const std::int64_t count =
-        BuildPolygons(raster, options.image, options.out, options.polygons, progress);
-    Confirm(options.out + ": " + std::to_string(count) + (count == 1 ? " polygon" : " polygons"));
+        host::BuildPolygons(raster, options.image, options.out, options.polygons, progress);
+    host::Confirm(options.out + ": " + std::to_string(count) +
+                  (count == 1 ? " polygon" : " polygons"));
     if (HasFractions(raster.GetRasterBand(options.polygons.band - 1)->GetDataType()))
-        Remark(options.image +
-               ": the values have fractions; areas and numbers are of their whole parts");
+        host::Remark(options.image +
+                     ": the values have fractions; areas and numbers are of their whole parts");
 }
 
 } // namespace

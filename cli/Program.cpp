@@ -3,12 +3,12 @@
 #include "cli/Cluster.h"
 #include "cli/Commands.h"
 #include "cli/Manual.h"
-#include "cli/support/Breakdown.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Interrupts.h"
-#include "cli/support/Message.h"
-#include "cli/support/StateFolder.h"
-#include "cli/support/Usage.h"
+#include "cli/options/Usage.h"
+#include "host/base/Breakdown.h"
+#include "host/base/Failure.h"
+#include "host/base/Interrupts.h"
+#include "host/base/Message.h"
+#include "host/base/StateFolder.h"
 
 #include <CLI/CLI.hpp>
 
@@ -49,7 +49,7 @@ void AddAllCommands(CLI::App& program) {
 
 /// Adds --quiet to the program and to all its commands, so that it may stand anywhere.
 void AddQuiet(CLI::App& command) {
-    command.add_flag_callback("--quiet", BeQuiet,
+    command.add_flag_callback("--quiet", host::BeQuiet,
                               "no progress, no remarks, no word of what was made");
     for (CLI::App* each : command.get_subcommands([](const CLI::App*) { return true; }))
         AddQuiet(*each);
@@ -69,7 +69,7 @@ void AddManual(CLI::App& program) {
 }
 
 int Fail(const std::string& line, int status = EXIT_FAILED) {
-    Tell(line);
+    host::Tell(line);
     return status;
 }
 
@@ -86,7 +86,7 @@ int Run(CLI::App& program, int argc, char** argv) {
         return 0;
     } catch (const CLI::ParseError& error) {
         return Fail(ExplainUsage(program, error), EXIT_USAGE);
-    } catch (const UsageError& error) {
+    } catch (const host::UsageError& error) {
         return Fail(error.what(), EXIT_USAGE);
     }
 }
@@ -97,8 +97,8 @@ int RunAndExplain(CLI::App& program, int argc, char** argv) {
         return Run(program, argc, argv);
     } catch (const std::exception& error) {
         // Work that was cancelled has failed with reasons of its own.
-        if (Interrupted())
-            return Fail(Interruption().what(), EXIT_INTERRUPTED);
+        if (host::Interrupted())
+            return Fail(host::Interruption().what(), host::EXIT_INTERRUPTED);
         if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr)
             return Fail("not enough memory");
         if (dynamic_cast<const std::ios_base::failure*>(&error) != nullptr)
@@ -110,12 +110,12 @@ int RunAndExplain(CLI::App& program, int argc, char** argv) {
 } // namespace
 
 int RunProgram(int argc, char** argv) {
-    TakeStandardStreams();
+    host::TakeStandardStreams();
     if (IsForCluster(argc, argv))
         return HandOverToPython(argc, argv);
-    TellBreakdowns(EXIT_FAILED);
-    ListenForInterrupts();
-    LogBelowStateFolder();
+    host::TellBreakdowns(EXIT_FAILED);
+    host::ListenForInterrupts();
+    host::LogBelowStateFolder();
     // A file that may not grow any more is a failure with a reason, not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
     // Long output goes through a buffer of its own, not piece by piece through C's.
@@ -134,7 +134,7 @@ int RunProgram(int argc, char** argv) {
     AddQuiet(program);
     AddManual(program);
     const int status = RunAndExplain(program, argc, argv);
-    StopListening();
+    host::StopListening();
     return status;
 }
 

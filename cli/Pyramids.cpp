@@ -2,13 +2,13 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Json.h"
-#include "cli/support/ManyFiles.h"
-#include "cli/support/Open.h"
-#include "cli/support/PyramidBuild.h"
-#include "cli/support/Table.h"
-#include "cli/support/Text.h"
+#include "cli/ManyFiles.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
+#include "host/files/PyramidBuild.h"
+#include "host/report/Json.h"
+#include "host/report/Table.h"
 
 #include <CLI/CLI.hpp>
 
@@ -40,7 +40,7 @@ struct Pyramid {
 
 Pyramid Describe(const std::string& path) {
     CRasterSource source;
-    OpenOrFail(source, path);
+    host::OpenOrFail(source, path);
     Pyramid pyramid = {path, source.IsOverviewsValid(), {}};
     const CRasterBand& band = *source.GetRasterBand(0);
     for (int i = 0; i < band.GetOverviewCount(); ++i) {
@@ -53,14 +53,14 @@ Pyramid Describe(const std::string& path) {
 
 void PrintPyramids(const std::vector<Pyramid>& pyramids, bool asJson) {
     if (asJson) {
-        Json json = Json::array();
+        host::Json json = host::Json::array();
         for (const Pyramid& pyramid : pyramids)
             json.push_back(
                 {{"path", pyramid.path}, {"valid", pyramid.valid}, {"levels", pyramid.levels}});
-        PrintJson(json);
+        host::PrintJson(json);
         return;
     }
-    Table table({"file", "pyramid", "levels"});
+    host::Table table({"file", "pyramid", "levels"});
     for (const Pyramid& pyramid : pyramids) {
         std::string levels;
         for (const std::string& level : pyramid.levels)
@@ -73,10 +73,10 @@ void PrintPyramids(const std::vector<Pyramid>& pyramids, bool asJson) {
 void BuildOne(const std::string& path, const PyramidsOptions& options, CDataProgress& progress) {
     std::vector<int> bands;
     if (!options.bands.empty())
-        bands = ParseBands("--bands", options.bands, std::numeric_limits<int>::max());
+        bands = host::ParseBands("--bands", options.bands, std::numeric_limits<int>::max());
     for (int& band : bands)
         ++band; // the engine numbers them from 1 here
-    BuildPyramid(path, options.resampling, bands, progress);
+    host::BuildPyramid(path, options.resampling, bands, progress);
 }
 
 /// Throws UsageError for a file that is there twice: both would be changed at once.
@@ -85,7 +85,7 @@ void RequireDifferent(const std::vector<std::string>& paths) {
         for (std::size_t k = 0; k < i; ++k) {
             std::error_code ignored;
             if (paths[i] == paths[k] || std::filesystem::equivalent(paths[i], paths[k], ignored))
-                throw UsageError(paths[i] + " is the same file as " + paths[k]);
+                throw host::UsageError(paths[i] + " is the same file as " + paths[k]);
         }
 }
 

@@ -1,17 +1,18 @@
 #include "cli/Commands.h"
-#include "cli/support/AoiFile.h"
-#include "cli/support/Csv.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Json.h"
-#include "cli/support/Message.h"
-#include "cli/support/Open.h"
-#include "cli/support/Output.h"
-#include "cli/support/Printable.h"
-#include "cli/support/Region.h"
-#include "cli/support/SampleClasses.h"
-#include "cli/support/SampleTable.h"
-#include "cli/support/Table.h"
-#include "cli/support/Text.h"
+#include "cli/SampleTable.h"
+#include "cli/options/SharedOptions.h"
+#include "host/base/Failure.h"
+#include "host/base/Message.h"
+#include "host/base/Printable.h"
+#include "host/base/Text.h"
+#include "host/files/AoiFile.h"
+#include "host/files/Open.h"
+#include "host/files/Output.h"
+#include "host/files/Region.h"
+#include "host/report/Csv.h"
+#include "host/report/Json.h"
+#include "host/report/SampleClasses.h"
+#include "host/report/Table.h"
 
 #include <CLI/CLI.hpp>
 
@@ -29,94 +30,94 @@ struct SamplesOptions {
     std::string aoi;
     std::string file;
     std::string table;
-    LabelOptions labels;
+    host::LabelOptions labels;
     bool overwrite = false;
     bool csv = false;
     bool json = false;
 };
 
 void OpenImage(CRasterSource& raster, const SamplesOptions& options) {
-    RegionOptions region;
+    host::RegionOptions region;
     region.aoi = options.aoi.empty() ? options.file : options.aoi;
-    OpenForRegion(raster, options.image, region);
+    host::OpenForRegion(raster, options.image, region);
 }
 
-void PrintCsv(const SampleClasses& classes, int bandCount) {
+void PrintCsv(const host::SampleClasses& classes, int bandCount) {
     std::cout << "label,class";
     for (int b = 1; b <= bandCount; ++b)
         std::cout << ",band" << b;
     std::cout << '\n';
-    for (const SampleClass& sampleClass : classes) {
-        const std::string start =
-            FormatNumber(sampleClass.label) + "," + CsvText(Printable(sampleClass.name));
+    for (const host::SampleClass& sampleClass : classes) {
+        const std::string start = host::FormatNumber(sampleClass.label) + "," +
+                                  host::CsvText(host::Printable(sampleClass.name));
         std::string line;
         for (int i = 0; i < sampleClass.pixels.GetSampleSize(); ++i) {
             line = start;
             for (int b = 0; b < bandCount; ++b)
-                line.append(",").append(FormatNumber(sampleClass.pixels.Get(i, b)));
+                line.append(",").append(host::FormatNumber(sampleClass.pixels.Get(i, b)));
             std::cout << line << '\n';
         }
     }
 }
 
-void PrintClasses(const SampleClasses& classes, int bandCount, bool asJson) {
-    Table table({"class", "label", "shapes", "pixels", "band", "mean", "minimum", "maximum"});
-    Json json = Json::array();
-    for (const SampleClass& sampleClass : classes) {
-        const SampleStatistics statistics = StatisticsOf(sampleClass.pixels, bandCount);
+void PrintClasses(const host::SampleClasses& classes, int bandCount, bool asJson) {
+    host::Table table({"class", "label", "shapes", "pixels", "band", "mean", "minimum", "maximum"});
+    host::Json json = host::Json::array();
+    for (const host::SampleClass& sampleClass : classes) {
+        const host::SampleStatistics statistics = host::StatisticsOf(sampleClass.pixels, bandCount);
         const int pixels = sampleClass.pixels.GetSampleSize();
-        Json bands = Json::array();
+        host::Json bands = host::Json::array();
         for (int b = 0; b < bandCount && pixels > 0; ++b) {
             const auto i = static_cast<std::size_t>(b);
-            table.AddRow({sampleClass.name, FormatNumber(sampleClass.label),
+            table.AddRow({sampleClass.name, host::FormatNumber(sampleClass.label),
                           std::to_string(sampleClass.shapes.size()), std::to_string(pixels),
-                          std::to_string(b + 1), FormatNumber(statistics.mean[i]),
-                          FormatNumber(statistics.minimum[i]),
-                          FormatNumber(statistics.maximum[i])});
+                          std::to_string(b + 1), host::FormatNumber(statistics.mean[i]),
+                          host::FormatNumber(statistics.minimum[i]),
+                          host::FormatNumber(statistics.maximum[i])});
             bands.push_back({{"band", b + 1},
-                             {"mean", JsonNumber(statistics.mean[i])},
-                             {"minimum", JsonNumber(statistics.minimum[i])},
-                             {"maximum", JsonNumber(statistics.maximum[i])}});
+                             {"mean", host::JsonNumber(statistics.mean[i])},
+                             {"minimum", host::JsonNumber(statistics.minimum[i])},
+                             {"maximum", host::JsonNumber(statistics.maximum[i])}});
         }
         json.push_back({{"name", sampleClass.name},
-                        {"label", JsonNumber(sampleClass.label)},
+                        {"label", host::JsonNumber(sampleClass.label)},
                         {"shapes", sampleClass.shapes.size()},
                         {"pixels", pixels},
                         {"bands", bands}});
     }
     if (asJson)
-        PrintJson({{"classes", json}});
+        host::PrintJson({{"classes", json}});
     else
         table.Print();
 }
 
 /// What a reader of the numbers must know, on standard error.
-void RemarkOnSamples(const SampleClasses& classes) {
-    for (const SampleClass& sampleClass : classes) {
+void RemarkOnSamples(const host::SampleClasses& classes) {
+    for (const host::SampleClass& sampleClass : classes) {
         if (sampleClass.shapesOffImage > 0)
-            Remark(sampleClass.name + ": " + std::to_string(sampleClass.shapesOffImage) +
-                   " of its shapes lie off the image");
+            host::Remark(sampleClass.name + ": " + std::to_string(sampleClass.shapesOffImage) +
+                         " of its shapes lie off the image");
         if (sampleClass.pixels.GetSampleSize() == 0)
-            Remark(sampleClass.name + ": no pixels");
+            host::Remark(sampleClass.name + ": no pixels");
     }
 }
 
-void WriteSampleFile(const SampleClasses& classes, int bandCount, const std::string& path) {
+void WriteSampleFile(const host::SampleClasses& classes, int bandCount, const std::string& path) {
     CClassifySampleFile file;
     file.SetTag(CClassifySampleFile::FILE_TAG);
-    for (const SampleClass& sampleClass : classes)
-        file.AddClass(MakeRecord(sampleClass, bandCount));
-    if (file.WriteClassifySampleFile(Wide(path)) != 1)
-        throw Failure(path, "cannot be written");
+    for (const host::SampleClass& sampleClass : classes)
+        file.AddClass(host::MakeRecord(sampleClass, bandCount));
+    if (file.WriteClassifySampleFile(host::Wide(path)) != 1)
+        throw host::Failure(path, "cannot be written");
 }
 
 void Collect(const SamplesOptions& options) {
     if (!options.file.empty())
-        RequireFreePath(options.file, options.overwrite, {options.image, options.aoi});
+        host::RequireFreePath(options.file, options.overwrite, {options.image, options.aoi});
     CRasterSource raster;
     OpenImage(raster, options);
-    SampleClasses classes = MakeClasses(options.aoi, options.labels, raster);
-    CollectPixels(classes, raster, options.image);
+    host::SampleClasses classes = host::MakeClasses(options.aoi, options.labels, raster);
+    host::CollectPixels(classes, raster, options.image);
     if (!options.file.empty())
         WriteSampleFile(classes, raster.GetBandCount(), options.file);
     if (options.csv)
@@ -128,8 +129,8 @@ void Collect(const SamplesOptions& options) {
 }
 
 void ReadSampleFile(CClassifySampleFile& file, const std::string& path) {
-    if (file.ReadClassifySampleFile(Wide(path)) != 1)
-        throw Failure(path, LastReason("cannot be read"));
+    if (file.ReadClassifySampleFile(host::Wide(path)) != 1)
+        throw host::Failure(path, host::LastReason("cannot be read"));
 }
 
 void Export(const SamplesOptions& options) {
@@ -137,33 +138,34 @@ void Export(const SamplesOptions& options) {
     ReadSampleFile(file, options.file);
     CRasterSource raster;
     OpenImage(raster, options);
-    SampleClasses classes = ClassesOf(file);
-    CollectPixels(classes, raster, options.image);
+    host::SampleClasses classes = host::ClassesOf(file);
+    host::CollectPixels(classes, raster, options.image);
     PrintCsv(classes, raster.GetBandCount());
     std::cout.flush();
     RemarkOnSamples(classes);
 }
 
 void Import(const SamplesOptions& options) {
-    RequireFreePath(options.file, options.overwrite, {options.table});
+    host::RequireFreePath(options.file, options.overwrite, {options.table});
     int bandCount = 0;
-    const SampleClasses classes = ReadSampleTable(options.table, bandCount);
+    const host::SampleClasses classes = ReadSampleTable(options.table, bandCount);
     WriteSampleFile(classes, bandCount, options.file);
     PrintClasses(classes, bandCount, options.json);
 }
 
-Json NumbersAsJson(const std::vector<double>& numbers) {
-    Json json = Json::array();
+host::Json NumbersAsJson(const std::vector<double>& numbers) {
+    host::Json json = host::Json::array();
     for (const double number : numbers)
-        json.push_back(JsonNumber(number));
+        json.push_back(host::JsonNumber(number));
     return json;
 }
 
-Json RecordAsJson(const ClassRecord& record) {
-    Json shapes = Json::array();
+host::Json RecordAsJson(const ClassRecord& record) {
+    host::Json shapes = host::Json::array();
     for (const CDrawShape* shape : record.m_sampleShapes)
-        shapes.push_back({{"kind", KindName(*shape)}, {"extent", JsonBox(shape->m_extent)}});
-    return {{"name", Narrow(record.GetName())},
+        shapes.push_back(
+            {{"kind", host::KindName(*shape)}, {"extent", host::JsonBox(shape->m_extent)}});
+    return {{"name", host::Narrow(record.GetName())},
             {"values", record.m_values},
             {"bandCount", record.m_bandCount},
             {"firstArray", NumbersAsJson(record.m_firstArray)},
@@ -178,8 +180,8 @@ Json RecordAsJson(const ClassRecord& record) {
 void ShowSamples(const SamplesOptions& options) {
     CClassifySampleFile file;
     ReadSampleFile(file, options.file);
-    Json classes = Json::array();
-    Table table({"class", "values", "shapes", "band", "first", "second", "third"});
+    host::Json classes = host::Json::array();
+    host::Table table({"class", "values", "shapes", "band", "first", "second", "third"});
     for (int i = 0; file.GetClass(i) != nullptr; ++i) {
         const ClassRecord& record = *file.GetClass(i);
         if (options.json)
@@ -187,18 +189,18 @@ void ShowSamples(const SamplesOptions& options) {
         const std::string values = std::to_string(record.m_values[0]) + ", " +
                                    std::to_string(record.m_values[1]) + ", " +
                                    std::to_string(record.m_values[2]);
-        const std::vector<std::string> start = {Narrow(record.GetName()), values,
+        const std::vector<std::string> start = {host::Narrow(record.GetName()), values,
                                                 std::to_string(record.m_sampleShapes.size())};
         if (record.m_thirdArray.empty())
             table.AddRow(start);
         for (std::size_t b = 0; b < record.m_thirdArray.size(); ++b)
             table.AddRow({start[0], start[1], start[2], std::to_string(b + 1),
-                          FormatNumber(record.m_firstArray[b]),
-                          FormatNumber(record.m_secondArray[b]),
-                          FormatNumber(record.m_thirdArray[b])});
+                          host::FormatNumber(record.m_firstArray[b]),
+                          host::FormatNumber(record.m_secondArray[b]),
+                          host::FormatNumber(record.m_thirdArray[b])});
     }
     if (options.json)
-        PrintJson({{"path", options.file}, {"classes", classes}});
+        host::PrintJson({{"path", options.file}, {"classes", classes}});
     else
         table.Print();
 }

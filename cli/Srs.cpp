@@ -1,13 +1,13 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 
 #include "cli/Commands.h"
-#include "cli/support/Failure.h"
-#include "cli/support/GdalUse.h"
-#include "cli/support/Json.h"
-#include "cli/support/JsonReference.h"
-#include "cli/support/Printable.h"
-#include "cli/support/SrsFacts.h"
-#include "cli/support/Table.h"
+#include "host/base/Failure.h"
+#include "host/base/GdalUse.h"
+#include "host/base/Printable.h"
+#include "host/report/Json.h"
+#include "host/report/JsonReference.h"
+#include "host/report/SrsFacts.h"
+#include "host/report/Table.h"
 
 #include <CLI/CLI.hpp>
 
@@ -45,39 +45,39 @@ std::string JsonKey(const std::string& label) {
 }
 
 void DescribeSystem(const SrsOptions& options) {
-    const SrsFacts system = DescribeSrs(options.srs);
+    const host::SrsFacts system = host::DescribeSrs(options.srs);
     if (!options.json) {
-        Table table({"kind", KindName(system.kind)});
+        host::Table table({"kind", host::KindName(system.kind)});
         if (!system.authority.empty())
             table.AddRow({"authority", system.authority});
-        for (const SrsFact& fact : system.facts)
+        for (const host::SrsFact& fact : system.facts)
             table.AddRow({fact.label, fact.Value()});
         table.Print();
         return;
     }
-    Json json = {{"kind", KindName(system.kind)},
-                 {"authority", system.authority},
-                 {"epsg", JsonEpsg(options.srs)}};
-    for (const SrsFact& fact : system.facts)
+    host::Json json = {{"kind", host::KindName(system.kind)},
+                       {"authority", system.authority},
+                       {"epsg", host::JsonEpsg(options.srs)}};
+    for (const host::SrsFact& fact : system.facts)
         json[JsonKey(fact.label)] = fact.ToJson();
-    PrintJson(json);
+    host::PrintJson(json);
 }
 
 struct Difference {
     std::string label;
-    const SrsFact* first;
-    const SrsFact* second;
+    const host::SrsFact* first;
+    const host::SrsFact* second;
 };
 
 /// What the systems describe differently; a fact that only one has counts.
-std::vector<Difference> FindDifferences(const SrsFacts& a, const SrsFacts& b) {
+std::vector<Difference> FindDifferences(const host::SrsFacts& a, const host::SrsFacts& b) {
     std::vector<Difference> differences;
-    for (const SrsFact& fact : a.facts) {
-        const SrsFact* other = b.Find(fact.label);
+    for (const host::SrsFact& fact : a.facts) {
+        const host::SrsFact* other = b.Find(fact.label);
         if (other == nullptr || !fact.SameValue(*other))
             differences.push_back({fact.label, &fact, other});
     }
-    for (const SrsFact& fact : b.facts) {
+    for (const host::SrsFact& fact : b.facts) {
         if (a.Find(fact.label) == nullptr)
             differences.push_back({fact.label, nullptr, &fact});
     }
@@ -85,24 +85,25 @@ std::vector<Difference> FindDifferences(const SrsFacts& a, const SrsFacts& b) {
 }
 
 void Compare(const SrsOptions& options) {
-    const SrsFacts a = DescribeSrs(options.srs);
-    const SrsFacts b = DescribeSrs(options.other);
+    const host::SrsFacts a = host::DescribeSrs(options.srs);
+    const host::SrsFacts b = host::DescribeSrs(options.other);
     const bool same =
         CCoordinateAlgorithm::IsSameCoordinate(options.srs.c_str(), options.other.c_str());
     const auto differences = FindDifferences(a, b);
     if (options.json) {
-        Json json = {{"same", same}, {"differences", Json::array()}};
+        host::Json json = {{"same", same}, {"differences", host::Json::array()}};
         for (const Difference& d : differences)
-            json["differences"].push_back({{"what", JsonKey(d.label)},
-                                           {"first", d.first ? d.first->ToJson() : Json()},
-                                           {"second", d.second ? d.second->ToJson() : Json()}});
-        PrintJson(json);
+            json["differences"].push_back(
+                {{"what", JsonKey(d.label)},
+                 {"first", d.first ? d.first->ToJson() : host::Json()},
+                 {"second", d.second ? d.second->ToJson() : host::Json()}});
+        host::PrintJson(json);
         return;
     }
     std::cout << (same ? "the same system\n" : "different systems\n");
     if (differences.empty())
         return;
-    Table table({same ? "described differently" : "difference", "first", "second"});
+    host::Table table({same ? "described differently" : "difference", "first", "second"});
     for (const Difference& d : differences)
         table.AddRow(
             {d.label, d.first ? d.first->Value() : "-", d.second ? d.second->Value() : "-"});
@@ -112,27 +113,28 @@ void Compare(const SrsOptions& options) {
 void GaussKruger(const SrsOptions& options) {
     const int zones = 360 / options.width;
     if (options.zone < 1 || options.zone > zones)
-        throw UsageError("--zone: zones of " + std::to_string(options.width) +
-                         " degrees are numbered from 1 to " + std::to_string(zones));
-    if (DescribeSrs(options.srs).kind == SrsKind::Other)
-        throw Failure(options.srs, "has no geographic system to build on");
+        throw host::UsageError("--zone: zones of " + std::to_string(options.width) +
+                               " degrees are numbered from 1 to " + std::to_string(zones));
+    if (host::DescribeSrs(options.srs).kind == host::SrsKind::Other)
+        throw host::Failure(options.srs, "has no geographic system to build on");
     const std::string wkt =
         CCoordinateAlgorithm::NewChinaProjCS(options.srs.c_str(), options.zone, options.width);
     if (wkt.empty())
-        throw Failure(options.srs, "the system cannot be written as WKT");
+        throw host::Failure(options.srs, "the system cannot be written as WKT");
     if (!options.json) {
-        std::cout << PrintableLines(wkt) << '\n';
+        std::cout << host::PrintableLines(wkt) << '\n';
         return;
     }
-    Json json = JsonReference(CCoordinateAlgorithm::GetCoordinateName(wkt.c_str()), wkt);
-    json["centralMeridian"] = DescribeSrs(wkt).Find("central_meridian")->ToJson();
-    PrintJson(json);
+    host::Json json =
+        host::JsonReference(CCoordinateAlgorithm::GetCoordinateName(wkt.c_str()), wkt);
+    json["centralMeridian"] = host::DescribeSrs(wkt).Find("central_meridian")->ToJson();
+    host::PrintJson(json);
 }
 
 /// GDAL's own messages are part of the program's, not beside them.
 template <typename Function>
 void WorkQuietly(Function work, const SrsOptions& options) {
-    const QuietGdalUse gdal;
+    const host::QuietGdalUse gdal;
     work(options);
 }
 

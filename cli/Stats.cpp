@@ -1,13 +1,14 @@
 #include "cli/Commands.h"
-#include "cli/support/AoiFile.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Interrupts.h"
-#include "cli/support/ManyFiles.h"
-#include "cli/support/Message.h"
-#include "cli/support/Open.h"
-#include "cli/support/Region.h"
-#include "cli/support/StatisticsReport.h"
-#include "cli/support/Text.h"
+#include "cli/ManyFiles.h"
+#include "cli/options/SharedOptions.h"
+#include "host/base/Failure.h"
+#include "host/base/Interrupts.h"
+#include "host/base/Message.h"
+#include "host/base/Text.h"
+#include "host/files/AoiFile.h"
+#include "host/files/Open.h"
+#include "host/files/Region.h"
+#include "host/report/StatisticsReport.h"
 
 #include <CLI/CLI.hpp>
 
@@ -21,7 +22,7 @@ namespace {
 
 struct StatsOptions {
     std::vector<std::string> files;
-    RegionOptions region;
+    host::RegionOptions region;
     std::string bands;
     std::string percentiles;
     bool approx = false;
@@ -39,19 +40,20 @@ struct PercentileRange {
 };
 
 PercentileRange ParsePercentiles(const std::string& text) {
-    const std::vector<double> numbers = ParseNumbers("--percentiles", text, 2);
+    const std::vector<double> numbers = host::ParseNumbers("--percentiles", text, 2);
     if (!(0 <= numbers[0] && numbers[0] <= numbers[1] && numbers[1] <= 100))
-        throw UsageError("--percentiles: expected 0 ≤ low ≤ high ≤ 100");
+        throw host::UsageError("--percentiles: expected 0 ≤ low ≤ high ≤ 100");
     return {numbers[0], numbers[1]};
 }
 
-RegionReport MeasureRegion(CRegionStatistics& statistics, const std::string& file,
-                           const StatsOptions& options, CDataProgress& progress) {
+host::RegionReport MeasureRegion(CRegionStatistics& statistics, const std::string& file,
+                                 const StatsOptions& options, CDataProgress& progress) {
     const auto require = [&](GISError error) {
         if (error != GIS_SUCCESS)
-            throw Failure(file, Interrupted() ? "interrupted" : LastReason("cannot be read"));
+            throw host::Failure(file, host::Interrupted() ? "interrupted"
+                                                          : host::LastReason("cannot be read"));
     };
-    RegionReport report;
+    host::RegionReport report;
     if (options.files.size() > 1)
         report.path = file;
     require(options.covariance ? statistics.ComputeWithCovariance(&progress)
@@ -71,38 +73,38 @@ RegionReport MeasureRegion(CRegionStatistics& statistics, const std::string& fil
 }
 
 /// The region of a file, or each of its shapes.
-std::vector<RegionReport> MeasureFile(const std::string& file, const StatsOptions& options,
-                                      CDataProgress& progress) {
+std::vector<host::RegionReport> MeasureFile(const std::string& file, const StatsOptions& options,
+                                            CDataProgress& progress) {
     CRasterSource raster;
-    OpenForRegion(raster, file, options.region);
-    const auto region = MakeRegion(options.region, raster);
+    host::OpenForRegion(raster, file, options.region);
+    const auto region = host::MakeRegion(options.region, raster);
     CRegionStatistics statistics(&raster);
     if (!options.bands.empty())
-        statistics.SetBands(ParseBands("--bands", options.bands, raster.GetBandCount()));
+        statistics.SetBands(host::ParseBands("--bands", options.bands, raster.GetBandCount()));
     statistics.SetApprox(options.approx);
     if (!options.each) {
         statistics.SetAOI(region.get());
         return {MeasureRegion(statistics, file, options, progress)};
     }
-    std::vector<RegionReport> reports;
+    std::vector<host::RegionReport> reports;
     for (int i = 0; i < region->GetDrawShapeCount(); ++i) {
         CDrawShape* const shape = region->GetDrawShape(i);
         statistics.SetShape(shape);
         reports.push_back(MeasureRegion(statistics, file, options, progress));
-        reports.back().shape = std::to_string(i + 1) + " " + KindName(*shape);
+        reports.back().shape = std::to_string(i + 1) + " " + host::KindName(*shape);
     }
     return reports;
 }
 
-Json JsonOf(const std::vector<RegionReport>& reports, const StatsOptions& options) {
+host::Json JsonOf(const std::vector<host::RegionReport>& reports, const StatsOptions& options) {
     if (!options.each)
-        return ToJson(reports.front());
-    Json shapes = Json::array();
-    Json json = Json::object();
-    for (const RegionReport& report : reports) {
+        return host::ToJson(reports.front());
+    host::Json shapes = host::Json::array();
+    host::Json json = host::Json::object();
+    for (const host::RegionReport& report : reports) {
         if (!report.path.empty())
             json["path"] = report.path;
-        shapes.push_back(ToJson(report));
+        shapes.push_back(host::ToJson(report));
         shapes.back().erase("path");
     }
     json["shapes"] = shapes;
@@ -110,54 +112,54 @@ Json JsonOf(const std::vector<RegionReport>& reports, const StatsOptions& option
 }
 
 /// @param files the reports of every file that could be measured
-void PrintReports(const std::vector<std::vector<RegionReport>>& files,
+void PrintReports(const std::vector<std::vector<host::RegionReport>>& files,
                   const StatsOptions& options) {
     if (options.json) {
-        Json all = Json::array();
+        host::Json all = host::Json::array();
         for (const auto& reports : files)
             all.push_back(JsonOf(reports, options));
-        PrintJson(options.files.size() == 1 ? all.front() : all);
+        host::PrintJson(options.files.size() == 1 ? all.front() : all);
         return;
     }
-    std::vector<RegionReport> all;
+    std::vector<host::RegionReport> all;
     for (const auto& reports : files)
         all.insert(all.end(), reports.begin(), reports.end());
     if (options.csv)
-        PrintCsv(all);
+        host::PrintCsv(all);
     else
-        PrintTables(all);
+        host::PrintTables(all);
 }
 
 /// What a reader of the numbers must know, on standard error.
-void RemarkOnRegions(const std::string& file, const std::vector<RegionReport>& reports) {
+void RemarkOnRegions(const std::string& file, const std::vector<host::RegionReport>& reports) {
     bool sampled = false;
-    for (const RegionReport& report : reports) {
+    for (const host::RegionReport& report : reports) {
         sampled = sampled || report.sampled;
         if (report.Count() == 0)
-            Remark(file + ": no values in " +
-                   (report.shape.empty() ? "the region" : "shape " + report.shape));
+            host::Remark(file + ": no values in " +
+                         (report.shape.empty() ? "the region" : "shape " + report.shape));
     }
     if (sampled)
-        Remark(file + ": a sample was taken; the counts are those of the sample");
+        host::Remark(file + ": a sample was taken; the counts are those of the sample");
 }
 
 void CheckStatsOptions(const StatsOptions& options) {
     if (options.each && options.region.aoi.empty())
-        throw UsageError("--each: needs --aoi");
+        throw host::UsageError("--each: needs --aoi");
     if (!options.percentiles.empty())
         ParsePercentiles(options.percentiles);
     if (options.covariance && options.csv && options.files.size() > 1)
-        throw UsageError("--covariance: as --csv it is for a single file");
+        throw host::UsageError("--covariance: as --csv it is for a single file");
 }
 
 void RunStats(const StatsOptions& options) {
     CheckStatsOptions(options);
-    std::vector<std::optional<std::vector<RegionReport>>> reports(options.files.size());
+    std::vector<std::optional<std::vector<host::RegionReport>>> reports(options.files.size());
     const auto failures =
         ForEachFile(options.files, options.jobs, [&](std::size_t file, CDataProgress& progress) {
             reports[file] = MeasureFile(options.files[file], options, progress);
         });
-    std::vector<std::vector<RegionReport>> measured;
+    std::vector<std::vector<host::RegionReport>> measured;
     for (const auto& each : reports)
         if (each)
             measured.push_back(*each);

@@ -1,14 +1,14 @@
 #include "zelto/vector/VectorSource.h"
 
 #include "cli/Commands.h"
-#include "cli/support/Failure.h"
-#include "cli/support/GdalUse.h"
-#include "cli/support/Json.h"
-#include "cli/support/JsonReference.h"
-#include "cli/support/Open.h"
-#include "cli/support/Printable.h"
-#include "cli/support/Table.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/GdalUse.h"
+#include "host/base/Printable.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
+#include "host/report/Json.h"
+#include "host/report/JsonReference.h"
+#include "host/report/Table.h"
 
 #include <CLI/CLI.hpp>
 #include <ogr_spatialref.h>
@@ -54,28 +54,29 @@ bool HasExtent(const CVectorLayer& layer) {
            layer.GetOGRLayer()->GetExtent(&envelope, TRUE) == OGRERR_NONE;
 }
 
-Json LayerJson(const CVectorLayer& layer) {
-    Json fields = Json::array();
+host::Json LayerJson(const CVectorLayer& layer) {
+    host::Json fields = host::Json::array();
     for (const auto& [name, type] : Fields(layer))
         fields.push_back({{"name", name}, {"type", type}});
-    Json json = {{"name", Narrow(layer.GetLayerName())},
-                 {"geometry", GeometryName(layer)},
-                 {"features", layer.GetOGRLayer()->GetFeatureCount()},
-                 {"extent", HasExtent(layer) ? JsonBox(layer.GetExtent()) : Json()}};
-    json.update(JsonReference(SystemName(layer), layer.GetSpatialReferenceWKT()));
+    host::Json json = {
+        {"name", host::Narrow(layer.GetLayerName())},
+        {"geometry", GeometryName(layer)},
+        {"features", layer.GetOGRLayer()->GetFeatureCount()},
+        {"extent", HasExtent(layer) ? host::JsonBox(layer.GetExtent()) : host::Json()}};
+    json.update(host::JsonReference(SystemName(layer), layer.GetSpatialReferenceWKT()));
     json["fields"] = fields;
     return json;
 }
 
 std::string FormatBox(const CBoundingBox& box) {
-    std::string text = FormatNumber(box.m_left);
+    std::string text = host::FormatNumber(box.m_left);
     for (const double side : {box.m_top, box.m_right, box.m_bottom})
-        text.append(",").append(FormatNumber(side));
+        text.append(",").append(host::FormatNumber(side));
     return text;
 }
 
 void PrintLayer(const CVectorLayer& layer) {
-    Table table({"layer", Narrow(layer.GetLayerName())});
+    host::Table table({"layer", host::Narrow(layer.GetLayerName())});
     table.AddRow({"geometry", GeometryName(layer)});
     table.AddRow({"features", std::to_string(layer.GetOGRLayer()->GetFeatureCount())});
     if (HasExtent(layer))
@@ -88,18 +89,18 @@ void PrintLayer(const CVectorLayer& layer) {
 }
 
 void DescribeVector(const VectorOptions& options) {
-    const QuietGdalUse gdal;
+    const host::QuietGdalUse gdal;
     CVectorSource source;
-    OpenOrFail(source, options.file);
+    host::OpenOrFail(source, options.file);
     const std::string driver = source.GetOGRDataSource()->GetDriverName();
     if (options.json) {
-        Json layers = Json::array();
+        host::Json layers = host::Json::array();
         for (int i = 0; i < source.GetLayerCount(); ++i)
             layers.push_back(LayerJson(*source.GetVectorLayer(i)));
-        PrintJson({{"path", options.file}, {"format", driver}, {"layers", layers}});
+        host::PrintJson({{"path", options.file}, {"format", driver}, {"layers", layers}});
         return;
     }
-    std::cout << Printable(options.file) << ": " << driver << ", " << source.GetLayerCount()
+    std::cout << host::Printable(options.file) << ": " << driver << ", " << source.GetLayerCount()
               << (source.GetLayerCount() == 1 ? " layer\n" : " layers\n");
     for (int i = 0; i < source.GetLayerCount(); ++i) {
         std::cout << '\n';

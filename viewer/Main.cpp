@@ -1,4 +1,4 @@
-#include "cli/support/StateFolder.h"
+#include "host/base/StateFolder.h"
 #include "viewer/MainWindow.h"
 #include "viewer/model/Preferences.h"
 #include "viewer/views/Icons.h"
@@ -69,7 +69,7 @@ int main(int argc, char** argv) {
         QApplication::translate("main", "End when the first picture is shown; to measure that"));
     parser.addOption(firstPicture);
     parser.process(application);
-    zelto::cli::LogBelowStateFolder();
+    zelto::host::LogBelowStateFolder();
     zelto::view::MainWindow window(parser.positionalArguments());
     window.show();
     if (parser.isSet(firstPicture))

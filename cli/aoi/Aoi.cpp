@@ -1,13 +1,15 @@
 #include "cli/Commands.h"
-#include "cli/support/AoiFile.h"
-#include "cli/support/Failure.h"
-#include "cli/support/GdalUse.h"
-#include "cli/support/Json.h"
-#include "cli/support/JsonReference.h"
-#include "cli/support/Open.h"
-#include "cli/support/Output.h"
-#include "cli/support/Table.h"
-#include "cli/support/Text.h"
+#include "cli/aoi/Commands.h"
+#include "cli/options/SharedOptions.h"
+#include "host/base/Failure.h"
+#include "host/base/GdalUse.h"
+#include "host/base/Text.h"
+#include "host/files/AoiFile.h"
+#include "host/files/Open.h"
+#include "host/files/Output.h"
+#include "host/report/Json.h"
+#include "host/report/JsonReference.h"
+#include "host/report/Table.h"
 
 #include <CLI/CLI.hpp>
 
@@ -31,25 +33,25 @@ struct AoiOptions {
 };
 
 std::vector<std::string> BoxCells(const CBoundingBox& box) {
-    return {FormatNumber(box.m_left), FormatNumber(box.m_top), FormatNumber(box.m_right),
-            FormatNumber(box.m_bottom)};
+    return {host::FormatNumber(box.m_left), host::FormatNumber(box.m_top),
+            host::FormatNumber(box.m_right), host::FormatNumber(box.m_bottom)};
 }
 
-Json ShapeJson(const CDrawShape& shape, int number) {
-    Json json = {{"number", number}, {"kind", KindName(shape)}};
+host::Json ShapeJson(const CDrawShape& shape, int number) {
+    host::Json json = {{"number", number}, {"kind", host::KindName(shape)}};
     if (shape.m_shapeKind == SHAPE_POLYGON)
         json["vertices"] = shape.m_vertices.size();
-    json["extent"] = JsonBox(shape.m_extent);
+    json["extent"] = host::JsonBox(shape.m_extent);
     return json;
 }
 
 /// A table of the shapes with these positions in the list; people count from 1.
 void PrintShapes(const CAOISource& aoi, const std::vector<int>& positions) {
-    Table table({"shape", "kind", "vertices", "left", "top", "right", "bottom"});
+    host::Table table({"shape", "kind", "vertices", "left", "top", "right", "bottom"});
     for (const int position : positions) {
         const CDrawShape& shape = *aoi.GetDrawShape(position);
         std::vector<std::string> cells = {
-            std::to_string(position + 1), KindName(shape),
+            std::to_string(position + 1), host::KindName(shape),
             shape.m_shapeKind == SHAPE_POLYGON ? std::to_string(shape.m_vertices.size()) : "-"};
         const auto box = BoxCells(shape.m_extent);
         cells.insert(cells.end(), box.begin(), box.end());
@@ -72,8 +74,8 @@ std::vector<int> ShapesAt(const CAOISource& aoi, const CPoint2D& p) {
     return positions;
 }
 
-Json ShapesJson(const CAOISource& aoi, const std::vector<int>& positions) {
-    Json shapes = Json::array();
+host::Json ShapesJson(const CAOISource& aoi, const std::vector<int>& positions) {
+    host::Json shapes = host::Json::array();
     for (const int position : positions)
         shapes.push_back(ShapeJson(*aoi.GetDrawShape(position), position + 1));
     return shapes;
@@ -81,20 +83,20 @@ Json ShapesJson(const CAOISource& aoi, const std::vector<int>& positions) {
 
 void DescribeAoi(const AoiOptions& options) {
     CAOISource aoi;
-    OpenAoiOrFail(aoi, options.file);
+    host::OpenAoiOrFail(aoi, options.file);
     aoi.InitCoordinateName();
-    const std::string system = Narrow(aoi.GetCoordinateNameNew());
+    const std::string system = host::Narrow(aoi.GetCoordinateNameNew());
     const auto all = AllShapes(aoi);
     if (options.json) {
-        Json json = {{"path", options.file},
-                     {"count", all.size()},
-                     {"extent", all.empty() ? Json() : JsonBox(aoi.GetExtent())}};
-        json.update(JsonReference(system, aoi.GetSpatialReferenceWKT()));
+        host::Json json = {{"path", options.file},
+                           {"count", all.size()},
+                           {"extent", all.empty() ? host::Json() : host::JsonBox(aoi.GetExtent())}};
+        json.update(host::JsonReference(system, aoi.GetSpatialReferenceWKT()));
         json["shapes"] = ShapesJson(aoi, all);
-        PrintJson(json);
+        host::PrintJson(json);
         return;
     }
-    Table table({"file", options.file});
+    host::Table table({"file", options.file});
     table.AddRow({"shapes", std::to_string(all.size())});
     table.AddRow({"system", system.empty() ? "none" : system});
     if (!all.empty()) {
@@ -109,25 +111,26 @@ void DescribeAoi(const AoiOptions& options) {
 }
 
 void Convert(const AoiOptions& options) {
-    RequireAoiFormat(options.out, options.tolerance);
+    host::RequireAoiFormat(options.out, options.tolerance);
     CAOISource aoi;
-    OpenAoiOrFail(aoi, options.file, options.srs);
+    host::OpenAoiOrFail(aoi, options.file, options.srs);
     if (aoi.GetDrawShapeCount() == 0)
-        throw Failure(options.file, "holds no polygons");
-    RequireFreePath(options.out, options.overwrite, {options.file});
-    SaveAoiOrFail(aoi, options.out, options.tolerance);
+        throw host::Failure(options.file, "holds no polygons");
+    host::RequireFreePath(options.out, options.overwrite, {options.file});
+    host::SaveAoiOrFail(aoi, options.out, options.tolerance);
 }
 
 void Hit(const AoiOptions& options) {
-    const std::vector<double> xy = ParseNumbers("POINT", options.point, 2);
+    const std::vector<double> xy = host::ParseNumbers("POINT", options.point, 2);
     CAOISource aoi;
-    OpenAoiOrFail(aoi, options.file);
+    host::OpenAoiOrFail(aoi, options.file);
     const auto hit = ShapesAt(aoi, {xy[0], xy[1]});
     if (options.json)
-        PrintJson({{"path", options.file},
-                   {"point", {{"x", JsonNumber(xy[0])}, {"y", JsonNumber(xy[1])}}},
-                   {"inside", !hit.empty()},
-                   {"shapes", ShapesJson(aoi, hit)}});
+        host::PrintJson(
+            {{"path", options.file},
+             {"point", {{"x", host::JsonNumber(xy[0])}, {"y", host::JsonNumber(xy[1])}}},
+             {"inside", !hit.empty()},
+             {"shapes", ShapesJson(aoi, hit)}});
     else if (hit.empty())
         std::cout << "no shape holds the point\n";
     else
@@ -138,7 +141,7 @@ void Hit(const AoiOptions& options) {
 template <typename Run, typename Given>
 auto Quietly(Run run, std::shared_ptr<Given> options) {
     return [run, options] {
-        const QuietGdalUse gdal;
+        const host::QuietGdalUse gdal;
         run(*options);
     };
 }
@@ -206,7 +209,7 @@ void AddNewAoi(CLI::App& aoi) {
                    "into the area's reference system; GeoJSON is in longitude and latitude unless\n"
                    "it says otherwise.");
     create->callback([create, options] {
-        const QuietGdalUse gdal;
+        const host::QuietGdalUse gdal;
         options->shapes = ShapesInOrder(*create);
         CreateAoi(*options);
     });

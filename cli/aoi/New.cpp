@@ -1,10 +1,11 @@
 #include "zelto/aoi/DrawEllipse.h"
 #include "zelto/aoi/DrawPolygon.h"
 
-#include "cli/support/AoiFile.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Output.h"
-#include "cli/support/Text.h"
+#include "cli/aoi/Commands.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/AoiFile.h"
+#include "host/files/Output.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,10 +24,10 @@ void Add(CAOISource& aoi, std::unique_ptr<CDrawShape> shape) {
 
 template <typename Shape>
 void AddBox(CAOISource& aoi, const std::string& option, const std::string& text) {
-    const CBoundingBox box = ParseBox(option, text);
+    const CBoundingBox box = host::ParseBox(option, text);
     const bool hasSize = box.m_left < box.m_right && box.m_bottom < box.m_top;
     if (!hasSize || !std::isfinite(box.GetWidth()) || !std::isfinite(box.GetHeight()))
-        throw UsageError(option + ": '" + text + "' has no positive width and height");
+        throw host::UsageError(option + ": '" + text + "' has no positive width and height");
     auto shape = std::make_unique<Shape>();
     shape->AddVertex(box.TopLeft());
     shape->AddVertex(box.BottomRight());
@@ -34,9 +35,9 @@ void AddBox(CAOISource& aoi, const std::string& option, const std::string& text)
 }
 
 void AddPolygon(CAOISource& aoi, const std::string& text) {
-    const std::vector<double> numbers = ParseNumbers("--polygon", text);
+    const std::vector<double> numbers = host::ParseNumbers("--polygon", text);
     if (numbers.size() % 2 != 0 || numbers.size() < 6)
-        throw UsageError("--polygon: '" + text + "' is not three or more pairs of x and y");
+        throw host::UsageError("--polygon: '" + text + "' is not three or more pairs of x and y");
     auto polygon = std::make_unique<CDrawPolygon>();
     for (std::size_t i = 0; i < numbers.size(); i += 2)
         polygon->AddVertex({numbers[i], numbers[i + 1]});
@@ -52,12 +53,12 @@ bool HasFiniteVertices(const CDrawShape& shape) {
 /// Takes copies of the polygons of a GeoJSON file or text, in the area's system.
 void AddGeoJson(CAOISource& aoi, const std::string& fileOrText) {
     CAOISource source;
-    OpenAoiOrFail(source, fileOrText, aoi.GetSpatialReferenceWKT());
+    host::OpenAoiOrFail(source, fileOrText, aoi.GetSpatialReferenceWKT());
     if (source.GetDrawShapeCount() == 0)
-        throw Failure(fileOrText, "holds no polygons");
+        throw host::Failure(fileOrText, "holds no polygons");
     for (int i = 0; i < source.GetDrawShapeCount(); ++i) {
         if (!HasFiniteVertices(*source.GetDrawShape(i)))
-            throw Failure(fileOrText, "has a vertex that is not a finite number");
+            throw host::Failure(fileOrText, "has a vertex that is not a finite number");
         Add(aoi, std::unique_ptr<CDrawShape>(CDrawShape::CreateCopy(source.GetDrawShape(i))));
     }
 }
@@ -65,9 +66,9 @@ void AddGeoJson(CAOISource& aoi, const std::string& fileOrText) {
 /// The system that --srs names, otherwise that of the first GeoJSON, otherwise none.
 std::string ChooseSystem(const AoiNewOptions& options) {
     if (!options.srs.empty()) {
-        const std::string wkt = SrsAsWkt(options.srs, "FORMAT=WKT1_GDAL");
+        const std::string wkt = host::SrsAsWkt(options.srs, "FORMAT=WKT1_GDAL");
         if (wkt.empty())
-            throw UsageError("--srs: '" + options.srs + "' is no reference system");
+            throw host::UsageError("--srs: '" + options.srs + "' is no reference system");
         return wkt;
     }
     const auto first = std::find_if(options.shapes.begin(), options.shapes.end(),
@@ -75,7 +76,7 @@ std::string ChooseSystem(const AoiNewOptions& options) {
     if (first == options.shapes.end())
         return {};
     CAOISource source;
-    OpenAoiOrFail(source, first->text);
+    host::OpenAoiOrFail(source, first->text);
     return source.GetSpatialReferenceWKT();
 }
 
@@ -101,17 +102,17 @@ std::vector<std::string> GeoJsonFiles(const AoiNewOptions& options) {
 } // namespace
 
 void CreateAoi(const AoiNewOptions& options) {
-    RequireAoiFormat(options.out, options.tolerance);
+    host::RequireAoiFormat(options.out, options.tolerance);
     if (options.shapes.empty())
-        throw UsageError("no shapes are given: --rect, --ellipse, --polygon or --geojson");
+        throw host::UsageError("no shapes are given: --rect, --ellipse, --polygon or --geojson");
     CAOISource aoi;
     aoi.SetSpatialReferenceWKT(ChooseSystem(options).c_str());
     for (const ShapeText& shape : options.shapes)
         AddShape(aoi, shape);
     if (aoi.GetDrawShapeCount() == 0)
-        throw Failure(options.out, "the GeoJSON holds no polygons");
-    RequireFreePath(options.out, options.overwrite, GeoJsonFiles(options));
-    SaveAoiOrFail(aoi, options.out, options.tolerance);
+        throw host::Failure(options.out, "the GeoJSON holds no polygons");
+    host::RequireFreePath(options.out, options.overwrite, GeoJsonFiles(options));
+    host::SaveAoiOrFail(aoi, options.out, options.tolerance);
 }
 
 } // namespace zelto::cli

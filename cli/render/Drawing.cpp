@@ -5,15 +5,15 @@
 #include "zelto/aoi/RasterAOI.h"
 #include "zelto/raster/RasterSource.h"
 
+#include "cli/render/FileOpacity.h"
 #include "cli/render/Opacity.h"
 #include "cli/render/Sheet.h"
 #include "cli/render/System.h"
-#include "cli/support/Failure.h"
-#include "cli/support/FileOpacity.h"
-#include "cli/support/Message.h"
-#include "cli/support/Open.h"
-#include "cli/support/RenderRamps.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Message.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
+#include "host/picture/RenderRamps.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,16 +25,16 @@ namespace zelto::cli {
 namespace {
 
 void ChooseBands(CRasterSource& source, const std::string& text) {
-    std::vector<int> bands = ParseBands("--bands", text, source.GetBandCount());
+    std::vector<int> bands = host::ParseBands("--bands", text, source.GetBandCount());
     if (bands.size() != 1 && bands.size() != 3)
-        throw UsageError("--bands: give one band, or three for red, green and blue");
+        throw host::UsageError("--bands: give one band, or three for red, green and blue");
     source.SetShowBandNum(static_cast<int>(bands.size()), bands.data());
 }
 
 void ChooseRamp(CRasterSource& source, const std::string& name) {
     int first = source.GetRedBandNum();
     source.SetShowBandNum(1, &first);
-    CColorRamp ramp = MakeRamp(name);
+    CColorRamp ramp = host::MakeRamp(name);
     source.SetColorRamp(&ramp);
     source.SetDisplayType(static_cast<DataDisplayType>(1));
 }
@@ -43,7 +43,7 @@ void ChooseRamp(CRasterSource& source, const std::string& name) {
 /// could not be taken: that picture would be another one.
 void FailWithoutPixels(bool drawn, const std::string& path) {
     if (!drawn || !CGISDataSource::GetLastErrorText().empty())
-        throw Failure(path, LastReason("its pixels cannot be read"));
+        throw host::Failure(path, host::LastReason("its pixels cannot be read"));
 }
 
 } // namespace
@@ -66,8 +66,8 @@ void ApplySettings(CRasterSource& source, const RenderOptions& options) {
     source.m_transparency = options.transparency;
 }
 
-Picture DrawWhole(CRasterSource& source, const View& view, const std::string& path) {
-    Picture picture(view.width, view.height);
+host::Picture DrawWhole(CRasterSource& source, const View& view, const std::string& path) {
+    host::Picture picture(view.width, view.height);
     CBoundingBox box = view.box;
     FailWithoutPixels(
         source.GetShowData(&box, view.width, view.height, picture.pixels.data(), true), path);
@@ -77,8 +77,8 @@ Picture DrawWhole(CRasterSource& source, const View& view, const std::string& pa
     return picture;
 }
 
-Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
-                   const RenderOptions& options) {
+host::Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
+                         const RenderOptions& options) {
     CRasterAOI area(&source, &aoi);
     area.Initialize();
 
@@ -99,9 +99,9 @@ Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
         options.file);
     CRasterAlgorithm::AdjustContrast(pointers, view.width, view.height, contrast, 3);
     if (std::all_of(inside.begin(), inside.end(), [](unsigned char mark) { return mark == 0; }))
-        Remark(options.aoi + ": no part of it lies in the picture");
+        host::Remark(options.aoi + ": no part of it lies in the picture");
 
-    Picture picture(view.width, view.height);
+    host::Picture picture(view.width, view.height);
     const auto opaque =
         static_cast<unsigned char>(std::lround(255.0 * (1.0 - source.m_transparency)));
     const unsigned char outside = options.outside == "black" ? opaque : 0;
@@ -114,7 +114,7 @@ Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
     return picture;
 }
 
-Picture DrawSheet(const View& view, const RenderOptions& options) {
+host::Picture DrawSheet(const View& view, const RenderOptions& options) {
     std::vector<SheetCell> cells;
     // What one picture reads of the file serves the others for as long as it is open.
     CRasterSource kept;
@@ -131,14 +131,14 @@ Picture DrawSheet(const View& view, const RenderOptions& options) {
         try {
             ApplyStretch(source, StretchOfSheet(options.stretch, name), {view.box}, options.file);
         } catch (const UnsuitedStretch& failure) {
-            Remark(std::string(failure.what()) + "; the sheet leaves " + name + " out");
+            host::Remark(std::string(failure.what()) + "; the sheet leaves " + name + " out");
             continue;
         }
         cells.push_back({name, DrawWhole(source, view, options.file)});
         ApplyOpacity(cells.back().picture, source, view, options.srs);
     }
     if (cells.empty())
-        throw Failure(options.file, "no stretch suits its bands");
+        throw host::Failure(options.file, "no stretch suits its bands");
     return MakeSheet(cells);
 }
 

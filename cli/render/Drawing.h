@@ -2,7 +2,7 @@
 
 #include "cli/render/Options.h"
 #include "cli/render/View.h"
-#include "cli/support/Picture.h"
+#include "host/picture/Picture.h"
 
 #include <string>
 
@@ -16,14 +16,14 @@ namespace zelto::cli {
 void ApplySettings(CRasterSource& source, const RenderOptions& options);
 
 /// Draws what the source shows. Throws Failure.
-Picture DrawWhole(CRasterSource& source, const View& view, const std::string& path);
+host::Picture DrawWhole(CRasterSource& source, const View& view, const std::string& path);
 
 /// Draws it within an area. Pixels outside the area are transparent or black, whatever is adjusted;
 /// pixels without data inside it are black before the adjustments. Throws Failure.
-Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
-                   const RenderOptions& options);
+host::Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
+                         const RenderOptions& options);
 
 /// Draws it under every stretch that suits the shown bands. Throws Failure.
-Picture DrawSheet(const View& view, const RenderOptions& options);
+host::Picture DrawSheet(const View& view, const RenderOptions& options);
 
 } // namespace zelto::cli

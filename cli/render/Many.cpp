@@ -1,8 +1,8 @@
 #include "cli/render/Many.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/ManyFiles.h"
-#include "cli/support/Message.h"
+#include "cli/ManyFiles.h"
+#include "host/base/Failure.h"
+#include "host/base/Message.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,15 +20,15 @@ std::vector<std::string> PathsOfPictures(const std::vector<std::string>& images,
                                          const ManyPictures& many) {
     std::error_code ignored;
     if (!std::filesystem::is_directory(many.folder, ignored))
-        throw Failure(many.folder, "there is no such folder");
+        throw host::Failure(many.folder, "there is no such folder");
     std::vector<std::string> paths;
     std::map<std::string, std::string> imageOf;
     for (const std::string& image : images) {
         const std::string name = std::filesystem::path(image).stem().string() + "." + many.format;
         const auto [other, isNew] = imageOf.try_emplace(name, image);
         if (!isNew)
-            throw UsageError("--into: the pictures of " + other->second + " and " + image +
-                             " would both be " + name);
+            throw host::UsageError("--into: the pictures of " + other->second + " and " + image +
+                                   " would both be " + name);
         paths.push_back((std::filesystem::path(many.folder) / name).string());
     }
     return paths;
@@ -62,7 +62,7 @@ void DrawMany(const std::vector<std::string>& firstTwo, const ManyPictures& many
         });
     for (const std::string& line : made)
         if (!line.empty())
-            Confirm(line);
+            host::Confirm(line);
     TellFailures(failures);
 }
 

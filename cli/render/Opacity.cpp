@@ -2,15 +2,15 @@
 
 #include "zelto/raster/RasterSource.h"
 
+#include "cli/render/FileOpacity.h"
 #include "cli/render/System.h"
-#include "cli/support/Failure.h"
-#include "cli/support/FileOpacity.h"
-#include "cli/support/Open.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
 
 namespace zelto::cli {
 
-void ApplyOpacity(Picture& picture, const CRasterSource& source, const View& view,
+void ApplyOpacity(host::Picture& picture, const CRasterSource& source, const View& view,
                   const std::string& srs) {
     const FileOpacity opacity(source);
     if (opacity.Path().empty())
@@ -20,10 +20,11 @@ void ApplyOpacity(Picture& picture, const CRasterSource& source, const View& vie
     if (!srs.empty())
         OpenForDisplay(mask, opacity.Path(), srs, &view);
     mask.SetStretchType(StretchNone);
-    Picture drawn(view.width, view.height);
+    host::Picture drawn(view.width, view.height);
     CBoundingBox box = view.box;
     if (!mask.GetShowData(&box, view.width, view.height, drawn.pixels.data(), true))
-        throw Failure(Narrow(source.GetFilePath()), LastReason("its mask cannot be read"));
+        throw host::Failure(host::Narrow(source.GetFilePath()),
+                            host::LastReason("its mask cannot be read"));
     for (std::size_t i = 0; i < picture.pixels.size(); i += 4) {
         // Beside the mask nothing was drawn into either.
         const int shown = drawn.pixels[i + 3] != 0 ? drawn.pixels[i] : 0;

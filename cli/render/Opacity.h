@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/render/View.h"
-#include "cli/support/Picture.h"
+#include "host/picture/Picture.h"
 
 #include <string>
 
@@ -13,7 +13,7 @@ namespace zelto::cli {
 /// rotated or reprojected image does not fill its rectangle. Throws Failure.
 /// @param source what was drawn
 /// @param srs as given to OpenForDisplay()
-void ApplyOpacity(Picture& picture, const CRasterSource& source, const View& view,
+void ApplyOpacity(host::Picture& picture, const CRasterSource& source, const View& view,
                   const std::string& srs);
 
 } // namespace zelto::cli

@@ -1,8 +1,8 @@
 #include "cli/render/Options.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Output.h"
-#include "cli/support/RenderRamps.h"
+#include "host/base/Failure.h"
+#include "host/files/Output.h"
+#include "host/picture/RenderRamps.h"
 
 #include <CLI/CLI.hpp>
 
@@ -36,7 +36,7 @@ void AddColorOptions(CLI::App& render, RenderOptions& options) {
     render.add_option("--bands", options.bands,
                       "band numbers for red,green,blue, or one band; default: those that the file "
                       "calls so, else its order, 3,2,1 for four bands");
-    render.add_option("--ramp", options.ramp, "colour ramp of a single band: " + RampNames());
+    render.add_option("--ramp", options.ramp, "colour ramp of a single band: " + host::RampNames());
     render.add_option("--hue", options.hue, "shift of the hue, -1 to 1");
     render.add_option("--intensity", options.intensity, "brighter or darker, -1 to 1");
     render.add_option("--saturation", options.saturation, "more or less colour, -1 to 1");
@@ -47,33 +47,34 @@ void AddColorOptions(CLI::App& render, RenderOptions& options) {
 }
 
 void CheckRenderOptions(const RenderOptions& options) {
-    CheckPictureFile(options.out);
+    host::CheckPictureFile(options.out);
     if (options.cropToAoi && !(options.view.box.empty() && options.view.center.empty()))
-        throw UsageError("--crop-to-aoi, --box and --center contradict each other");
+        throw host::UsageError("--crop-to-aoi, --box and --center contradict each other");
     if (options.outside != "transparent" && options.outside != "black")
-        throw UsageError("--outside: transparent or black");
+        throw host::UsageError("--outside: transparent or black");
     if (options.contactSheet && !options.aoi.empty())
-        throw UsageError("--contact-sheet and --aoi do not go together");
+        throw host::UsageError("--contact-sheet and --aoi do not go together");
     if (options.contactSheet && !options.recipe.to.empty())
-        throw UsageError("--save-recipe: a recipe is for one picture, not for a --contact-sheet");
+        throw host::UsageError(
+            "--save-recipe: a recipe is for one picture, not for a --contact-sheet");
     if (options.contactSheet)
         CheckStretchesOfSheet(options.stretch, !options.aoi.empty());
     else
         CheckStretch(options.stretch, !options.aoi.empty());
     if (!options.ramp.empty() && options.bands.find(',') != std::string::npos)
-        throw UsageError("--ramp: it colours a single band; give one with --bands");
+        throw host::UsageError("--ramp: it colours a single band; give one with --bands");
     for (const auto& [name, value] : {std::pair("--hue", options.hue),
                                       {"--intensity", options.intensity},
                                       {"--saturation", options.saturation},
                                       {"--contrast", options.contrast}})
         if (!(value >= -1.0F && value <= 1.0F))
-            throw UsageError(std::string(name) + ": -1 to 1");
+            throw host::UsageError(std::string(name) + ": -1 to 1");
     if (!(options.transparency >= 0.0F && options.transparency <= 1.0F))
-        throw UsageError("--transparency: 0 to 1");
+        throw host::UsageError("--transparency: 0 to 1");
     // Wrong usage is told first, whatever stands in the way.
-    RequireFreePath(options.out.path, options.out.overwrite,
-                    {options.file, options.aoi, options.adjustFrom, options.recipe.from});
-    RequireFreePath(options.recipe.to, options.out.overwrite, {options.file, options.aoi});
+    host::RequireFreePath(options.out.path, options.out.overwrite,
+                          {options.file, options.aoi, options.adjustFrom, options.recipe.from});
+    host::RequireFreePath(options.recipe.to, options.out.overwrite, {options.file, options.aoi});
 }
 
 } // namespace zelto::cli

@@ -4,7 +4,7 @@
 #include "cli/render/Recipe.h"
 #include "cli/render/Stretch.h"
 #include "cli/render/View.h"
-#include "cli/support/Picture.h"
+#include "host/picture/Picture.h"
 
 #include <string>
 
@@ -17,7 +17,7 @@ namespace zelto::cli {
 /// What `render` is told; empty texts were not given.
 struct RenderOptions {
     std::string file;
-    PictureFile out;
+    host::PictureFile out;
     ViewOptions view;
     std::string bands;
     StretchOptions stretch;

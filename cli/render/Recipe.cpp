@@ -2,9 +2,9 @@
 
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
 
 #include <CLI/CLI.hpp>
 
@@ -27,28 +27,28 @@ void AddRecipeOptions(CLI::App& render, RecipeOptions& options) {
 
 CDisplayRecipe ReadRecipe(const std::string& path) {
     CDisplayRecipe recipe;
-    if (!recipe.Read(Wide(path).c_str()))
-        throw Failure(path, LastReason("it cannot be read"));
+    if (!recipe.Read(host::Wide(path).c_str()))
+        throw host::Failure(path, host::LastReason("it cannot be read"));
     return recipe;
 }
 
 void ApplyRecipe(const CDisplayRecipe& recipe, CRasterSource& source, const std::string& path) {
     if (!recipe.Apply(source))
-        throw Failure(path, LastReason("it cannot be shown so"));
+        throw host::Failure(path, host::LastReason("it cannot be shown so"));
 }
 
 CDisplayRecipe TakeRecipe(const CRasterSource& source, const View& view, const std::string& srs,
                           const std::string& path) {
     CDisplayRecipe recipe;
     if (!recipe.Take(source))
-        throw Failure(path, LastReason("it shows nothing"));
+        throw host::Failure(path, host::LastReason("it shows nothing"));
     recipe.SetView(CDisplayRecipe::View{view.box, view.width, view.height, srs});
     return recipe;
 }
 
 void WriteRecipe(const CDisplayRecipe& recipe, const std::string& path) {
-    if (!recipe.Write(Wide(path).c_str()))
-        throw Failure(path, LastReason("it cannot be written"));
+    if (!recipe.Write(host::Wide(path).c_str()))
+        throw host::Failure(path, host::LastReason("it cannot be written"));
 }
 
 } // namespace zelto::cli

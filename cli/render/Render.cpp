@@ -2,6 +2,8 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
+#include "cli/options/Effect.h"
+#include "cli/options/SharedOptions.h"
 #include "cli/render/Drawing.h"
 #include "cli/render/Many.h"
 #include "cli/render/Opacity.h"
@@ -10,14 +12,13 @@
 #include "cli/render/Stretch.h"
 #include "cli/render/System.h"
 #include "cli/render/View.h"
-#include "cli/support/Effect.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Message.h"
-#include "cli/support/Output.h"
-#include "cli/support/Picture.h"
-#include "cli/support/PyramidHint.h"
-#include "cli/support/Region.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Message.h"
+#include "host/base/Text.h"
+#include "host/files/Output.h"
+#include "host/files/PyramidHint.h"
+#include "host/files/Region.h"
+#include "host/picture/Picture.h"
 
 #include <CLI/CLI.hpp>
 
@@ -42,19 +43,21 @@ bool ReadsWhole(const CRasterSource& source, const View& view, const RenderOptio
 /// @param recipe says all but the view; null: the options do
 void DrawPicture(CRasterSource& source, const View& view, const CDisplayRecipe* recipe,
                  const RenderOptions& options) {
-    const auto area = MakeRegion({options.aoi, "", ""}, source);
+    const auto area = host::MakeRegion({options.aoi, "", ""}, source);
     if (recipe == nullptr)
         ApplyStretch(source, options.stretch, {view.box, area.get()}, options.file);
     std::optional<CDisplayRecipe> made;
     if (!options.recipe.to.empty()) {
         made = TakeRecipe(source, view, options.srs, options.file);
         if (area != nullptr)
-            made->SetMask(CDisplayRecipe::Mask{Wide(options.aoi), options.outside == "black"});
+            made->SetMask(
+                CDisplayRecipe::Mask{host::Wide(options.aoi), options.outside == "black"});
     }
-    Picture picture = area != nullptr ? DrawMasked(source, *area, view, options)
-                                      : DrawWhole(source, view, options.file);
+    host::Picture picture = area != nullptr ? DrawMasked(source, *area, view, options)
+                                            : DrawWhole(source, view, options.file);
     ApplyOpacity(picture, source, view, options.srs);
-    WritePicture(picture, options.out, PicturePlace{view.box, source.GetProjectionWKT()});
+    host::WritePicture(picture, options.out,
+                       host::PicturePlace{view.box, source.GetProjectionWKT()});
     if (made)
         WriteRecipe(*made, options.recipe.to);
 }
@@ -64,7 +67,7 @@ RenderOptions WithRecipe(RenderOptions options, const CDisplayRecipe& recipe) {
     if (recipe.GetView())
         options.srs = recipe.GetView()->srs;
     if (const auto& mask = recipe.GetMask()) {
-        options.aoi = Narrow(mask->area);
+        options.aoi = host::Narrow(mask->area);
         options.outside = mask->isBlack ? "black" : "transparent";
     }
     return options;
@@ -77,8 +80,10 @@ View ViewOf(const CRasterSource& source, const CDisplayRecipe* recipe,
         const CDisplayRecipe::View& its = *recipe->GetView();
         if (view.size.empty() && view.scale == 0.0)
             return {its.box, its.width, its.height};
-        view.box = FormatNumber(its.box.GetLeft()) + "," + FormatNumber(its.box.GetTop()) + "," +
-                   FormatNumber(its.box.GetRight()) + "," + FormatNumber(its.box.GetBottom());
+        view.box = host::FormatNumber(its.box.GetLeft()) + "," +
+                   host::FormatNumber(its.box.GetTop()) + "," +
+                   host::FormatNumber(its.box.GetRight()) + "," +
+                   host::FormatNumber(its.box.GetBottom());
     }
     if (options.contactSheet && view.size.empty())
         view.size = "320x";
@@ -103,11 +108,11 @@ std::string RenderOne(const RenderOptions& given) {
     else
         ApplySettings(source, options);
     if (options.contactSheet)
-        WritePicture(DrawSheet(view, options), options.out);
+        host::WritePicture(DrawSheet(view, options), options.out);
     else
         DrawPicture(source, view, recipe ? &*recipe : nullptr, options);
     if (options.many.folder.empty() && ReadsWhole(source, view, options))
-        HintAtPyramid(source, options.file);
+        host::HintAtPyramid(source, options.file);
     return options.out.path + ": " + std::to_string(view.width) + " x " +
            std::to_string(view.height) + (options.contactSheet ? " pixels a picture" : " pixels");
 }
@@ -115,14 +120,16 @@ std::string RenderOne(const RenderOptions& given) {
 void RunRender(const RenderOptions& options) {
     if (options.many.folder.empty()) {
         if (options.out.path.empty())
-            throw UsageError("render: OUT is required");
+            throw host::UsageError("render: OUT is required");
         if (!options.many.more.empty())
-            throw UsageError("render: one image makes one picture; --into FOLDER takes several");
-        Confirm(RenderOne(options));
+            throw host::UsageError(
+                "render: one image makes one picture; --into FOLDER takes several");
+        host::Confirm(RenderOne(options));
         return;
     }
     if (!options.recipe.to.empty())
-        throw UsageError("--save-recipe: a recipe is for one picture, not for those of --into");
+        throw host::UsageError(
+            "--save-recipe: a recipe is for one picture, not for those of --into");
     DrawMany({options.file, options.out.path}, options.many,
              [&](const std::string& image, const std::string& path) {
                  RenderOptions one = options;

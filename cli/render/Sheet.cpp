@@ -1,6 +1,6 @@
 #include "cli/render/Sheet.h"
 
-#include "cli/support/Failure.h"
+#include "host/base/Failure.h"
 
 #include <cairo.h>
 
@@ -27,7 +27,7 @@ using Surface = std::unique_ptr<cairo_surface_t, SurfaceDeleter>;
 using Context = std::unique_ptr<cairo_t, ContextDeleter>;
 
 /// Copies the picture's pixels; Cairo wants the colours multiplied by their alpha.
-Surface ToSurface(const Picture& picture) {
+Surface ToSurface(const host::Picture& picture) {
     Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, picture.width, picture.height));
     unsigned char* target = cairo_image_surface_get_data(surface.get());
     const int stride = cairo_image_surface_get_stride(surface.get());
@@ -55,9 +55,9 @@ void DrawCell(cairo_t* context, const SheetCell& cell, int x, int y) {
     cairo_show_text(context, cell.label.c_str());
 }
 
-Picture ToPicture(cairo_surface_t* surface, int width, int height) {
+host::Picture ToPicture(cairo_surface_t* surface, int width, int height) {
     cairo_surface_flush(surface);
-    Picture picture(width, height);
+    host::Picture picture(width, height);
     const unsigned char* data = cairo_image_surface_get_data(surface);
     const int stride = cairo_image_surface_get_stride(surface);
     for (int row = 0; data != nullptr && row < height; ++row)
@@ -69,7 +69,7 @@ Picture ToPicture(cairo_surface_t* surface, int width, int height) {
 
 } // namespace
 
-Picture MakeSheet(const std::vector<SheetCell>& cells) {
+host::Picture MakeSheet(const std::vector<SheetCell>& cells) {
     int cellWidth = 0;
     int cellHeight = 0;
     for (const SheetCell& cell : cells) {
@@ -85,8 +85,8 @@ Picture MakeSheet(const std::vector<SheetCell>& cells) {
 
     const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
     if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
-        throw UsageError("--size: a contact sheet of " + std::to_string(width) + " x " +
-                         std::to_string(height) + " pixels cannot be drawn");
+        throw host::UsageError("--size: a contact sheet of " + std::to_string(width) + " x " +
+                               std::to_string(height) + " pixels cannot be drawn");
     const Context context(cairo_create(surface.get()));
     cairo_set_source_rgb(context.get(), 1.0, 1.0, 1.0);
     cairo_paint(context.get());

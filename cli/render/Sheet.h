@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/support/Picture.h"
+#include "host/picture/Picture.h"
 
 #include <string>
 #include <vector>
@@ -10,11 +10,11 @@ namespace zelto::cli {
 /// One picture of a sheet and what stands below it.
 struct SheetCell {
     std::string label;
-    Picture picture;
+    host::Picture picture;
 };
 
 /// Pictures of equal size side by side, four to a row, each with its label below. Throws
 /// UsageError where the sheet would be larger than can be drawn.
-Picture MakeSheet(const std::vector<SheetCell>& cells);
+host::Picture MakeSheet(const std::vector<SheetCell>& cells);
 
 } // namespace zelto::cli

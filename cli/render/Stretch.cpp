@@ -3,11 +3,11 @@
 #include "zelto/display/StretchPreparation.h"
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/Progress.h"
-#include "cli/support/Text.h"
-#include "cli/support/Usage.h"
+#include "cli/options/Usage.h"
+#include "host/base/Failure.h"
+#include "host/base/Progress.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
 
 #include <CLI/CLI.hpp>
 
@@ -61,9 +61,10 @@ std::string Names(std::optional<Setting> setting = std::nullopt) {
 }
 
 std::vector<CStretchPreparation::Range> ParseRanges(const std::string& text) {
-    const std::vector<double> numbers = ParseNumbers("--range", text);
+    const std::vector<double> numbers = host::ParseNumbers("--range", text);
     if (numbers.size() % 2 != 0)
-        throw UsageError("--range: give low,high, or such a pair for every band that is shown");
+        throw host::UsageError(
+            "--range: give low,high, or such a pair for every band that is shown");
     std::vector<CStretchPreparation::Range> ranges;
     for (std::size_t i = 0; i < numbers.size(); i += 2)
         ranges.push_back({numbers[i], numbers[i + 1]});
@@ -73,19 +74,19 @@ std::vector<CStretchPreparation::Range> ParseRanges(const std::string& text) {
 /// @param accepted what the setter answers
 void Require(bool accepted, const char* option) {
     if (!accepted)
-        throw UsageError(std::string(option) + ": " + CGISDataSource::GetLastErrorText());
+        throw host::UsageError(std::string(option) + ": " + CGISDataSource::GetLastErrorText());
 }
 
 /// Throws UsageError for values that cannot be.
 void SetAll(CStretchPreparation& stretch, const StretchOptions& options) {
     if (!options.clip.empty()) {
-        const std::vector<double> clip = ParseNumbers("--clip", options.clip, 2);
+        const std::vector<double> clip = host::ParseNumbers("--clip", options.clip, 2);
         Require(stretch.SetClip(clip[0], clip[1]), "--clip");
     }
     if (!options.ranges.empty())
         Require(stretch.SetRanges(ParseRanges(options.ranges)), "--range");
     if (!options.gamma.empty())
-        Require(stretch.SetGamma(ParseNumbers("--gamma", options.gamma)), "--gamma");
+        Require(stretch.SetGamma(host::ParseNumbers("--gamma", options.gamma)), "--gamma");
     if (options.low || options.high)
         Require(stretch.SetBounds(options.low, options.high), "--low, --high");
     if (options.threshold)
@@ -108,11 +109,12 @@ void CheckValues(const StretchOptions& options, bool hasArea) {
     SetAll(stretch, options);
     if (!options.from.empty() && options.from != "image" && options.from != "view" &&
         options.from != "aoi")
-        throw UsageError("--stretch-from: '" + options.from + "' is none of image, view, aoi");
+        throw host::UsageError("--stretch-from: '" + options.from +
+                               "' is none of image, view, aoi");
     if (options.from == "aoi" && !hasArea)
-        throw UsageError("--stretch-from aoi: needs --aoi");
+        throw host::UsageError("--stretch-from aoi: needs --aoi");
     if (!options.ranges.empty() && (options.exact || !options.from.empty()))
-        throw UsageError("--range says what is shown; --stretch-from and --exact find it");
+        throw host::UsageError("--range says what is shown; --stretch-from and --exact find it");
 }
 
 } // namespace
@@ -145,13 +147,13 @@ void CheckStretch(const StretchOptions& options, bool hasArea) {
     const auto names = CStretchPreparation::GetStretchNames();
     if (std::find(names.begin(), names.end(), options.name) == names.end()) {
         const std::string alike = MostAlike(options.name, names);
-        throw UsageError("--stretch: '" + options.name + "' is none of " + Names() +
-                         (alike.empty() ? "" : "; did you mean " + alike + "?"));
+        throw host::UsageError("--stretch: '" + options.name + "' is none of " + Names() +
+                               (alike.empty() ? "" : "; did you mean " + alike + "?"));
     }
     for (const StretchOption& option : Options())
         if (option.isGiven(options) && !CStretchPreparation::Takes(options.name, option.setting))
-            throw UsageError(std::string(option.name) + ": belongs to --stretch " +
-                             Names(option.setting) + ", not to " + options.name);
+            throw host::UsageError(std::string(option.name) + ": belongs to --stretch " +
+                                   Names(option.setting) + ", not to " + options.name);
     CheckValues(options, hasArea);
 }
 
@@ -190,14 +192,14 @@ void ApplyStretch(CRasterSource& source, const StretchOptions& options, const St
     SetAll(stretch, options);
     SetPlace(stretch, options, places);
     if (!stretch.SuitsShownBands())
-        throw UsageError("--stretch wallis: it takes three bands, and one is shown");
-    TerminalProgress progress;
+        throw host::UsageError("--stretch wallis: it takes three bands, and one is shown");
+    host::TerminalProgress progress;
     const GISError result = stretch.Apply(&progress);
     if (result == GIS_NOT_SUPPORTED)
-        throw UnsuitedStretch(path, LastReason("it does not suit the values"));
+        throw UnsuitedStretch(path, host::LastReason("it does not suit the values"));
     // Statistics that cannot be taken leave a reason, and another picture.
     if (result != GIS_SUCCESS || !CGISDataSource::GetLastErrorText().empty())
-        throw Failure(path, LastReason("its pixels cannot be read"));
+        throw host::Failure(path, host::LastReason("its pixels cannot be read"));
 }
 
 } // namespace zelto::cli

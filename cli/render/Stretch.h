@@ -2,7 +2,7 @@
 
 #include "zelto/geometry/BoundingBox.h"
 
-#include "cli/support/Failure.h"
+#include "host/base/Failure.h"
 
 #include <optional>
 #include <string>
@@ -38,9 +38,9 @@ struct StretchPlaces {
 };
 
 /// The values of an image are not such that a stretch could show them.
-class UnsuitedStretch : public Failure {
+class UnsuitedStretch : public host::Failure {
   public:
-    using Failure::Failure;
+    using host::Failure::Failure;
 };
 
 /// Adds --stretch and the options of the stretches.

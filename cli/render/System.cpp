@@ -2,9 +2,9 @@
 
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
 
 #include <algorithm>
 #include <array>
@@ -81,18 +81,19 @@ void OpenForDisplay(CRasterSource& source, const std::string& path, const std::s
                     const View* view) {
     if (srs.empty()) {
         source.SetForDisplay(true);
-        OpenOrFail(source, path, GIS_READONLY, true);
+        host::OpenOrFail(source, path, GIS_READONLY, true);
         return;
     }
     const Grid grid = view != nullptr ? GridOf(source, *view) : Grid();
     source.SetForDisplay(true);
-    ForgetReasons();
+    host::ForgetReasons();
     const GISError error =
-        grid.width > 0 ? source.OpenWarpedToGrid(Wide(path).c_str(), GIS_READONLY, srs.c_str(),
-                                                 grid.geoTransform.data(), grid.width, grid.height)
-                       : source.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, srs.c_str());
+        grid.width > 0
+            ? source.OpenWarpedToGrid(host::Wide(path).c_str(), GIS_READONLY, srs.c_str(),
+                                      grid.geoTransform.data(), grid.width, grid.height)
+            : source.OpenAndWarped(host::Wide(path).c_str(), GIS_READONLY, srs.c_str());
     if (error != GIS_SUCCESS)
-        throw Failure(path, ReasonForFailure(path, error));
+        throw host::Failure(path, host::ReasonForFailure(path, error));
 }
 
 } // namespace zelto::cli

@@ -2,9 +2,9 @@
 
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Region.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/Region.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,11 +25,11 @@ struct Size {
 int ParseSide(const std::string& text, const std::string& whole) {
     if (text.empty())
         return 0;
-    const std::vector<double> sides = ParseNumbers("--size", text);
+    const std::vector<double> sides = host::ParseNumbers("--size", text);
     const double side = sides.front();
     if (sides.size() != 1 || !(side >= 1 && side <= LARGEST_SIDE) || side != std::floor(side))
-        throw UsageError("--size: '" + whole + "' is not WxH with sides of 1 to " +
-                         std::to_string(LARGEST_SIDE) + " pixels");
+        throw host::UsageError("--size: '" + whole + "' is not WxH with sides of 1 to " +
+                               std::to_string(LARGEST_SIDE) + " pixels");
     return static_cast<int>(side);
 }
 
@@ -38,7 +38,7 @@ Size ParseSize(const std::string& text) {
     const std::string height = times == std::string::npos ? "" : text.substr(times + 1);
     const Size size = {ParseSide(text.substr(0, times), text), ParseSide(height, text)};
     if (!text.empty() && size.width == 0 && size.height == 0)
-        throw UsageError("--size: give at least one side, as 1024x768, 1024x or x768");
+        throw host::UsageError("--size: give at least one side, as 1024x768, 1024x or x768");
     return size;
 }
 
@@ -46,7 +46,7 @@ Size ParseSize(const std::string& text) {
 int MatchingSide(int given, double givenLength, double length) {
     const double side = given * length / givenLength;
     if (!(side <= LARGEST_SIDE))
-        throw UsageError("--size: the box is too long and narrow for that size");
+        throw host::UsageError("--size: the box is too long and narrow for that size");
     return std::max(static_cast<int>(std::lround(side)), 1);
 }
 
@@ -55,7 +55,7 @@ Size CompleteSize(Size size, const CBoundingBox& box, int defaultSide) {
     const double width = box.GetWidth();
     const double height = box.GetHeight();
     if (!(width > 0) || !(height > 0) || !std::isfinite(width) || !std::isfinite(height))
-        throw UsageError("the box has no area");
+        throw host::UsageError("the box has no area");
     if (size.width == 0 && size.height == 0)
         (width >= height ? size.width : size.height) = defaultSide;
     if (size.width == 0)
@@ -66,7 +66,7 @@ Size CompleteSize(Size size, const CBoundingBox& box, int defaultSide) {
 }
 
 View CenterView(const CRasterSource& source, const ViewOptions& options, Size size) {
-    const std::vector<double> center = ParseNumbers("--center", options.center, 2);
+    const std::vector<double> center = host::ParseNumbers("--center", options.center, 2);
     const double scale = options.scale > 0 ? options.scale : std::fabs(source.GetXResolution());
     size.width = size.width > 0 ? size.width : (size.height > 0 ? size.height : DEFAULT_SIDE);
     size.height = size.height > 0 ? size.height : size.width;
@@ -82,18 +82,18 @@ View ChooseView(const CRasterSource& source, const ViewOptions& options) {
     const Size size = ParseSize(options.size);
     if (!options.center.empty()) {
         if (!options.box.empty())
-            throw UsageError("--box and --center contradict each other");
+            throw host::UsageError("--box and --center contradict each other");
         return CenterView(source, options, size);
     }
     if (options.scale != 0.0)
-        throw UsageError("--scale goes with --center");
+        throw host::UsageError("--scale goes with --center");
     const CBoundingBox box =
-        options.box.empty() ? source.GetExtent() : ParseBox("--box", options.box);
+        options.box.empty() ? source.GetExtent() : host::ParseBox("--box", options.box);
     const bool hasArea = box.GetLeft() < box.GetRight() && box.GetBottom() < box.GetTop();
     if (!hasArea && options.box.empty())
-        throw Failure(Narrow(source.GetFilePath()), "its place has no area");
+        throw host::Failure(host::Narrow(source.GetFilePath()), "its place has no area");
     if (!hasArea)
-        throw UsageError("--box: left must be less than right and bottom less than top");
+        throw host::UsageError("--box: left must be less than right and bottom less than top");
     const int longest = std::max(source.GetWidth(), source.GetHeight());
     const int side = options.box.empty() ? std::min(longest, DEFAULT_SIDE) : DEFAULT_SIDE;
     const Size complete = CompleteSize(size, box, side);
@@ -101,9 +101,9 @@ View ChooseView(const CRasterSource& source, const ViewOptions& options) {
 }
 
 View ChooseCrop(const CRasterSource& source, const std::string& aoi, const ViewOptions& options) {
-    RegionOptions region;
+    host::RegionOptions region;
     region.aoi = aoi;
-    const CBoundingBox area = MakeRegion(region, source)->GetExtent();
+    const CBoundingBox area = host::MakeRegion(region, source)->GetExtent();
     const CBoundingBox image = source.GetExtent();
     const double width = std::fabs(source.GetXResolution());
     const double height = std::fabs(source.GetYResolution());
@@ -118,7 +118,7 @@ View ChooseCrop(const CRasterSource& source, const std::string& aoi, const ViewO
     const double bottom = std::min(after((image.GetTop() - area.GetBottom()) / height),
                                    static_cast<double>(source.GetHeight()));
     if (!(first < last && top < bottom))
-        throw Failure(aoi, "it lies beside the image");
+        throw host::Failure(aoi, "it lies beside the image");
     const CBoundingBox box(image.GetLeft() + first * width, image.GetTop() - top * height,
                            image.GetLeft() + last * width, image.GetTop() - bottom * height);
     const int longest = static_cast<int>(std::max(last - first, bottom - top));

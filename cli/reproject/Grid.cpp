@@ -2,10 +2,10 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/reproject/Commands.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Json.h"
-#include "cli/support/Table.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/report/Json.h"
+#include "host/report/Table.h"
 
 #include <CLI/CLI.hpp>
 
@@ -61,11 +61,11 @@ Fit PlanFit(const GridOptions& options, CReproject& reproject, CRasterSource& ra
         CBoundingBox extent = raster.GetExtent();
         if (!reproject.Src2DestBox(extent, fit.box, extent.GetWidth() / 20,
                                    extent.GetHeight() / 20))
-            throw Failure(options.image, "it has no place in the target system");
+            throw host::Failure(options.image, "it has no place in the target system");
     } else {
-        fit.box = ParseBox("--box", options.box);
+        fit.box = host::ParseBox("--box", options.box);
         if (!(fit.box.GetLeft() < fit.box.GetRight() && fit.box.GetBottom() < fit.box.GetTop()))
-            throw UsageError("--box: expected left < right and bottom < top");
+            throw host::UsageError("--box: expected left < right and bottom < top");
     }
     fit.stepX = fit.box.GetWidth() / (options.points - 0.5);
     fit.stepY = fit.box.GetHeight() / (options.points - 0.5);
@@ -108,11 +108,11 @@ std::string Rounded(double value) {
 }
 
 std::string Centred(const std::string& name, double centre) {
-    return centre == 0.0 ? name : name + " - " + FormatNumber(centre);
+    return centre == 0.0 ? name : name + " - " + host::FormatNumber(centre);
 }
 
 void PrintTables(const GridOptions& options, const Residuals& residuals, const CGeoGrid& grid) {
-    Table table({"residual (pixels)", "column", "row"});
+    host::Table table({"residual (pixels)", "column", "row"});
     table.AddRow({"rms", Rounded(residuals.RmsColumn()), Rounded(residuals.RmsRow())});
     table.AddRow({"largest", Rounded(residuals.maxColumn), Rounded(residuals.maxRow)});
     table.Print();
@@ -122,23 +122,24 @@ void PrintTables(const GridOptions& options, const Residuals& residuals, const C
     std::cout << "\nu = " << Centred("x", grid.GetInputCentre().x)
               << ", v = " << Centred("y", grid.GetInputCentre().y) << '\n';
     if (grid.GetOutputCentre() != CPoint2D())
-        std::cout << "added to the sums: " << FormatNumber(grid.GetOutputCentre().x) << ", "
-                  << FormatNumber(grid.GetOutputCentre().y) << '\n';
-    Table terms({"term", "column", "row"});
+        std::cout << "added to the sums: " << host::FormatNumber(grid.GetOutputCentre().x) << ", "
+                  << host::FormatNumber(grid.GetOutputCentre().y) << '\n';
+    host::Table terms({"term", "column", "row"});
     const unsigned int count = CGeoGrid::EnoughNum(options.order);
     for (unsigned int k = 0; k < count; ++k)
-        terms.AddRow(
-            {TERMS[k], FormatNumber(coefficients[k]), FormatNumber(coefficients[count + k])});
+        terms.AddRow({TERMS[k], host::FormatNumber(coefficients[k]),
+                      host::FormatNumber(coefficients[count + k])});
     terms.Print();
 }
 
 void PrintFitAsJson(const GridOptions& options, const Fit& fit, const Residuals& residuals,
                     const CGeoGrid& grid) {
-    Json json = {{"order", options.order},
-                 {"points", {grid.GetColumnCount(), grid.GetRowCount()}},
-                 {"box", JsonBox(fit.box)},
-                 {"rms", {JsonNumber(residuals.RmsColumn()), JsonNumber(residuals.RmsRow())}},
-                 {"largest", {JsonNumber(residuals.maxColumn), JsonNumber(residuals.maxRow)}}};
+    host::Json json = {
+        {"order", options.order},
+        {"points", {grid.GetColumnCount(), grid.GetRowCount()}},
+        {"box", host::JsonBox(fit.box)},
+        {"rms", {host::JsonNumber(residuals.RmsColumn()), host::JsonNumber(residuals.RmsRow())}},
+        {"largest", {host::JsonNumber(residuals.maxColumn), host::JsonNumber(residuals.maxRow)}}};
     if (const double* coefficients = grid.GetCoefficients()) {
         const unsigned int count = CGeoGrid::EnoughNum(options.order);
         json["inputCentre"] = {grid.GetInputCentre().x, grid.GetInputCentre().y};
@@ -146,7 +147,7 @@ void PrintFitAsJson(const GridOptions& options, const Fit& fit, const Residuals&
         json["column"] = std::vector<double>(coefficients, coefficients + count);
         json["row"] = std::vector<double>(coefficients + count, coefficients + 2 * count);
     }
-    PrintJson(json);
+    host::PrintJson(json);
 }
 
 void RunGrid(const GridOptions& options) {
@@ -156,11 +157,12 @@ void RunGrid(const GridOptions& options) {
     const auto fitted = BindOrFail(raster, options.image, options.srs);
     Fit fit = PlanFit(options, *exact, raster);
     if (!fitted->CreateGrid(fit.box, fit.stepX, fit.stepY, options.order))
-        throw Failure(options.image, "no grid can be fitted to the box: it is empty, or a part of "
-                                     "it has no place in the image's system");
+        throw host::Failure(options.image,
+                            "no grid can be fitted to the box: it is empty, or a part of "
+                            "it has no place in the image's system");
     const Residuals residuals = MeasureFit(fit, options, *exact, *fitted);
     if (residuals.count == 0)
-        throw Failure(options.image, "no point of the box has a position in it");
+        throw host::Failure(options.image, "no point of the box has a position in it");
     if (options.json)
         PrintFitAsJson(options, fit, residuals, *fitted->GetGrid());
     else

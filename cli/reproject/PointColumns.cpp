@@ -1,6 +1,6 @@
 #include "cli/reproject/PointColumns.h"
 
-#include "cli/support/Failure.h"
+#include "host/base/Failure.h"
 
 #include <algorithm>
 #include <charconv>
@@ -73,7 +73,7 @@ PointColumns::PointColumns(const std::string& columns) {
     m_names[0] = Without(columns.substr(0, comma), " ");
     m_names[1] = comma == std::string::npos ? "" : Without(columns.substr(comma + 1), " ");
     if (m_names[0].empty() || m_names[1].empty() || m_names[0] == m_names[1])
-        throw UsageError("--columns: give two columns, as 3,4 or lon,lat");
+        throw host::UsageError("--columns: give two columns, as 3,4 or lon,lat");
     for (int i = 0; i < 2; ++i)
         m_columns[i] = ColumnNumber(m_names[i]);
 }
@@ -109,10 +109,10 @@ void PointColumns::TakeFirst(const std::string& line, const std::string& where) 
                 m_names[i])
                 m_columns[i] = k + 1;
         if (m_columns[i] == 0)
-            throw Failure(where, "no column is called '" + m_names[i] + "'");
+            throw host::Failure(where, "no column is called '" + m_names[i] + "'");
     }
     if (m_columns[0] == m_columns[1])
-        throw Failure(where, m_names[0] + " and " + m_names[1] + " are the same column");
+        throw host::Failure(where, m_names[0] + " and " + m_names[1] + " are the same column");
 }
 
 PointLine PointColumns::Parse(const std::string& line, const std::string& where) {
@@ -135,8 +135,8 @@ PointLine PointColumns::Parse(const std::string& line, const std::string& where)
     }
     point.isPoint = x && y;
     if (!point.isPoint && !isFirst)
-        throw Failure(where, "'" + line + "' has no numbers in the columns " + m_names[0] +
-                                 " and " + m_names[1]);
+        throw host::Failure(where, "'" + line + "' has no numbers in the columns " + m_names[0] +
+                                       " and " + m_names[1]);
     point.x = x.value_or(0.0);
     point.y = y.value_or(0.0);
     return point;

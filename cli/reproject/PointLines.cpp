@@ -1,7 +1,7 @@
 #include "cli/reproject/PointLines.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
 
 #include <cerrno>
 #include <charconv>
@@ -33,10 +33,10 @@ LineReader::LineReader(const std::string& file) : m_name(file) {
         m_name = "standard input";
         return;
     }
-    RequireNoPipe(file);
+    host::RequireNoPipe(file);
     m_file.open(file);
     if (!m_file)
-        throw Failure(file, std::strerror(errno));
+        throw host::Failure(file, std::strerror(errno));
 }
 
 bool LineReader::Next(std::string& line) {
@@ -66,7 +66,7 @@ void PointReader::AddPoint(Points& points, const std::string& line) {
         points.x.push_back(*x);
         points.y.push_back(*y);
     } else if (m_contentSeen) {
-        throw Failure(m_lines.Where(), "'" + line + "' does not start with x and y");
+        throw host::Failure(m_lines.Where(), "'" + line + "' does not start with x and y");
     }
 }
 

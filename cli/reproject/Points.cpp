@@ -1,18 +1,18 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/coordinate/CoordinateTransformation.h"
 
+#include "cli/options/Effect.h"
 #include "cli/reproject/Commands.h"
 #include "cli/reproject/PointColumns.h"
 #include "cli/reproject/PointLines.h"
-#include "cli/support/Effect.h"
-#include "cli/support/Failure.h"
-#include "cli/support/GdalUse.h"
-#include "cli/support/Interrupts.h"
-#include "cli/support/Json.h"
-#include "cli/support/Message.h"
-#include "cli/support/Open.h"
-#include "cli/support/Reference.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/GdalUse.h"
+#include "host/base/Interrupts.h"
+#include "host/base/Message.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
+#include "host/files/Reference.h"
+#include "host/report/Json.h"
 
 #include <CLI/CLI.hpp>
 
@@ -45,15 +45,15 @@ struct DestroyTransformation {
 using Transformation = std::unique_ptr<CCoordinateTransformation, DestroyTransformation>;
 
 Transformation Connect(const PointsOptions& options) {
-    RequireReference(options.from);
-    RequireReference(options.to);
+    host::RequireReference(options.from);
+    host::RequireReference(options.to);
     constexpr std::size_t PARAMETERS = 7;
     std::vector<double> fromShift;
     std::vector<double> toShift;
     if (!options.fromShift.empty())
-        fromShift = ParseNumbers("--from-shift", options.fromShift, PARAMETERS);
+        fromShift = host::ParseNumbers("--from-shift", options.fromShift, PARAMETERS);
     if (!options.toShift.empty())
-        toShift = ParseNumbers("--to-shift", options.toShift, PARAMETERS);
+        toShift = host::ParseNumbers("--to-shift", options.toShift, PARAMETERS);
     Transformation result;
     if (fromShift.empty() && toShift.empty())
         result.reset(CCoordinateTransformation::CreateCoordinateTransformation(
@@ -64,13 +64,13 @@ Transformation Connect(const PointsOptions& options) {
             fromShift.empty() ? nullptr : fromShift.data(),
             toShift.empty() ? nullptr : toShift.data()));
     if (!result)
-        throw Failure(options.from, "cannot be transformed to " + options.to);
+        throw host::Failure(options.from, "cannot be transformed to " + options.to);
     return result;
 }
 
 std::string FormatFixed(double value, int decimals) {
     if (!std::isfinite(value))
-        return FormatNumber(value);
+        return host::FormatNumber(value);
     char text[400];
     const auto end =
         std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
@@ -82,11 +82,11 @@ int DefaultDecimals(const std::string& srs) {
     return CCoordinateAlgorithm::IsGeographic(srs.c_str()) ? 10 : 4;
 }
 
-void PrintPoints(const Points& points, int decimals, Json& json, bool asJson) {
+void PrintPoints(const Points& points, int decimals, host::Json& json, bool asJson) {
     for (std::size_t i = 0; i < points.x.size(); ++i) {
         if (asJson)
-            json.push_back({{"x", JsonNumber(points.x[i])},
-                            {"y", JsonNumber(points.y[i])},
+            json.push_back({{"x", host::JsonNumber(points.x[i])},
+                            {"y", host::JsonNumber(points.y[i])},
                             {"known", points.known[i] != 0}});
         else
             std::cout << FormatFixed(points.x[i], decimals) << ' '
@@ -103,7 +103,7 @@ struct Tally {
 constexpr std::size_t BATCH = 65536;
 
 void Transform(CCoordinateTransformation& transformation, Points& points, Tally& tally) {
-    EndIfInterrupted();
+    host::EndIfInterrupted();
     points.known.resize(points.x.size());
     transformation.Transform(static_cast<int>(points.x.size()), points.x.data(), points.y.data(),
                              nullptr, points.known.data());
@@ -116,13 +116,13 @@ Tally PrintPoints(LineReader& lines, CCoordinateTransformation& transformation, 
                   bool asJson) {
     PointReader reader(lines);
     Tally tally;
-    Json json = Json::array();
+    host::Json json = host::Json::array();
     for (Points points = reader.Read(BATCH); !points.x.empty(); points = reader.Read(BATCH)) {
         Transform(transformation, points, tally);
         PrintPoints(points, decimals, json, asJson);
     }
     if (asJson)
-        PrintJson(json);
+        host::PrintJson(json);
     return tally;
 }
 
@@ -156,7 +156,7 @@ Tally TransformTable(LineReader& lines, CCoordinateTransformation& transformatio
 }
 
 void RunPoints(const PointsOptions& options) {
-    const QuietGdalUse gdal;
+    const host::QuietGdalUse gdal;
     const Transformation transformation = Connect(options);
     LineReader lines(options.file);
     const int decimals = options.decimals < 0 ? DefaultDecimals(options.to) : options.decimals;
@@ -164,10 +164,10 @@ void RunPoints(const PointsOptions& options) {
                             ? PrintPoints(lines, *transformation, decimals, options.json)
                             : TransformTable(lines, *transformation, decimals, options.columns);
     if (tally.unknown > 0 && tally.unknown == tally.points)
-        throw Failure(options.to, "none of the points has a place there");
+        throw host::Failure(options.to, "none of the points has a place there");
     if (tally.unknown > 0)
-        Remark(lines.Name() + ": " + std::to_string(tally.unknown) + " of " +
-               std::to_string(tally.points) + " points have no place in " + options.to);
+        host::Remark(lines.Name() + ": " + std::to_string(tally.unknown) + " of " +
+                     std::to_string(tally.points) + " points have no place in " + options.to);
 }
 
 } // namespace

@@ -2,12 +2,12 @@
 
 #include "cli/Commands.h"
 #include "cli/reproject/Commands.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Json.h"
-#include "cli/support/Open.h"
-#include "cli/support/Reference.h"
-#include "cli/support/Table.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/Open.h"
+#include "host/files/Reference.h"
+#include "host/report/Json.h"
+#include "host/report/Table.h"
 
 #include <CLI/CLI.hpp>
 
@@ -19,30 +19,30 @@ namespace zelto::cli {
 EdgeSteps ParseSteps(const std::string& text, const CBoundingBox& box) {
     if (text.empty())
         return {box.GetWidth() / 20, box.GetHeight() / 20};
-    const auto numbers = ParseNumbers("--step", text);
+    const auto numbers = host::ParseNumbers("--step", text);
     if (numbers.size() > 2)
-        throw UsageError("--step: expected one number or two");
+        throw host::UsageError("--step: expected one number or two");
     return {numbers.front(), numbers.back()};
 }
 
 void OpenOnOwnGrid(CRasterSource& raster, const std::string& path) {
     // A source for display keeps rotated grids as they are.
     raster.SetForDisplay(true);
-    ForgetReasons();
-    const GISError error = raster.OpenSimple(Wide(path).c_str(), GIS_READONLY, true);
+    host::ForgetReasons();
+    const GISError error = raster.OpenSimple(host::Wide(path).c_str(), GIS_READONLY, true);
     if (error != GIS_SUCCESS)
-        throw Failure(path, ReasonForFailure(path, error));
+        throw host::Failure(path, host::ReasonForFailure(path, error));
 }
 
 std::unique_ptr<CReproject> BindOrFail(CGISDataSource& source, const std::string& sourceName,
                                        const std::string& targetSrs) {
-    RequireReference(targetSrs);
+    host::RequireReference(targetSrs);
     if (source.GetSpatialReferenceWKT().empty())
-        throw Failure(sourceName, "has no spatial reference");
+        throw host::Failure(sourceName, "has no spatial reference");
     std::unique_ptr<CReproject> reproject(
         CReproject::Create(&source, targetSrs.c_str(), nullptr, nullptr));
     if (!reproject)
-        throw Failure(sourceName, "its coordinates cannot be transformed to " + targetSrs);
+        throw host::Failure(sourceName, "its coordinates cannot be transformed to " + targetSrs);
     return reproject;
 }
 
@@ -73,24 +73,25 @@ bool IsFinite(const CBoundingBox& box) {
 }
 
 std::string BoxText(const CBoundingBox& box) {
-    return FormatNumber(box.GetLeft()) + "," + FormatNumber(box.GetTop()) + "," +
-           FormatNumber(box.GetRight()) + "," + FormatNumber(box.GetBottom());
+    return host::FormatNumber(box.GetLeft()) + "," + host::FormatNumber(box.GetTop()) + "," +
+           host::FormatNumber(box.GetRight()) + "," + host::FormatNumber(box.GetBottom());
 }
 
 void Box(const ReprojectOptions& options) {
-    RequireReference(options.from);
+    host::RequireReference(options.from);
     SystemSource source(options.from);
     const auto reproject = BindOrFail(source, options.from, options.to);
-    CBoundingBox from = ParseBox("--box", options.box);
+    CBoundingBox from = host::ParseBox("--box", options.box);
     const EdgeSteps steps = ParseSteps(options.step, from);
     CBoundingBox to;
     if (!reproject->Src2DestBox(from, to, steps.x, steps.y))
-        throw Failure(options.box, "the box is empty or inverted, not larger than the steps, or "
-                                   "has no place in the target system");
+        throw host::Failure(options.box,
+                            "the box is empty or inverted, not larger than the steps, or "
+                            "has no place in the target system");
     if (!IsFinite(to))
-        throw Failure(options.box, "a part of the box has no place in the target system");
+        throw host::Failure(options.box, "a part of the box has no place in the target system");
     if (options.json)
-        PrintJson(JsonBox(to));
+        host::PrintJson(host::JsonBox(to));
     else
         std::cout << BoxText(to) << '\n';
 }
@@ -99,20 +100,20 @@ void Window(const ReprojectOptions& options) {
     CRasterSource raster;
     OpenOnOwnGrid(raster, options.image);
     const auto reproject = BindOrFail(raster, options.image, options.to);
-    const CBoundingBox box = ParseBox("--box", options.box);
+    const CBoundingBox box = host::ParseBox("--box", options.box);
     const EdgeSteps steps = ParseSteps(options.step, box);
     CRect window;
     if (!reproject->FindSourceWindow(box, window, steps.x, steps.y))
-        throw Failure(options.image, "the box lies beside it or has no place in its system");
+        throw host::Failure(options.image, "the box lies beside it or has no place in its system");
     const int column = window.left;
     const int row = window.top;
     const int width = window.right - window.left;
     const int height = window.bottom - window.top;
     if (options.json) {
-        PrintJson({{"column", column}, {"row", row}, {"width", width}, {"height", height}});
+        host::PrintJson({{"column", column}, {"row", row}, {"width", width}, {"height", height}});
         return;
     }
-    Table table({"column", "row", "width", "height"});
+    host::Table table({"column", "row", "width", "height"});
     table.AddRow({std::to_string(column), std::to_string(row), std::to_string(width),
                   std::to_string(height)});
     table.Print();

@@ -1,8 +1,8 @@
 #include "python/src/Area.h"
 
-#include "cli/support/AoiFile.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "host/base/Failure.h"
+#include "host/files/AoiFile.h"
+#include "host/files/Open.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
 #include "python/src/Errors.h"
@@ -16,7 +16,7 @@ namespace zelto::python {
 
 Area::Area(const std::string& path) : Area() {
     WideText(path);
-    Run([&] { cli::OpenAoiOrFail(*m_source, path); });
+    Run([&] { host::OpenAoiOrFail(*m_source, path); });
 }
 
 CAOISource& Area::In(const std::string& wkt) {
@@ -25,10 +25,10 @@ CAOISource& Area::In(const std::string& wkt) {
     if (m_transformed != nullptr && m_transformedTo == wkt)
         return *m_transformed;
     auto copy = CopyOf(*m_source);
-    cli::ForgetReasons();
+    host::ForgetReasons();
     if (copy == nullptr || copy->TransformTo(wkt.c_str()) != GIS_SUCCESS)
-        throw cli::Failure(
-            cli::LastReason("the area cannot be transformed to the raster's system"));
+        throw host::Failure(
+            host::LastReason("the area cannot be transformed to the raster's system"));
     m_transformed = std::move(copy);
     m_transformedTo = wkt;
     return *m_transformed;
@@ -142,8 +142,8 @@ void Save(Area& area, const std::string& path, double tolerance) {
     const Turn turn = area.Use();
     WideText(path);
     Run([&] {
-        cli::RequireAoiFormat(path);
-        cli::SaveAoiOrFail(area.Source(), path, tolerance);
+        host::RequireAoiFormat(path);
+        host::SaveAoiOrFail(area.Source(), path, tolerance);
     });
 }
 
@@ -151,11 +151,11 @@ void Transform(Area& area, const std::string& srs) {
     const Turn turn = area.Use();
     area.Changed();
     const GISError error = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         return area.Source().TransformTo(srs.c_str());
     });
     if (error != GIS_SUCCESS)
-        throw cli::Failure(cli::LastReason("the area cannot be transformed"));
+        throw host::Failure(host::LastReason("the area cannot be transformed"));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/classify/ClassifySampleFile.h"
 
-#include "cli/support/Open.h"
+#include "host/files/Open.h"
 #include "python/src/Area.h"
 #include "python/src/Bind.h"
 #include "python/src/Errors.h"
@@ -31,7 +31,7 @@ py::dict ReadClassFile(const std::string& path) {
     CClassifiedAssistantFile file;
     const std::wstring wide = WideText(path);
     const bool read = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         return file.ReadClassifiedAssistantFile(wide);
     });
     if (!read)
@@ -85,7 +85,7 @@ void WriteClassFile(const std::string& path, const std::vector<ClassTuple>& clas
     file.SetChangedMatrix(texts);
     const std::wstring wide = WideText(path);
     const bool written = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         return file.WriteClssifiedAssistantFile(wide);
     });
     if (!written)
@@ -113,7 +113,7 @@ py::list ReadSampleFile(const std::string& path) {
     CClassifySampleFile file;
     const std::wstring wide = WideText(path);
     const int read = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         return file.ReadClassifySampleFile(wide);
     });
     if (read != 1)
@@ -151,7 +151,7 @@ void WriteSampleFile(const std::string& path, const std::vector<py::dict>& class
         file.AddClass(RecordOf(values));
     const std::wstring wide = WideText(path);
     const int written = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         return file.WriteClassifySampleFile(wide);
     });
     if (written != 1)

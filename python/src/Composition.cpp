@@ -1,8 +1,8 @@
 #include "zelto/display/ComposedRaster.h"
 #include "zelto/raster/RasterBand.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
 #include "python/src/Drawing.h"
@@ -40,10 +40,10 @@ class Composition {
                                       std::to_string(m_sources[k]->GetBandCount()));
             m_sources[k]->SetShowBandNum(1, &index);
         }
-        cli::ForgetReasons();
+        host::ForgetReasons();
         if (m_composed.CreateRaster(m_sources[0].get(), bands[0], m_sources[1].get(), bands[1],
                                     m_sources[2].get(), bands[2]) != GIS_SUCCESS)
-            throw cli::Failure(cli::LastReason("the three rasters have no ground in common"));
+            throw host::Failure(host::LastReason("the three rasters have no ground in common"));
     }
 
     py::dict Describe() {
@@ -68,10 +68,10 @@ class Composition {
             for (const auto& source : m_sources)
                 look.Apply(*source, view.box, nullptr, progress);
             CBoundingBox ground = view.box;
-            cli::ForgetReasons();
+            host::ForgetReasons();
             if (!m_composed.GetShowDataRedFirst(&ground, view.width, view.height, pixels, true))
-                throw cli::Failure(
-                    cli::LastReason("the box misses the rasters, or their pixels cannot be read"));
+                throw host::Failure(
+                    host::LastReason("the box misses the rasters, or their pixels cannot be read"));
             return true;
         });
     }

@@ -1,11 +1,11 @@
 #include "zelto/coordinate/CoordinateAlgorithm.h"
 #include "zelto/coordinate/CoordinateTransformation.h"
 
-#include "cli/support/AoiFile.h"
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/Reference.h"
-#include "cli/support/SrsFacts.h"
+#include "host/base/Failure.h"
+#include "host/files/AoiFile.h"
+#include "host/files/Open.h"
+#include "host/files/Reference.h"
+#include "host/report/SrsFacts.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
 #include "python/src/Call.h"
@@ -40,9 +40,9 @@ class Transformation {
     ///        library's own way is taken
     Transformation(const std::string& source, const std::string& target,
                    std::optional<Parameters> sourceShift, std::optional<Parameters> targetShift) {
-        cli::RequireReference(source);
-        cli::RequireReference(target);
-        cli::ForgetReasons();
+        host::RequireReference(source);
+        host::RequireReference(target);
+        host::ForgetReasons();
         const bool shifted = sourceShift || targetShift;
         m_transformation.reset(shifted ? CCoordinateTransformation::CreateCoordinateTransformation(
                                              source.c_str(), target.c_str(),
@@ -51,7 +51,7 @@ class Transformation {
                                        : CCoordinateTransformation::CreateCoordinateTransformation(
                                              source.c_str(), target.c_str(), nullptr));
         if (m_transformation == nullptr)
-            throw cli::Failure(cli::LastReason("there is no way from one system to the other"));
+            throw host::Failure(host::LastReason("there is no way from one system to the other"));
     }
 
     /// Transforms in place. Points without an answer become infinite.
@@ -97,26 +97,26 @@ class Transformation {
 py::tuple DescribeSystem(const std::string& srs) {
     WideText(srs);
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
-    const cli::SrsFacts system = cli::DescribeSrs(srs);
+    const host::SrsFacts system = host::DescribeSrs(srs);
     py::list facts;
-    for (const cli::SrsFact& fact : system.facts)
+    for (const host::SrsFact& fact : system.facts)
         facts.append(py::make_tuple(Text(fact.label), Text(fact.text),
                                     fact.number ? py::object(py::float_(*fact.number))
                                                 : py::object(py::none())));
-    return py::make_tuple(cli::KindName(system.kind), Text(system.authority), facts);
+    return py::make_tuple(host::KindName(system.kind), Text(system.authority), facts);
 }
 
 py::str Wkt(const std::string& srs) {
     WideText(srs);
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
-    cli::RequireReference(srs);
-    return Text(cli::SrsAsWkt(srs, "FORMAT=WKT1_GDAL"));
+    host::RequireReference(srs);
+    return Text(host::SrsAsWkt(srs, "FORMAT=WKT1_GDAL"));
 }
 
 bool IsSame(const std::string& a, const std::string& b) {
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
-    cli::RequireReference(a);
-    cli::RequireReference(b);
+    host::RequireReference(a);
+    host::RequireReference(b);
     return CCoordinateAlgorithm::IsSameCoordinate(a.c_str(), b.c_str());
 }
 
@@ -128,8 +128,8 @@ py::str GaussKruger(const std::string& srs, int zone, int width) {
         throw py::value_error("zones of " + std::to_string(width) +
                               " degrees are numbered from 1 to " + std::to_string(360 / width));
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
-    cli::RequireReference(srs);
-    cli::ForgetReasons();
+    host::RequireReference(srs);
+    host::ForgetReasons();
     const std::string wkt = CCoordinateAlgorithm::NewChinaProjCS(srs.c_str(), zone, width);
     if (wkt.empty())
         Fail(srs, "has no geographic system to build on");

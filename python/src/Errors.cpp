@@ -2,8 +2,8 @@
 
 #include "zelto/baselib/CommonFun.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
 #include "python/src/Bind.h"
 
 #include <new>
@@ -15,9 +15,9 @@ namespace zelto::python {
 namespace {
 
 /// The exception that users catch is the package's; it takes file and reason.
-void Raise(const cli::Failure& failure) {
+void Raise(const host::Failure& failure) {
     const py::object type = py::module_::import("zelto._errors").attr("Error");
-    const std::string reason = cli::WithoutName(failure.File(), failure.what());
+    const std::string reason = host::WithoutName(failure.File(), failure.what());
     const py::object error = failure.File().empty() ? type(py::none(), Text(reason))
                                                     : type(Text(failure.File()), Text(reason));
     PyErr_SetObject(type.ptr(), error.ptr());
@@ -26,7 +26,7 @@ void Raise(const cli::Failure& failure) {
 } // namespace
 
 void Fail(const std::string& file, const std::string& otherwise) {
-    throw cli::Failure(file, cli::LastReason(otherwise));
+    throw host::Failure(file, host::LastReason(otherwise));
 }
 
 py::str Text(const std::string& text) {
@@ -48,9 +48,9 @@ void BindErrors(py::module_& /*module*/) {
         try {
             if (thrown)
                 std::rethrow_exception(thrown);
-        } catch (const cli::Failure& failure) {
+        } catch (const host::Failure& failure) {
             Raise(failure);
-        } catch (const cli::UsageError& error) {
+        } catch (const host::UsageError& error) {
             PyErr_SetString(PyExc_ValueError, error.what());
         }
     });

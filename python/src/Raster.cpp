@@ -3,9 +3,9 @@
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/raster/RasterBand.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/RasterFiles.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
+#include "host/files/RasterFiles.h"
 #include "python/src/Errors.h"
 
 #include <array>
@@ -31,16 +31,16 @@ void KeepOwnGrid(CRasterSource& source) {
 std::unique_ptr<CRasterSource> OpenSource(const RasterOrigin& origin) {
     auto source = std::make_unique<CRasterSource>();
     source->SetForDisplay(true);
-    cli::ForgetReasons();
+    host::ForgetReasons();
     const std::wstring path = WideText(origin.path);
     const GISDataAccess access = origin.update ? GIS_UPDATE : GIS_READONLY;
     const GISError error = origin.srs.empty()
                                ? source->Open(path.c_str(), access, origin.warp)
                                : source->OpenAndWarped(path.c_str(), access, origin.srs.c_str());
     if (error != GIS_SUCCESS)
-        throw cli::Failure(origin.path, cli::ReasonForFailure(origin.path, error));
+        throw host::Failure(origin.path, host::ReasonForFailure(origin.path, error));
     if (origin.update && source->GetAccess() != GIS_UPDATE)
-        throw cli::Failure(origin.path, "it cannot be opened for writing");
+        throw host::Failure(origin.path, "it cannot be opened for writing");
     if (!origin.warp && origin.srs.empty())
         KeepOwnGrid(*source);
     return source;
@@ -82,7 +82,7 @@ CRasterSource& Raster::DisplaySource(const std::string& srs) {
 
 void Raster::OpenDisplay(const std::string& srs) {
     if (IsNew())
-        throw cli::Failure(m_origin.path, "is being made; close it before it is drawn");
+        throw host::Failure(m_origin.path, "is being made; close it before it is drawn");
     m_display.reset();
     for (int b = 0; m_origin.update && b < m_source->GetBandCount(); ++b)
         m_source->GetRasterBand(b)->FlushCache();
@@ -109,17 +109,17 @@ void Raster::Close() {
     auto source = std::move(m_source);
     m_display.reset();
     Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         // Where the data set really is: a header's name stands for the data file beside it.
         const std::filesystem::path made = CommonFun::U2M(source->GetFilePath());
         source->Close();
         const std::string reason = CGISDataSource::GetLastErrorText();
         source.reset();
         if (!reason.empty())
-            throw cli::Failure(m_origin.path, reason);
+            throw host::Failure(m_origin.path, reason);
         const auto old = std::filesystem::path(m_origin.path).parent_path() / made.filename();
-        if (files != nullptr && !files->Commit(cli::SideFilesOf(old)))
-            throw cli::Failure(CGISDataSource::GetLastErrorText());
+        if (files != nullptr && !files->Commit(host::SideFilesOf(old)))
+            throw host::Failure(CGISDataSource::GetLastErrorText());
     });
 }
 

@@ -1,8 +1,8 @@
 #include "zelto/algorithm/RasterAlgorithm.h"
 #include "zelto/aoi/RasterAOI.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
 #include "python/src/Area.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
@@ -51,8 +51,8 @@ namespace {
 
 void FailWithoutPixels(bool drawn) {
     if (!drawn)
-        throw cli::Failure(cli::LastReason("the box misses the raster, or its pixels cannot be "
-                                           "read"));
+        throw host::Failure(host::LastReason("the box misses the raster, or its pixels cannot be "
+                                             "read"));
 }
 
 /// What a drawing goes by beside the source.
@@ -73,7 +73,7 @@ void DrawPlanes(CRasterSource& source, const Drawing& drawing, unsigned char* pl
     // single band has three alike.
     source.m_contrast = 0.0F;
     CBoundingBox ground = box;
-    cli::ForgetReasons();
+    host::ForgetReasons();
     if (drawing.area == nullptr) {
         FailWithoutPixels(source.GetShowData(&ground, w, h, 3, pointers.data(), nullptr, true));
     } else {
@@ -87,7 +87,7 @@ void DrawPlanes(CRasterSource& source, const Drawing& drawing, unsigned char* pl
 
 void DrawWhole(CRasterSource& source, const View& view, unsigned char* pixels) {
     CBoundingBox box = view.box;
-    cli::ForgetReasons();
+    host::ForgetReasons();
     FailWithoutPixels(source.GetShowDataRedFirst(&box, view.width, view.height, pixels, true));
     // Palette and class colours have their transparency from the drawing already.
     source.m_hue = source.m_intensity = source.m_saturation = source.m_contrast = 0.0F;

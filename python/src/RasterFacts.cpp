@@ -1,4 +1,4 @@
-#include "cli/support/RasterFacts.h"
+#include "host/report/RasterFacts.h"
 
 #include "zelto/baselib/ClassifyDisplayTable.h"
 #include "zelto/baselib/CommonFun.h"
@@ -92,10 +92,10 @@ py::dict Describe(Raster& raster) {
 py::list Subdatasets(const std::string& path) {
     WideText(path);
     CallProgress progress{py::none()};
-    const cli::RasterFacts facts =
-        Run(progress, [&] { return cli::DescribeRaster(path, {}, progress); });
+    const host::RasterFacts facts =
+        Run(progress, [&] { return host::DescribeRaster(path, {}, progress); });
     py::list found;
-    for (const cli::SubdatasetFacts& subdataset : facts.subdatasets)
+    for (const host::SubdatasetFacts& subdataset : facts.subdatasets)
         found.append(py::make_tuple(Text(subdataset.name), Text(subdataset.description)));
     return found;
 }

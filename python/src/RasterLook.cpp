@@ -5,9 +5,9 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/RenderRamps.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
+#include "host/picture/RenderRamps.h"
 #include "python/src/Errors.h"
 
 #include <algorithm>
@@ -48,9 +48,9 @@ float Adjustment(const py::dict& settings, const char* name, double least) {
 CColorRamp RampOf(const py::object& ramp) {
     if (py::isinstance<py::str>(ramp)) {
         try {
-            return cli::MakeRamp(ramp.cast<std::string>());
-        } catch (const cli::UsageError&) {
-            throw py::value_error("ramp is one of " + cli::RampNames() + ", or a list of colours");
+            return host::MakeRamp(ramp.cast<std::string>());
+        } catch (const host::UsageError&) {
+            throw py::value_error("ramp is one of " + host::RampNames() + ", or a list of colours");
         }
     }
     std::vector<CRgbaColor> colors;
@@ -198,9 +198,9 @@ void Look::ApplyStretch(CRasterSource& source, const CBoundingBox& view, CAOISou
         stretch.SetArea(area);
     }
     stretch.SetExact(m_exact);
-    cli::ForgetReasons();
+    host::ForgetReasons();
     if (stretch.Apply(&progress) != GIS_SUCCESS)
-        throw cli::Failure(cli::LastReason("the stretch cannot be prepared"));
+        throw host::Failure(host::LastReason("the stretch cannot be prepared"));
 }
 
 void Look::Apply(CRasterSource& source, const CBoundingBox& view, CAOISource* area,

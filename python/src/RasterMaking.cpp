@@ -1,11 +1,11 @@
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/raster/RasterBand.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/Picture.h"
-#include "cli/support/PyramidBuild.h"
-#include "cli/support/RasterChoice.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
+#include "host/files/PyramidBuild.h"
+#include "host/files/RasterChoice.h"
+#include "host/picture/Picture.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
 #include "python/src/Errors.h"
@@ -40,13 +40,13 @@ std::shared_ptr<Raster> Create(const std::string& path, int width, int height, i
     const std::wstring wide = WideText(path);
     auto source = std::make_unique<CRasterSource>();
     auto files = Run([&] {
-        const RasterDataFormat chosen = cli::ChooseFormat(format, path);
-        cli::CheckCreationOptions(options, chosen);
-        cli::RequireCreatable(chosen, path);
-        cli::ForgetReasons();
+        const RasterDataFormat chosen = host::ChooseFormat(format, path);
+        host::CheckCreationOptions(options, chosen);
+        host::RequireCreatable(chosen, path);
+        host::ForgetReasons();
         auto made = std::make_unique<CNewFileSet>(wide);
         if (!made->IsOpen())
-            throw cli::Failure(path, cli::LastReason("cannot be created"));
+            throw host::Failure(path, host::LastReason("cannot be created"));
         CPLStringList list;
         for (const std::string& option : options)
             list.AddString(option.c_str());
@@ -54,7 +54,7 @@ std::shared_ptr<Raster> Create(const std::string& path, int width, int height, i
                                  type, geoTransform ? geoTransform->data() : nullptr,
                                  wkt.empty() ? nullptr : wkt.c_str(),
                                  options.empty() ? nullptr : list.List()) != GIS_SUCCESS)
-            throw cli::Failure(path, cli::LastReason("cannot be created"));
+            throw host::Failure(path, host::LastReason("cannot be created"));
         return made;
     });
     return std::make_shared<Raster>(RasterOrigin{path, true, false, ""}, std::move(files),
@@ -70,7 +70,7 @@ void SetNoData(Raster& raster, std::optional<double> value) {
     const Turn turn = raster.Use();
     RequireWritable(raster);
     const bool done = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         if (value)
             return raster.Source().SetAllBandNoDataValue(*value, true);
         for (int b = 0; b < raster.Source().GetBandCount(); ++b) {
@@ -95,7 +95,7 @@ void SetColors(Raster& raster, int number, const std::vector<Color>& colors) {
         table.SetColorEntry(static_cast<int>(i), &entry);
     }
     const GISError error = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         return band.SetColorTable(&table);
     });
     if (error != GIS_SUCCESS)
@@ -107,7 +107,7 @@ void SetPlace(Raster& raster, std::optional<std::array<double, 6>> geoTransform,
     const Turn turn = raster.Use();
     RequireWritable(raster);
     const bool done = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         if (geoTransform &&
             raster.Source().SetGeoTransform(geoTransform->data(), true) != GIS_SUCCESS)
             return false;
@@ -126,9 +126,9 @@ void BuildPyramid(const std::string& path, const std::string& resampling,
     std::exception_ptr failed;
     const bool done = Run(progress, [&] {
         try {
-            cli::BuildPyramid(path, resampling, bands, progress);
+            host::BuildPyramid(path, resampling, bands, progress);
             return true;
-        } catch (const cli::Failure&) {
+        } catch (const host::Failure&) {
             failed = std::current_exception();
             return false;
         }
@@ -153,18 +153,18 @@ void SavePicture(const std::string& path, const py::array& pixels,
         throw py::value_error("a picture has 1 to 65500 rows and columns");
     const auto* const from = static_cast<const unsigned char*>(pixels.data());
     Run([&] {
-        cli::Picture picture(static_cast<int>(columns), static_cast<int>(rows));
+        host::Picture picture(static_cast<int>(columns), static_cast<int>(rows));
         for (std::size_t i = 0; i < picture.pixels.size(); i += 4) {
             picture.pixels[i] = from[i + 2];
             picture.pixels[i + 1] = from[i + 1];
             picture.pixels[i + 2] = from[i];
             picture.pixels[i + 3] = from[i + 3];
         }
-        std::optional<cli::PicturePlace> place;
+        std::optional<host::PicturePlace> place;
         if (box)
-            place = cli::PicturePlace{{(*box)[0], (*box)[1], (*box)[2], (*box)[3]}, wkt};
-        cli::ForgetReasons();
-        cli::WritePicture(picture, {path, 0}, place);
+            place = host::PicturePlace{{(*box)[0], (*box)[1], (*box)[2], (*box)[3]}, wkt};
+        host::ForgetReasons();
+        host::WritePicture(picture, {path, 0}, place);
     });
 }
 

@@ -2,8 +2,8 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/internal/BlockLimit.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
 #include "python/src/Arguments.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
@@ -131,7 +131,7 @@ py::array Read(Raster& raster, const py::object& bands, const py::object& window
         return watch.HasError() ? watch.Error() : std::string("its pixels cannot be read");
     });
     if (!reason.empty())
-        throw cli::Failure(raster.Path(), reason);
+        throw host::Failure(raster.Path(), reason);
     return reading.out;
 }
 
@@ -149,7 +149,7 @@ void Write(Raster& raster, const py::array& samples, const py::object& bands,
     // WriteBlock() takes what RasterIO() takes and changes nothing there.
     auto* const memory = static_cast<char*>(const_cast<void*>(samples.data()));
     const bool written = Run([&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         for (std::size_t b = 0; b < numbers.size(); ++b)
             if (raster.Band(numbers[b])
                     .WriteBlock(place[0], place[1], place[2], place[3], memory + b * planeSize,

@@ -1,9 +1,9 @@
 #include "zelto/algorithm/ImgSamplePixels.h"
 #include "zelto/algorithm/RasterAlgorithm.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
-#include "cli/support/PolygonBuild.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
+#include "host/files/PolygonBuild.h"
 #include "python/src/Area.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
@@ -47,7 +47,7 @@ py::list SamplePixels(Raster& raster, Area& area, py::object callable) {
             progress.BeginProgress(L"", count);
             if (!progress.StepProgress(i, L""))
                 return false;
-            cli::ForgetReasons();
+            host::ForgetReasons();
             return CRasterAlgorithm::GetSamplePixelFromDrawShape(&source, shapes.GetDrawShape(i),
                                                                  &pixels);
         });
@@ -71,7 +71,7 @@ std::int64_t Polygonize(Raster& raster, const std::string& out, int band, int ma
         raster.Band(mask);
     CallProgress progress(std::move(callable));
     return Run(progress, [&] {
-        return static_cast<std::int64_t>(cli::BuildPolygons(
+        return static_cast<std::int64_t>(host::BuildPolygons(
             raster.Source(), raster.Path(), out, {band, mask, field, eight, keepNoData}, progress));
     });
 }

@@ -1,7 +1,7 @@
 #include "zelto/algorithm/RegionStatistics.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
 #include "python/src/Area.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
@@ -50,7 +50,7 @@ class Region {
     template <typename Measure>
     void Do(CallProgress& progress, Measure measure) {
         const GISError error = Run(progress, [&] {
-            cli::ForgetReasons();
+            host::ForgetReasons();
             return measure();
         });
         if (error != GIS_SUCCESS)

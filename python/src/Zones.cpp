@@ -1,7 +1,7 @@
 #include "zelto/algorithm/ZonalStatistics.h"
 
-#include "cli/support/Failure.h"
-#include "cli/support/Open.h"
+#include "host/base/Failure.h"
+#include "host/files/Open.h"
 #include "python/src/Bind.h"
 #include "python/src/Errors.h"
 #include "python/src/Raster.h"
@@ -65,7 +65,7 @@ py::list ZonalStatistics(Raster& raster, const std::vector<std::string>& zones,
     }
     CallProgress progress(std::move(callable));
     const GISError error = Run(progress, [&] {
-        cli::ForgetReasons();
+        host::ForgetReasons();
         return statistics.Compute(&progress);
     });
     if (error != GIS_SUCCESS)

@@ -1,11 +1,11 @@
 #include "zelto/aoi/DrawShape.h"
 
 #include "cli/render/Stretch.h"
-#include "cli/support/Failure.h"
-#include "cli/support/RasterChoice.h"
-#include "cli/support/Region.h"
-#include "cli/support/RenderRamps.h"
-#include "cli/support/Text.h"
+#include "host/base/Failure.h"
+#include "host/base/Text.h"
+#include "host/files/RasterChoice.h"
+#include "host/files/Region.h"
+#include "host/picture/RenderRamps.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/fuzz/InputBytes.h"
 
@@ -14,28 +14,28 @@ namespace {
 void Parse(int kind, const std::string& text) {
     switch (kind) {
     case 0:
-        zelto::cli::ParseNumbers("--option", text);
+        zelto::host::ParseNumbers("--option", text);
         break;
     case 1:
-        zelto::cli::ParseBands("--option", text, 7);
+        zelto::host::ParseBands("--option", text, 7);
         break;
     case 2:
-        zelto::cli::ParseBox("--option", text);
+        zelto::host::ParseBox("--option", text);
         break;
     case 3:
-        zelto::cli::ParseShape("--option", text);
+        zelto::host::ParseShape("--option", text);
         break;
     case 4:
-        zelto::cli::ParsePixelType(text);
+        zelto::host::ParsePixelType(text);
         break;
     case 5:
-        zelto::cli::ChooseFormat(text, "new.tif");
+        zelto::host::ChooseFormat(text, "new.tif");
         break;
     case 6:
-        zelto::cli::ChooseFormat("", text);
+        zelto::host::ChooseFormat("", text);
         break;
     case 7:
-        zelto::cli::CheckCreationOptions({text}, RDF_GTiff);
+        zelto::host::CheckCreationOptions({text}, RDF_GTiff);
         break;
     case 8: {
         zelto::cli::StretchOptions options;
@@ -44,10 +44,10 @@ void Parse(int kind, const std::string& text) {
         break;
     }
     case 9:
-        zelto::cli::MakeRamp(text);
+        zelto::host::MakeRamp(text);
         break;
     default:
-        zelto::cli::Narrow(zelto::cli::Wide(text));
+        zelto::host::Narrow(zelto::host::Wide(text));
     }
 }
 
@@ -60,8 +60,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const int kind = bytes.Below(11);
     try {
         Parse(kind, bytes.Rest());
-    } catch (const zelto::cli::UsageError&) {
-    } catch (const zelto::cli::Failure&) {
+    } catch (const zelto::host::UsageError&) {
+    } catch (const zelto::host::Failure&) {
     }
     return 0;
 }

@@ -1,5 +1,5 @@
 #include "cli/GeorefPoints.h"
-#include "cli/support/Failure.h"
+#include "host/base/Failure.h"
 #include "tests/fuzz/FuzzEngine.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/fuzz/InputFolder.h"
@@ -17,8 +17,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
             zelto::fuzz::Require(std::isfinite(point.column) && std::isfinite(point.row) &&
                                      std::isfinite(point.x) && std::isfinite(point.y),
                                  "a control point is finite");
-    } catch (const zelto::cli::UsageError&) {
-    } catch (const zelto::cli::Failure&) {
+    } catch (const zelto::host::UsageError&) {
+    } catch (const zelto::host::Failure&) {
     }
     return 0;
 }

@@ -1,7 +1,7 @@
 #include "cli/reproject/Commands.h"
 #include "cli/reproject/PointColumns.h"
 #include "cli/reproject/PointLines.h"
-#include "cli/support/Failure.h"
+#include "host/base/Failure.h"
 #include "tests/fuzz/FuzzEngine.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/fuzz/InputFolder.h"
@@ -32,7 +32,7 @@ template <typename Use>
 void Try(const Use& use) {
     try {
         use();
-    } catch (const zelto::cli::Failure&) {
+    } catch (const zelto::host::Failure&) {
     }
 }
 

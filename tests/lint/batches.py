@@ -11,7 +11,9 @@ import re
 import subprocess
 import sys
 
-CHECKED = ("zelto", "cli", "python/src", "tests")
+CHECKED = ("zelto", "host", "cli", "python/src", "tests")
+# All sources below these are compiled together.
+TOGETHER = ("host", "cli")
 # Each source of these is a program of its own.
 APART = ("tests/fuzz", "tests/viewer")
 TYPE = re.compile(r"(?:class|struct|enum(?: class)?|union)\s+(\w+)")
@@ -40,7 +42,10 @@ def main():
                             cwd=sources, check=True, text=True, capture_output=True).stdout.split()
     owners = collections.defaultdict(set)
     for source in listed:
-        folder = str(pathlib.PurePosixPath(source).parent).removesuffix("/internal")
+        path = pathlib.PurePosixPath(source)
+        folder = str(path.parent).removesuffix("/internal")
+        if path.parts[0] in TOGETHER:
+            folder = path.parts[0]
         if not folder.startswith(APART):
             for name in own_names((sources / source).read_text(encoding="utf-8")):
                 owners[folder, name].add(source)

@@ -14,7 +14,7 @@ import sys
 ROW = re.compile(r"^\| (`[^|]*`) \| ([^|]*) \|$", re.MULTILINE)
 NAME = re.compile(r"`([^`]+)`")
 INCLUDE = re.compile(r'^#include "([^"]+)"', re.MULTILINE)
-CHECKED = ("zelto", "cli", "viewer", "python/src")
+CHECKED = ("zelto", "host", "cli", "viewer", "python/src")
 FOR_ALL = ("zelto/Export.h", "zelto/Zelto.h")
 
 

@@ -15,7 +15,7 @@ def main():
     page = (sources / "docs/architecture.md").read_text(encoding="utf-8")
     code = "".join(
         (sources / file).read_text(encoding="utf-8") for file in subprocess.run(
-            ["git", "ls-files", "zelto/*.h", "zelto/*.cpp", "cli/*", "viewer/*", "python/*"],
+            ["git", "ls-files", "zelto/*.h", "zelto/*.cpp", "host/*", "cli/*", "viewer/*", "python/*"],
             cwd=sources, check=True, text=True, capture_output=True).stdout.split()
         if file.endswith((".h", ".cpp", ".py")))
     words = set(re.findall(r"\w+", code))

@@ -1,6 +1,6 @@
 #include "viewer/actions/WorkActions.h"
 
-#include "cli/support/RasterFacts.h"
+#include "host/report/RasterFacts.h"
 #include "viewer/actions/ActionTable.h"
 #include "viewer/model/Document.h"
 #include "viewer/model/Preferences.h"
@@ -192,9 +192,9 @@ void WorkActions::ShowProperties() {
     const LayerFacts layer = m_bench.document.Current()->facts;
     m_bench.tasks.Start(
         {tr("Properties"), [this, layer](CDataProgress& progress) {
-             std::vector<cli::RasterFacts> files;
+             std::vector<host::RasterFacts> files;
              for (const QString& path : layer.origin.paths)
-                 files.push_back(cli::DescribeRaster(path.toStdString(), {}, progress));
+                 files.push_back(host::DescribeRaster(path.toStdString(), {}, progress));
              return TaskResult{{}, [this, layer, files] {
                                    auto* dialog =
                                        new PropertiesDialog(layer, files, &m_bench.window);

@@ -1,6 +1,6 @@
 #include "viewer/views/BandForm.h"
 
-#include "cli/support/RenderRamps.h"
+#include "host/picture/RenderRamps.h"
 #include "viewer/model/Document.h"
 
 #include <QComboBox>
@@ -29,7 +29,7 @@ BandForm::BandForm(QWidget* parent)
     m_ramp->setObjectName("ramp");
     m_ramp->setToolTip(tr("Colours of a single band"));
     m_ramp->addItem(tr("None"), QString());
-    for (const QString& name : QString::fromStdString(cli::RampNames()).split(", "))
+    for (const QString& name : QString::fromStdString(host::RampNames()).split(", "))
         m_ramp->addItem(name, name);
     form->addRow(tr("Colour ramp"), m_ramp);
     connect(m_mode, &QComboBox::currentIndexChanged, this, &BandForm::Tell);

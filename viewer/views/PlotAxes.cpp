@@ -1,6 +1,6 @@
 #include "viewer/views/PlotAxes.h"
 
-#include "cli/support/Plot.h"
+#include "host/picture/Plot.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
@@ -41,7 +41,7 @@ void DrawText(QPainter& painter, const QWidget& widget, const QRectF& place, int
 }
 
 QString TextOf(double value) {
-    return QString::fromStdString(cli::TickLabel(value));
+    return QString::fromStdString(host::TickLabel(value));
 }
 
 } // namespace
@@ -57,7 +57,7 @@ QPointF PlotAxes::At(double valueX, double valueY) const {
 }
 
 std::vector<double> MarksOf(const PlotAxes::Range& range, double pixels, double perMark) {
-    return cli::RoundTicks(range.low, range.high, std::max(static_cast<int>(pixels / perMark), 2));
+    return host::RoundTicks(range.low, range.high, std::max(static_cast<int>(pixels / perMark), 2));
 }
 
 void DrawMarksOfX(QPainter& painter, const QWidget& widget, const PlotAxes& axes) {

@@ -1,6 +1,6 @@
 #include "viewer/views/PropertiesDialog.h"
 
-#include "cli/support/RasterReport.h"
+#include "host/report/RasterReport.h"
 #include "viewer/views/ReportView.h"
 
 #include <QDialogButtonBox>
@@ -24,7 +24,7 @@ QWidget* MakeText(const QString& text) {
 } // namespace
 
 PropertiesDialog::PropertiesDialog(const LayerFacts& layer,
-                                   const std::vector<cli::RasterFacts>& files, QWidget* parent)
+                                   const std::vector<host::RasterFacts>& files, QWidget* parent)
     : QDialog(parent) {
     setObjectName("properties");
     setWindowTitle(layer.origin.Name());
@@ -33,7 +33,7 @@ PropertiesDialog::PropertiesDialog(const LayerFacts& layer,
         content = MakeFile(layer, files.front());
     } else {
         auto* all = new QTabWidget;
-        for (const cli::RasterFacts& file : files)
+        for (const host::RasterFacts& file : files)
             all->addTab(MakeFile(layer, file),
                         LayerOrigin{{QString::fromStdString(file.path)}, {}}.Name());
         content = all;
@@ -46,19 +46,19 @@ PropertiesDialog::PropertiesDialog(const LayerFacts& layer,
     resize(680, 440);
 }
 
-QWidget* PropertiesDialog::MakeFile(const LayerFacts& layer, const cli::RasterFacts& file) {
-    cli::TableContent summary = cli::SummaryTable(file);
+QWidget* PropertiesDialog::MakeFile(const LayerFacts& layer, const host::RasterFacts& file) {
+    host::TableContent summary = host::SummaryTable(file);
     summary.rows.insert(summary.rows.begin(), {"file", file.path});
     auto* tabs = new QTabWidget;
     tabs->addTab(MakeFactsForm(summary), tr("Image"));
-    tabs->addTab(MakeReportView("bands", cli::BandTable(file)), tr("Bands"));
+    tabs->addTab(MakeReportView("bands", host::BandTable(file)), tr("Bands"));
     if (!file.controlPoints.empty())
-        tabs->addTab(MakeReportView("controlPoints", cli::ControlPointTable(file)),
+        tabs->addTab(MakeReportView("controlPoints", host::ControlPointTable(file)),
                      tr("Control points"));
     if (!file.classes.empty())
-        tabs->addTab(MakeReportView("classes", cli::ClassTableOf(file.classes)), tr("Classes"));
+        tabs->addTab(MakeReportView("classes", host::ClassTableOf(file.classes)), tr("Classes"));
     if (!file.subdatasets.empty())
-        tabs->addTab(MakeReportView("subdatasets", cli::SubdatasetTable(file)),
+        tabs->addTab(MakeReportView("subdatasets", host::SubdatasetTable(file)),
                      tr("Sub-data-sets"));
     tabs->addTab(MakeText(layer.coordinateWords), tr("Coordinate system"));
     tabs->addTab(MakeText(QString::fromStdString(file.wkt)), tr("As text"));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/support/RasterFacts.h"
+#include "host/report/RasterFacts.h"
 #include "viewer/model/LayerFacts.h"
 
 #include <QDialog>
@@ -14,11 +14,11 @@ class PropertiesDialog : public QDialog {
 
   public:
     /// @param files of the image: one, or those composed
-    PropertiesDialog(const LayerFacts& layer, const std::vector<cli::RasterFacts>& files,
+    PropertiesDialog(const LayerFacts& layer, const std::vector<host::RasterFacts>& files,
                      QWidget* parent = nullptr);
 
   private:
-    QWidget* MakeFile(const LayerFacts& layer, const cli::RasterFacts& file);
+    QWidget* MakeFile(const LayerFacts& layer, const host::RasterFacts& file);
 };
 
 } // namespace zelto::view

@@ -14,7 +14,7 @@ namespace {
 constexpr int TEXT_HEIGHT = 16;
 
 /// Pixels per unit of value, so that buckets of different widths compare.
-double Density(const cli::BandHistogram& histogram, int count) {
+double Density(const host::BandHistogram& histogram, int count) {
     return static_cast<double>(count) / histogram.width;
 }
 
@@ -45,7 +45,7 @@ PlotAxes RegionHistogramPlot::MakeAxes() const {
     axes.area = QRectF(rect()).adjusted(10, 6, -10, -TEXT_HEIGHT - 4);
     axes.y = {0.0, 0.0};
     for (const RegionHistogram& each : m_histograms) {
-        const cli::BandHistogram& histogram = each.histogram;
+        const host::BandHistogram& histogram = each.histogram;
         if (histogram.counts.empty())
             continue;
         axes.x.Include(histogram.low, axes.y.high == 0.0);
@@ -71,7 +71,7 @@ void RegionHistogramPlot::paintEvent(QPaintEvent*) {
 
 void RegionHistogramPlot::DrawCurve(QPainter& painter, const PlotAxes& axes,
                                     const RegionHistogram& histogram) const {
-    const cli::BandHistogram& counted = histogram.histogram;
+    const host::BandHistogram& counted = histogram.histogram;
     if (counted.counts.empty())
         return;
     QPainterPath outline(axes.At(counted.low, 0.0));

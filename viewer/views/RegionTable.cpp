@@ -24,7 +24,7 @@ NumberTable MakeRegionTable(const QString& image, const RegionAnswer& answer) {
     const std::size_t bands = answer.reports.empty() ? 0 : answer.reports.front().bands.size();
     for (std::size_t b = 0; b < bands; ++b)
         table.columns += Texts::tr("Covariance %1").arg(b + 1);
-    for (const cli::RegionReport& report : answer.reports) {
+    for (const host::RegionReport& report : answer.reports) {
         for (std::size_t b = 0; b < report.bands.size(); ++b) {
             const CRegionStatistics::Band& band = report.bands[b];
             QStringList row;
@@ -49,7 +49,7 @@ NumberTable MakeHistogramTable(const QString& image,
     table.title = image;
     table.columns = {Texts::tr("Band"), Texts::tr("From"), Texts::tr("To"), Texts::tr("Pixels")};
     for (const RegionHistogram& each : histograms) {
-        const cli::BandHistogram& histogram = each.histogram;
+        const host::BandHistogram& histogram = each.histogram;
         for (std::size_t i = 0; i < histogram.counts.size(); ++i) {
             const double from = histogram.low + histogram.width * static_cast<double>(i);
             table.rows.push_back({QString::number(each.band + 1), TableNumber(from),

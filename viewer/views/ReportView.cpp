@@ -1,6 +1,6 @@
 #include "viewer/views/ReportView.h"
 
-#include "cli/support/Printable.h"
+#include "host/base/Printable.h"
 
 #include <QCoreApplication>
 #include <QFormLayout>
@@ -39,12 +39,12 @@ QString Heading(const std::string& word) {
 }
 
 QString Shown(const std::string& text) {
-    return QString::fromStdString(cli::Printable(text));
+    return QString::fromStdString(host::Printable(text));
 }
 
 } // namespace
 
-QWidget* MakeFactsForm(const cli::TableContent& facts) {
+QWidget* MakeFactsForm(const host::TableContent& facts) {
     auto* page = new QWidget;
     page->setObjectName("facts");
     auto* form = new QFormLayout(page);
@@ -60,7 +60,7 @@ QWidget* MakeFactsForm(const cli::TableContent& facts) {
     return page;
 }
 
-QWidget* MakeReportView(const QString& id, const cli::TableContent& content) {
+QWidget* MakeReportView(const QString& id, const host::TableContent& content) {
     auto* view = new QTableView;
     view->setObjectName(id);
     auto* model = new QStandardItemModel(static_cast<int>(content.rows.size()),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/support/Table.h"
+#include "host/report/Table.h"
 
 #include <QString>
 
@@ -12,9 +12,9 @@ namespace zelto::view {
 // of the program, what the file holds as it is.
 
 /// Names and texts, one fact below the other; each can be selected and copied.
-QWidget* MakeFactsForm(const cli::TableContent& facts);
+QWidget* MakeFactsForm(const host::TableContent& facts);
 
 /// @param id name of the table for those that look for it
-QWidget* MakeReportView(const QString& id, const cli::TableContent& content);
+QWidget* MakeReportView(const QString& id, const host::TableContent& content);
 
 } // namespace zelto::view

@@ -36,7 +36,7 @@ RegionHistograms CountRegion(const RegionRequest& request, CDataProgress& progre
         answer.reason = ReasonOr(request.path + ": " + Texts::tr("its pixels cannot be read"));
         return answer;
     }
-    std::vector<cli::BandHistogram> histograms = cli::CountValues(
+    std::vector<host::BandHistogram> histograms = host::CountValues(
         region, *source, BUCKETS, std::nullopt, request.path.toStdString(), progress);
     for (std::size_t i = 0; i < histograms.size(); ++i)
         answer.bands.push_back({region.GetBands()[i].index, std::move(histograms[i])});

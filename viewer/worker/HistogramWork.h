@@ -1,14 +1,14 @@
 #pragma once
 
-#include "cli/support/BandHistogram.h"
+#include "host/report/BandHistogram.h"
 #include "viewer/worker/RegionWork.h"
 
 namespace zelto::view {
 
 /// How often the values of a band occur in a region.
 struct RegionHistogram {
-    int band = 0;                 ///< counted from 0
-    cli::BandHistogram histogram; ///< without buckets where the region holds no value of the band
+    int band = 0;                  ///< counted from 0
+    host::BandHistogram histogram; ///< without buckets where the region holds no value of the band
 };
 
 struct RegionHistograms {

@@ -5,9 +5,9 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/PolygonBuild.h"
-#include "cli/support/PyramidBuild.h"
-#include "cli/support/RasterCopy.h"
+#include "host/files/PolygonBuild.h"
+#include "host/files/PyramidBuild.h"
+#include "host/files/RasterCopy.h"
 #include "viewer/worker/Texts.h"
 
 #include <QCoreApplication>
@@ -81,17 +81,17 @@ QString WritePng(const QString& path, const QImage& picture) {
 
 QString BuildPyramid(const QString& path, const QString& resampling, CDataProgress& progress) {
     progress.BeginProgress(L"", 100);
-    cli::BuildPyramid(path.toStdString(), resampling.toStdString(), {}, progress);
+    host::BuildPyramid(path.toStdString(), resampling.toStdString(), {}, progress);
     return {};
 }
 
 QString CopyImage(const QString& path, const QString& target, CDataProgress& progress) {
-    cli::CopyOptions options;
+    host::CopyOptions options;
     options.from = path.toStdString();
     options.to = target.toStdString();
     options.overwrite = true; // the dialog has asked
     QStringList lost;
-    for (const std::string& what : cli::CopyRaster(options, progress))
+    for (const std::string& what : host::CopyRaster(options, progress))
         lost << QString::fromStdString(what);
     return lost.isEmpty()
                ? QString()
@@ -104,11 +104,11 @@ QString MakePolygons(const QString& path, const QString& target, int band, bool 
     CRasterSource source;
     if (source.Open(Wide(path).c_str(), GIS_READONLY, true) != GIS_SUCCESS)
         return Failure(path, Texts::tr("cannot be opened"));
-    cli::PolygonOptions options;
+    host::PolygonOptions options;
     options.band = band;
     options.eight = eight;
     progress.BeginProgress(L"", 100);
-    cli::BuildPolygons(source, path.toStdString(), target.toStdString(), options, progress);
+    host::BuildPolygons(source, path.toStdString(), target.toStdString(), options, progress);
     return {};
 }
 

@@ -3,7 +3,7 @@
 #include "zelto/classify/ClassifiedAssistantFile.h"
 #include "zelto/raster/RasterBand.h"
 
-#include "cli/support/ClassTable.h"
+#include "host/report/ClassTable.h"
 #include "viewer/worker/Texts.h"
 
 #include <gdal_priv.h>
@@ -65,7 +65,7 @@ CClassifyDisplayTable TableOf(const std::vector<ClassColor>& classes) {
 }
 
 QString ClassFileOf(const QString& image) {
-    return QString::fromStdString(cli::AssistantOf(image.toStdString()));
+    return QString::fromStdString(host::AssistantOf(image.toStdString()));
 }
 
 QString WriteClasses(const QString& path, const std::vector<ClassColor>& classes) {

@@ -4,7 +4,7 @@
 #include "zelto/display/StretchPreparation.h"
 #include "zelto/raster/RasterBand.h"
 
-#include "cli/support/RenderRamps.h"
+#include "host/picture/RenderRamps.h"
 #include "viewer/worker/AreaFiles.h"
 #include "viewer/worker/LayerClasses.h"
 #include "viewer/worker/LayerSource.h"
@@ -149,7 +149,7 @@ void LayerSource::ApplyLook(CRasterSource& source, const DisplaySettings& settin
     source.m_transparency = IsFadedAfterwards(settings) ? 0.0F : settings.transparency;
     ApplyClasses(source, settings);
     if (!settings.ramp.isEmpty()) {
-        CColorRamp ramp = cli::MakeRamp(settings.ramp.toStdString());
+        CColorRamp ramp = host::MakeRamp(settings.ramp.toStdString());
         source.SetColorRamp(&ramp);
         source.SetDisplayType(DISPLAY_RAMP);
     }

@@ -19,7 +19,7 @@ constexpr double LOW_PERCENTILE = 2.0;
 constexpr double HIGH_PERCENTILE = 98.0;
 
 /// @return false when it failed or was cancelled
-bool ComputeOne(CRasterSource& source, const Shapes& shapes, cli::RegionReport& report,
+bool ComputeOne(CRasterSource& source, const Shapes& shapes, host::RegionReport& report,
                 CDataProgress& progress) {
     CAOISource area;
     AddShapes(area, shapes);
@@ -67,7 +67,7 @@ RegionAnswer ComputeRegions(const RegionRequest& request, CDataProgress& progres
             regions.push_back({shape});
     }
     for (std::size_t i = 0; i < regions.size(); ++i) {
-        cli::RegionReport report;
+        host::RegionReport report;
         if (request.eachShape)
             report.shape = std::to_string(i + 1);
         if (!ComputeOne(*source, regions[i], report, progress)) {

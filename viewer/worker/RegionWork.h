@@ -2,7 +2,7 @@
 
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/support/StatisticsReport.h"
+#include "host/report/StatisticsReport.h"
 #include "viewer/worker/Requests.h"
 
 #include <QString>
@@ -21,8 +21,8 @@ struct RegionRequest {
 };
 
 struct RegionAnswer {
-    std::vector<cli::RegionReport> reports; ///< of shapes told apart, numbered from 1, or one
-    QString reason;                         ///< why there are none
+    std::vector<host::RegionReport> reports; ///< of shapes told apart, numbered from 1, or one
+    QString reason;                          ///< why there are none
 };
 
 /// Opens the image for numbers: on its own grid, or in the system of the shapes where that is

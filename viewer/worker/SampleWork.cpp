@@ -2,7 +2,7 @@
 
 #include "zelto/classify/ClassifySampleFile.h"
 
-#include "cli/support/SampleClasses.h"
+#include "host/report/SampleClasses.h"
 #include "viewer/model/ShapeEditing.h"
 #include "viewer/worker/RegionWork.h"
 #include "viewer/worker/Texts.h"
@@ -18,8 +18,8 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(SampleWork)
 };
 
-cli::SampleClass MakeClass(const SampleShapes& shapes) {
-    cli::SampleClass made;
+host::SampleClass MakeClass(const SampleShapes& shapes) {
+    host::SampleClass made;
     made.label = shapes.number;
     made.name = shapes.name.toStdString();
     made.pixels = CImgSamplePixels(made.label);
@@ -28,8 +28,8 @@ cli::SampleClass MakeClass(const SampleShapes& shapes) {
     return made;
 }
 
-ClassSpectrum SpectrumOf(const cli::SampleClass& sampleClass, int bandCount) {
-    const cli::SampleStatistics statistics = cli::StatisticsOf(sampleClass.pixels, bandCount);
+ClassSpectrum SpectrumOf(const host::SampleClass& sampleClass, int bandCount) {
+    const host::SampleStatistics statistics = host::StatisticsOf(sampleClass.pixels, bandCount);
     ClassSpectrum spectrum;
     spectrum.number = static_cast<int>(sampleClass.label);
     spectrum.pixels = sampleClass.pixels.GetSampleSize();
@@ -40,11 +40,11 @@ ClassSpectrum SpectrumOf(const cli::SampleClass& sampleClass, int bandCount) {
     return spectrum;
 }
 
-QString Write(const QString& path, const cli::SampleClasses& classes, int bandCount) {
+QString Write(const QString& path, const host::SampleClasses& classes, int bandCount) {
     CClassifySampleFile file;
     file.SetTag(CClassifySampleFile::FILE_TAG);
-    for (const cli::SampleClass& each : classes)
-        file.AddClass(cli::MakeRecord(each, bandCount));
+    for (const host::SampleClass& each : classes)
+        file.AddClass(host::MakeRecord(each, bandCount));
     CGISDataSource::ClearLastErrorText();
     if (file.WriteClassifySampleFile(Wide(path)) != 1)
         return ReasonOr(path + ": " + Texts::tr("cannot be written"));
@@ -58,12 +58,12 @@ SampleAnswer CollectSamples(const SampleRequest& request, CDataProgress& progres
     const auto source = OpenForNumbers(request.path, request.reference, answer.reason);
     if (!source)
         return answer;
-    cli::SampleClasses classes;
+    host::SampleClasses classes;
     for (const SampleShapes& each : request.classes)
         classes.push_back(MakeClass(each));
     progress.BeginProgress(L"", 1);
-    cli::CollectPixels(classes, *source, request.path.toStdString());
-    for (const cli::SampleClass& each : classes)
+    host::CollectPixels(classes, *source, request.path.toStdString());
+    for (const host::SampleClass& each : classes)
         answer.spectra.push_back(SpectrumOf(each, source->GetBandCount()));
     if (!progress.StepProgress(1, L"")) {
         answer.reason = Texts::tr("cancelled");
@@ -81,7 +81,7 @@ SampleFileContent ReadSamples(const QString& path) {
         content.reason = ReasonOr(path + ": " + Texts::tr("not a file of samples"));
         return content;
     }
-    for (const cli::SampleClass& each : cli::ClassesOf(file)) {
+    for (const host::SampleClass& each : host::ClassesOf(file)) {
         SampleShapes shapes{0, QString::fromStdString(each.name), {}};
         for (const auto& shape : each.shapes)
             shapes.shapes.push_back(CopyOf(shape.get()));

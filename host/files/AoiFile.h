@@ -1,0 +1,36 @@
+#pragma once
+
+#include "zelto/aoi/AOISource.h"
+
+#include <string>
+
+namespace zelto::host {
+
+/// Opens an area of interest, whole or not at all.
+/// @param srs reference system to show it in; empty: its own
+void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs = "");
+
+/// Writes an area of interest by the path's extension: "aif", "shp", "gpkg", "geojson" or "json".
+/// In vector files an ellipse becomes a polygon; GeoJSON is in longitude and latitude. Throws
+/// Failure.
+/// @param tolerance largest distance of such a polygon from its ellipse in ground units; 0: a
+///        hundred-thousandth of the ellipse's longer side
+void SaveAoiOrFail(CAOISource& aoi, const std::string& path, double tolerance = 0.0);
+
+/// Lets the largest ellipse become a ring of 20,000 points; the engine's own step of a
+/// thousandth of a ground unit would make millions of them.
+void UseModerateRings(CAOISource& aoi);
+
+/// Throws UsageError for a path that SaveAoiOrFail() has no format for, and for a tolerance where
+/// the format keeps ellipses as they are.
+void RequireAoiFormat(const std::string& path, double tolerance = 0.0);
+
+/// A reference system as WKT; empty for none and for what cannot be read.
+/// @param format GDAL's export option: "FORMAT=WKT1_GDAL", or "FORMAT=WKT1_ESRI" as other
+///        programs expect it in a .prj file
+std::string SrsAsWkt(const std::string& srs, const char* format);
+
+/// "rectangle", "ellipse", "polygon"
+std::string KindName(const CDrawShape& shape);
+
+} // namespace zelto::host
