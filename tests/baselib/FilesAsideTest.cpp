@@ -2,42 +2,29 @@
 
 #include "zelto/baselib/internal/FilePaths.h"
 
+#include "tests/baselib/FolderTest.h"
 #include "tests/support/CopiedProcess.h"
 #include "tests/support/DisturbedProcess.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <map>
 
 namespace fs = std::filesystem;
 
 namespace {
 
+using zelto::test::Contents;
 using zelto::test::Disturb;
 using zelto::test::Disturbance;
 using zelto::test::DisturbedRun;
 using zelto::test::EndCopy;
-using Contents = std::map<std::string, std::string>;
 using Paths = std::vector<fs::path>;
 
-class FilesAside : public testing::Test {
+class FilesAside : public zelto::test::FolderTest {
   protected:
     FilesAside() { Write(OLD); }
 
-    void Write(const Contents& files) const {
-        for (const auto& [name, text] : files)
-            zelto::test::WriteFile(m_folder.File(name), text);
-    }
-    /// What stands in the folder under the names that are not hidden.
-    Contents Visible() const {
-        Contents files;
-        for (const std::string& name : m_folder.Names())
-            if (name.front() != '.')
-                files[name] = zelto::test::ReadFile(m_folder.File(name));
-        return files;
-    }
     /// One of them is named twice, one does not exist.
     Paths Files() const {
         return {m_folder.File("a"), m_folder.File("none"), m_folder.File("b"), m_folder.File("a")};
@@ -64,7 +51,6 @@ class FilesAside : public testing::Test {
     }
 
     static const Contents OLD;
-    zelto::test::TemporaryFolder m_folder;
 };
 
 const Contents FilesAside::OLD = {{"a", "first"}, {"b", "second"}, {"c", "third"}};

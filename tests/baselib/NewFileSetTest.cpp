@@ -3,11 +3,11 @@
 #include "zelto/baselib/CommonFun.h"
 #include "zelto/datasource/GISDataSource.h"
 
+#include "tests/baselib/FolderTest.h"
 #include "tests/support/CopiedProcess.h"
 #include "tests/support/DisturbedProcess.h"
 #include "tests/support/NamedPipe.h"
 #include "tests/support/SmallDisk.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <map>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
@@ -26,26 +25,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using zelto::test::Contents;
 using zelto::test::Disturb;
 using zelto::test::Disturbance;
 using zelto::test::DisturbedRun;
 using Names = std::vector<std::string>;
-using Contents = std::map<std::string, std::string>;
 
-class NewFileSet : public testing::Test {
+class NewFileSet : public zelto::test::FolderTest {
   protected:
-    void Write(const Contents& files) const {
-        for (const auto& [name, text] : files)
-            zelto::test::WriteFile(m_folder.File(name), text);
-    }
-    /// What stands in the folder under the names that are not hidden.
-    Contents Visible() const {
-        Contents files;
-        for (const std::string& name : m_folder.Names())
-            if (name.front() != '.')
-                files[name] = zelto::test::ReadFile(m_folder.File(name));
-        return files;
-    }
     /// Writes files into the hidden folder; false when one cannot be written.
     static bool Fill(CNewFileSet& set, const Contents& files) {
         const fs::path folder = fs::path(CommonFun::U2M(set.GetTemporaryPath())).parent_path();
@@ -61,8 +48,6 @@ class NewFileSet : public testing::Test {
         CNewFileSet set(m_folder.WideFile("a.shp"));
         return set.IsOpen() && Fill(set, files) && set.Commit(oldFiles);
     }
-
-    zelto::test::TemporaryFolder m_folder;
 };
 
 const Contents OLD = {{"a.dbf", "old table"}, {"a.prj", "old place"}, {"a.shp", "old shapes"}};

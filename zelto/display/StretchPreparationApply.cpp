@@ -5,6 +5,7 @@
 #include "zelto/geometry/Point2D.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
+#include "zelto/raster/internal/FirstCounted.h"
 
 #include <algorithm>
 #include <cmath>
@@ -51,9 +52,6 @@ bool LacksRange(const CRasterBand& band) {
     return !(band.GetMaximum() - band.GetMinimum() >= 1.0);
 }
 
-/// Where the band begins to count from zero, which is background in most images.
-constexpr double FIRST_COUNTED_FROM_ZERO = 0.5;
-
 GISError RefuseHistogram() {
     return zelto::FailWith(GIS_NOT_SUPPORTED, L"",
                            "the values of a band lie too close together for a histogram");
@@ -94,7 +92,7 @@ GISError EqualizeBetween(CRasterBand& band, Range range, const BandPlan& plan,
     std::array<int, 256> counts{};
     if (plan.histogram)
         counts = plan.histogram->counts;
-    else if (!((range.low == 0.0 ? FIRST_COUNTED_FROM_ZERO : range.low) < range.high))
+    else if (!(zelto::FirstCounted(range.low) < range.high))
         return RefuseHistogram();
     else if (!band.GetHistogram(range.low, range.high, static_cast<int>(counts.size()),
                                 counts.data(), false, true, progress))

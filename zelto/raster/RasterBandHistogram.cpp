@@ -2,6 +2,7 @@
 #include "zelto/display/RasterHistogram.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/internal/BandCall.h"
+#include "zelto/raster/internal/FirstCounted.h"
 #include "zelto/raster/internal/StatisticsBand.h"
 
 #include <gdal_priv.h>
@@ -21,14 +22,12 @@ bool CountPixels(GDALRasterBand& band, double min, double max, int buckets, int*
                  CDataProgress* progress) {
     const __int64 pixels = static_cast<__int64>(band.GetXSize()) * band.GetYSize();
     const bool approximate = pixels > MAX_PIXELS_COUNTED_EXACTLY;
-    // Background is zero in most images and would dwarf every other count.
-    const double lowest = min == 0.0 ? 0.5 : min;
     try {
         std::vector<GUIntBig> found(static_cast<std::size_t>(buckets));
         const zelto::StatisticsBand source(band);
         const bool counted = zelto::Reads(band, [&] {
-            return source->GetHistogram(lowest, max, buckets, found.data(), FALSE, approximate,
-                                        GDALProgressFuncEx, progress);
+            return source->GetHistogram(zelto::FirstCounted(min), max, buckets, found.data(), FALSE,
+                                        approximate, GDALProgressFuncEx, progress);
         });
         if (!counted)
             return false;
