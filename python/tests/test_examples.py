@@ -2,12 +2,14 @@
 
 import doctest
 import importlib
+import inspect
 import os
 import pkgutil
 import re
 import shutil
 import subprocess
 import sys
+import typing
 
 import numpy as np
 import pytest
@@ -47,6 +49,19 @@ def test_everything_public_has_a_docstring():
             for member, value in examined.items():
                 if callable(value) and not member.startswith("_") and not isinstance(value, type):
                     assert value.__doc__ or member == "to_dict", f"{name}.{member}"
+
+
+def test_every_annotation_can_be_read_while_running():
+    for module in (zelto, zelto.many):
+        for name in module.__all__:
+            subject = getattr(module, name)
+            parts = [subject] if callable(subject) else []
+            if inspect.isclass(subject):
+                methods = [part.fget if isinstance(part, property) else part
+                           for part in vars(subject).values()]
+                parts += [method for method in methods if inspect.isfunction(method)]
+            for part in parts:
+                typing.get_type_hints(part)
 
 
 def test_types():

@@ -3,17 +3,15 @@
 from __future__ import annotations
 
 import os
-from typing import TYPE_CHECKING, Any, Dict, Tuple, Union
+from typing import Any, Dict, Tuple, Union
 
 import numpy as np
 
 from . import _engine
-from ._arguments import Bounds, PathLike, coordinates, encoded, finite, text_argument
+from ._arguments import AreaLike, Bounds, PathLike, coordinates, encoded, finite, text_argument
+from ._arrays import Mask
+from ._raster import Raster
 from ._shapes import Rectangle, Shape, shape_of, shapes_of
-
-if TYPE_CHECKING:
-    from ._arrays import Mask
-    from ._raster import Raster
 
 
 class AreaOfInterest:
@@ -138,10 +136,6 @@ def _area_again(shapes: Any, crs: str) -> AreaOfInterest:
     area._native.wkt = text_argument("crs", crs)
     area._native.add(shapes)
     return area
-
-
-#: An area, or what one is made of: a path, shapes, GeoJSON, ``__geo_interface__``.
-AreaLike = Any
 
 
 def as_area(source: AreaLike) -> AreaOfInterest:

@@ -5,18 +5,18 @@ from __future__ import annotations
 import math
 import os
 from collections.abc import Iterable, Sequence
-from typing import TYPE_CHECKING, Any, List, NamedTuple, Tuple, Union
+from typing import Any, List, NamedTuple, Tuple, Union
 
 import numpy as np
 
+from ._arrays import Doubles
 from ._engine import band_numbers as band_numbers, whole as whole
-
-if TYPE_CHECKING:
-    from ._arrays import Doubles
 
 PathLike = Union[str, "os.PathLike[str]"]
 Box = Sequence[float]
 Window = Sequence[int]
+#: An area, or what one is made of: a path, shapes, GeoJSON, ``__geo_interface__``.
+AreaLike = Any
 
 
 class Bounds(NamedTuple):

@@ -1,15 +1,12 @@
-"""Types of arrays. Only checkers read this: NumPy's own types take a while to load."""
+"""Types of arrays, made here because NumPy's module of types takes a while to load."""
 
-from typing import Any
+from typing import Any, Union
 
 import numpy as np
-import numpy.typing as npt
-from numpy.typing import DTypeLike
 
-Array = npt.NDArray[Any]
-Bytes = npt.NDArray[np.uint8]
-Counts = npt.NDArray[np.int64]
-Doubles = npt.NDArray[np.float64]
-Mask = npt.NDArray[np.bool_]
-
-__all__ = ["Array", "Bytes", "Counts", "DTypeLike", "Doubles", "Mask"]
+Array = np.ndarray[Any, np.dtype[Any]]
+Bytes = np.ndarray[Any, np.dtype[np.uint8]]
+Counts = np.ndarray[Any, np.dtype[np.int64]]
+Doubles = np.ndarray[Any, np.dtype[np.float64]]
+Mask = np.ndarray[Any, np.dtype[np.bool_]]
+DTypeLike = Union[str, type, "np.dtype[Any]"]

@@ -2,20 +2,18 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Optional, Sequence, Tuple, Union
+from typing import Any, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _engine
 from ._arguments import Box, PathLike, encoded, engine_box, whole
+from ._arrays import Bytes
 from ._facts import Grid
 from ._looks import as_settings, check_look
 from ._progress import Progress, as_callable
 from ._raster import Raster
 from ._views import Size, choose_view
-
-if TYPE_CHECKING:
-    from ._arrays import Bytes
 
 Colour = Tuple[Union[Raster, PathLike], int]
 

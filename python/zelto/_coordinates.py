@@ -3,16 +3,14 @@
 from __future__ import annotations
 
 from dataclasses import asdict, dataclass
-from typing import TYPE_CHECKING, Any, Dict, Optional, Sequence, Tuple, Union
+from typing import Any, Dict, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _engine
 from ._alike import Alike
 from ._arguments import coordinates, numbers, text_argument, whole
-
-if TYPE_CHECKING:
-    from ._arrays import Doubles
+from ._arrays import Doubles
 
 
 class CoordinateTransformation:

@@ -3,17 +3,15 @@
 from __future__ import annotations
 
 import math
-from typing import TYPE_CHECKING, Any, List, Optional, Sequence, Tuple, Union
+from typing import Any, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _engine
 from ._arguments import PathLike, Window, band_numbers
+from ._arrays import DTypeLike
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster, create
-
-if TYPE_CHECKING:
-    from ._arrays import DTypeLike
 
 
 def copy(

@@ -2,21 +2,18 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Optional, Sequence, Tuple, Union
+from typing import Any, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _engine
-from ._arguments import Bounds, Box, PathLike, engine_box, text_argument
+from ._arguments import AreaLike, Bounds, Box, PathLike, engine_box, text_argument
+from ._arrays import Bytes, Mask
 from ._facts import RasterFacts
 from ._looks import as_settings, check_look
 from ._pictures import png_bytes, save_picture
 from ._progress import Progress, as_callable
 from ._views import Size, choose_view
-
-if TYPE_CHECKING:
-    from ._area import AreaLike
-    from ._arrays import Bytes, Mask
 
 
 def _shapes(area: Optional[AreaLike]) -> Optional[_engine.Area]:

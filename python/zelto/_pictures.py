@@ -3,15 +3,13 @@
 from __future__ import annotations
 
 import os
-from typing import TYPE_CHECKING, Optional
+from typing import Optional
 
 import numpy as np
 
 from . import _engine
 from ._arguments import Box, PathLike, box_argument, encoded, engine_box, text_argument
-
-if TYPE_CHECKING:
-    from ._arrays import Bytes
+from ._arrays import Bytes
 
 
 def save_picture(

@@ -4,18 +4,16 @@ from __future__ import annotations
 
 import os
 from collections.abc import Sequence
-from typing import TYPE_CHECKING, Any, Optional, Tuple, Union
+from typing import Any, Optional, Tuple, Union
 
 import numpy as np
 
 from . import _engine
 from ._arguments import Window, band_numbers, numbers, text_argument
+from ._arrays import Array, DTypeLike
 from ._facts import RasterFacts
 from ._looks import as_color
 from ._progress import Progress, as_callable
-
-if TYPE_CHECKING:
-    from ._arrays import Array, DTypeLike
 
 _DTYPES = ("uint8", "uint16", "int16", "uint32", "int32", "float32", "float64")
 

@@ -2,16 +2,14 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Tuple
+from typing import Any, Tuple
 
 import numpy as np
 
 from . import _engine
 from ._arguments import coordinates
+from ._arrays import Array
 from ._facts import RasterFacts
-
-if TYPE_CHECKING:
-    from ._arrays import Array
 
 
 class RasterPlaces(RasterFacts):

@@ -5,17 +5,15 @@ from __future__ import annotations
 import os
 import warnings
 from types import TracebackType
-from typing import TYPE_CHECKING, Any, Optional, Sequence, Tuple, Type, Union
+from typing import Any, Optional, Sequence, Tuple, Type, Union
 
 
 from . import _engine
 from ._arguments import PathLike, encoded, numbers, text_argument, whole
+from ._arrays import DTypeLike
 from ._drawing import RasterDrawing
 from ._pixels import RasterPixels
 from ._places import RasterPlaces
-
-if TYPE_CHECKING:
-    from ._arrays import DTypeLike
 
 
 class Raster(RasterPlaces, RasterPixels, RasterDrawing):

@@ -4,21 +4,19 @@ from __future__ import annotations
 
 import os
 from dataclasses import asdict, dataclass, field
-from typing import TYPE_CHECKING, Any, Dict, List, Optional, Sequence, Tuple, Union
+from typing import Any, Dict, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _engine
 from ._alike import Alike
-from ._area import AreaLike, as_area
-from ._arguments import PathLike, encoded, whole
+from ._area import as_area
+from ._arguments import AreaLike, PathLike, encoded, whole
+from ._arrays import Doubles
 from ._looks import Color, as_color
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster
 from ._shapes import Shape, shape_of
-
-if TYPE_CHECKING:
-    from ._arrays import Doubles
 
 
 @dataclass(frozen=True, eq=False)

@@ -5,20 +5,18 @@ from __future__ import annotations
 import math
 from collections.abc import Iterator, Sequence
 from dataclasses import asdict, dataclass
-from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple, Union, overload
+from typing import Any, Dict, List, Optional, Tuple, Union, overload
 
 import numpy as np
 
 from . import _engine
 from ._alike import Alike
-from ._area import AreaLike, AreaOfInterest, as_area
-from ._arguments import Box, PathLike, band_numbers, box_argument, numbers, whole
+from ._area import AreaOfInterest, as_area
+from ._arguments import AreaLike, Box, PathLike, band_numbers, box_argument, numbers, whole
+from ._arrays import Counts, Doubles
 from ._progress import Progress, as_callable
 from ._raster import Raster, as_raster
 from ._shapes import Rectangle
-
-if TYPE_CHECKING:
-    from ._arrays import Counts, Doubles
 
 
 @dataclass(frozen=True)

@@ -28,8 +28,7 @@ from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
-from .._area import AreaLike
-from .._arguments import Box, PathLike, band_numbers, encoded, whole
+from .._arguments import AreaLike, Box, PathLike, band_numbers, encoded, whole
 from .._looks import LOOK, as_settings
 from .._progress import Progress
 from .._raster import Raster

@@ -4,18 +4,16 @@ from __future__ import annotations
 
 import os
 from dataclasses import dataclass
-from typing import TYPE_CHECKING, Any, Dict, List, Optional, Sequence, Tuple
+from typing import Any, Dict, List, Optional, Sequence, Tuple
 
 import numpy as np
 
 from .. import _engine
 from .._area import AreaOfInterest
+from .._arrays import Counts
 from .._raster import Raster, open
 from .._statistics import Buckets
 from ._exact import BandSums, ProductSums, band_sums, product_sums
-
-if TYPE_CHECKING:
-    from .._arrays import Counts
 
 
 @dataclass(frozen=True)
