@@ -141,9 +141,9 @@ void AddBoundedRender() {
 void AddStatistics(const std::string& image) {
     const Words gdal = {"gdalinfo", "-stats", image};
     AddPrograms("info --stats / gdalinfo -stats", 0.7, Zelto({"info", "--stats", image}), gdal,
-                image, 3);
+                image, 7);
     AddPrograms("stats, whole image / gdalinfo -stats", 0.7, Zelto({"stats", image}), gdal, image,
-                3);
+                7);
     const std::string star = StarArea(SIZE, VERTICES);
     Words read = {OwnProgram("zelto_reference"), "read", image};
     for (const double side : StarBox(SIZE))
