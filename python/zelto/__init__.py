@@ -34,6 +34,7 @@ if TYPE_CHECKING:
     )
     from ._copy import copy
     from ._facts import Affine, Band, Sampled, Subdataset
+    from ._histogram import Histogram, histogram
     from ._looks import ClassColor
     from ._pictures import save_picture
     from ._polygons import polygonize
@@ -49,11 +50,9 @@ if TYPE_CHECKING:
     from ._statistics import (
         BandStatistics,
         Covariance,
-        Histogram,
         RegionStatistics,
         StatisticsTable,
         covariance,
-        histogram,
         statistics,
     )
     from ._zones import ZoneBand, zonal_statistics
@@ -66,13 +65,14 @@ else:
         "gauss_kruger is_same_crs",
         "_copy": "copy",
         "_facts": "Affine Band Sampled Subdataset",
+        "_histogram": "Histogram histogram",
         "_looks": "ClassColor",
         "_pictures": "save_picture",
         "_polygons": "polygonize",
         "_samples": "ClassEntry ClassFile SampleClass SampleFile SamplePixels sample_pixels",
         "_shapes": "Ellipse Line Point Polygon Rectangle Shape",
-        "_statistics": "BandStatistics Covariance Histogram RegionStatistics StatisticsTable "
-        "covariance histogram statistics",
+        "_statistics": "BandStatistics Covariance RegionStatistics StatisticsTable covariance "
+        "statistics",
         "_zones": "ZoneBand zonal_statistics",
     }
 

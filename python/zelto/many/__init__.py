@@ -22,25 +22,19 @@ Every function takes
 from __future__ import annotations
 
 import os
-from dataclasses import dataclass
 from pathlib import Path
 from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from .._arguments import AreaLike, Box, PathLike, band_numbers, encoded, whole
+from .._histogram import Histogram, plan_buckets, range_argument
 from .._looks import LOOK, as_settings
 from .._progress import Progress
 from .._raster import Raster
-from .._statistics import (
-    BandStatistics,
-    Covariance,
-    Histogram,
-    plan_buckets,
-    range_argument,
-    region_area,
-)
+from .._statistics import BandStatistics, Covariance, region_area
 from ._exact import BandSums, ProductSums
+from ._results import ManyCovariance, ManyHistogram, ManyStatistics
 from ._scenes import Run, SceneResult
 from ._tasks import (
     counts_of,
@@ -66,53 +60,6 @@ __all__ = [
     "render_all",
     "statistics",
 ]
-
-
-@dataclass(frozen=True)
-class ManyScenes:
-    """What was measured, and what could not be."""
-
-    scenes: Tuple[str, ...]
-    failures: Tuple[SceneResult, ...]
-
-    def to_dict(self) -> Dict[str, Any]:
-        return {
-            "scenes": list(self.scenes),
-            "failures": [failure.to_dict() for failure in self.failures],
-        }
-
-
-@dataclass(frozen=True)
-class ManyStatistics(ManyScenes):
-    """Of all scenes together."""
-
-    bands: Tuple[BandStatistics, ...]
-
-    def rows(self) -> List[Dict[str, Any]]:
-        return [band.to_dict() for band in self.bands]
-
-    def to_dict(self) -> Dict[str, Any]:
-        return {"bands": self.rows(), **super().to_dict()}
-
-
-@dataclass(frozen=True)
-class ManyCovariance(ManyScenes):
-    """Of all scenes together."""
-
-    covariance: Covariance
-
-    def to_dict(self) -> Dict[str, Any]:
-        return {"covariance": self.covariance.to_dict(), **super().to_dict()}
-
-
-@dataclass(frozen=True)
-class ManyHistogram(ManyScenes):
-    """Of all scenes together."""
-
-    histogram: Histogram
-
-    def to_dict(self) -> Dict[str, Any]:
-        return {"histogram": self.histogram.to_dict(), **super().to_dict()}
 
 
 def _paths(scenes: Scenes) -> List[str]:

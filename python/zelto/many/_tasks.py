@@ -11,8 +11,8 @@ import numpy as np
 from .. import _engine
 from .._area import AreaOfInterest
 from .._arrays import Counts
+from .._histogram import Buckets
 from .._raster import Raster, open
-from .._statistics import Buckets
 from ._exact import BandSums, ProductSums, band_sums, product_sums
 
 
