@@ -11,8 +11,9 @@ inline std::string WithoutName(const std::string& file, const std::string& reaso
     return reason.compare(0, name.size(), name) == 0 ? reason.substr(name.size()) : reason;
 }
 
-/// The work failed: which file, and why; the reason may begin with the file as well. The program
-/// prints it as one line and exits with 1.
+/// The work failed: which file, and why; the reason may begin with the file as well. The command
+/// line prints it as one line and exits with 1, Python raises zelto.Error, the viewer shows it in
+/// its bar.
 class Failure : public std::runtime_error {
   public:
     Failure(const std::string& file, const std::string& reason)
@@ -27,7 +28,8 @@ class Failure : public std::runtime_error {
     std::string m_file;
 };
 
-/// The options make no sense together; the program prints it and exits with 2.
+/// What was asked for makes no sense; the command line prints it and exits with 2, Python raises
+/// ValueError.
 class UsageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

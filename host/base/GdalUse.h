@@ -15,7 +15,7 @@ class GdalUse {
     GdalUse& operator=(const GdalUse&) = delete;
 };
 
-/// The same with GDAL's messages kept from the terminal: the commands tell what failed in lines
+/// The same with GDAL's messages kept from the terminal: hosts tell what failed in lines
 /// of their own. GDAL must outlive its message handler, which it would otherwise lose.
 class QuietGdalUse {
   private:

@@ -19,7 +19,7 @@ void OpenOrFail(CGISDataSource& source, const std::string& path,
                 GISDataAccess access = GIS_READONLY, bool warp = false);
 
 /// Whether the path leads to a pipe, a socket or a device. Reading one waits for a writer that may
-/// never come, or never ends, so that no command opens one.
+/// never come, or never ends, so that no host opens one.
 bool IsPipeOrDevice(const std::string& path);
 
 /// Throws Failure for a pipe, a socket and a device.

@@ -1,9 +1,6 @@
-// The engine's own calls, timed as C++ makes them, for the Python package to be compared with:
-//
-//   zelto_python_call_times SCENE
-//
-// reads names of calls from its standard input, a line each, and answers each with the
-// milliseconds that one such call took.
+// The engine's own calls, timed as C++ makes them, for the Python package to be compared with. A
+// library, loaded into the interpreter: in two processes the same call differs by a tenth, by where
+// their memory happens to lie.
 
 #include "zelto/aoi/AOISource.h"
 #include "zelto/aoi/DrawPolygon.h"
@@ -15,11 +12,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
-#include <functional>
-#include <iostream>
-#include <map>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace {
@@ -48,56 +41,80 @@ void AddStar(CAOISource& area) {
         static_cast<void>(star.release());
 }
 
-} // namespace
+/// What is called: a scene, and an area with points to test.
+class Calls {
+  public:
+    bool Open(const char* path) {
+        m_scene.SetForDisplay(true);
+        if (m_scene.Open(CommonFun::M2U(path).c_str(), GIS_READONLY, true) != GIS_SUCCESS)
+            return false;
+        m_scene.SetStretchType(StretchStdDev);
+        return true;
+    }
+    void Render() {
+        CBoundingBox box = m_scene.GetExtent();
+        const auto picture = NewPixels(4);
+        m_scene.GetShowData(&box, SIDE, SIDE, picture.get(), true);
+        m_scene.ApplyShowDataHISC(SIDE, SIDE, picture.get());
+    }
+    void Read() {
+        int bands[] = {1, 2, 3};
+        const auto values = NewPixels(3);
+        if (m_scene.GetGDALDataset()->RasterIO(GF_Read, 0, 0, SIDE, SIDE, values.get(), SIDE, SIDE,
+                                               GDT_Byte, 3, bands, 0, 0, 0, nullptr) != CE_None)
+            std::abort();
+    }
+    void Contains() {
+        if (m_inside.empty())
+            MakePoints();
+        for (std::size_t i = 0; i < POINTS; ++i)
+            m_inside[i] = m_area.TopoRelationWithPoint(m_x[i], m_y[i]) == TOPO_CONTAIN;
+    }
 
-int main(int argc, char** argv) {
-    if (argc != 2)
-        return 2;
-    CRasterSource scene;
-    scene.SetForDisplay(true);
-    if (scene.Open(CommonFun::M2U(argv[1]).c_str(), GIS_READONLY, true) != GIS_SUCCESS)
-        return 1;
-    scene.SetStretchType(StretchStdDev);
-    CBoundingBox box = scene.GetExtent();
-    // Each has memory of its own, as the arrays that the package returns.
-    const auto newPixels = [](std::size_t channels) {
+  private:
+    /// Each call has memory of its own, as the arrays that the package returns.
+    static std::unique_ptr<unsigned char[]> NewPixels(std::size_t channels) {
         return std::unique_ptr<unsigned char[]>(
             new unsigned char[std::size_t{SIDE} * SIDE * channels]);
-    };
-    const auto render = [&] {
-        const auto picture = newPixels(4);
-        scene.GetShowData(&box, SIDE, SIDE, picture.get(), true);
-        scene.ApplyShowDataHISC(SIDE, SIDE, picture.get());
-    };
-    int bands[] = {1, 2, 3};
-    const auto read = [&] {
-        const auto values = newPixels(3);
-        if (scene.GetGDALDataset()->RasterIO(GF_Read, 0, 0, SIDE, SIDE, values.get(), SIDE, SIDE,
-                                             GDT_Byte, 3, bands, 0, 0, 0, nullptr) != CE_None)
-            std::abort();
-    };
-
-    CAOISource area;
-    AddStar(area);
-    std::vector<double> x(POINTS);
-    std::vector<double> y(POINTS);
-    for (std::size_t i = 0; i < POINTS; ++i) {
-        x[i] = -1.0 + 2.0 * static_cast<double>(i * 7919 % POINTS) / POINTS;
-        y[i] = -1.0 + 2.0 * static_cast<double>(i * 104729 % POINTS) / POINTS;
     }
-    std::vector<unsigned char> inside(POINTS);
-    const auto contains = [&] {
-        for (std::size_t i = 0; i < POINTS; ++i)
-            inside[i] = area.TopoRelationWithPoint(x[i], y[i]) == TOPO_CONTAIN;
-    };
-
-    const std::map<std::string, std::function<void()>> calls = {
-        {"render", render}, {"read", read}, {"contains", contains}};
-    for (std::string name; std::getline(std::cin, name);) {
-        const auto call = calls.find(name);
-        if (call == calls.end())
-            return 2;
-        std::cout << Milliseconds(call->second) << std::endl;
+    void MakePoints() {
+        AddStar(m_area);
+        for (std::size_t i = 0; i < POINTS; ++i) {
+            m_x.push_back(-1.0 + 2.0 * static_cast<double>(i * 7919 % POINTS) / POINTS);
+            m_y.push_back(-1.0 + 2.0 * static_cast<double>(i * 104729 % POINTS) / POINTS);
+        }
+        m_inside.resize(POINTS);
     }
-    return 0;
+
+    CRasterSource m_scene;
+    CAOISource m_area;
+    std::vector<double> m_x;
+    std::vector<double> m_y;
+    std::vector<unsigned char> m_inside;
+};
+
+Calls& TheCalls() {
+    static Calls calls;
+    return calls;
+}
+
+} // namespace
+
+extern "C" {
+
+/// Opens the scene of the calls; 0 when that fails.
+__attribute__((visibility("default"))) int OpenScene(const char* path) {
+    return TheCalls().Open(path) ? 1 : 0;
+}
+
+/// The milliseconds that one call takes.
+__attribute__((visibility("default"))) double TimeRender() {
+    return Milliseconds([] { TheCalls().Render(); });
+}
+__attribute__((visibility("default"))) double TimeRead() {
+    return Milliseconds([] { TheCalls().Read(); });
+}
+__attribute__((visibility("default"))) double TimeContains() {
+    return Milliseconds([] { TheCalls().Contains(); });
+}
 }

@@ -2,7 +2,7 @@
 
     python3 compare.py CALL_TIMES [FOLDER [PATTERN]]
 
-CALL_TIMES is the program zelto_python_call_times; scenes are made in FOLDER, or in a temporary one.
+CALL_TIMES is the library zelto_python_call_times.so; scenes are made in FOLDER, or in a temporary one.
 PATTERN chooses comparisons by their names. Both sides are timed in turn, pair by pair; a ratio is
 the median of the pairs' ratios, so that a machine whose speed drifts still gives one that holds.
 
@@ -10,6 +10,7 @@ Bytecode counts: a package in a folder that cannot be written, or PYTHONDONTWRIT
 interpreter compile the package's sources at each start.
 """
 
+import ctypes
 import math
 import os
 import statistics
@@ -48,22 +49,17 @@ picture = np.dstack([*shown, np.full(shown.shape[1:], 255, np.uint8)])
 
 
 class CallTimes:
-    """The program that makes the engine's calls in C++, when it is asked to."""
+    """The engine's calls as C++ makes them, in this process."""
 
-    def __init__(self, program, scene):
-        self._process = subprocess.Popen([program, scene], stdin=subprocess.PIPE,
-                                         stdout=subprocess.PIPE, text=True)
+    def __init__(self, library, scene):
+        self._calls = ctypes.CDLL(library)
+        if not self._calls.OpenScene(os.fsencode(scene)):
+            raise OSError(f"{scene}: cannot be opened")
 
     def of(self, name):
-        def ask():
-            self._process.stdin.write(name + "\n")
-            self._process.stdin.flush()
-            return float(self._process.stdout.readline())
-        return ask
-
-    def close(self):
-        self._process.stdin.close()
-        self._process.wait()
+        call = self._calls[name]
+        call.restype = ctypes.c_double
+        return call
 
 
 def timed(work):
@@ -157,15 +153,14 @@ def main() -> None:
     native = CallTimes(sys.argv[1], path)
     scene = zelto.open(path)
     compare("render 1024 x 1024, to the C++ call", timed(lambda: scene.render(size=(SIDE, SIDE))),
-            native.of("render"), 1.05, 60)
+            native.of("TimeRender"), 1.05, 60)
     window = (0, 0, SIDE, SIDE)
     compare("read 1024 x 1024 x 3, to the C++ call",
-            timed(lambda: scene.read((1, 2, 3), window=window)), native.of("read"), 1.05, 300)
+            timed(lambda: scene.read((1, 2, 3), window=window)), native.of("TimeRead"), 1.05, 300)
     area = zelto.AreaOfInterest(star())
     x, y = spread(7919, 10**7), spread(104729, 10**7)
     compare("contains of 10 million points, to C++", timed(lambda: area.contains(x, y)),
-            native.of("contains"), 1.2, 3)
-    native.close()
+            native.of("TimeContains"), 1.2, 3)
 
     def fresh(script):
         return timed(lambda: subprocess.run([sys.executable, "-c", script, path], check=True))
