@@ -1,5 +1,6 @@
 #include "host/files/PyramidBuild.h"
 
+#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
@@ -73,9 +74,10 @@ bool Build(const std::string& path, const std::string& resampling, std::vector<i
         return true;
     reason = LastReason(reason);
     // GDAL cannot read some GeoTIFFs any more once it has removed the levels inside; opened
-    // again, it can.
+    // again, it can. Not one that it has left broken.
+    GdalWatch watch;
     return !Interrupted() && source.GetRasterBand(0) != nullptr &&
-           source.Reopen(GIS_UPDATE, false) == GIS_SUCCESS &&
+           source.Reopen(GIS_UPDATE, false) == GIS_SUCCESS && !watch.HasError() &&
            source.GetRasterBand(0)->GetOverviewCount() == 0 && build();
 }
 

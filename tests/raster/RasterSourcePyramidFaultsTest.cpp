@@ -1,6 +1,8 @@
 #include "zelto/raster/RasterBand.h"
 #include "zelto/raster/RasterSource.h"
 
+#include "tests/support/CopiedProcess.h"
+#include "tests/support/DisturbedProcess.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/RecordingProgress.h"
 #include "tests/support/SmallDisk.h"
@@ -10,8 +12,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <optional>
 
+using zelto::test::Disturb;
+using zelto::test::Disturbance;
+using zelto::test::DisturbedRun;
+using zelto::test::EndCopy;
 using zelto::test::Pixels;
 using zelto::test::ReadBand;
 using zelto::test::ReadFile;
@@ -120,6 +127,31 @@ TEST_P(PyramidFaults, ACancelledFirstPyramidLeavesNone) {
 
     EXPECT_EQ(Build(), GIS_SUCCESS);
     EXPECT_EQ(WholeLevels(), Levels());
+}
+
+TEST_P(PyramidFaults, ARebuildIsToldAsDoneOnlyWhereItIs) {
+    const bool isTiff = GetParam().format == RDF_GTiff || GetParam().format == RDF_ENVI;
+    if (!isTiff || GetParam().reducedFiles)
+        GTEST_SKIP() << "GDAL's driver does not tell of every write that fails";
+    ASSERT_EQ(Build(), GIS_SUCCESS);
+    std::map<std::string, std::string> former;
+    for (const std::string& name : m_folder.Names())
+        former[name] = ReadFile(m_folder.File(name));
+    DisturbedRun run{DisturbedRun::Ending::Disturbed};
+    for (int number = 1; run.ending == DisturbedRun::Ending::Disturbed; ++number) {
+        SCOPED_TRACE("refused call " + std::to_string(number));
+        for (const auto& [name, bytes] : former)
+            WriteFile(m_folder.File(name), bytes);
+        run = Disturb(number, Disturbance::FullDisk,
+                      [&] { EndCopy(Build() == GIS_SUCCESS ? 0 : 1); });
+        if (run.ending == DisturbedRun::Ending::CannotWatch)
+            GTEST_SKIP() << "this user may not watch processes";
+        ASSERT_GE(run.exitStatus, 0);
+        if (run.exitStatus == 0) {
+            EXPECT_EQ(WholeLevels(), Levels());
+        }
+    }
+    EXPECT_EQ(run.exitStatus, 0);
 }
 
 TEST_P(PyramidFaults, ACancelledRebuildLeavesTheFormerPyramidOrNone) {

@@ -135,9 +135,11 @@ GISError CRasterSource::BuildOverviewsAndReopen(GDALDataset* dataset, const char
     }
     const bool built =
         BuildOverviews(dataset, resampling, bandCount, bandList, progress) == GIS_SUCCESS;
+    const zelto::BlockPlaces written = zelto::PlacesOfLevels(*dataset);
     zelto::GdalWatch watch;
     Close();
-    const bool whole = built && watch.Succeeded(true, path) && zelto::IsPyramidInFile(path, order);
+    const bool whole =
+        built && watch.Succeeded(true, path) && zelto::IsPyramidInFile(path, order, written);
     if (!whole) {
         if (canRemove)
             zelto::RemovePyramidInside(path);

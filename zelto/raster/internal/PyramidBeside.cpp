@@ -85,7 +85,7 @@ bool BuildIn(const fs::path& folder, GDALDataset& image, const PyramidOrder& ord
     if (!watch.Succeeded(true, name))
         return false;
     ImageElsewhere finished(image, path);
-    return IsPyramidWhole(finished, order, name);
+    return IsPyramidWhole(finished, order, name) && HasEveryBlock(finished, name);
 }
 
 /// The files of a folder, the index of a pyramid last: it makes the others count.

@@ -2,6 +2,7 @@
 
 #include "zelto/baselib/internal/FilePaths.h"
 #include "zelto/baselib/internal/FilesAside.h"
+#include "zelto/baselib/internal/GdalWatch.h"
 #include "zelto/baselib/internal/LastError.h"
 #include "zelto/raster/internal/PyramidBeside.h"
 #include "zelto/raster/internal/PyramidFiles.h"
@@ -36,11 +37,15 @@ bool HasLevels(GDALDataset& image) {
 }
 
 /// Removes what the format lets GDAL remove.
-void RemoveLevels(GDALDataset& image) {
-    // Some drivers report an error although they can build anew.
+/// @return false when that has failed, which only some drivers tell. The reason goes to
+/// LastError().
+bool RemoveLevels(GDALDataset& image) {
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    GdalWatch watch;
     image.BuildOverviews("NEAREST", 0, nullptr, 0, nullptr, GDALProgressFuncNone, nullptr);
     image.FlushCache();
+    // Other drivers report an error although they can build anew.
+    return !IsDriver(image, "GTiff") || watch.Succeeded(true, image.GetDescription());
 }
 
 /// Where a pyramid inside the file must put up with what stands beside the file.
@@ -112,16 +117,19 @@ bool BuildInside(GDALDataset& image, const PyramidOrder& order) {
     }
     if (looksBeside)
         RescanPyramidBeside(image);
-    RemoveLevels(image);
+    const bool removed = RemoveLevels(image);
     // An ERDAS Imagine file is whole when it is closed.
-    const bool done = RunPyramidBuild(image, order, path) &&
-                      (IsDriver(image, "HFA") || IsPyramidInFile(path, order));
+    const bool done =
+        removed && RunPyramidBuild(image, order, path) &&
+        (IsDriver(image, "HFA") || IsPyramidInFile(path, order, PlacesOfLevels(image)));
     if (done) {
         own.Drop();
         return true;
     }
-    // An unfinished pyramid would be shown as if it were whole.
-    RemoveLevels(image);
+    // An unfinished pyramid would be shown as if it were whole. Levels that could not be removed
+    // are whole, and GDAL may never end when it is to remove them again.
+    if (removed)
+        RemoveLevels(image);
     own.PutBack();
     if (looksBeside)
         RescanPyramidBeside(image);
@@ -163,13 +171,14 @@ bool BuildPyramid(GDALDataset& image, const PyramidOrder& order) {
     return IsBuiltInside(image) ? BuildInside(image, order) : BuildPyramidBeside(image, order);
 }
 
-bool IsPyramidInFile(const std::string& path, const PyramidOrder& order) {
+bool IsPyramidInFile(const std::string& path, const PyramidOrder& order,
+                     const BlockPlaces& written) {
     std::error_code ignored;
     if (!fs::is_regular_file(path, ignored))
         return true; // a view, or a part of a container
     const GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
     if (file != nullptr)
-        return IsPyramidWhole(*file, order, path);
+        return IsPyramidWhole(*file, order, path) && NamesPlaces(*file, written, path);
     SetLastError(path + ": it cannot be opened with its pyramid");
     return false;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zelto/datasource/DataProgress.h"
+#include "zelto/raster/internal/PyramidBlocks.h"
 
 #include <string>
 #include <vector>
@@ -41,7 +42,9 @@ bool BuildPyramid(GDALDataset& image, const PyramidOrder& order);
 
 /// Whether the file, opened anew, has the whole pyramid. The reason against it goes to
 /// LastError().
-bool IsPyramidInFile(const std::string& path, const PyramidOrder& order);
+/// @param written PlacesOfLevels() of the image that has written it
+bool IsPyramidInFile(const std::string& path, const PyramidOrder& order,
+                     const BlockPlaces& written);
 
 /// Removes the pyramid inside a file that is not open.
 void RemovePyramidInside(const std::string& path);

@@ -5,7 +5,6 @@
 
 #include <gdal_priv.h>
 
-#include <algorithm>
 #include <numeric>
 
 namespace zelto {
@@ -33,15 +32,33 @@ bool EndsReadably(GDALRasterBand& level) {
                           GDT_CFloat64, 0, 0, nullptr) == CE_None;
 }
 
-bool HasWholeLevels(GDALRasterBand& band, int count) {
-    if (band.GetOverviewCount() < count)
-        return false;
+/// What is wrong with the levels of a band; null for nothing.
+const char* FlawOfLevels(GDALRasterBand* band, int count) {
+    const char* const incomplete = "its pyramid is not complete";
+    if (band == nullptr || band->GetOverviewCount() < count)
+        return incomplete;
+    // A removal that fails on its way can leave some, which then stand between the new ones.
+    if (band->GetOverviewCount() > count)
+        return "levels of its former pyramid are still there";
     for (int i = 0; i < count; ++i) {
-        GDALRasterBand* level = band.GetOverview(i);
+        GDALRasterBand* level = band->GetOverview(i);
         if (level == nullptr || !EndsReadably(*level))
-            return false;
+            return incomplete;
     }
-    return true;
+    return nullptr;
+}
+
+/// Levels inside a GeoTIFF are data sets of their own. What says where their blocks are would wait
+/// until the file is closed, which reports no result.
+void FlushLevels(GDALDataset& dataset) {
+    for (int number = 1; number <= dataset.GetRasterCount(); ++number) {
+        GDALRasterBand& band = *dataset.GetRasterBand(number);
+        for (int i = 0; i < band.GetOverviewCount(); ++i) {
+            GDALRasterBand* level = band.GetOverview(i);
+            if (level != nullptr && level->GetDataset() != nullptr)
+                level->GetDataset()->FlushCache();
+        }
+    }
 }
 
 } // namespace
@@ -55,6 +72,7 @@ bool RunPyramidBuild(GDALDataset& dataset, const PyramidOrder& order, const std:
         order.resampling.c_str(), static_cast<int>(levels.size()), levels.data(),
         static_cast<int>(bands.size()), bands.empty() ? nullptr : bands.data(),
         order.progress != nullptr ? WatchProgress : GDALProgressFuncNone, &watched);
+    FlushLevels(dataset);
     dataset.FlushCache();
     if (watched.cancelled) {
         SetLastError(file + ": the build of its pyramid was cancelled");
@@ -70,15 +88,14 @@ bool IsPyramidWhole(GDALDataset& dataset, const PyramidOrder& order, const std::
         std::iota(bands.begin(), bands.end(), 1);
     }
     GdalWatch watch;
-    const bool whole = std::all_of(bands.begin(), bands.end(), [&](int number) {
-        GDALRasterBand* band = dataset.GetRasterBand(number);
-        return band != nullptr && HasWholeLevels(*band, static_cast<int>(order.levels.size()));
-    });
-    if (!whole && !watch.HasError()) {
-        SetLastError(file + ": its pyramid is not complete");
+    const char* flaw = nullptr;
+    for (std::size_t i = 0; i < bands.size() && flaw == nullptr; ++i)
+        flaw = FlawOfLevels(dataset.GetRasterBand(bands[i]), static_cast<int>(order.levels.size()));
+    if (flaw != nullptr && !watch.HasError()) {
+        SetLastError(file + ": " + flaw);
         return false;
     }
-    return watch.Succeeded(whole, file);
+    return watch.Succeeded(flaw == nullptr, file);
 }
 
 } // namespace zelto

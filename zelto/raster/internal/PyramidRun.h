@@ -9,8 +9,8 @@ namespace zelto {
 /// The reason of a failure goes to LastError() under the name of `file`.
 bool RunPyramidBuild(GDALDataset& dataset, const PyramidOrder& order, const std::string& file);
 
-/// Whether every band of the order has its levels and their ends can be read; what a file lost
-/// when it was closed shows here. The reason of a failure goes to LastError().
+/// Whether every band of the order has its levels, no others, and their ends can be read; what a
+/// file lost when it was closed shows here. The reason of a failure goes to LastError().
 bool IsPyramidWhole(GDALDataset& dataset, const PyramidOrder& order, const std::string& file);
 
 } // namespace zelto
