@@ -255,3 +255,13 @@ TEST_F(SamplePixels, RandomShapesAgreeWithThePlainRule) {
         EXPECT_EQ(m_samples, plain);
     }
 }
+
+TEST_F(SamplePixels, OfAnImageWithoutBandsHaveNoValues) {
+    const std::vector<Pixels> bands = {Pixels(64, 1.0), Pixels(64, 2.0)};
+    const auto source = Open(UnitSpec(8, 8), bands);
+    std::filesystem::rename(WriteContainer(m_folder.File("two.nc"), UnitSpec(8, 8), bands), m_path);
+    ASSERT_EQ(source->Reopen(GIS_READONLY, false), GIS_NOT_SUPPORTED);
+    ASSERT_EQ(source->GetBandCount(), 0);
+    EXPECT_TRUE(Collect(*source, *Rectangle(1, 7, 7, 4)));
+    EXPECT_EQ(m_samples, Samples(6 * 3)) << "one for each pixel";
+}

@@ -160,6 +160,15 @@ TEST_F(StatisticsBlocks, AnAreaOffALargeRasterCountsNothing) {
     EXPECT_EQ(m_count, 0);
 }
 
+TEST_F(StatisticsBlocks, AnAreaOfMoreRowsThanCanBeCountedCountsNothing) {
+    auto source = OpenSparse(20, 8, 1, {{0, 0, 100}});
+    // 10 columns, and 4,000,000,000 rows, which 32 bits hold as -294,967,296.
+    auto area = Area(Rectangle(5, 2e9, 15, -2e9));
+    EXPECT_FALSE(Compute(*source, *area));
+    EXPECT_EQ(m_count, 0);
+    EXPECT_EQ(m_mean[0], -999);
+}
+
 TEST_F(StatisticsBlocks, ExactlyTheBudgetIsReadPixelByPixel) {
     auto source = OpenSparse(4100, 4100, 1, {{0, 0, 100}, {2, 2, 8}});
     auto area = Area(Rectangle(2, 4098, 4098, 2)); // 4,096 × 4,096

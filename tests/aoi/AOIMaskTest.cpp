@@ -400,10 +400,11 @@ TEST_F(AOIMask, WritingIntoARasterFailsWhereItMust) {
     CRasterSource closed;
     EXPECT_EQ(CAOIMask::WriteRaster(&source, &closed, inside, nullptr), GIS_FAILED);
     const TemporaryFolder folder;
-    zelto::test::WriteFile(folder.File("none.vrt"),
-                           "<VRTDataset rasterXSize='4' rasterYSize='4'></VRTDataset>");
+    zelto::test::WriteContainer(folder.File("two.nc"), {.width = 2, .height = 1}, {{1, 2}, {3, 4}});
     CRasterSource bandless;
-    bandless.Open(folder.WideFile("none.vrt").c_str(), GIS_READONLY, true);
+    ASSERT_EQ(bandless.OpenAsDataset(folder.WideFile("two.nc").c_str(), GIS_READONLY), GIS_SUCCESS);
+    ASSERT_EQ(bandless.Reopen(GIS_READONLY, false), GIS_NOT_SUPPORTED);
+    ASSERT_TRUE(bandless.IsOpened());
     EXPECT_EQ(bandless.GetBandCount(), 0);
     EXPECT_EQ(CAOIMask::WriteRaster(&source, &bandless, inside, nullptr), GIS_FAILED);
     EXPECT_EQ(CGISDataSource::GetLastErrorText(), "there is no raster to write the mask into");

@@ -23,15 +23,8 @@ namespace {
 /// A container of two sub-data-sets, 3 × 2 pixels of the values 5 and 6.
 std::wstring WriteContainer(const TemporaryFolder& folder) {
     CGISDataSource::RegisterGDAL();
-    WriteRaster(folder.File("two.tif"), {.width = 3, .height = 2},
-                {Pixels(6, 5.0), Pixels(6, 6.0)});
-    {
-        GDALDatasetUniquePtr two(GDALDataset::Open(folder.File("two.tif").c_str(), GDAL_OF_RASTER));
-        GDALDriver* netcdf = GetGDALDriverManager()->GetDriverByName("netCDF");
-        const GDALDatasetUniquePtr copy(netcdf->CreateCopy(folder.File("two.nc").c_str(), two.get(),
-                                                           FALSE, nullptr, nullptr, nullptr));
-        EXPECT_NE(copy, nullptr);
-    }
+    zelto::test::WriteContainer(folder.File("two.nc"), {.width = 3, .height = 2},
+                                {Pixels(6, 5.0), Pixels(6, 6.0)});
     CGISDataSource::DestroyGDAL();
     return folder.WideFile("two.nc");
 }

@@ -50,6 +50,18 @@ std::string WriteRaster(const std::string& path, const RasterSpec& spec,
     return path;
 }
 
+std::string WriteContainer(const std::string& path, const RasterSpec& spec,
+                           const std::vector<Pixels>& bands) {
+    const std::string plain = WriteRaster(path + ".tif", spec, bands);
+    const GDALDatasetUniquePtr image(GDALDataset::Open(plain.c_str(), GDAL_OF_RASTER));
+    GDALDriver* netcdf = GetGDALDriverManager()->GetDriverByName("netCDF");
+    const GDALDatasetUniquePtr container(
+        netcdf->CreateCopy(path.c_str(), image.get(), FALSE, nullptr, nullptr, nullptr));
+    EXPECT_NE(container, nullptr);
+    VSIUnlink(plain.c_str());
+    return path;
+}
+
 Pixels ReadBand(const std::string& path, int bandNumber) {
     GDALAllRegister();
     GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));

@@ -30,6 +30,12 @@ using Pixels = std::vector<double>;
 std::string WriteRaster(const std::string& path, const RasterSpec& spec,
                         const std::vector<Pixels>& bands);
 
+/// Writes a netCDF file whose every band is a sub-data-set: it has no bands of its own.
+/// @param bands at least two
+/// @return the path
+std::string WriteContainer(const std::string& path, const RasterSpec& spec,
+                           const std::vector<Pixels>& bands);
+
 /// Pixel value `f(column, row)` for every pixel of a width × height band.
 template <typename Function>
 Pixels MakePixels(int width, int height, Function f) {
