@@ -18,7 +18,6 @@ using File = CClassifiedAssistantFile;
 
 constexpr std::uint64_t CLASS_SIZE = 272;
 constexpr std::uint64_t ENTRY_SIZE = 24;
-constexpr std::uint64_t MATRIX_HEADER_SIZE = 8;
 /// Files of this and later versions may end with a matrix.
 constexpr std::int32_t MATRIX_VERSION = 101;
 /// Rows without columns take no bytes, so that the file does not bound their number. More than
@@ -104,8 +103,7 @@ void CClassifiedAssistantFile::ReadLists(BinaryReader& reader) {
     m_classes = ReadRecords<ClassRecord>(reader, GetClassCount(), CLASS_SIZE);
     if (GetEntryTableFlag() != 0)
         m_entries = ReadRecords<EntryRecord>(reader, GetEntryCount(), ENTRY_SIZE);
-    if (GetVersion() >= MATRIX_VERSION && reader.IsGood() &&
-        reader.BytesRemaining() >= MATRIX_HEADER_SIZE)
+    if (GetVersion() >= MATRIX_VERSION)
         m_changedMatrix = ReadMatrix(reader);
 }
 
