@@ -419,3 +419,33 @@ TEST(InterleavedRendering, RowsThatRepeatInOneBandAreNotRepeatedInAnother) {
         for (int c = 0; c < w; ++c)
             ASSERT_EQ(image[4 * (r * w + c) + 2], r);
 }
+
+TEST(InterleavedRendering, APaletteThatTheFileHasLostShowsNothing) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("index.tif"), {.width = 6, .height = 1}, {{0, 1, 2, 3, 4, 5}});
+    ShownRaster source(PaletteOver(folder.File("index.tif")));
+    GDALRasterBand& stored = *source.GetRasterBand(0)->GetGDALBand();
+    ASSERT_EQ(stored.SetColorTable(nullptr), CE_None);
+    ASSERT_EQ(stored.GetColorTable(), nullptr);
+    Bytes nothing;
+    for (int pixel = 0; pixel < 6; ++pixel)
+        nothing.insert(nothing.end(), {255, 255, 255, 0});
+    EXPECT_EQ(source.Interleaved(), nothing);
+}
+
+TEST(InterleavedRendering, WithRedFirstEveryAdjustmentOfColoursCounts) {
+    for (float CRasterSource::*const adjustment :
+         {&CRasterSource::m_hue, &CRasterSource::m_intensity, &CRasterSource::m_saturation,
+          &CRasterSource::m_contrast}) {
+        ShownRaster source({.width = 2, .height = 1}, {{10, 200}, {90, 20}, {200, 90}});
+        source.*adjustment = 0.25F;
+        Bytes expected = source.Interleaved(true);
+        EXPECT_NE(expected, source.Interleaved(false));
+        for (std::size_t pixel = 0; pixel < expected.size(); pixel += 4)
+            std::swap(expected[pixel], expected[pixel + 2]);
+        CBoundingBox box = source.GetExtent();
+        Bytes redFirst(expected.size());
+        EXPECT_TRUE(source.GetShowDataRedFirst(&box, 2, 1, redFirst.data(), true));
+        EXPECT_EQ(redFirst, expected);
+    }
+}

@@ -10,9 +10,7 @@ namespace zelto {
 /// The colour table that a band is shown through; null for a band that has found none. A band given
 /// other colours as records keeps its pointer to the table that GDAL has freed in their place.
 inline const GDALColorTable* PaletteOf(const CRasterBand& band) {
-    GDALRasterBand* const stored = band.GetGDALBand();
-    return band.GetColorTable() == nullptr || stored == nullptr ? band.GetColorTable()
-                                                                : stored->GetColorTable();
+    return band.GetColorTable() != nullptr ? band.GetGDALBand()->GetColorTable() : nullptr;
 }
 
 /// Colour-table entry of a sample: the entry whose index is the sample truncated. Indices
