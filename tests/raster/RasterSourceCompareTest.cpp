@@ -34,6 +34,35 @@ std::string Projected(const std::string& projection, const std::string& meridian
            unit + "]]";
 }
 
+/// A transverse Mercator system with heights above the ellipsoid.
+std::string WithHeights(const std::string& meridian, const std::string& axis = "6378137") {
+    const std::string degree = ",ANGLEUNIT[\"degree\",0.0174532925199433]]";
+    return "PROJCRS[\"My grid\",BASEGEOGCRS[\"My system\",DATUM[\"My datum\","
+           "ELLIPSOID[\"My ball\"," +
+           axis +
+           ",298.3]]],CONVERSION[\"My way\",METHOD[\"Transverse Mercator\"],"
+           "PARAMETER[\"Latitude of natural origin\",0" +
+           degree + ",PARAMETER[\"Longitude of natural origin\"," + meridian + degree +
+           ",PARAMETER[\"Scale factor at natural origin\",1],"
+           "PARAMETER[\"False easting\",500000],PARAMETER[\"False northing\",0]],"
+           "CS[Cartesian,3],AXIS[\"e\",east],AXIS[\"n\",north],AXIS[\"h\",up],"
+           "LENGTHUNIT[\"metre\",1]]";
+}
+
+/// A geographic system around another pole.
+std::string WithPole(const std::string& latitude) {
+    return "GEOGCRS[\"My poles\",BASEGEOGCRS[\"My system\",DATUM[\"My datum\","
+           "ELLIPSOID[\"My ball\",6378137,298.3]]],DERIVINGCONVERSION[\"My way\","
+           "METHOD[\"Pole rotation (GRIB convention)\"],PARAMETER[\"Latitude of the southern pole "
+           "(GRIB convention)\"," +
+           latitude +
+           ",ANGLEUNIT[\"degree\",0.0174532925199433]],PARAMETER[\"Longitude of the southern pole "
+           "(GRIB convention)\",18,ANGLEUNIT[\"degree\",0.0174532925199433]],PARAMETER[\"Axis "
+           "rotation (GRIB convention)\",0,ANGLEUNIT[\"degree\",0.0174532925199433]]],"
+           "CS[ellipsoidal,2],AXIS[\"latitude\",north],AXIS[\"longitude\",east],"
+           "ANGLEUNIT[\"degree\",0.0174532925199433]]";
+}
+
 bool Same(const std::string& first, const std::string& second, bool vertical = true) {
     CRasterSource a;
     CRasterSource b;
@@ -98,6 +127,15 @@ TEST(CompareReferences, SpheroidsAgreeWithinTheirTolerances) {
 TEST(CompareReferences, TransverseMercatorAndGaussKrugerAreOneProjection) {
     EXPECT_TRUE(Same(Projected("Transverse_Mercator", "117"), Projected("Gauss_Kruger", "117")));
     EXPECT_FALSE(Same(Projected("Transverse_Mercator", "117"), Projected("Mercator_1SP", "117")));
+    // GDAL leaves the name as it is where parameters are missing.
+    const auto bare = [](const std::string& projection, const std::string& meridian) {
+        return "PROJCS[\"My grid\"," + Geographic().Wkt() + ",PROJECTION[\"" + projection +
+               "\"],PARAMETER[\"central_meridian\"," + meridian + "],UNIT[\"length\",1]]";
+    };
+    EXPECT_TRUE(Same(bare("Gauss_Kruger", "117"), bare("GAUSS_KRUGER", "117.0")));
+    EXPECT_FALSE(Same(bare("Gauss_Kruger", "117"), bare("Gauss_Kruger", "120")));
+    EXPECT_FALSE(Same(bare("Gauss_Kruger", "117"), bare("Transverse_Mercator", "117")))
+        << "whose scale is 1 then";
 }
 
 TEST(CompareReferences, EveryProjectionParameterCounts) {
@@ -177,6 +215,7 @@ TEST(CompareReferences, ADatumWithoutANameIsThatOfNoOther) {
     EXPECT_FALSE(Same(heights, others)) << "neither has a datum of positions";
     EXPECT_TRUE(Same(heights, heights + " ")) << "but the same of heights";
     EXPECT_FALSE(Same(heights, Geographic().Wkt()));
+    EXPECT_FALSE(Same(heights, "EPSG:4978")) << "neither has positions on the ellipsoid";
     EXPECT_FALSE(Same(heights, "LOCAL_CS[\"Site\",UNIT[\"metre\",1]]"));
 }
 
@@ -201,4 +240,18 @@ TEST(CompareReferences, AProjectedSystemIsNoLocalOne) {
     EXPECT_FALSE(
         Same(Projected("Transverse_Mercator", "117"), "LOCAL_CS[\"Site\",UNIT[\"metre\",1]]"));
     EXPECT_FALSE(Same("EPSG:32650", "EPSG:4978")) << "nor one from the centre of the earth";
+}
+
+TEST(CompareReferences, SystemsWithHeightsAboveTheEllipsoidDifferByTheirParameters) {
+    EXPECT_TRUE(Same(WithHeights("117"), WithHeights("117.0")));
+    EXPECT_FALSE(Same(WithHeights("117"), WithHeights("120")));
+    EXPECT_FALSE(Same(WithHeights("117"), WithHeights("117", "6378245")));
+    EXPECT_FALSE(Same("EPSG:4979", "EPSG:4937")) << "other datums";
+    EXPECT_TRUE(Same("EPSG:4979", "EPSG:4326", false));
+    EXPECT_FALSE(Same("EPSG:4979", "EPSG:4326"));
+}
+
+TEST(CompareReferences, GeographicSystemsAroundOtherPolesDifferByThem) {
+    EXPECT_TRUE(Same(WithPole("-39.25"), WithPole("-39.250")));
+    EXPECT_FALSE(Same(WithPole("-39.25"), WithPole("-40")));
 }

@@ -211,7 +211,8 @@ class ZELTO_API CRasterSource : public CGISDataSource {
     bool IsSameSpatialReference(CRasterSource* other);
     /// The tolerant comparison of datum, spheroid, units and projection; systems of heights must
     /// be the same where both sources have one.
-    /// @param compareVertical whether one with a system of heights differs from one without
+    /// @param compareVertical whether one with heights, by a system of their own or above the
+    /// ellipsoid, differs from one without
     static bool IsSameSpatialReference(CRasterSource* a, CRasterSource* b, bool compareVertical);
     /// Writes one pixel of every band from consecutive slots of the raster's data type.
     GISError SetPixel(void* values, int col, int row);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <string_view>
 
 namespace {
 
@@ -52,7 +53,7 @@ bool IsSameGeographicPart(const OGRSpatialReference& a, const OGRSpatialReferenc
 /// Two names of the same projection count as one.
 const char* ProjectionName(const OGRSpatialReference& reference) {
     const char* name = reference.GetAttrValue("PROJECTION");
-    return name != nullptr && EQUAL(name, "Gauss_Kruger") ? "Transverse_Mercator" : name;
+    return IsSameName(name, "Gauss_Kruger") ? "Transverse_Mercator" : name;
 }
 
 /// Whether every projection parameter of `a` has the same value in `b`.
@@ -87,11 +88,42 @@ bool IsSameKind(const OGRSpatialReference& a, const OGRSpatialReference& b) {
            (a.IsLocal() != 0) == (b.IsLocal() != 0);
 }
 
-/// @param needsBoth whether a system of heights and none are different
+/// Whether a system of positions counts heights above the ellipsoid, and not by a system of their
+/// own.
+bool HasEllipsoidalHeights(const OGRSpatialReference& reference) {
+    return (reference.IsGeographic() != 0 || reference.IsProjected() != 0) &&
+           reference.IsVertical() == 0 && reference.GetAxesCount() == 3;
+}
+
+/// @param needsBoth whether heights and none are different
 bool IsSameVertically(const OGRSpatialReference& a, const OGRSpatialReference& b, bool needsBoth) {
     if (a.IsVertical() != 0 && b.IsVertical() != 0)
         return a.IsSameVertCS(&b) != 0;
-    return !needsBoth || (a.IsVertical() == 0 && b.IsVertical() == 0);
+    return !needsBoth || (a.IsVertical() == 0 && b.IsVertical() == 0 &&
+                          HasEllipsoidalHeights(a) == HasEllipsoidalHeights(b));
+}
+
+/// The system without heights above the ellipsoid: with them, GDAL gives it other nodes than those
+/// that are compared here.
+OGRSpatialReference InPlane(const OGRSpatialReference& reference) {
+    OGRSpatialReference plane(reference);
+    if (HasEllipsoidalHeights(reference))
+        plane.DemoteTo2D(nullptr);
+    return plane;
+}
+
+/// Whether GDAL knows no nodes of a system that could be compared here, as for one around another
+/// pole.
+bool HasOtherNodes(const OGRSpatialReference& reference) {
+    const OGR_SRSNode* root = reference.GetRoot();
+    return root != nullptr && std::string_view(root->GetValue()).ends_with("CRS");
+}
+
+bool IsSameInPlane(const OGRSpatialReference& a, const OGRSpatialReference& b) {
+    if (HasOtherNodes(a) || HasOtherNodes(b))
+        return zelto::IsSameReference(a, b);
+    return IsSameGeographicPart(a, b) && (a.IsProjected() == 0 || IsSameProjection(a, b)) &&
+           HasSameLinearUnits(a, b);
 }
 
 } // namespace
@@ -112,11 +144,6 @@ bool CRasterSource::IsSameSpatialReference(CRasterSource* a, CRasterSource* b,
         return false;
     const OGRSpatialReference& first = *a->m_spatialReference;
     const OGRSpatialReference& second = *b->m_spatialReference;
-    if (!IsSameKind(first, second) || !IsSameGeographicPart(first, second))
-        return false;
-    if (first.IsProjected() != 0 && !IsSameProjection(first, second))
-        return false;
-    if (!HasSameLinearUnits(first, second))
-        return false;
-    return IsSameVertically(first, second, compareVertical);
+    return IsSameKind(first, second) && IsSameInPlane(InPlane(first), InPlane(second)) &&
+           IsSameVertically(first, second, compareVertical);
 }
