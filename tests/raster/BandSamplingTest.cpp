@@ -3,6 +3,7 @@
 #include "zelto/baselib/internal/LastError.h"
 
 #include "tests/raster/BareDataset.h"
+#include "tests/raster/DamagedBlock.h"
 #include "tests/raster/HugeBlock.h"
 #include "tests/raster/OpenedRaster.h"
 #include "tests/support/LimitedMemory.h"
@@ -53,6 +54,27 @@ TEST(BandSampling, WhatAnUnreadableBandHasIsToldByGdal) {
     ASSERT_NE(image, nullptr);
     BandSummary found{.minimum = 3.0};
     EXPECT_FALSE(zelto::SampleBand(*image->GetRasterBand(1), nullptr, nullptr, found));
+    EXPECT_EQ(found.minimum, 3.0);
+    EXPECT_EQ(zelto::LastError().find(path + ": "), 0U) << zelto::LastError();
+}
+
+TEST(BandSampling, ALargeBandThatThreadsCannotReadIsToldOfByGdal) {
+    GDALAllRegister();
+    const TemporaryFolder folder;
+    const std::string path = zelto::test::WriteRaster(
+        folder.File("a.tif"),
+        {.width = 2200,
+         .height = 2200,
+         .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=256", "BLOCKYSIZE=256"}},
+        {zelto::test::MakePixels(2200, 2200, [](int x, int y) { return (x * 3 + y * 7) % 251; })});
+    zelto::test::DamageLastBlock(path);
+    const zelto::test::OpenedRaster opened(path);
+    const GIntBig former = GDALGetCacheMax64();
+    GDALSetCacheMax64(GIntBig{4} << 20);
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
+    BandSummary found{.minimum = 3.0};
+    EXPECT_FALSE(zelto::SampleBand(*opened.Bands()[0], nullptr, nullptr, found));
+    GDALSetCacheMax64(former);
     EXPECT_EQ(found.minimum, 3.0);
     EXPECT_EQ(zelto::LastError().find(path + ": "), 0U) << zelto::LastError();
 }

@@ -35,4 +35,21 @@ class BareDataset : public GDALDataset {
     };
 };
 
+/// A band that says it is one of a data set, which does not know it.
+class StrayBand : public GDALRasterBand {
+  public:
+    StrayBand(GDALDataset& dataset, int number) {
+        poDS = &dataset;
+        nBand = number;
+        nRasterXSize = dataset.GetRasterXSize();
+        nRasterYSize = dataset.GetRasterYSize();
+        eDataType = GDT_Byte;
+        nBlockXSize = nRasterXSize;
+        nBlockYSize = 1;
+    }
+
+  protected:
+    CPLErr IReadBlock(int /*column*/, int /*row*/, void* /*block*/) override { return CE_Failure; }
+};
+
 } // namespace zelto::test

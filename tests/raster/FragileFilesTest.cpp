@@ -1,5 +1,6 @@
 #include "zelto/raster/internal/FragileFiles.h"
 
+#include "tests/raster/BareDataset.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -201,4 +202,6 @@ TEST(FragileFiles, OnlyAZippedElevationTileIsLookedForInItsArchive) {
     const std::string other = zelto::test::WriteRaster(folder.File("N10W110.tif"), {}, {{1.0}});
     const GDALDatasetUniquePtr image(GDALDataset::Open(other.c_str(), GDAL_OF_RASTER));
     EXPECT_TRUE(zelto::SurvivesReading(*image, folder.File("N10W110.hgt.zip")));
+    zelto::test::BareDataset withoutDriver(1, 1, 1);
+    EXPECT_TRUE(zelto::SurvivesReading(withoutDriver, folder.File("N10W110.hgt.zip")));
 }

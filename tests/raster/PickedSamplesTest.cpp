@@ -3,6 +3,7 @@
 #include "zelto/raster/internal/StatisticsBand.h"
 
 #include "tests/raster/BareDataset.h"
+#include "tests/raster/DamagedBlock.h"
 #include "tests/raster/HugeBlock.h"
 #include "tests/raster/OpenedRaster.h"
 #include "tests/support/RasterFile.h"
@@ -172,4 +173,24 @@ TEST(PickedSamples, AreOnlyThoseOfBlocksThatGdalItselfWouldDecode) {
     const GDALDatasetUniquePtr dataset(GDALDataset::Open(huge.c_str(), GDAL_OF_RASTER));
     EXPECT_FALSE(zelto::CanBePicked(*dataset->GetRasterBand(1)));
     EXPECT_FALSE(zelto::CanBePicked(*dataset->GetRasterBand(1)->GetMaskBand()));
+    zelto::test::StrayBand stray(*dataset, 0);
+    EXPECT_FALSE(zelto::CanBePicked(stray));
+}
+
+TEST(PickedSamples, OfABlockWhoseErrorsGdalShallIgnoreAreNone) {
+    GDALAllRegister();
+    const zelto::test::TemporaryFolder folder;
+    const std::string path = zelto::test::WriteRaster(
+        folder.File("a.tif"),
+        {.width = 64,
+         .height = 64,
+         .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=32", "BLOCKYSIZE=32"}},
+        {zelto::test::MakePixels(64, 64, [](int x, int y) { return x * 37 % 101 + y; })});
+    zelto::test::DamageLastBlock(path);
+    const CPLConfigOptionSetter ignored("GTIFF_IGNORE_READ_ERRORS", "YES", false);
+    const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    GDALRasterBand& band = *dataset->GetRasterBand(1);
+    std::vector<std::uint8_t> samples(32 * 32);
+    EXPECT_TRUE(zelto::ReadPicked({&band}, {{0, 0, 32, 32}, 32, 32}, {samples.data()}));
+    EXPECT_FALSE(zelto::ReadPicked({&band}, {{32, 32, 32, 32}, 32, 32}, {samples.data()}));
 }

@@ -56,6 +56,14 @@ TEST(SampledStatistics, ABandOf2048IsReadWhole) {
     EXPECT_EQ(s.deviation, std::sqrt((49.0 + 3 * 10000.0) / 4.0 - 76.75 * 76.75));
 }
 
+TEST(SampledStatistics, OfWholeNumbersWhoseSquaresAddUpBeyondWhatADoubleHolds) {
+    // 2^22 squares of 65534 come to more than 2^53; all sums on the way are even and below 2^54.
+    TestBand band({.width = 2048, .height = 2048, .type = GDT_UInt16},
+                  Pixels(std::size_t{2048} * 2048, 65534.0));
+    EXPECT_EQ(Sampled(*band).mean, 65534.0);
+    EXPECT_EQ(Sampled(*band).deviation, 0.0);
+}
+
 TEST(SampledStatistics, EachSideOfTheGridIsAtLeastOne) {
     // 10000 / 2048 = 4.88…; 1 / 4.88… + 0.5 truncates to 0.
     TestBand band({.width = 10000, .height = 1}, Pixels(10000, 42.0));
@@ -315,17 +323,24 @@ TEST(ReplacedStatistics, OfABandThatTakesItsOwnOnDemandLeaveThemToBeTaken) {
 }
 
 TEST(ReplacedStatistics, KeepTheOwnOnesOfTheImageThatWasOpened) {
-    const zelto::test::TemporaryFolder folder;
-    zelto::test::WriteRaster(folder.File("a.tif"), {.width = 300, .height = 300},
-                             {zelto::test::MakePixels(300, 300, [](int c, int) { return c % 2; })});
-    CRasterSource source;
-    ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, false), GIS_SUCCESS);
-    CRasterBand& band = *source.GetRasterBand(0);
-    EXPECT_TRUE(band.ReplaceStatistics(10.0, 20.0, 15.0, 5.0));
-    // A pyramid changes what later samples are; the band's own are taken before.
-    EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_SUCCESS);
-    EXPECT_EQ(band.GetMean(), 15.0);
-    band.RestoreStatistics();
-    EXPECT_EQ(band.GetMean(), 0.5);
-    EXPECT_EQ(band.GetMaximum(), 1.0);
+    for (const bool isTaken : {false, true}) {
+        SCOPED_TRACE(isTaken);
+        const zelto::test::TemporaryFolder folder;
+        zelto::test::WriteRaster(
+            folder.File("a.tif"), {.width = 300, .height = 300},
+            {zelto::test::MakePixels(300, 300, [](int c, int) { return c % 2; })});
+        CRasterSource source;
+        ASSERT_EQ(source.Open(folder.WideFile("a.tif").c_str(), GIS_READONLY, false), GIS_SUCCESS);
+        CRasterBand& band = *source.GetRasterBand(0);
+        if (isTaken) {
+            EXPECT_EQ(band.GetMean(), 0.5);
+        }
+        EXPECT_TRUE(band.ReplaceStatistics(10.0, 20.0, 15.0, 5.0));
+        // A pyramid changes what later samples are; the band's own are taken before.
+        EXPECT_EQ(source.BuildOverviews("NEAREST", 0, nullptr, nullptr), GIS_SUCCESS);
+        EXPECT_EQ(band.GetMean(), 15.0);
+        band.RestoreStatistics();
+        EXPECT_EQ(band.GetMean(), 0.5);
+        EXPECT_EQ(band.GetMaximum(), 1.0);
+    }
 }

@@ -216,6 +216,16 @@ TEST(AllBandNoData, IsSetOnEveryBand) {
     EXPECT_EQ(source.GetNoDataValue(), (std::vector<double>{7.0, 7.0}));
 }
 
+TEST(AllBandNoData, ThatTheFileCannotTakeIsTold) {
+    const TemporaryFolder folder;
+    WriteRaster(folder.File("a.img"), {.width = 2, .height = 1, .driver = "HFA"}, {{1, 2}, {3, 4}});
+    CRasterSource source;
+    ASSERT_EQ(source.Open(folder.WideFile("a.img").c_str(), GIS_READONLY, true), GIS_SUCCESS);
+    EXPECT_FALSE(source.SetAllBandNoDataValue(7.0, true));
+    EXPECT_FALSE(source.GetRasterBand(1)->IsHaveNoData());
+    EXPECT_TRUE(source.SetAllBandNoDataValue(7.0, false));
+}
+
 TEST(AllBandNoData, IsClearedInMemoryOnly) {
     const TemporaryFolder folder;
     CRasterSource source;

@@ -25,9 +25,9 @@ class StandIn : public testing::Test {
         return GDALDatasetUniquePtr(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
     }
     /// A virtual raster over the image.
-    GDALDatasetUniquePtr View(GDALDataset& image) const {
+    static GDALDatasetUniquePtr View(GDALDataset& image, const std::string& path = "") {
         return GDALDatasetUniquePtr(GetGDALDriverManager()->GetDriverByName("VRT")->CreateCopy(
-            "", &image, FALSE, nullptr, nullptr, nullptr));
+            path.c_str(), &image, FALSE, nullptr, nullptr, nullptr));
     }
 
     const TemporaryFolder m_folder;
@@ -74,8 +74,18 @@ TEST_F(StandIn, KeepsResultsToItself) {
               CE_None);
     EXPECT_EQ(found[2], 3.0);
     EXPECT_STREQ(statistics->GetMetadataItem("STATISTICS_MEAN"), "3");
+    EXPECT_STREQ(statistics->GetMetadataItem("STATISTICS_MEAN", nullptr), "3");
     EXPECT_EQ(statistics->GetMetadataItem("STATISTICS_MEAN", "another"), nullptr);
     EXPECT_EQ(band.GetMetadataItem("STATISTICS_MEAN"), nullptr);
+}
+
+TEST_F(StandIn, ReadsThroughToItsBand) {
+    const auto image = Write({.width = 4, .height = 2}, {1, 2, 3, 4, 5, 6, 7, 8});
+    Pixels window(2);
+    EXPECT_EQ(StatisticsBand(*image->GetRasterBand(1))
+                  ->RasterIO(GF_Read, 1, 1, 2, 1, window.data(), 2, 1, GDT_Float64, 0, 0, nullptr),
+              CE_None);
+    EXPECT_EQ(window, (Pixels{6, 7}));
 }
 
 TEST_F(StandIn, GivesEveryOverviewAStandInOfItsOwnOnce) {
@@ -126,9 +136,12 @@ TEST_F(StandIn, TakesTheRangeThatAVirtualRasterKnows) {
 }
 
 TEST_F(StandIn, ApproximatesAVirtualRasterWithoutALargeEnoughOverviewFromItsPixels) {
-    const auto image = Write({.width = 64, .height = 64, .overviews = {2}},
-                             MakePixels(64, 64, [](int x, int y) { return x + y; }));
-    const auto view = View(*image);
+    const auto image =
+        Write({.width = 64, .height = 64}, MakePixels(64, 64, [](int x, int y) { return x + y; }));
+    const auto view = View(*image, m_folder.File("a.vrt"));
+    int level = 2;
+    ASSERT_EQ(view->BuildOverviews("NEAREST", 1, &level, 0, nullptr, nullptr, nullptr), CE_None);
+    ASSERT_EQ(view->GetRasterBand(1)->GetOverviewCount(), 1);
     double range[2] = {};
     EXPECT_EQ(StatisticsBand(*view->GetRasterBand(1))->ComputeRasterMinMax(TRUE, range), CE_None);
     EXPECT_EQ(range[0], 0.0);

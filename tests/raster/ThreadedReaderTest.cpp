@@ -5,6 +5,7 @@
 #include "zelto/raster/internal/RowsAhead.h"
 
 #include "tests/raster/BareDataset.h"
+#include "tests/raster/DamagedBlock.h"
 #include "tests/raster/HugeBlock.h"
 #include "tests/raster/OpenedRaster.h"
 #include "tests/support/LimitedMemory.h"
@@ -18,8 +19,11 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <future>
 #include <memory>
+#include <pthread.h>
 #include <random>
+#include <system_error>
 
 using zelto::FileState;
 using zelto::PixelBox;
@@ -131,19 +135,27 @@ class ThreadedReaderTest : public testing::Test {
     zelto::test::TemporaryFolder m_folder;
 };
 
-/// Makes the compressed bytes of a one-band file's last tile useless.
-void DamageLastBlock(const std::string& path) {
-    const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
-    GDALRasterBand& band = *dataset->GetRasterBand(1);
-    int width = 0, height = 0;
-    band.GetBlockSize(&width, &height);
-    const std::string last = std::to_string((band.GetXSize() - 1) / width) + "_" +
-                             std::to_string((band.GetYSize() - 1) / height);
-    const std::string offset = band.GetMetadataItem(("BLOCK_OFFSET_" + last).c_str(), "TIFF");
-    std::string bytes = zelto::test::ReadFile(path);
-    bytes.replace(std::stoul(offset), 64, 64, '\xFF');
-    zelto::test::WriteFile(path, bytes);
-}
+/// While it lives no thread starts: its stack would take more addresses than a process has.
+class WithoutNewThreads {
+  public:
+    WithoutNewThreads() {
+        pthread_getattr_default_np(&m_former);
+        pthread_attr_t vast;
+        pthread_attr_init(&vast);
+        pthread_attr_setstacksize(&vast, std::size_t{1} << 47);
+        pthread_setattr_default_np(&vast);
+        pthread_attr_destroy(&vast);
+    }
+    ~WithoutNewThreads() {
+        pthread_setattr_default_np(&m_former);
+        pthread_attr_destroy(&m_former);
+    }
+    WithoutNewThreads(const WithoutNewThreads&) = delete;
+    WithoutNewThreads& operator=(const WithoutNewThreads&) = delete;
+
+  private:
+    pthread_attr_t m_former;
+};
 
 const RasterSpec TILES = {
     .width = 300,
@@ -249,7 +261,7 @@ TEST_F(ThreadedReaderTest, OptionsThatHaveChangedSinceTheOpeningChangeNoSample) 
 TEST_F(ThreadedReaderTest, ErrorsThatAreIgnoredSinceTheOpeningAreStillFailures) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
     const std::string path = Write("a.tif", TILES, {TILED_RAMP});
-    DamageLastBlock(path);
+    zelto::test::DamageLastBlock(path);
     const OpenedRaster opened(path);
     const CPLConfigOptionSetter ignored("GTIFF_IGNORE_READ_ERRORS", "YES", false);
     const auto reader = ThreadedReader::Of(opened.Bands());
@@ -261,7 +273,7 @@ TEST_F(ThreadedReaderTest, ErrorsThatAreIgnoredSinceTheOpeningAreStillFailures) 
 TEST_F(ThreadedReaderTest, AnUnreadableBlockIsAFailureWithoutAMessage) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
     const std::string path = Write("a.tif", TILES, {TILED_RAMP});
-    DamageLastBlock(path);
+    zelto::test::DamageLastBlock(path);
     const OpenedRaster opened(path);
     const auto reader = ThreadedReader::Of(opened.Bands());
     ASSERT_NE(reader, nullptr);
@@ -345,6 +357,13 @@ TEST_F(ThreadedReaderTest, OnlyGdalsOwnWayThroughItsBlocksIsTakenOnThreads) {
     EXPECT_EQ(ThreadedReader::Of(other.Bands()), nullptr);
     zelto::test::BareDataset withoutDriver(300, 200, 1);
     EXPECT_EQ(ThreadedReader::Of({withoutDriver.GetRasterBand(1)}), nullptr);
+    // What is open for a change may not have reached the file.
+    const std::string path = Write("b.tif", TILES, {TILED_RAMP});
+    const GDALDatasetUniquePtr changing(
+        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));
+    zelto::NoteOpened(*changing, FileState::Of(path));
+    EXPECT_EQ(ThreadedReader::Of({changing->GetRasterBand(1)}), nullptr);
+    zelto::NoteClosed(changing.get());
 }
 
 TEST_F(ThreadedReaderTest, BandsThatAreNoneOfTheFilesAreLeftAlone) {
@@ -357,6 +376,10 @@ TEST_F(ThreadedReaderTest, BandsThatAreNoneOfTheFilesAreLeftAlone) {
     EXPECT_EQ(ThreadedReader::Of({band, nullptr}), nullptr);
     EXPECT_EQ(ThreadedReader::Of({band, band->GetOverview(0)}), nullptr);
     EXPECT_EQ(ThreadedReader::Of({band, band->GetMaskBand()}), nullptr);
+    for (const int number : {0, 1}) {
+        zelto::test::StrayBand stray(*opened, number);
+        EXPECT_EQ(ThreadedReader::Of({band, &stray}), nullptr) << number;
+    }
 }
 
 TEST_F(ThreadedReaderTest, BlocksBeyondAnyHealthyFilesAreLeftAlone) {
@@ -430,6 +453,9 @@ TEST_F(ThreadedReaderTest, AFileThatAnotherHandleShowsAsAnotherImageIsLeftAlone)
     spec = TILES;
     spec.options.emplace_back("PHOTOMETRIC=MINISWHITE");
     EXPECT_FALSE(isReadOf(spec, 2));
+    spec = TILES;
+    spec.options.emplace_back("ALPHA=YES");
+    EXPECT_FALSE(isReadOf(spec, 2));
 }
 
 TEST_F(ThreadedReaderTest, WhatCannotBeOpenedAgainIsLeftAlone) {
@@ -484,6 +510,31 @@ TEST_F(ThreadedReaderTest, RowsAheadAreReadWithoutMemoryForTheirThreadToo) {
               zelto::test::Ending::ANSWERED_TRUE);
 }
 
+TEST_F(ThreadedReaderTest, WhereNoThreadStartsTheCallersReadsAlone) {
+    const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "3", false);
+    RasterSpec spec = TILES;
+    spec.width = 2200;
+    spec.height = 2100;
+    const OpenedRaster opened(Write(
+        "rows.tif", spec,
+        {zelto::test::MakePixels(2200, 2100, [](int x, int y) { return (x + 3 * y) % 251; })}));
+    const WithoutNewThreads alone;
+    ASSERT_THROW(std::async(std::launch::async, [] {}), std::system_error);
+    const auto reader = ThreadedReader::Of(opened.Bands());
+    ASSERT_NE(reader, nullptr);
+    const PixelBox box = {100, 200, 300, 250};
+    std::vector<std::byte> samples(reader->BytesOf(box));
+    EXPECT_TRUE(reader->Read(box, samples.data()));
+    EXPECT_TRUE(IsSame(SamplesOf(*reader, 0, box, samples), Plainly(*opened.Bands()[0], box)));
+    const auto ahead = RowsAhead::Of(opened.Bands(), {0, 0, 2200, 2100}, 1);
+    ASSERT_NE(ahead, nullptr);
+    ASSERT_TRUE(ahead->Prepare(0, 1));
+    Pixels row(2200);
+    ahead->Copy(0, 0, 1, row.data());
+    EXPECT_EQ(row[7], 7.0);
+    EXPECT_EQ(row[252], 1.0);
+}
+
 TEST_F(ThreadedReaderTest, RowsAheadThatCannotBeReadAreAFailureForGood) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
     RasterSpec spec = TILES;
@@ -492,7 +543,7 @@ TEST_F(ThreadedReaderTest, RowsAheadThatCannotBeReadAreAFailureForGood) {
     const std::string path = Write(
         "rows.tif", spec,
         {zelto::test::MakePixels(2200, 4000, [](int x, int y) { return (x + 3 * y) % 251; })});
-    DamageLastBlock(path);
+    zelto::test::DamageLastBlock(path);
     const OpenedRaster opened(path);
     const auto ahead = RowsAhead::Of(opened.Bands(), {0, 0, 2200, 4000}, 100);
     ASSERT_NE(ahead, nullptr);

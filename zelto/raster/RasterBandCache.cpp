@@ -26,7 +26,9 @@ bool IsReadable(int xSize, int ySize, int bufWidth, int bufHeight) {
 double* AllocateSamples(int bufWidth, int bufHeight) {
     constexpr std::size_t LIMIT = PTRDIFF_MAX / sizeof(double);
     const std::size_t count = SampleCount(bufWidth, bufHeight);
-    return count > LIMIT ? nullptr : new (std::nothrow) double[count];
+    if (count > LIMIT)
+        return nullptr;
+    return new (std::nothrow) double[count];
 }
 
 } // namespace

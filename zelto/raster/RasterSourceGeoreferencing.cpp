@@ -80,7 +80,8 @@ GISError CRasterSource::SetProjection(const char* wkt) {
 bool CRasterSource::SetAllBandNoDataValue(double value, bool writeToFile) {
     bool allSet = true;
     for (CRasterBand* band : m_bands)
-        allSet = band->SetNoDataValue(value, writeToFile) && allSet;
+        if (!band->SetNoDataValue(value, writeToFile))
+            allSet = false;
     return allSet;
 }
 

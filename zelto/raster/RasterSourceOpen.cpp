@@ -25,7 +25,8 @@ GDALDataset* CRasterSource::GDALOpenEx(const wchar_t* path, GISDataAccess access
         Close();
     if (m_format == RDF_ENVI)
         m_filePath = CommonFun::getEnviDataFilePath(m_filePath);
-    if (!zelto::MayBeOpened(CommonFun::U2M(m_filePath)) || !OpenStoredPath(access))
+    const std::string name = CommonFun::U2M(m_filePath);
+    if (!zelto::MayBeOpened(name) || !OpenStoredPath(access))
         return nullptr;
     m_description = CommonFun::M2U(m_dataset->GetDescription());
     if (m_forDisplay)

@@ -30,7 +30,9 @@ inline bool HoldsBlocks(GDALRasterBand& band) {
 template <typename Call>
 bool Reads(GDALRasterBand& band, Call call) {
     GdalWatch watch;
-    return call() == CE_None || watch.Succeeded(false, FileOf(band));
+    if (call() == CE_None)
+        return true;
+    return watch.Succeeded(false, FileOf(band));
 }
 
 /// Makes a call that changes the band or its file: done when it says so and emitted no error. A

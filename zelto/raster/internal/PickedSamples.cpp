@@ -206,7 +206,7 @@ bool CanBePicked(GDALRasterBand& band) {
     // Where GDAL reads from a pyramid, or goes around its blocks, it picks other samples. Files
     // compressed as JPEG have a hidden pyramid.
     const std::string_view compression = ImageStructure(*dataset, "COMPRESSION");
-    return band.GetOverviewCount() == 0 && !band.HasArbitraryOverviews() && !compression.empty() &&
+    return band.GetOverviewCount() == 0 && !compression.empty() &&
            compression.find("JPEG") == std::string_view::npos &&
            CPLGetConfigOption("GTIFF_DIRECT_IO", nullptr) == nullptr &&
            CPLGetConfigOption("GTIFF_VIRTUAL_MEM_IO", nullptr) == nullptr;
@@ -231,7 +231,8 @@ bool ReadPicked(const std::vector<GDALRasterBand*>& bands, const SampledWindow& 
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     const GdalWatch watch;
     try {
-        return Picking(bands, window, samples).Read() && !watch.HasError();
+        Picking picking(bands, window, samples);
+        return picking.Read() && !watch.HasError();
     } catch (const std::bad_alloc&) {
         return false;
     }

@@ -84,8 +84,7 @@ bool StandInBand::KnowsMinMax() {
 /// Where GDAL approximates from an overview, it reads the overview of a file band whole, but
 /// approximates that of a virtual band once more.
 CPLErr StandInBand::ComputeRasterMinMax(int approximate, double* range) {
-    if (approximate != FALSE && IsVirtual(&m_band) && !KnowsMinMax() && GetOverviewCount() > 0 &&
-        HasArbitraryOverviews() == FALSE) {
+    if (approximate != FALSE && IsVirtual(&m_band) && !KnowsMinMax() && GetOverviewCount() > 0) {
         GDALRasterBand* overview = GetRasterSampleOverview(GDALSTAT_APPROX_NUMSAMPLES);
         if (overview != this)
             return overview->GDALRasterBand::ComputeRasterMinMax(TRUE, range);
