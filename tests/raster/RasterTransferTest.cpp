@@ -250,6 +250,42 @@ TEST_F(RasterTransfer, AVirtualRasterThatReadsByFullPathsGoesAnywhereWithoutWhat
     EXPECT_EQ(PixelsOf("w.vrt"), Pixels(4, 1.0));
 }
 
+TEST_F(RasterTransfer, ThePyramidOfAVirtualRasterGoesAlong) {
+    WriteRaster(File("a.tif"), {.width = 64, .height = 64}, {Pixels(64 * 64, 1.0)});
+    const auto makeView = [&](const char* byStem) {
+        const CPLConfigOptionSetter kind("USE_RRD", byStem, false);
+        const GDALDatasetUniquePtr image(GDALDataset::Open(File("a.tif").c_str()));
+        const GDALDatasetUniquePtr view(GetGDALDriverManager()->GetDriverByName("VRT")->CreateCopy(
+            File("v.vrt").c_str(), image.get(), FALSE, nullptr, nullptr, nullptr));
+        int level = 2;
+        ASSERT_EQ(view->BuildOverviews("NEAREST", 1, &level, 0, nullptr, nullptr, nullptr),
+                  CE_None);
+    };
+    makeView("NO");
+    ASSERT_EQ(m_folder.Names(), (Names{"a.tif", "to", "v.vrt", "v.vrt.ovr"}));
+    EXPECT_EQ(Move("v.vrt", "w.vrt"), GIS_SUCCESS) << CGISDataSource::GetLastErrorText();
+    EXPECT_EQ(m_folder.Names(), (Names{"a.tif", "to", "w.vrt", "w.vrt.ovr"}));
+    makeView("YES");
+    EXPECT_EQ(Move("v.vrt", "x.vrt"), GIS_SUCCESS) << CGISDataSource::GetLastErrorText();
+    EXPECT_EQ(m_folder.Names(),
+              (Names{"a.tif", "to", "w.vrt", "w.vrt.ovr", "x.aux", "x.rrd", "x.vrt"}));
+}
+
+TEST_F(RasterTransfer, NamesWithoutAFolderAreThoseOfTheWorkingFolder) {
+    WriteImage("a.tif", 1.0);
+    WriteFile(File("a.tfw"), WORLD_FILE);
+    const fs::path former = fs::current_path();
+    fs::current_path(m_folder.Path());
+    const GISError copied = CRasterFiles::Copy(L"a.tif", L"b.tif", false);
+    const GISError moved = CRasterFiles::Move(L"b.tif", L"to/c.tif", false);
+    fs::current_path(former);
+    EXPECT_EQ(copied, GIS_SUCCESS) << CGISDataSource::GetLastErrorText();
+    EXPECT_EQ(moved, GIS_SUCCESS) << CGISDataSource::GetLastErrorText();
+    EXPECT_EQ(m_folder.Names(), (Names{"a.tfw", "a.tif", "to"}));
+    EXPECT_EQ(NamesIn("to"), (Names{"c.tfw", "c.tif"}));
+    EXPECT_EQ(PixelsOf("to/c.tif"), Pixels(4, 1.0));
+}
+
 TEST_F(RasterTransfer, AFileOfAnotherNameKeepsItInAnotherFolderAndStopsANewName) {
     WriteImageOfTwoFiles("a.ers", "pixels.dat");
     EXPECT_EQ(Copy("a.ers", "to/b.ers"), GIS_FAILED);

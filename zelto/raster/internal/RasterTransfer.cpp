@@ -65,13 +65,14 @@ Files FilesOf(GDALDataset& dataset, const fs::path& path) {
     Files files = {path};
     const CPLStringList listed(dataset.GetFileList());
     const Files others = ForeignPyramidFiles(path);
+    const Files pyramid = PyramidFilesBeside(path);
     const std::string appended = path.filename().string() + ".";
     for (int i = 0; i < listed.size(); ++i) {
         fs::path file = listed[i];
         if (IsSameFile(FolderOf(file), FolderOf(path)))
             file = path.parent_path() / file.filename(); // however GDAL spells it
-        const bool isOwn =
-            !IsVirtualRaster(dataset) || BeginsWith(file.filename().string(), appended);
+        const bool isOwn = !IsVirtualRaster(dataset) || Contains(pyramid, file) ||
+                           BeginsWith(file.filename().string(), appended);
         if (isOwn && !Contains(files, file) && !Contains(others, file))
             files.push_back(file);
     }
@@ -158,8 +159,9 @@ class Transfer {
 
     /// A move that could not remove its origin is better not begun.
     bool CanLeave() const {
-        return m_kind == TransferKind::COPY || access(FolderOf(m_from).c_str(), W_OK) == 0 ||
-               FailTransfer(m_from, std::strerror(errno));
+        if (m_kind == TransferKind::COPY || access(FolderOf(m_from).c_str(), W_OK) == 0)
+            return true;
+        return FailTransfer(m_from, std::strerror(errno));
     }
 
     bool HasRoom(bool overwrite) const {
@@ -179,8 +181,7 @@ class Transfer {
     /// Makes the files in the folder of a new set.
     bool Make(const fs::path& made) const {
         // Formats whose files name each other have a way of their own.
-        const bool hasOwnWay = m_driver.pfnRename != nullptr || m_driver.pfnCopyFiles != nullptr;
-        if (hasOwnWay && m_files.size() > 1)
+        if (m_driver.pfnCopyFiles != nullptr && m_files.size() > 1)
             return CopyByDriver(made);
         for (std::size_t i = 0; i < m_files.size(); ++i)
             if (!MakeFile(m_files[i], made.parent_path() / m_names[i].filename(), m_kind))
