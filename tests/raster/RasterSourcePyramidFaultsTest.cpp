@@ -204,6 +204,28 @@ TEST_P(PyramidFaults, AnOpenSourceSeesTheNewPyramidAtOnce) {
     EXPECT_EQ(value, 200.0);
 }
 
+TEST(PyramidInside, ThatCannotBeRemovedComesBackWhenItsRebuildIsCancelled) {
+    const TemporaryFolder folder;
+    CRasterSource source; // holds GDAL
+    const CPLConfigOptionSetter inside("USE_RRD", "NO", false);
+    const std::string path = WriteRaster(
+        folder.File("a.pix"),
+        {.width = PYRAMID_SIDE, .height = PYRAMID_SIDE, .driver = "PCIDSK", .overviews = {2}},
+        {Pixels(PYRAMID_SIDE * PYRAMID_SIDE, 1.0)});
+    RecordingProgress cancelling(0);
+    ASSERT_EQ(source.Open(folder.WideFile("a.pix").c_str(), GIS_UPDATE, false), GIS_SUCCESS);
+    EXPECT_EQ(source.BuildOverviews("AVERAGE", 0, nullptr, &cancelling), GIS_FAILED);
+    source.Close();
+    const GDALDatasetUniquePtr image(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    ASSERT_NE(image, nullptr);
+    ASSERT_EQ(image->GetRasterBand(1)->GetOverviewCount(), 1);
+    double range[2] = {};
+    EXPECT_EQ(image->GetRasterBand(1)->GetOverview(0)->ComputeRasterMinMax(FALSE, range), CE_None);
+    EXPECT_EQ(range[0], 1.0);
+    EXPECT_EQ(range[1], 1.0);
+    EXPECT_EQ(folder.Names(), Names{"a.pix"});
+}
+
 namespace {
 
 /// An image on a disk that has no room for its pyramid; none where no disk may be mounted.

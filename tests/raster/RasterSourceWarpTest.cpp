@@ -188,6 +188,29 @@ TEST(OpenWarpedToGrid, FillsWhatTheFileDoesNotReachWithItsNoDataValue) {
     EXPECT_EQ(source.GetRasterBand(0)->GetNoDataValue(), 11.0);
 }
 
+TEST(OpenWarpedToGrid, BandsWithoutANoDataValueKeepAllTheirsBesideOneThatHasOne) {
+    const TemporaryFolder folder;
+    WriteColumns(folder, {});
+    const auto bandOf = [](const std::string& number, const std::string& noData) {
+        return "<VRTRasterBand dataType='Int16' band='" + number + "'>" + noData +
+               "<SimpleSource><SourceFilename "
+               "relativeToVRT='1'>c.tif</SourceFilename><SourceBand>" +
+               number + "</SourceBand></SimpleSource></VRTRasterBand>";
+    };
+    zelto::test::WriteFile(folder.Path() / "c.vrt",
+                           "<VRTDataset rasterXSize='10' rasterYSize='10'><SRS>EPSG:4326</SRS>"
+                           "<GeoTransform>100,1,0,50,0,-1</GeoTransform>" +
+                               bandOf("1", "<NoDataValue>11</NoDataValue>") + bandOf("2", "") +
+                               "</VRTDataset>");
+    const double grid[6] = {99.0 * DEGREE, DEGREE, 0.0, 45.5 * DEGREE, 0.0, -DEGREE / 10.0};
+    CRasterSource source;
+    ASSERT_EQ(source.OpenWarpedToGrid(folder.WideFile("c.vrt").c_str(), GIS_READONLY, "EPSG:3395",
+                                      grid, 4, 1),
+              GIS_SUCCESS);
+    EXPECT_EQ(RowOf(source, 0, 0), (std::vector<short>{11, 10, 11, 12}));
+    EXPECT_EQ(RowOf(source, 1, 0), (std::vector<short>{0, 5, 5, 5}));
+}
+
 TEST(OpenWarpedToGrid, InItsOwnReferenceTheFileKeepsItsOwnGrid) {
     const TemporaryFolder folder;
     const std::wstring path = WriteColumns(folder, {});
