@@ -112,6 +112,26 @@ TEST_F(SameStem, AnImageWithoutAPyramidDoesNotShowTheOthers) {
     }
 }
 
+TEST_F(SameStem, AnImageWithMasksBesideDoesNotShowTheOthersPyramid) {
+    for (const Image& other : {BITMAP, PCIDSK, ENVI}) {
+        SCOPED_TRACE(other.name);
+        Write(GTIFF);
+        Build(GTIFF);
+        Write(other);
+        {
+            const GDALDatasetUniquePtr image(
+                GDALDataset::Open(m_folder.File(other.name).c_str(), GDAL_OF_RASTER));
+            ASSERT_EQ(image->CreateMaskBand(GMF_PER_DATASET), CE_None);
+            ASSERT_EQ(image->GetRasterBand(1)->GetMaskBand()->Fill(255.0), CE_None);
+        }
+        ASSERT_TRUE(std::filesystem::exists(m_folder.File(other.name) + ".msk"));
+        EXPECT_EQ(LevelsOf(other), 0);
+        EXPECT_EQ(LevelsOf(GTIFF), 3);
+        std::filesystem::remove_all(m_folder.Path());
+        std::filesystem::create_directory(m_folder.Path());
+    }
+}
+
 TEST_F(SameStem, AnImagineFileThatIsPutBesideTakesNothingAway) {
     Write(GTIFF);
     Build(GTIFF);

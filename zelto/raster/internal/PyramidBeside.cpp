@@ -143,6 +143,13 @@ bool Publish(const fs::path& folder, GDALDataset& image) {
     return done;
 }
 
+/// Whether the image's format leaves it to GDAL to look for a pyramid beside the file.
+bool LooksBeside(GDALDataset& image) {
+    std::error_code ignored;
+    return PyramidKeeper::Of(image).IsInitialized() &&
+           fs::is_regular_file(image.GetDescription(), ignored);
+}
+
 } // namespace
 
 void RescanPyramidBeside(GDALDataset& image) {
@@ -165,7 +172,7 @@ void HideForeignPyramid(GDALDataset& image) {
     double geoTransform[6] = {};
     image.GetGeoTransform(geoTransform);
     band->GetOverviewCount();
-    if (CanHavePyramidBeside(image))
+    if (LooksBeside(image))
         RescanPyramidBeside(image);
 }
 
@@ -180,9 +187,7 @@ bool HasMasksBeside(GDALDataset& image) {
 }
 
 bool CanHavePyramidBeside(GDALDataset& image) {
-    std::error_code ignored;
-    return PyramidKeeper::Of(image).IsInitialized() &&
-           fs::is_regular_file(image.GetDescription(), ignored) && !HasMasksBeside(image);
+    return LooksBeside(image) && !HasMasksBeside(image);
 }
 
 bool BuildPyramidBeside(GDALDataset& image, const PyramidOrder& order) {

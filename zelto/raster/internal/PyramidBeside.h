@@ -22,7 +22,7 @@ int CountLevelsBeside(GDALDataset& image);
 /// along with the image's.
 bool HasMasksBeside(GDALDataset& image);
 
-/// Whether the image's format leaves the pyramid beside the file to GDAL.
+/// Whether the image's format leaves the pyramid beside the file to GDAL, and no masks stand there.
 bool CanHavePyramidBeside(GDALDataset& image);
 
 } // namespace zelto
