@@ -83,6 +83,7 @@ TEST(CompareReferences, IdenticalTextsAreTheSame) {
     EXPECT_TRUE(Same("EPSG:4326", "EPSG:4326"));
     EXPECT_TRUE(Same("", ""));
     EXPECT_TRUE(Same("no reference at all", "no reference at all"));
+    EXPECT_TRUE(Same("no reference at all", "none either"));
     EXPECT_FALSE(Same("EPSG:4326", ""));
     CRasterSource source;
     EXPECT_FALSE(CRasterSource::IsSameSpatialReference(&source, nullptr, true));
@@ -254,4 +255,5 @@ TEST(CompareReferences, SystemsWithHeightsAboveTheEllipsoidDifferByTheirParamete
 TEST(CompareReferences, GeographicSystemsAroundOtherPolesDifferByThem) {
     EXPECT_TRUE(Same(WithPole("-39.25"), WithPole("-39.250")));
     EXPECT_FALSE(Same(WithPole("-39.25"), WithPole("-40")));
+    EXPECT_FALSE(Same(WithPole("-39.25"), Geographic{.axis = "6378137"}.Wkt()));
 }

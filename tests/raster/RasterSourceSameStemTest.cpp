@@ -132,6 +132,19 @@ TEST_F(SameStem, AnImageWithMasksBesideDoesNotShowTheOthersPyramid) {
     }
 }
 
+TEST_F(SameStem, AFormatThatKeepsItsLevelsToItselfIsLeftAlone) {
+    Write(GTIFF);
+    Build(GTIFF);
+    zelto::test::WriteRaster(m_folder.File("s.gpkg"),
+                             {.width = STEM_SIDE,
+                              .height = STEM_SIDE,
+                              .driver = "GPKG",
+                              .geoTransform = zelto::test::NorthUp(0.0, 300.0, 1.0),
+                              .options = {"TILE_FORMAT=PNG"}},
+                             {Pixels(static_cast<std::size_t>(STEM_SIDE) * STEM_SIDE, 60.0)});
+    EXPECT_EQ(LevelsOf({"s.gpkg", "GPKG", 60.0}), 0);
+}
+
 TEST_F(SameStem, AnImagineFileThatIsPutBesideTakesNothingAway) {
     Write(GTIFF);
     Build(GTIFF);

@@ -250,7 +250,7 @@ TEST_F(RasterTransfer, AVirtualRasterThatReadsByFullPathsGoesAnywhereWithoutWhat
     EXPECT_EQ(PixelsOf("w.vrt"), Pixels(4, 1.0));
 }
 
-TEST_F(RasterTransfer, ThePyramidOfAVirtualRasterGoesAlong) {
+TEST_F(RasterTransfer, ThePyramidAndTheMasksOfAVirtualRasterGoAlong) {
     WriteRaster(File("a.tif"), {.width = 64, .height = 64}, {Pixels(64 * 64, 1.0)});
     const auto makeView = [&](const char* byStem) {
         const CPLConfigOptionSetter kind("USE_RRD", byStem, false);
@@ -266,9 +266,10 @@ TEST_F(RasterTransfer, ThePyramidOfAVirtualRasterGoesAlong) {
     EXPECT_EQ(Move("v.vrt", "w.vrt"), GIS_SUCCESS) << CGISDataSource::GetLastErrorText();
     EXPECT_EQ(m_folder.Names(), (Names{"a.tif", "to", "w.vrt", "w.vrt.ovr"}));
     makeView("YES");
+    fs::copy_file(File("a.tif"), File("v.vrt.msk"));
     EXPECT_EQ(Move("v.vrt", "x.vrt"), GIS_SUCCESS) << CGISDataSource::GetLastErrorText();
     EXPECT_EQ(m_folder.Names(),
-              (Names{"a.tif", "to", "w.vrt", "w.vrt.ovr", "x.aux", "x.rrd", "x.vrt"}));
+              (Names{"a.tif", "to", "w.vrt", "w.vrt.ovr", "x.aux", "x.rrd", "x.vrt", "x.vrt.msk"}));
 }
 
 TEST_F(RasterTransfer, NamesWithoutAFolderAreThoseOfTheWorkingFolder) {

@@ -139,6 +139,9 @@ TEST_F(StandIn, ApproximatesAVirtualRasterWithoutALargeEnoughOverviewFromItsPixe
     const auto image =
         Write({.width = 64, .height = 64}, MakePixels(64, 64, [](int x, int y) { return x + y; }));
     const auto view = View(*image, m_folder.File("a.vrt"));
+    double all[2] = {};
+    EXPECT_EQ(StatisticsBand(*view->GetRasterBand(1))->ComputeRasterMinMax(TRUE, all), CE_None);
+    EXPECT_EQ(all[1], 126.0) << "it has none at all";
     int level = 2;
     ASSERT_EQ(view->BuildOverviews("NEAREST", 1, &level, 0, nullptr, nullptr, nullptr), CE_None);
     ASSERT_EQ(view->GetRasterBand(1)->GetOverviewCount(), 1);

@@ -39,8 +39,8 @@ IndexOwner OwnerOfIndex(const fs::path& image) {
     if (name == nullptr)
         return IndexOwner::NONE;
     const fs::path owner = image.parent_path() / fs::path(name).filename();
-    const bool isAnother =
-        owner.stem() == image.stem() && Exists(owner) && !IsSameFile(owner, image);
+    const bool hasStem = owner.stem() == image.stem();
+    const bool isAnother = hasStem && Exists(owner) && !IsSameFile(owner, image);
     return isAnother ? IndexOwner::ANOTHER : IndexOwner::IMAGE;
 }
 
