@@ -41,12 +41,48 @@ class BuiltPyramid : public testing::Test {
 
 } // namespace
 
-TEST_F(BuiltPyramid, IsWholeWithEveryLevelThatWasOrdered) {
-    EXPECT_TRUE(zelto::IsPyramidInFile(Write("a.tif", {2, 4}), TWO_LEVELS));
-    EXPECT_TRUE(zelto::IsPyramidInFile(Write("b.tif", {2, 4, 8}), TWO_LEVELS));
-    const std::string path = Write("c.tif", {2});
-    EXPECT_FALSE(zelto::IsPyramidInFile(path, TWO_LEVELS));
-    EXPECT_EQ(zelto::LastError(), path + ": its pyramid is not complete");
+TEST_F(BuiltPyramid, IsWholeWithTheLevelsThatWereOrderedAndNoOthers) {
+    const std::string path = Write("a.tif", {2, 4});
+    const zelto::BlockPlaces places = zelto::PlacesOfLevels(*Open(path));
+    EXPECT_EQ(places.size(), 2U) << "128 and 64 squared, a block each";
+    EXPECT_TRUE(zelto::IsPyramidInFile(path, TWO_LEVELS, places));
+    const std::string less = Write("b.tif", {2});
+    EXPECT_FALSE(zelto::IsPyramidInFile(less, TWO_LEVELS, places));
+    EXPECT_EQ(zelto::LastError(), less + ": its pyramid is not complete");
+    const std::string more = Write("c.tif", {2, 4, 8});
+    EXPECT_FALSE(zelto::IsPyramidInFile(more, TWO_LEVELS, places));
+    EXPECT_EQ(zelto::LastError(), more + ": levels of its former pyramid are still there");
+}
+
+TEST_F(BuiltPyramid, IsNotWholeWhereItsBlocksAreNotWhereTheyWereWritten) {
+    const std::string path = Write("a.tif", {2, 4});
+    zelto::BlockPlaces places = zelto::PlacesOfLevels(*Open(path));
+    places.back() += '0';
+    EXPECT_FALSE(zelto::IsPyramidInFile(path, TWO_LEVELS, places));
+    EXPECT_EQ(zelto::LastError(), path + ": not all of its pyramid has reached the disk");
+}
+
+TEST_F(BuiltPyramid, HasEveryBlockUnlessTheHostLeavesOutEmptyOnes) {
+    EXPECT_TRUE(zelto::HasEveryBlock(*Open(Write("a.tif", {2, 4})), "a.tif"));
+    EXPECT_TRUE(zelto::HasEveryBlock(*Open(Write("a.img", {2, 4}, "HFA")), "a.img"))
+        << "what is no TIFF is not looked into";
+    const std::string path = Write("b.tif", {2, 4});
+    // The place of the last level's block, as the file holds it in four bytes each.
+    const auto image = Open(path);
+    GDALRasterBand& level = *image->GetRasterBand(1)->GetOverview(1);
+    std::string bytes = ReadFile(path);
+    for (const char* const what : {"BLOCK_OFFSET_0_0", "BLOCK_SIZE_0_0"}) {
+        const auto value =
+            static_cast<std::uint32_t>(std::stoul(level.GetMetadataItem(what, "TIFF")));
+        const std::size_t at = bytes.rfind(std::string(reinterpret_cast<const char*>(&value), 4));
+        ASSERT_NE(at, std::string::npos);
+        bytes.replace(at, 4, 4, '\0');
+    }
+    WriteFile(path, bytes);
+    EXPECT_FALSE(zelto::HasEveryBlock(*Open(path), path));
+    EXPECT_EQ(zelto::LastError(), path + ": not all of its pyramid has reached the disk");
+    const CPLConfigOptionSetter sparse("SPARSE_OK_OVERVIEW", "YES", false);
+    EXPECT_TRUE(zelto::HasEveryBlock(*Open(path), path));
 }
 
 TEST_F(BuiltPyramid, OfABandThatIsNotThereIsNotComplete) {
@@ -77,9 +113,9 @@ TEST_F(BuiltPyramid, WhoseLastPixelsAreLostIsToldInGdalsWords) {
 TEST_F(BuiltPyramid, OfAFileThatCannotBeOpenedIsNone) {
     const std::string path = m_folder.File("a.tif");
     WriteFile(path, "no image");
-    EXPECT_FALSE(zelto::IsPyramidInFile(path, TWO_LEVELS));
+    EXPECT_FALSE(zelto::IsPyramidInFile(path, TWO_LEVELS, {}));
     EXPECT_EQ(zelto::LastError(), path + ": it cannot be opened with its pyramid");
-    EXPECT_TRUE(zelto::IsPyramidInFile(m_folder.File("missing"), TWO_LEVELS))
+    EXPECT_TRUE(zelto::IsPyramidInFile(m_folder.File("missing"), TWO_LEVELS, {}))
         << "what is no file is not looked into";
 }
 
