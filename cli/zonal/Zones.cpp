@@ -17,12 +17,12 @@ namespace zelto::cli {
 
 namespace {
 
-using Transformation = std::unique_ptr<OGRCoordinateTransformation>;
+using OgrTransformation = std::unique_ptr<OGRCoordinateTransformation>;
 
 /// From the layer's reference system to the raster's; null where they are the same, or one has
 /// none.
-Transformation ToRaster(const OGRLayer& layer, const CRasterSource& raster,
-                        const std::string& path) {
+OgrTransformation ToRaster(const OGRLayer& layer, const CRasterSource& raster,
+                           const std::string& path) {
     const OGRSpatialReference* its = const_cast<OGRLayer&>(layer).GetSpatialRef();
     const auto target = host::ParseReference(raster.GetProjectionWKT());
     if (its == nullptr || its->IsEmpty() || !target)
@@ -32,7 +32,7 @@ Transformation ToRaster(const OGRLayer& layer, const CRasterSource& raster,
     if (from.IsSame(&*target) != 0)
         return nullptr;
     host::ForgetReasons();
-    Transformation transformation(OGRCreateCoordinateTransformation(&from, &*target));
+    OgrTransformation transformation(OGRCreateCoordinateTransformation(&from, &*target));
     if (transformation == nullptr)
         throw host::Failure(
             path, host::LastReason("cannot be transformed to the image's reference system"));
@@ -98,7 +98,7 @@ int Zones::FieldNumber(const char* option, const std::string& name) const {
 }
 
 void Zones::AddTo(CZonalStatistics& statistics, const CRasterSource& raster) const {
-    const Transformation transformation = ToRaster(*m_layer, raster, m_path);
+    const OgrTransformation transformation = ToRaster(*m_layer, raster, m_path);
     for (const Zone& zone : m_zones) {
         host::EndIfInterrupted();
         const OGRGeometry* const its = zone.feature->GetGeometryRef();

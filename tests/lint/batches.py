@@ -19,6 +19,7 @@ APART = ("tests/fuzz", "tests/viewer")
 TYPE = re.compile(r"(?:class|struct|enum(?: class)?|union)\s+(\w+)")
 VARIABLE = re.compile(r"(?:[\w:<>,*&]+\s+)+[*&]?(\w+)(?:\[[^\]]*\])*\s*(?:=|;|\{)")
 FUNCTION = re.compile(r"[^=(]*?(\w+)\(")
+ALIAS = re.compile(r"^using (\w+) = ([^;]+);", re.MULTILINE)
 # GoogleTest finds these by the type of their argument.
 SHARED = {"PrintTo"}
 
@@ -41,16 +42,22 @@ def main():
     listed = subprocess.run(["git", "ls-files", *(f"{folder}/*.cpp" for folder in CHECKED)],
                             cwd=sources, check=True, text=True, capture_output=True).stdout.split()
     owners = collections.defaultdict(set)
+    aliases = collections.defaultdict(dict)
     for source in listed:
         path = pathlib.PurePosixPath(source)
         folder = str(path.parent).removesuffix("/internal")
         if path.parts[0] in TOGETHER:
             folder = path.parts[0]
         if not folder.startswith(APART):
-            for name in own_names((sources / source).read_text(encoding="utf-8")):
+            text = (sources / source).read_text(encoding="utf-8")
+            for name in own_names(text):
                 owners[folder, name].add(source)
+            for name, meaning in ALIAS.findall(text):
+                aliases[folder, name].setdefault(" ".join(meaning.split()), source)
     clashes = [f"{name}: {', '.join(sorted(files))}" for (_, name), files in sorted(owners.items())
                if len(files) > 1 and name not in SHARED]
+    clashes += [f"{name}: {', '.join(sorted(meanings.values()))}"
+                for (_, name), meanings in sorted(aliases.items()) if len(meanings) > 1]
     print("\n".join(clashes) or f"{len(owners)} names in anonymous namespaces, each in one source")
     sys.exit(1 if clashes else 0)
 
