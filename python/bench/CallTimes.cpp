@@ -54,7 +54,7 @@ class Calls {
     void Render() {
         CBoundingBox box = m_scene.GetExtent();
         const auto picture = NewPixels(4);
-        m_scene.GetShowData(&box, SIDE, SIDE, picture.get(), true);
+        m_scene.GetShowDataRedFirst(&box, SIDE, SIDE, picture.get(), true);
         m_scene.ApplyShowDataHISC(SIDE, SIDE, picture.get());
     }
     void Read() {
