@@ -3,7 +3,6 @@
 
 #include "cli/Commands.h"
 #include "cli/options/SharedOptions.h"
-#include "cli/render/Opacity.h"
 #include "cli/render/Stretch.h"
 #include "cli/render/View.h"
 #include "host/base/Failure.h"
@@ -11,6 +10,8 @@
 #include "host/files/Open.h"
 #include "host/files/Output.h"
 #include "host/files/PyramidHint.h"
+#include "host/picture/DisplaySource.h"
+#include "host/picture/Drawing.h"
 #include "host/picture/Picture.h"
 
 #include <CLI/CLI.hpp>
@@ -78,8 +79,11 @@ void RunCompose(const ComposeOptions& options) {
                             "the box misses the images, or their pixels cannot be read");
     if (!CGISDataSource::GetLastErrorText().empty()) // drawn without statistics of its bands
         throw host::Failure(CGISDataSource::GetLastErrorText());
+    const auto openMask = [&](const std::string& path) {
+        return host::OpenForPicture(path, "", view);
+    };
     for (ColorSource& color : colors)
-        ApplyOpacity(picture, color.source, view, "");
+        host::ApplyOpacity(color.source, view, openMask, picture.pixels.data());
     host::WritePicture(picture, options.out,
                        host::PicturePlace{view.box, composed.GetProjectionWKT()});
     host::Confirm(options.out.path + ": " + std::to_string(view.width) + " x " +

@@ -1,23 +1,16 @@
 #include "cli/render/Drawing.h"
 
-#include "zelto/algorithm/RasterAlgorithm.h"
-#include "zelto/aoi/AOISource.h"
-#include "zelto/aoi/RasterAOI.h"
 #include "zelto/raster/RasterSource.h"
 
-#include "cli/render/FileOpacity.h"
-#include "cli/render/Opacity.h"
 #include "cli/render/Sheet.h"
-#include "cli/render/System.h"
 #include "host/base/Failure.h"
 #include "host/base/Message.h"
 #include "host/base/Text.h"
-#include "host/files/Open.h"
+#include "host/picture/DisplaySource.h"
+#include "host/picture/Drawing.h"
 #include "host/picture/RenderRamps.h"
 
-#include <algorithm>
-#include <cmath>
-#include <utility>
+#include <memory>
 #include <vector>
 
 namespace zelto::cli {
@@ -39,20 +32,13 @@ void ChooseRamp(CRasterSource& source, const std::string& name) {
     source.SetDisplayType(static_cast<DataDisplayType>(1));
 }
 
-/// Throws Failure where a drawing failed, or was done without the statistics of its bands, which
-/// could not be taken: that picture would be another one.
-void FailWithoutPixels(bool drawn, const std::string& path) {
-    if (!drawn || !CGISDataSource::GetLastErrorText().empty())
-        throw host::Failure(path, host::LastReason("its pixels cannot be read"));
-}
-
 } // namespace
 
 void ApplySettings(CRasterSource& source, const RenderOptions& options) {
-    ShowBandsByColor(source);
+    host::ShowBandsByColor(source);
     if (!options.adjustFrom.empty()) {
         CRasterSource other;
-        OpenForDisplay(other, options.adjustFrom, "");
+        host::OpenForDisplay(other, options.adjustFrom, "");
         source.CopyDisplaySetting(&other);
     }
     if (!options.bands.empty())
@@ -66,51 +52,19 @@ void ApplySettings(CRasterSource& source, const RenderOptions& options) {
     source.m_transparency = options.transparency;
 }
 
-host::Picture DrawWhole(CRasterSource& source, const View& view, const std::string& path) {
+host::Picture Draw(CRasterSource& source, CAOISource* area, const View& view,
+                   const RenderOptions& options) {
+    constexpr auto ORDER = host::ChannelOrder::BlueFirst;
     host::Picture picture(view.width, view.height);
-    CBoundingBox box = view.box;
-    FailWithoutPixels(
-        source.GetShowData(&box, view.width, view.height, picture.pixels.data(), true), path);
-    // Palette and class colours have their transparency from the drawing already.
-    source.m_hue = source.m_intensity = source.m_saturation = source.m_contrast = 0.0F;
-    source.ApplyShowDataHISC(view.width, view.height, picture.pixels.data());
-    return picture;
-}
-
-host::Picture DrawMasked(CRasterSource& source, CAOISource& aoi, const View& view,
-                         const RenderOptions& options) {
-    CRasterAOI area(&source, &aoi);
-    area.Initialize();
-
-    const std::size_t size = static_cast<std::size_t>(view.width) * view.height;
-    std::vector<unsigned char> planes[3];
-    unsigned char* pointers[3];
-    for (int i = 0; i < 3; ++i) {
-        planes[i].resize(size);
-        pointers[i] = planes[i].data();
-    }
-    // The source adjusts the contrast of as many planes as bands are shown; a picture of a single
-    // band has three alike.
-    const float contrast = std::exchange(source.m_contrast, 0.0F);
-    std::vector<unsigned char> inside(size);
-    CBoundingBox box = view.box;
-    FailWithoutPixels(
-        source.GetMaskedShowData(&box, view.width, view.height, 3, pointers, &area, inside.data()),
-        options.file);
-    CRasterAlgorithm::AdjustContrast(pointers, view.width, view.height, contrast, 3);
-    if (std::all_of(inside.begin(), inside.end(), [](unsigned char mark) { return mark == 0; }))
+    unsigned char* const pixels = picture.pixels.data();
+    if (area == nullptr)
+        host::DrawWhole(source, view, ORDER, pixels);
+    else if (!host::DrawMasked(source, *area, view, options.outside == "black", ORDER, pixels))
         host::Remark(options.aoi + ": no part of it lies in the picture");
-
-    host::Picture picture(view.width, view.height);
-    const auto opaque =
-        static_cast<unsigned char>(std::lround(255.0 * (1.0 - source.m_transparency)));
-    const unsigned char outside = options.outside == "black" ? opaque : 0;
-    unsigned char* pixel = picture.pixels.data();
-    for (std::size_t i = 0; i < size; ++i, pixel += 4) {
-        for (int channel = 0; channel < 3; ++channel)
-            pixel[channel] = inside[i] != 0 ? planes[2 - channel][i] : 0;
-        pixel[3] = inside[i] != 0 ? opaque : outside;
-    }
+    const auto openMask = [&](const std::string& path) {
+        return host::OpenForPicture(path, options.srs, view);
+    };
+    host::ApplyOpacity(source, view, openMask, pixels);
     return picture;
 }
 
@@ -118,24 +72,20 @@ host::Picture DrawSheet(const View& view, const RenderOptions& options) {
     std::vector<SheetCell> cells;
     // What one picture reads of the file serves the others for as long as it is open.
     CRasterSource kept;
-    OpenForDisplay(kept, options.file, "");
+    host::OpenForDisplay(kept, options.file, "");
     for (const std::string& name : StretchesOfSheet()) {
         // Each gets a source of its own: some build on what an earlier drawing left.
-        CRasterSource source;
-        OpenForDisplay(source, options.file, options.srs);
-        if (!options.srs.empty())
-            OpenForDisplay(source, options.file, options.srs, &view);
-        ApplySettings(source, options);
-        if (!SuitsShownBands(source, name))
+        const auto source = host::OpenForPicture(options.file, options.srs, view);
+        ApplySettings(*source, options);
+        if (!SuitsShownBands(*source, name))
             continue;
         try {
-            ApplyStretch(source, StretchOfSheet(options.stretch, name), {view.box}, options.file);
+            ApplyStretch(*source, StretchOfSheet(options.stretch, name), {view.box}, options.file);
         } catch (const UnsuitedStretch& failure) {
             host::Remark(std::string(failure.what()) + "; the sheet leaves " + name + " out");
             continue;
         }
-        cells.push_back({name, DrawWhole(source, view, options.file)});
-        ApplyOpacity(cells.back().picture, source, view, options.srs);
+        cells.push_back({name, Draw(*source, nullptr, view, options)});
     }
     if (cells.empty())
         throw host::Failure(options.file, "no stretch suits its bands");

@@ -6,11 +6,9 @@
 #include "cli/options/SharedOptions.h"
 #include "cli/render/Drawing.h"
 #include "cli/render/Many.h"
-#include "cli/render/Opacity.h"
 #include "cli/render/Options.h"
 #include "cli/render/Recipe.h"
 #include "cli/render/Stretch.h"
-#include "cli/render/System.h"
 #include "cli/render/View.h"
 #include "host/base/Failure.h"
 #include "host/base/Message.h"
@@ -18,6 +16,7 @@
 #include "host/files/Output.h"
 #include "host/files/PyramidHint.h"
 #include "host/files/Region.h"
+#include "host/picture/DisplaySource.h"
 #include "host/picture/Picture.h"
 
 #include <CLI/CLI.hpp>
@@ -53,10 +52,7 @@ void DrawPicture(CRasterSource& source, const View& view, const CDisplayRecipe* 
             made->SetMask(
                 CDisplayRecipe::Mask{host::Wide(options.aoi), options.outside == "black"});
     }
-    host::Picture picture = area != nullptr ? DrawMasked(source, *area, view, options)
-                                            : DrawWhole(source, view, options.file);
-    ApplyOpacity(picture, source, view, options.srs);
-    host::WritePicture(picture, options.out,
+    host::WritePicture(Draw(source, area.get(), view, options), options.out,
                        host::PicturePlace{view.box, source.GetProjectionWKT()});
     if (made)
         WriteRecipe(*made, options.recipe.to);
@@ -99,10 +95,10 @@ std::string RenderOne(const RenderOptions& given) {
         recipe = ReadRecipe(given.recipe.from);
     const RenderOptions options = recipe ? WithRecipe(given, *recipe) : given;
     CRasterSource source;
-    OpenForDisplay(source, options.file, options.srs);
+    host::OpenForDisplay(source, options.file, options.srs);
     const View view = ViewOf(source, recipe ? &*recipe : nullptr, options);
     if (!options.srs.empty())
-        OpenForDisplay(source, options.file, options.srs, &view);
+        host::OpenForDisplay(source, options.file, options.srs, &view);
     if (recipe)
         ApplyRecipe(*recipe, source, options.file);
     else

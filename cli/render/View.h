@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelto/geometry/BoundingBox.h"
+#include "host/picture/View.h"
 
 #include <string>
 
@@ -16,11 +16,7 @@ struct ViewOptions {
     std::string size;   ///< WxH, Wx, xH or W
 };
 
-struct View {
-    CBoundingBox box;
-    int width = 0;
-    int height = 0;
-};
+using host::View;
 
 /// The view of a source: the whole image at most 1024 pixels along the longer side, unless the
 /// options say otherwise. Where one side of the size is given the other keeps the box's shape.

@@ -40,18 +40,6 @@ std::string WriteRgba(const std::string& path, GDALDataType type, double scale) 
     return path;
 }
 
-/// Gives a file a mask of its own.
-void AddMask(const std::string& path, std::vector<unsigned char> values, int width, int height) {
-    const CPLConfigOptionSetter inside("GDAL_TIFF_INTERNAL_MASK", "YES", true);
-    const GDALDatasetUniquePtr file(
-        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));
-    ASSERT_EQ(file->CreateMaskBand(GMF_PER_DATASET), CE_None);
-    ASSERT_EQ(file->GetRasterBand(1)->GetMaskBand()->RasterIO(GF_Write, 0, 0, width, height,
-                                                              values.data(), width, height,
-                                                              GDT_Byte, 0, 0, nullptr),
-              CE_None);
-}
-
 } // namespace
 
 TEST(RenderColors, APictureWithAlphaKeepsItsColoursAndItsTransparency) {

@@ -80,4 +80,17 @@ std::array<double, 6> NorthUp(double left, double top, double pixelSize) {
     return {left, pixelSize, 0.0, top, 0.0, -pixelSize};
 }
 
+void AddMask(const std::string& path, std::vector<unsigned char> values, int width, int height) {
+    GDALAllRegister();
+    const CPLConfigOptionSetter inside("GDAL_TIFF_INTERNAL_MASK", "YES", true);
+    const GDALDatasetUniquePtr file(
+        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_UPDATE));
+    ASSERT_NE(file, nullptr);
+    ASSERT_EQ(file->CreateMaskBand(GMF_PER_DATASET), CE_None);
+    ASSERT_EQ(file->GetRasterBand(1)->GetMaskBand()->RasterIO(GF_Write, 0, 0, width, height,
+                                                              values.data(), width, height,
+                                                              GDT_Byte, 0, 0, nullptr),
+              CE_None);
+}
+
 } // namespace zelto::test

@@ -36,6 +36,10 @@ std::string WriteRaster(const std::string& path, const RasterSpec& spec,
 std::string WriteContainer(const std::string& path, const RasterSpec& spec,
                            const std::vector<Pixels>& bands);
 
+/// Gives a GeoTIFF of width × height pixels a mask inside it.
+/// @param values 0 to 255, row by row
+void AddMask(const std::string& path, std::vector<unsigned char> values, int width, int height);
+
 /// Pixel value `f(column, row)` for every pixel of a width × height band.
 template <typename Function>
 Pixels MakePixels(int width, int height, Function f) {

@@ -5,6 +5,8 @@
 #include "zelto/coordinate/CoordinateTransformation.h"
 #include "zelto/raster/RasterBand.h"
 
+#include "host/base/Failure.h"
+#include "host/picture/DisplaySource.h"
 #include "viewer/worker/LayerClasses.h"
 #include "viewer/worker/Texts.h"
 
@@ -67,12 +69,32 @@ std::unique_ptr<LayerSource> LayerSource::Open(const LayerOrigin& origin,
         reason = ReasonOr(Texts::tr("the three images have nothing in common"));
         return nullptr;
     }
+    if (!origin.IsComposed()) {
+        host::ShowBandsByColor(layer->Shown());
+        try {
+            layer->OpenMask(reference);
+        } catch (const host::Failure& failure) {
+            reason = QString::fromStdString(failure.what());
+            return nullptr;
+        }
+    }
     layer->m_reference = layer->Shown().GetProjectionWKT();
     layer->m_classes = DescribeClasses(layer->Shown().GetClassifyDisplayTable());
     layer->m_hasClassTable = !layer->m_classes.empty();
     if (!layer->m_hasClassTable && !layer->m_composed)
         layer->m_classes = DescribePalette(layer->Shown().GetRasterBand(0));
     return layer;
+}
+
+void LayerSource::OpenMask(const std::string& reference) {
+    m_opacity.emplace(Shown());
+    if (m_opacity->Path().empty())
+        return;
+    bool warped = false;
+    QString reason;
+    m_mask = OpenOne(QString::fromStdString(m_opacity->Path()), reference, warped, reason);
+    if (!m_mask)
+        throw host::Failure(m_origin.Path().toStdString(), reason.toStdString());
 }
 
 LayerSource::~LayerSource() {

@@ -3,6 +3,7 @@
 #include "zelto/display/ComposedRaster.h"
 #include "zelto/raster/RasterSource.h"
 
+#include "host/picture/FileOpacity.h"
 #include "viewer/model/LayerFacts.h"
 #include "viewer/worker/Requests.h"
 
@@ -53,6 +54,8 @@ class LayerSource {
 
     CRasterSource& Shown() { return m_composed ? *m_composed : *m_sources.front(); }
     bool Compose(const LayerOrigin& origin);
+    /// Throws Failure where the file has a mask that cannot be had.
+    void OpenMask(const std::string& reference);
     /// The raster and its band that a band number of the settings stands for.
     CRasterBand* BandOf(int index);
     /// @return false with the reason when the stretch cannot be had; the former one stays
@@ -62,13 +65,16 @@ class LayerSource {
     bool IsFadedAfterwards(const DisplaySettings& settings);
     bool ShowsClasses(const DisplaySettings& settings) const;
     void ApplyClasses(CRasterSource& source, const DisplaySettings& settings) const;
-    bool DrawMasked(CBoundingBox& box, const Shapes& mask, float transparency, QImage& image);
+    bool ApplyMask(const ViewTransform& view, QImage& image, QString& reason);
+    bool DrawMasked(const ViewTransform& view, const Shapes& mask, QImage& image, QString& reason);
 
     LayerOrigin m_origin;
     std::string m_reference;
     bool m_warped = false;
     std::vector<std::unique_ptr<CRasterSource>> m_sources; ///< one, or those composed
     std::unique_ptr<CComposedRaster> m_composed;           ///< borrows the sources: goes first
+    std::optional<host::FileOpacity> m_opacity;            ///< of an image that is not composed
+    std::unique_ptr<CRasterSource> m_mask;                 ///< borrows it; null where it is opaque
     std::optional<DisplaySettings> m_applied;
     ShownRanges m_ranges;
     std::vector<ClassColor> m_classes; ///< of the file: its classes or its colour table

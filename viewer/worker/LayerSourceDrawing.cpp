@@ -1,9 +1,10 @@
 #include "zelto/aoi/AOISource.h"
-#include "zelto/aoi/RasterAOI.h"
 #include "zelto/baselib/ColorRamp.h"
 #include "zelto/display/StretchPreparation.h"
 #include "zelto/raster/RasterBand.h"
 
+#include "host/base/Failure.h"
+#include "host/picture/Drawing.h"
 #include "host/picture/RenderRamps.h"
 #include "viewer/worker/AreaFiles.h"
 #include "viewer/worker/LayerClasses.h"
@@ -61,18 +62,32 @@ bool LayerSource::Draw(const ViewTransform& view, const DisplaySettings& setting
     CGISDataSource::ClearLastErrorText();
     bool drawn = false;
     if (!mask.empty()) {
-        drawn = DrawMasked(box, mask, settings.transparency, image);
+        drawn = DrawMasked(view, mask, image, reason);
     } else {
         // A composed image is adjusted and made transparent while it is drawn.
         drawn = source.GetShowData(&box, image.width(), image.height(), image.bits(), false);
         if (drawn && !m_composed)
             source.ApplyShowDataHISC(image.width(), image.height(), image.bits());
-        if (drawn && IsFadedAfterwards(settings))
-            Fade(image, settings.transparency);
+        if (!drawn)
+            reason = ReasonOr(m_origin.Path() + ": " + Texts::tr("its pixels cannot be read"));
     }
-    if (!drawn)
-        reason = ReasonOr(m_origin.Path() + ": " + Texts::tr("its pixels cannot be read"));
-    return drawn && applied;
+    if (drawn && IsFadedAfterwards(settings))
+        Fade(image, settings.transparency);
+    return drawn && applied && ApplyMask(view, image, reason);
+}
+
+/// Where the file is see-through, its image is.
+bool LayerSource::ApplyMask(const ViewTransform& view, QImage& image, QString& reason) {
+    if (!m_mask)
+        return true;
+    try {
+        host::ApplyMask(*m_mask, m_origin.Path().toStdString(),
+                        {view.Box(), image.width(), image.height()}, image.bits());
+        return true;
+    } catch (const host::Failure& failure) {
+        reason = QString::fromStdString(failure.what());
+        return false;
+    }
 }
 
 /// The engine draws a single band's greys and classes as opaque as they are.
@@ -166,29 +181,18 @@ void LayerSource::ApplyClasses(CRasterSource& source, const DisplaySettings& set
     }
 }
 
-/// The engine's planes with its own answer where the area is, put together as it does it itself.
-bool LayerSource::DrawMasked(CBoundingBox& box, const Shapes& mask, float transparency,
-                             QImage& image) {
-    CRasterSource& source = Shown();
+bool LayerSource::DrawMasked(const ViewTransform& view, const Shapes& mask, QImage& image,
+                             QString& reason) {
     CAOISource area;
     AddShapes(area, mask);
-    CRasterAOI onGrid(&source, &area);
-    onGrid.Initialize();
-    const int w = image.width();
-    const int h = image.height();
-    const std::size_t size = static_cast<std::size_t>(w) * static_cast<std::size_t>(h);
-    std::vector<unsigned char> red(size);
-    std::vector<unsigned char> green(size);
-    std::vector<unsigned char> blue(size);
-    std::vector<unsigned char> inside(size);
-    unsigned char* planes[] = {red.data(), green.data(), blue.data()};
-    if (!source.GetMaskedShowData(&box, w, h, 3, planes, &onGrid, inside.data()))
+    try {
+        host::DrawMasked(Shown(), area, {view.Box(), image.width(), image.height()}, false,
+                         host::ChannelOrder::BlueFirst, image.bits());
+        return true;
+    } catch (const host::Failure& failure) {
+        reason = QString::fromStdString(failure.what());
         return false;
-    const int opaque = qRound(255.0F * (1.0F - transparency));
-    auto* pixel = reinterpret_cast<QRgb*>(image.bits());
-    for (std::size_t i = 0; i < size; ++i)
-        pixel[i] = inside[i] != 0 ? qRgba(red[i], green[i], blue[i], opaque) : 0;
-    return true;
+    }
 }
 
 } // namespace zelto::view

@@ -4,16 +4,13 @@
 
 class CRasterSource;
 
-namespace zelto::cli {
-
-/// Shows the bands that the file calls red, green and blue, whatever their order. Changes nothing
-/// where it does not name all three.
-void ShowBandsByColor(CRasterSource& source);
+namespace zelto::host {
 
 /// Where a file is see-through: its alpha band or its mask, as a raster of one band of 0 to 255
 /// on the file's grid. No-data values are not in it; the drawing itself leaves those out.
 class FileOpacity {
   public:
+    /// Throws Failure where the file has a mask that cannot be had.
     /// @param source the open file, or a view of it
     explicit FileOpacity(const CRasterSource& source);
     ~FileOpacity();
@@ -27,4 +24,4 @@ class FileOpacity {
     std::string m_path;
 };
 
-} // namespace zelto::cli
+} // namespace zelto::host

@@ -1,4 +1,4 @@
-#include "cli/render/System.h"
+#include "host/picture/DisplaySource.h"
 
 #include "zelto/raster/RasterSource.h"
 
@@ -6,12 +6,14 @@
 #include "host/base/Text.h"
 #include "host/files/Open.h"
 
+#include <gdal_priv.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
 
-namespace zelto::cli {
+namespace zelto::host {
 
 namespace {
 
@@ -81,19 +83,40 @@ void OpenForDisplay(CRasterSource& source, const std::string& path, const std::s
                     const View* view) {
     if (srs.empty()) {
         source.SetForDisplay(true);
-        host::OpenOrFail(source, path, GIS_READONLY, true);
+        OpenOrFail(source, path, GIS_READONLY, true);
         return;
     }
     const Grid grid = view != nullptr ? GridOf(source, *view) : Grid();
     source.SetForDisplay(true);
-    host::ForgetReasons();
+    ForgetReasons();
     const GISError error =
-        grid.width > 0
-            ? source.OpenWarpedToGrid(host::Wide(path).c_str(), GIS_READONLY, srs.c_str(),
-                                      grid.geoTransform.data(), grid.width, grid.height)
-            : source.OpenAndWarped(host::Wide(path).c_str(), GIS_READONLY, srs.c_str());
+        grid.width > 0 ? source.OpenWarpedToGrid(Wide(path).c_str(), GIS_READONLY, srs.c_str(),
+                                                 grid.geoTransform.data(), grid.width, grid.height)
+                       : source.OpenAndWarped(Wide(path).c_str(), GIS_READONLY, srs.c_str());
     if (error != GIS_SUCCESS)
-        throw host::Failure(path, host::ReasonForFailure(path, error));
+        throw Failure(path, ReasonForFailure(path, error));
 }
 
-} // namespace zelto::cli
+std::unique_ptr<CRasterSource> OpenForPicture(const std::string& path, const std::string& srs,
+                                              const View& view) {
+    auto source = std::make_unique<CRasterSource>();
+    OpenForDisplay(*source, path, srs);
+    if (!srs.empty())
+        OpenForDisplay(*source, path, srs, &view);
+    return source;
+}
+
+void ShowBandsByColor(CRasterSource& source) {
+    std::array<int, 3> bands = {-1, -1, -1};
+    GDALDataset* const dataset = source.GetGDALDataset();
+    const int count = dataset != nullptr ? dataset->GetRasterCount() : 0;
+    for (int i = count - 1; i >= 0; --i) {
+        const int color = dataset->GetRasterBand(i + 1)->GetColorInterpretation() - GCI_RedBand;
+        if (color >= 0 && color < 3)
+            bands[static_cast<std::size_t>(color)] = i;
+    }
+    if (bands[0] >= 0 && bands[1] >= 0 && bands[2] >= 0 && count == source.GetBandCount())
+        source.SetShowBandNum(3, bands.data());
+}
+
+} // namespace zelto::host

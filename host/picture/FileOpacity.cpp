@@ -1,4 +1,4 @@
-#include "cli/render/FileOpacity.h"
+#include "host/picture/FileOpacity.h"
 
 #include "zelto/raster/RasterSource.h"
 
@@ -11,11 +11,10 @@
 #include <gdal_priv.h>
 #include <gdal_utils.h>
 
-#include <array>
 #include <atomic>
 #include <memory>
 
-namespace zelto::cli {
+namespace zelto::host {
 
 namespace {
 
@@ -44,38 +43,27 @@ std::string NameInMemory() {
 
 } // namespace
 
-void ShowBandsByColor(CRasterSource& source) {
-    std::array<int, 3> bands = {-1, -1, -1};
-    GDALDataset* const dataset = source.GetGDALDataset();
-    const int count = dataset != nullptr ? dataset->GetRasterCount() : 0;
-    for (int i = count - 1; i >= 0; --i) {
-        const int color = dataset->GetRasterBand(i + 1)->GetColorInterpretation() - GCI_RedBand;
-        if (color >= 0 && color < 3)
-            bands[static_cast<std::size_t>(color)] = i;
-    }
-    if (bands[0] >= 0 && bands[1] >= 0 && bands[2] >= 0 && count == source.GetBandCount())
-        source.SetShowBandNum(3, bands.data());
-}
-
 FileOpacity::FileOpacity(const CRasterSource& source) {
-    const std::string path = host::Narrow(source.GetFilePath());
-    const GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
     GDALDataset* const shown = source.GetGDALDataset();
-    const bool isView = file != nullptr && shown != nullptr &&
-                        EQUAL(shown->GetDriverName(), "VRT") &&
-                        !EQUAL(file->GetDriverName(), "VRT");
-    if (!file || !HasOpacity(*file, isView))
+    if (shown == nullptr)
+        return;
+    const bool mayBeView = EQUAL(shown->GetDriverName(), "VRT");
+    if (!mayBeView && !HasOpacity(*shown, false))
+        return;
+    const std::string path = Narrow(source.GetFilePath());
+    const GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    if (!file || !HasOpacity(*file, mayBeView && !EQUAL(file->GetDriverName(), "VRT")))
         return;
     CPLStringList words;
     for (const char* word : {"-of", "VRT", "-b", "mask,1", "-colorinterp_1", "gray"})
         words.AddString(word);
     const TranslateOptions options(GDALTranslateOptionsNew(words.List(), nullptr));
     const std::string name = NameInMemory();
-    host::ForgetReasons();
+    ForgetReasons();
     const GDALDatasetUniquePtr made(GDALDataset::FromHandle(
         GDALTranslate(name.c_str(), GDALDataset::ToHandle(file.get()), options.get(), nullptr)));
     if (!made)
-        throw host::Failure(path, host::LastReason("its mask cannot be read"));
+        throw Failure(path, LastReason("its mask cannot be read"));
     m_path = name;
 }
 
@@ -84,4 +72,4 @@ FileOpacity::~FileOpacity() {
         VSIUnlink(m_path.c_str());
 }
 
-} // namespace zelto::cli
+} // namespace zelto::host

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "cli/render/View.h"
+#include "host/picture/View.h"
 
+#include <memory>
 #include <string>
 
 class CRasterSource;
 
-namespace zelto::cli {
+namespace zelto::host {
 
 /// Opens a raster for display in its own system, or in another one.
 /// @param srs empty: its own
@@ -17,4 +18,13 @@ namespace zelto::cli {
 void OpenForDisplay(CRasterSource& source, const std::string& path, const std::string& srs,
                     const View* view = nullptr);
 
-} // namespace zelto::cli
+/// Opens a raster for the picture of a view alone. Throws Failure.
+/// @param srs empty: its own
+std::unique_ptr<CRasterSource> OpenForPicture(const std::string& path, const std::string& srs,
+                                              const View& view);
+
+/// Shows the bands that the file calls red, green and blue, whatever their order. Changes nothing
+/// where it does not name all three.
+void ShowBandsByColor(CRasterSource& source);
+
+} // namespace zelto::host
