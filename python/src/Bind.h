@@ -11,6 +11,7 @@ void BindArguments(pybind11::module_& module);
 void BindErrors(pybind11::module_& module);
 void BindRaster(pybind11::module_& module);
 void BindPixels(pybind11::module_& module);
+void BindRecipe(pybind11::module_& module);
 void BindDrawing(pybind11::module_& module);
 void BindMaking(pybind11::module_& module);
 void BindArea(pybind11::module_& module);

@@ -2,18 +2,14 @@
 
 #include "zelto/geometry/BoundingBox.h"
 
+#include "host/picture/View.h"
+
 #include <array>
-#include <cstddef>
 #include <pybind11/numpy.h>
 
 namespace zelto::python {
 
-/// A picture's place on the ground and its size.
-struct View {
-    CBoundingBox box;
-    int width = 0;
-    int height = 0;
-};
+using host::View;
 
 /// Left, top, right, bottom as a box. Throws ValueError for one that has no area.
 CBoundingBox CheckedBox(const std::array<double, 4>& sides);

@@ -22,6 +22,7 @@ PYBIND11_MODULE(_engine, module) {
     BindArguments(module);
     BindRaster(module);
     BindPixels(module);
+    BindRecipe(module);
     BindDrawing(module);
     BindMaking(module);
     BindArea(module);

@@ -6,6 +6,7 @@
 #include "host/base/Failure.h"
 #include "host/files/Open.h"
 #include "host/files/RasterFiles.h"
+#include "host/picture/DisplaySource.h"
 #include "python/src/Errors.h"
 
 #include <array>
@@ -70,33 +71,24 @@ CRasterBand& Raster::Band(int number) {
     return *band;
 }
 
-CRasterSource& Raster::DisplaySource(const std::string& srs) {
-    if (srs.empty() && !IsWritable())
-        return *m_source;
-    // What was written is drawn too.
-    const bool stale = IsWritable() || m_displaySrs != srs;
-    if (m_display == nullptr || stale)
-        OpenDisplay(srs);
-    return *m_display;
-}
-
-void Raster::OpenDisplay(const std::string& srs) {
+std::unique_ptr<CRasterSource> Raster::OpenAgain(const std::string& srs, const host::View* view) {
     if (IsNew())
         throw host::Failure(m_origin.path, "is being made; close it before it is drawn");
-    m_display.reset();
+    // What was written is drawn too.
     for (int b = 0; m_origin.update && b < m_source->GetBandCount(); ++b)
         m_source->GetRasterBand(b)->FlushCache();
-    RasterOrigin origin = m_origin;
-    origin.update = false;
-    if (!srs.empty())
-        origin.srs = srs;
-    m_display = OpenSource(origin);
-    m_displaySrs = srs;
+    return OpenLikewise(m_origin.path, srs, view);
+}
+
+std::unique_ptr<CRasterSource> Raster::OpenLikewise(const std::string& path, const std::string& srs,
+                                                    const host::View* view) const {
+    if (!srs.empty() && view != nullptr)
+        return host::OpenForPicture(path, srs, *view);
+    return OpenSource({path, false, m_origin.warp, srs.empty() ? m_origin.srs : srs});
 }
 
 void Raster::Reopen() {
     const Turn turn = Use();
-    m_display.reset();
     m_source.reset();
     m_source = Run([&] { return OpenSource(m_origin); });
 }
@@ -107,7 +99,6 @@ void Raster::Close() {
     const Turn turn = Use();
     const auto files = std::move(m_files);
     auto source = std::move(m_source);
-    m_display.reset();
     Run([&] {
         host::ForgetReasons();
         // Where the data set really is: a header's name stands for the data file beside it.
@@ -127,7 +118,6 @@ void Raster::Discard() {
     if (IsClosed())
         return;
     const Turn turn = Use();
-    m_display.reset();
     m_source.reset();
     m_files.reset();
 }

@@ -3,10 +3,10 @@
 #include "zelto/baselib/NewFileSet.h"
 #include "zelto/raster/RasterSource.h"
 
+#include "host/picture/View.h"
 #include "python/src/Call.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace zelto::python {
@@ -39,10 +39,16 @@ class Raster {
     /// The right to use the sources. Throws ValueError when closed.
     Turn Use();
     CRasterSource& Source() { return *m_source; }
-    /// A source to draw from, whose settings may be changed: another one where the raster is to
-    /// be shown in another reference system, or is being written. Needs the turn; may be called
-    /// without the interpreter's lock. Throws when it cannot be opened.
-    CRasterSource& DisplaySource(const std::string& srs);
+    /// Reference system that it was opened to be shown in; empty: its own.
+    const std::string& Srs() const { return m_origin.srs; }
+    /// Another source of the file as it is now, for a drawing or for its extent alone. Needs the
+    /// turn; may be called without the interpreter's lock. Throws when it cannot be opened.
+    /// @param srs system to show it in; empty: that of this raster
+    /// @param view what will be drawn, in that system; null: nothing
+    std::unique_ptr<CRasterSource> OpenAgain(const std::string& srs, const host::View* view);
+    /// The same for a file that belongs to this raster's, such as its mask.
+    std::unique_ptr<CRasterSource> OpenLikewise(const std::string& path, const std::string& srs,
+                                                const host::View* view) const;
     /// A band by its number from 1. Throws IndexError.
     CRasterBand& Band(int number);
 
@@ -54,13 +60,9 @@ class Raster {
     void Discard();
 
   private:
-    void OpenDisplay(const std::string& srs);
-
     RasterOrigin m_origin;
     std::unique_ptr<CNewFileSet> m_files; ///< gone after the sources
     std::unique_ptr<CRasterSource> m_source;
-    std::unique_ptr<CRasterSource> m_display;
-    std::optional<std::string> m_displaySrs;
     bool m_taken = false;
 };
 

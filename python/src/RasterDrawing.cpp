@@ -1,8 +1,8 @@
-#include "zelto/algorithm/RasterAlgorithm.h"
-#include "zelto/aoi/RasterAOI.h"
+#include "zelto/display/DisplayRecipe.h"
 
 #include "host/base/Failure.h"
 #include "host/files/Open.h"
+#include "host/picture/Drawing.h"
 #include "python/src/Area.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
@@ -13,7 +13,9 @@
 
 #include <array>
 #include <cmath>
+#include <optional>
 #include <pybind11/stl.h>
+#include <utility>
 
 namespace py = pybind11;
 
@@ -49,132 +51,116 @@ View CheckedPicture(py::array& out, const std::array<double, 4>& box) {
 
 namespace {
 
-void FailWithoutPixels(bool drawn) {
-    if (!drawn)
-        throw host::Failure(host::LastReason("the box misses the raster, or its pixels cannot be "
-                                             "read"));
-}
+constexpr auto ORDER = host::ChannelOrder::RedFirst;
 
-/// What a drawing goes by beside the source.
-struct Drawing {
-    View view;
-    const Look& look;
-    CAOISource* area = nullptr;
-    CallProgress& progress;
+/// What is to be drawn of a raster, from the arguments of a call.
+class Drawing {
+  public:
+    Drawing(Raster& raster, const py::dict& settings, const View& view, std::string srs,
+            const py::object& area, py::object callable)
+        : m_raster(raster),
+          m_turn(raster.Use()),
+          m_look(settings),
+          m_view(view),
+          m_srs(std::move(srs)),
+          m_area(AreaOrNone(area)),
+          m_progress(std::move(callable)) {
+        if (m_area != nullptr)
+            m_area->Use(m_areaTurn);
+    }
+
+    /// Prepares a source and calls draw(source, area in its system, which may be null).
+    template <typename Draw>
+    void Run(Draw draw) {
+        python::Run(m_progress, [&] {
+            std::unique_ptr<CRasterSource> own;
+            if (m_look.NeedsOwnSource() || !m_srs.empty() || m_raster.IsWritable())
+                own = m_raster.OpenAgain(m_srs, &m_view);
+            CRasterSource& source = own != nullptr ? *own : m_raster.Source();
+            const KeptDisplay kept(source);
+            CAOISource* const shapes =
+                m_area != nullptr ? &m_area->In(source.GetProjectionWKT()) : nullptr;
+            m_look.Apply(source, m_view.box, shapes, m_progress);
+            draw(source, shapes);
+            return true;
+        });
+    }
+
+    void ApplyOpacity(const CRasterSource& source, unsigned char* pixels) {
+        const auto openMask = [&](const std::string& path) {
+            return m_raster.OpenLikewise(path, m_srs, &m_view);
+        };
+        host::ApplyOpacity(source, m_view, openMask, pixels);
+    }
+
+  private:
+    Raster& m_raster;
+    Turn m_turn;
+    Look m_look;
+    View m_view;
+    std::string m_srs; ///< empty: the raster's own
+    std::shared_ptr<Area> m_area;
+    std::optional<Turn> m_areaTurn;
+    CallProgress m_progress;
 };
-
-/// Three planes one after the other and, where there is an area, which pixels lie in it.
-void DrawPlanes(CRasterSource& source, const Drawing& drawing, unsigned char* planes,
-                unsigned char* inside) {
-    const auto [box, w, h] = drawing.view;
-    const std::size_t size = static_cast<std::size_t>(w) * static_cast<std::size_t>(h);
-    std::array<unsigned char*, 3> pointers = {planes, planes + size, planes + 2 * size};
-    // The source adjusts the contrast of as many planes as bands are shown; a picture of a
-    // single band has three alike.
-    source.m_contrast = 0.0F;
-    CBoundingBox ground = box;
-    host::ForgetReasons();
-    if (drawing.area == nullptr) {
-        FailWithoutPixels(source.GetShowData(&ground, w, h, 3, pointers.data(), nullptr, true));
-    } else {
-        CRasterAOI area(&source, drawing.area);
-        area.Initialize();
-        FailWithoutPixels(
-            source.GetMaskedShowData(&ground, w, h, 3, pointers.data(), &area, inside));
-    }
-    CRasterAlgorithm::AdjustContrast(pointers.data(), w, h, drawing.look.Contrast(), 3);
-}
-
-void DrawWhole(CRasterSource& source, const View& view, unsigned char* pixels) {
-    CBoundingBox box = view.box;
-    host::ForgetReasons();
-    FailWithoutPixels(source.GetShowDataRedFirst(&box, view.width, view.height, pixels, true));
-    // Palette and class colours have their transparency from the drawing already.
-    source.m_hue = source.m_intensity = source.m_saturation = source.m_contrast = 0.0F;
-    source.ApplyShowDataHISC(view.width, view.height, pixels);
-}
-
-/// Pixels outside the area are transparent, or black.
-void DrawMasked(CRasterSource& source, const Drawing& drawing, bool blackOutside,
-                unsigned char* pixels) {
-    const std::size_t size = static_cast<std::size_t>(drawing.view.width) *
-                             static_cast<std::size_t>(drawing.view.height);
-    std::vector<unsigned char> planes(3 * size);
-    std::vector<unsigned char> inside(size);
-    DrawPlanes(source, drawing, planes.data(), inside.data());
-    const auto opaque = static_cast<unsigned char>(
-        std::lround(255.0 * (1.0 - static_cast<double>(drawing.look.Transparency()))));
-    const unsigned char outside = blackOutside ? opaque : 0;
-    for (std::size_t i = 0; i < size; ++i, pixels += 4) {
-        for (std::size_t channel = 0; channel < 3; ++channel)
-            pixels[channel] = inside[i] != 0 ? planes[channel * size + i] : 0;
-        pixels[3] = inside[i] != 0 ? opaque : outside;
-    }
-}
-
-/// Prepares a source and calls draw(source, area in its system).
-template <typename Draw>
-void WithSource(Raster& raster, const Look& look, const View& view, const std::string& srs,
-                Area* area, CallProgress& progress, Draw draw) {
-    Run(progress, [&] {
-        std::unique_ptr<CRasterSource> own;
-        if (look.NeedsOwnSource())
-            own = OpenSource({raster.Path(), false, true, srs});
-        CRasterSource& source = own != nullptr ? *own : raster.DisplaySource(srs);
-        const KeptDisplay kept(source);
-        CAOISource* const shapes = area != nullptr ? &area->In(source.GetProjectionWKT()) : nullptr;
-        look.Apply(source, view.box, shapes, progress);
-        draw(source, shapes);
-        return true;
-    });
-}
 
 void Render(Raster& raster, py::array out, const std::array<double, 4>& box,
             const py::dict& settings, const std::string& srs, const py::object& area,
-            bool blackOutside, py::object callable) {
-    const Turn turn = raster.Use();
+            bool isBlackOutside, py::object callable) {
     const View view = CheckedPicture(out, box);
     auto* const pixels = static_cast<unsigned char*>(Memory(out));
-    const Look look(settings);
-    const auto shapes = AreaOrNone(area);
-    std::optional<Turn> areaTurn;
-    if (shapes != nullptr)
-        shapes->Use(areaTurn);
-    CallProgress progress(std::move(callable));
-    WithSource(raster, look, view, srs, shapes.get(), progress,
-               [&](CRasterSource& source, CAOISource* inside) {
-                   if (inside == nullptr)
-                       DrawWhole(source, view, pixels);
-                   else
-                       DrawMasked(source, {view, look, inside, progress}, blackOutside, pixels);
-               });
+    Drawing drawing(raster, settings, view, srs, area, std::move(callable));
+    drawing.Run([&](CRasterSource& source, CAOISource* shapes) {
+        if (shapes == nullptr)
+            host::DrawWhole(source, view, ORDER, pixels);
+        else
+            host::DrawMasked(source, *shapes, view, isBlackOutside, ORDER, pixels);
+        drawing.ApplyOpacity(source, pixels);
+    });
 }
 
 /// @param inside rows × columns, may be None without an area
 void RenderPlanes(Raster& raster, py::array planes, py::object inside,
                   const std::array<double, 4>& box, const py::dict& settings,
                   const std::string& srs, const py::object& area, py::object callable) {
-    const Turn turn = raster.Use();
     if (planes.ndim() != 3 || PixelTypeOf(planes.dtype()) != PDT_Byte)
         throw py::value_error("planes are 3 x rows x columns of uint8");
     RequireShape(planes, {3, planes.shape(1), planes.shape(2)});
     const View view = CheckedView(planes, 1, box);
-    const auto shapes = AreaOrNone(area);
-    std::optional<Turn> areaTurn;
     unsigned char* mask = nullptr;
-    if (shapes != nullptr) {
-        shapes->Use(areaTurn);
+    if (!area.is_none()) {
         auto array = inside.cast<py::array_t<unsigned char>>();
         RequireShape(array, {view.height, view.width});
         mask = static_cast<unsigned char*>(Memory(array));
     }
     auto* const memory = static_cast<unsigned char*>(Memory(planes));
-    const Look look(settings);
-    CallProgress progress(std::move(callable));
-    WithSource(raster, look, view, srs, shapes.get(), progress,
-               [&](CRasterSource& source, CAOISource* drawn) {
-                   DrawPlanes(source, {view, look, drawn, progress}, memory, mask);
-               });
+    Drawing drawing(raster, settings, view, srs, area, std::move(callable));
+    drawing.Run([&](CRasterSource& source, CAOISource* shapes) {
+        host::DrawPlanes(source, shapes, view, memory, mask);
+    });
+}
+
+/// How render() would make a picture.
+/// @param mask path of the file that the area is from, and whether the outside is black; or None
+CDisplayRecipe TakeRecipe(Raster& raster, const std::array<double, 4>& box,
+                          const std::array<int, 2>& size, const py::dict& settings,
+                          const std::string& srs, const py::object& area, const py::object& mask,
+                          py::object callable) {
+    const View view = {CheckedBox(box), size[0], size[1]};
+    CDisplayRecipe recipe;
+    recipe.SetView(
+        CDisplayRecipe::View{view.box, view.width, view.height, srs.empty() ? raster.Srs() : srs});
+    if (!mask.is_none()) {
+        const auto [path, isBlackOutside] = mask.cast<std::pair<std::string, bool>>();
+        recipe.SetMask(CDisplayRecipe::Mask{WideText(path), isBlackOutside});
+    }
+    Drawing drawing(raster, settings, view, srs, area, std::move(callable));
+    drawing.Run([&](CRasterSource& source, CAOISource* /*shapes*/) {
+        host::ForgetReasons();
+        if (!recipe.Take(source))
+            throw host::Failure(host::LastReason("it shows nothing"));
+    });
+    return recipe;
 }
 
 /// Where the raster lies when it is shown in another reference system, and how many rows and
@@ -185,10 +171,10 @@ py::tuple ShownExtent(Raster& raster, const std::string& srs) {
     std::array<int, 2> size{};
     std::string wkt;
     Run([&] {
-        const CRasterSource& source = raster.DisplaySource(srs);
-        extent = source.GetExtent();
-        size = {source.GetHeight(), source.GetWidth()};
-        wkt = source.GetProjectionWKT();
+        const auto source = raster.OpenAgain(srs, nullptr);
+        extent = source->GetExtent();
+        size = {source->GetHeight(), source->GetWidth()};
+        wkt = source->GetProjectionWKT();
     });
     return py::make_tuple(extent.GetLeft(), extent.GetTop(), extent.GetRight(), extent.GetBottom(),
                           size[0], size[1], Text(wkt));
@@ -203,6 +189,9 @@ void BindDrawing(py::module_& module) {
     module.def("render_planes", &RenderPlanes, py::arg("raster"), py::arg("planes"),
                py::arg("inside"), py::arg("box"), py::arg("settings"), py::arg("srs"),
                py::arg("area"), py::arg("progress"));
+    module.def("take_recipe", &TakeRecipe, py::arg("raster"), py::arg("box"), py::arg("size"),
+               py::arg("settings"), py::arg("srs"), py::arg("area"), py::arg("mask"),
+               py::arg("progress"));
     module.def("shown_extent", &ShownExtent, py::arg("raster"), py::arg("srs"));
 }
 

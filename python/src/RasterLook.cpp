@@ -7,6 +7,7 @@
 
 #include "host/base/Failure.h"
 #include "host/files/Open.h"
+#include "host/picture/DisplaySource.h"
 #include "host/picture/RenderRamps.h"
 #include "python/src/Errors.h"
 
@@ -92,7 +93,8 @@ Look::Look(const py::dict& settings)
       m_intensity(Adjustment(settings, "intensity", -1)),
       m_saturation(Adjustment(settings, "saturation", -1)),
       m_contrast(Adjustment(settings, "contrast", -1)),
-      m_transparency(Adjustment(settings, "transparency", 0)) {
+      m_transparency(Adjustment(settings, "transparency", 0)),
+      m_recipe(Find<CDisplayRecipe>(settings, "recipe")) {
     for (const auto& range : Find<std::vector<std::array<double, 2>>>(settings, "ranges")
                                  .value_or(std::vector<std::array<double, 2>>()))
         m_ranges.push_back({range[0], range[1]});
@@ -118,6 +120,7 @@ Look::Look(const py::dict& settings)
 void Look::ChooseBands(CRasterSource& source) const {
     std::vector<int> bands = m_bands.value_or(std::vector<int>());
     if (!m_bands) {
+        host::ShowBandsByColor(source);
         const std::vector<int> shown = source.GetShowBandArray();
         if (m_ramp || m_classes)
             bands = {shown.empty() ? 1 : shown.front() + 1};
@@ -205,6 +208,12 @@ void Look::ApplyStretch(CRasterSource& source, const CBoundingBox& view, CAOISou
 
 void Look::Apply(CRasterSource& source, const CBoundingBox& view, CAOISource* area,
                  CallProgress& progress) const {
+    if (m_recipe) {
+        host::ForgetReasons();
+        if (!m_recipe->Apply(source))
+            throw host::Failure(host::LastReason("it cannot be shown so"));
+        return;
+    }
     ChooseBands(source);
     ChooseColors(source);
     if (m_table)

@@ -2,6 +2,7 @@
 
 #include "zelto/baselib/ClassifyDisplayTable.h"
 #include "zelto/baselib/ColorRamp.h"
+#include "zelto/display/DisplayRecipe.h"
 #include "zelto/display/StretchPreparation.h"
 
 #include "python/src/Call.h"
@@ -24,13 +25,11 @@ class Look {
     explicit Look(const pybind11::dict& settings);
 
     /// Whether drawing takes a source of its own, because what it sets cannot be taken back.
-    bool NeedsOwnSource() const { return m_classes.has_value(); }
+    bool NeedsOwnSource() const { return m_classes.has_value() || m_recipe.has_value(); }
     /// Sets it on a source. Throws.
     /// @param area what the stretch goes by where the settings say so; may be null
     void Apply(CRasterSource& source, const CBoundingBox& view, CAOISource* area,
                CallProgress& progress) const;
-    float Contrast() const { return m_contrast; }
-    float Transparency() const { return m_transparency; }
 
   private:
     void ChooseBands(CRasterSource& source) const;
@@ -60,6 +59,7 @@ class Look {
     float m_transparency = 0.0F;
     std::optional<CColorRamp> m_ramp;
     std::optional<CClassifyDisplayTable> m_classes;
+    std::optional<CDisplayRecipe> m_recipe; ///< says all of the above
 };
 
 /// Puts a source's display settings back at the end of a drawing.

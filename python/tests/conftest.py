@@ -2,12 +2,15 @@
 
 import os
 import shutil
+import subprocess
 from pathlib import Path
 
 import numpy as np
 import pytest
 import rasterio
 from rasterio.transform import from_origin
+
+import zelto
 
 SOURCE = Path(os.environ.get("ZELTO_SOURCE", Path(__file__).parents[2]))
 SCENE = SOURCE / "samples" / "L7_ETMs.tif"
@@ -46,3 +49,16 @@ def data():
     if not folder:
         pytest.skip("ZELTO_TEST_DATA is not set")
     return Path(folder)
+
+
+@pytest.fixture
+def run_zelto():
+    """Runs the command line of the same build."""
+    program = Path(zelto.__file__).parents[2] / "bin" / "zelto"
+    if not program.exists():
+        pytest.skip("the command line is not beside the package")
+
+    def run(*words):
+        subprocess.run([program, "--quiet", *words], check=True)
+
+    return run

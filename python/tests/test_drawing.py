@@ -3,6 +3,7 @@
 import numpy as np
 import pytest
 import rasterio
+from rasterio.enums import ColorInterp
 
 import zelto
 
@@ -82,13 +83,47 @@ def test_a_mask_leaves_out_what_is_outside(scene_path):
         assert (planes[:, ~inside] == 0).all()
 
 
-def test_another_reference_system(scene_path):
+def test_another_reference_system(scene_path, tmp_path, run_zelto):
     with zelto.open(scene_path) as scene:
-        picture = scene.render(crs="EPSG:4326", size=100)
-        assert max(picture.shape[:2]) == 100
+        picture = scene.render(crs="EPSG:4326", size=200)
+        assert max(picture.shape[:2]) == 200
         warped = zelto.open(scene_path, crs="EPSG:4326")
         assert -36 < warped.bounds.left < -34
-        assert np.array_equal(picture, warped.render(size=100))
+        # Of its own grid a warped raster is drawn by its pixels, else by those of the picture.
+        assert warped.render(size=200).shape == picture.shape
+    assert (picture[..., 3] == 0).any() and (picture[..., 3] == 255).mean() > 0.9
+    out = tmp_path / "out.tif"
+    run_zelto("render", "--srs", "EPSG:4326", "--size", "x200", scene_path, out)
+    assert np.array_equal(np.moveaxis(zelto.open(out).read(), 0, -1), picture)
+
+
+def test_colours_stand_where_the_file_says(make):
+    path = make("bgr.tif", np.uint8([[[30]], [[20]], [[10]]]), photometric="RGB")
+    with rasterio.open(path, "r+") as file:
+        file.colorinterp = [ColorInterp.blue, ColorInterp.green, ColorInterp.red]
+    with zelto.open(path) as scene:
+        assert scene.render(size=1, stretch="none").tolist() == [[[10, 20, 30, 255]]]
+        assert scene.render(size=1, stretch="none", bands=(1, 2, 3)).tolist() == [
+            [[30, 20, 10, 255]]]
+
+
+def test_a_picture_is_see_through_where_its_file_is(make, tmp_path):
+    values = np.uint8([[[10, 40]], [[20, 50]], [[30, 60]], [[255, 128]]])
+    alpha = make("rgba.tif", values, photometric="RGB", alpha="YES")
+    look = {"size": (2, 1), "stretch": "none"}
+    with zelto.open(alpha) as scene:
+        assert scene.render(**look).tolist() == [[[10, 20, 30, 255], [40, 50, 60, 128]]]
+        faded = scene.render(transparency=0.5, **look)
+        assert faded[0, :, 3].tolist() == [128, 64]
+        everything = zelto.AreaOfInterest(zelto.Rectangle(*scene.bounds))
+        assert scene.render(area=everything, **look)[0, :, 3].tolist() == [255, 128]
+    masked = make("masked.tif", values[:3])
+    with rasterio.Env(GDAL_TIFF_INTERNAL_MASK=True), rasterio.open(masked, "r+") as file:
+        file.write_mask(np.uint8([[0, 255]]))
+    with zelto.open(masked) as scene:
+        assert scene.render(**look)[0, :, 3].tolist() == [0, 255]
+        scene.save_picture(tmp_path / "picture.png", **look)
+    assert zelto.open(tmp_path / "picture.png").read(4).tolist() == [[0, 255]]
 
 
 def test_views(scene_path):

@@ -38,6 +38,7 @@ if TYPE_CHECKING:
     from ._looks import ClassColor
     from ._pictures import save_picture
     from ._polygons import polygonize
+    from ._recipes import Recipe
     from ._samples import (
         ClassEntry,
         ClassFile,
@@ -69,6 +70,7 @@ else:
         "_looks": "ClassColor",
         "_pictures": "save_picture",
         "_polygons": "polygonize",
+        "_recipes": "Recipe",
         "_samples": "ClassEntry ClassFile SampleClass SampleFile SamplePixels sample_pixels",
         "_shapes": "Ellipse Line Point Polygon Rectangle Shape",
         "_statistics": "BandStatistics Covariance RegionStatistics StatisticsTable covariance "
@@ -115,6 +117,7 @@ __all__ = [
     "Point",
     "Polygon",
     "Raster",
+    "Recipe",
     "Rectangle",
     "RegionStatistics",
     "Residuals",

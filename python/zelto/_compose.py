@@ -10,7 +10,7 @@ from . import _engine
 from ._arguments import Box, PathLike, encoded, engine_box, whole
 from ._arrays import Bytes
 from ._facts import Grid
-from ._looks import as_settings, check_look
+from ._looks import LOOK, as_settings, check_names
 from ._progress import Progress, as_callable
 from ._raster import Raster
 from ._views import Size, choose_view
@@ -44,7 +44,7 @@ class Composition(Grid):
         :param look: the stretches of :meth:`zelto.Raster.render`, which every band has by itself;
             all but wallis
         """
-        check_look(look)
+        check_names(look, LOOK)
         for name in ("bands", "ramp", "classes"):
             if look.get(name) is not None:
                 raise TypeError(f"a composition has no {name}")

@@ -2,46 +2,25 @@
 
 from __future__ import annotations
 
+import os
 from typing import Any, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _engine
-from ._arguments import AreaLike, Bounds, Box, PathLike, engine_box, text_argument
+from ._arguments import AreaLike, Box, PathLike, encoded, engine_box
 from ._arrays import Bytes, Mask
 from ._facts import RasterFacts
-from ._looks import as_settings, check_look
+from ._looks import DRAWING, check_names
 from ._pictures import png_bytes, save_picture
+from ._plans import Plan, plan_drawing
 from ._progress import Progress, as_callable
-from ._views import Size, choose_view
-
-
-def _shapes(area: Optional[AreaLike]) -> Optional[_engine.Area]:
-    """The engine's form of an area. What makes areas is only loaded for one."""
-    if area is None:
-        return None
-    from ._area import as_area
-
-    return as_area(area)._native
+from ._recipes import Recipe, RecipeLike
+from ._views import Size
 
 
 class RasterDrawing(RasterFacts):
     """Drawing under a choice of stretches and colours."""
-
-    def _view(
-        self,
-        box: Optional[Box],
-        center: Optional[Sequence[float]],
-        scale: Optional[float],
-        size: Optional[Size],
-        crs: bytes,
-    ) -> Any:
-        extent, shape, pixel = self.bounds, self.shape, self.geotransform[1]
-        if crs:
-            left, top, right, bottom, rows, columns, _ = _engine.shown_extent(self._native, crs)
-            extent, shape = Bounds(left, bottom, right, top), (rows, columns)
-            pixel = (right - left) / columns
-        return choose_view(extent, shape, pixel, box, center, scale, size)
 
     def render(
         self,
@@ -73,6 +52,7 @@ class RasterDrawing(RasterFacts):
         area: Optional[AreaLike] = None,
         outside: str = "transparent",
         crs: str = "",
+        recipe: Optional[RecipeLike] = None,
         progress: Progress = None,
     ) -> Bytes:
         """A picture: rows × columns × (red, green, blue, alpha) of uint8.
@@ -114,13 +94,25 @@ class RasterDrawing(RasterFacts):
         :param ramp: of one band: grey, heat, terrain, spectrum, viridis, or a list of colours
         :param classes: of one band: (low, high, colour, name) of each class
 
+        Or all of it at once:
+
+        :param recipe: what :meth:`recipe` or the command line's --save-recipe made, or the path
+            of its file; beside it only the place may be given
+
+        Where the file is see-through, by a mask or an alpha band, the picture is, too.
+
         >>> scene = zelto.open("L7_ETMs.tif")
         >>> scene.render(bands=(4, 3, 2), size=(200, 100)).shape
         (100, 200, 4)
         """
-        settings = as_settings(
+        plan = plan_drawing(
+            self,
             {
                 "bands": bands,
+                "box": box,
+                "center": center,
+                "scale": scale,
+                "size": size,
                 "stretch": stretch,
                 "clip": clip,
                 "ranges": ranges,
@@ -140,80 +132,105 @@ class RasterDrawing(RasterFacts):
                 "transparency": transparency,
                 "ramp": ramp,
                 "classes": classes,
-            }
+                "area": area,
+                "outside": outside,
+                "crs": crs,
+                "recipe": recipe,
+            },
         )
-        if outside not in ("transparent", "black"):
-            raise ValueError("outside is 'transparent' or 'black'")
-        system = text_argument("crs", crs)
-        view = self._view(box, center, scale, size, system)
-        shapes = _shapes(area)
-        picture = np.empty((view.height, view.width, 4), dtype=np.uint8)
+        return self._draw(plan, progress)
+
+    def _draw(self, plan: Plan, progress: Progress) -> Bytes:
+        picture = np.empty((plan.view.height, plan.view.width, 4), dtype=np.uint8)
         _engine.render(
             self._native,
             picture,
-            engine_box(view.box),
-            settings,
-            system,
-            shapes,
-            outside == "black",
+            engine_box(plan.view.box),
+            plan.settings,
+            plan.crs,
+            plan.area,
+            plan.black_outside,
             as_callable(progress),
         )
         return picture
 
     def render_planes(
-        self,
-        *,
-        box: Optional[Box] = None,
-        center: Optional[Sequence[float]] = None,
-        scale: Optional[float] = None,
-        size: Optional[Size] = None,
-        area: Optional[AreaLike] = None,
-        crs: str = "",
-        progress: Progress = None,
-        **look: Any,
+        self, *, progress: Progress = None, **drawing: Any
     ) -> Tuple[Bytes, Optional[Mask]]:
         """A picture as planes, 3 × rows × columns of uint8, and which pixels lie in the area
         (None without one). A pixel takes the value under its middle; in :meth:`render`, that
         under its first corner.
 
-        :param look: as :meth:`render`
+        :param drawing: as :meth:`render`, but what is outside an area is told, not coloured
 
         >>> planes, inside = zelto.open("L7_ETMs.tif").render_planes(size=(200, 100))
         >>> planes.shape, inside
         ((3, 100, 200), None)
         """
-        check_look(look)
-        system = text_argument("crs", crs)
-        view = self._view(box, center, scale, size, system)
-        shapes = _shapes(area)
-        planes = np.empty((3, view.height, view.width), dtype=np.uint8)
+        check_names(drawing, DRAWING - {"outside"})
+        plan = plan_drawing(self, drawing)
+        planes = np.empty((3, plan.view.height, plan.view.width), dtype=np.uint8)
         inside = None
-        if shapes is not None:
-            inside = np.zeros((view.height, view.width), dtype=np.uint8)
+        if plan.area is not None:
+            inside = np.zeros((plan.view.height, plan.view.width), dtype=np.uint8)
         _engine.render_planes(
             self._native,
             planes,
             inside,
-            engine_box(view.box),
-            as_settings(look),
-            system,
-            shapes,
+            engine_box(plan.view.box),
+            plan.settings,
+            plan.crs,
+            plan.area,
             as_callable(progress),
         )
         return planes, None if inside is None else inside.view(np.bool_)
 
-    def save_picture(self, path: PathLike, **look: Any) -> None:
+    def recipe(self, *, progress: Progress = None, **drawing: Any) -> Recipe:
+        """How :meth:`render` makes a picture, with the bounds and tables that the stretch is
+        found to have; see :class:`zelto.Recipe`.
+
+        :param drawing: as :meth:`render`, but an area is given as the path of its file, which the
+            recipe keeps
+
+        >>> scene = zelto.open("L7_ETMs.tif")
+        >>> look = scene.recipe(bands=4, ramp="viridis", stretch="percent")
+        >>> (scene.render(recipe=look) == scene.render(bands=4, ramp="viridis",
+        ...     stretch="percent")).all()
+        True
+        """
+        check_names(drawing, DRAWING - {"recipe"})
+        plan = plan_drawing(self, drawing)
+        mask = None
+        if plan.area is not None:
+            area = drawing["area"]
+            if not isinstance(area, (str, os.PathLike)):
+                raise TypeError("a recipe keeps the path of its area: save it and give that")
+            mask = (encoded(area), plan.black_outside)
+        native = _engine.take_recipe(
+            self._native,
+            engine_box(plan.view.box),
+            (plan.view.width, plan.view.height),
+            plan.settings,
+            plan.crs,
+            plan.area,
+            mask,
+            as_callable(progress),
+        )
+        return Recipe._of(native)
+
+    def save_picture(
+        self, path: PathLike, *, progress: Progress = None, **drawing: Any
+    ) -> None:
         """Draws and writes a picture: .png, .jpg or, with its place, .tif.
 
-        :param look: as :meth:`render`
+        :param drawing: as :meth:`render`
         """
-        place = {name: look.get(name) for name in ("box", "center", "scale", "size")}
-        system = text_argument("crs", look.get("crs", ""))
-        view = self._view(**place, crs=system)
+        check_names(drawing, DRAWING)
+        plan = plan_drawing(self, drawing)
         wkt = self.crs
-        if system:
-            wkt = _engine.shown_extent(self._native, system)[6]
-        save_picture(path, self.render(**look), box=view.box, crs=wkt)
+        if plan.crs:
+            wkt = _engine.shown_extent(self._native, plan.crs)[6]
+        save_picture(path, self._draw(plan, progress), box=plan.view.box, crs=wkt)
 
     def _repr_png_(self) -> bytes:
         """The scene in a notebook."""

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Mapping, Sequence
-from typing import Any, Dict, NamedTuple, Optional, Tuple, Union
+from typing import AbstractSet, Any, Dict, NamedTuple, Optional, Tuple, Union
 
 import numpy as np
 
@@ -121,9 +121,34 @@ LOOK = frozenset(
     "exact hue intensity saturation contrast transparency ramp classes".split()
 )
 
+#: What says which part of the ground a picture shows, and in how many pixels.
+PLACE = frozenset("box center scale size".split())
 
-def check_look(look: Mapping[str, Any]) -> None:
-    """TypeError for a name that is none of :data:`LOOK`."""
-    for name in look:
-        if name not in LOOK:
+#: All that says what is drawn and how.
+DRAWING = LOOK | PLACE | frozenset("recipe area outside crs".split())
+
+_DEFAULTS = {
+    "stretch": "stddev",
+    "stretch_to": "image",
+    "exact": False,
+    "outside": "transparent",
+    "crs": "",
+    **dict.fromkeys(("hue", "intensity", "saturation", "contrast", "transparency"), 0.0),
+}
+
+
+def check_names(given: Mapping[str, Any], known: AbstractSet[str]) -> None:
+    """TypeError for a name that is none of the known ones."""
+    for name in given:
+        if name not in known:
             raise TypeError(f"there is no argument {name!r}")
+
+
+def check_beside_recipe(drawing: Mapping[str, Any]) -> None:
+    """TypeError for an argument that says what the recipe beside it says."""
+    for name in DRAWING - PLACE - {"recipe"}:
+        value = drawing.get(name)
+        if value is not None and (name not in _DEFAULTS or value != _DEFAULTS[name]):
+            raise TypeError(
+                f"{name}: beside a recipe only box, center, scale and size may be given"
+            )

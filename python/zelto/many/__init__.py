@@ -29,9 +29,10 @@ import numpy as np
 
 from .._arguments import AreaLike, Box, PathLike, band_numbers, encoded, whole
 from .._histogram import Histogram, plan_buckets, range_argument
-from .._looks import LOOK, as_settings
+from .._looks import DRAWING, LOOK, as_settings, check_beside_recipe, check_names
 from .._progress import Progress
 from .._raster import Raster
+from .._recipes import as_recipe
 from .._statistics import BandStatistics, Covariance, region_area
 from ._exact import BandSums, ProductSums
 from ._results import ManyCovariance, ManyHistogram, ManyStatistics
@@ -239,11 +240,11 @@ def render_all(
     """
     if format not in ("png", "jpg", "tif"):
         raise ValueError("format is png, jpg or tif")
-    known = LOOK | {"box", "center", "scale", "size", "area", "outside", "crs"}
-    for name in look:
-        if name not in known:
-            raise TypeError(f"there is no argument {name!r}")
+    check_names(look, DRAWING)
     as_settings({name: value for name, value in look.items() if name in LOOK})
+    if look.get("recipe") is not None:
+        check_beside_recipe(look)
+        look["recipe"] = as_recipe(look["recipe"])
     if look.get("area") is not None:
         look["area"] = region_area(look["area"], None)
     paths = _paths(scenes)
