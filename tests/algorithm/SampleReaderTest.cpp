@@ -5,6 +5,7 @@
 #include "zelto/baselib/internal/LastError.h"
 
 #include "tests/algorithm/RegionFixture.h"
+#include "tests/support/BlockCacheOf.h"
 
 #include <cstdint>
 #include <limits>
@@ -42,20 +43,6 @@ std::vector<int> StripsOf(const std::vector<CRasterBand*>& bands, const PixelWin
         }));
     return strips;
 }
-
-/// Gives GDAL's block cache a size for as long as this lives.
-class BlockCacheOf {
-  public:
-    explicit BlockCacheOf(GIntBig bytes) : m_former(GDALGetCacheMax64()) {
-        GDALSetCacheMax64(bytes);
-    }
-    ~BlockCacheOf() { GDALSetCacheMax64(m_former); }
-    BlockCacheOf(const BlockCacheOf&) = delete;
-    BlockCacheOf& operator=(const BlockCacheOf&) = delete;
-
-  private:
-    GIntBig m_former;
-};
 
 } // namespace
 
@@ -140,9 +127,9 @@ TEST_F(SampleReader, BlocksThatTheCacheDoesNotKeepAreReadInOneStrip) {
     const SampleGrid grid = {1.0, 1024, 256, 1024 * 256};
     // 65,536 samples a strip.
     EXPECT_EQ(StripsOf(bands, window, grid, 256), std::vector<int>(4, 64));
-    const BlockCacheOf little(1 << 20);
+    const zelto::test::BlockCacheOf little(1 << 20);
     EXPECT_EQ(StripsOf(bands, window, grid, 256), std::vector<int>(4, 64));
-    const BlockCacheOf less(1 << 10);
+    const zelto::test::BlockCacheOf less(1 << 10);
     EXPECT_EQ(StripsOf(bands, window, grid, 256), std::vector<int>{256});
 }
 

@@ -9,6 +9,7 @@
 #include "zelto/raster/RasterSource.h"
 #include "zelto/vector/VectorLayer.h"
 
+#include "tests/support/BlockCacheOf.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/RecordingProgress.h"
 #include "tests/support/TemporaryFolder.h"
@@ -275,8 +276,7 @@ TEST_F(Threads, ChangeNoStatisticsUnderAShape) {
 
 TEST_F(Threads, ChangeNoStatisticsOfASample) {
     // Of images that GDAL's cache cannot keep.
-    const GIntBig former = GDALGetCacheMax64();
-    GDALSetCacheMax64(std::int64_t{5} << 20);
+    const zelto::test::BlockCacheOf cache(GIntBig{5} << 20);
     ForEveryLayout([](CRasterSource& source) {
         Answers answers;
         for (int b = 0; b < BANDS; ++b)
@@ -287,7 +287,6 @@ TEST_F(Threads, ChangeNoStatisticsOfASample) {
                 Note(answers, value);
         return answers;
     });
-    GDALSetCacheMax64(former);
 }
 
 TEST_F(Threads, ChangeNoStatisticsAndHistogramsOfABand) {
@@ -309,10 +308,9 @@ TEST_F(Threads, ChangeNoStatisticsAndHistogramsOfABand) {
 TEST_F(Threads, ChangeNoView) {
     ForEveryLayout([](CRasterSource& source) {
         Answers answers;
-        const GIntBig former = GDALGetCacheMax64();
         // Windows that the cache cannot keep are read together.
-        for (const GIntBig cache : {std::int64_t{5} << 20, std::int64_t{256} << 20}) {
-            GDALSetCacheMax64(cache);
+        for (const GIntBig bytes : {GIntBig{5} << 20, GIntBig{256} << 20}) {
+            const zelto::test::BlockCacheOf cache(bytes);
             for (CBoundingBox box : {source.GetExtent(), CBoundingBox(13, 790, 2211, 5)}) {
                 std::vector<unsigned char> image(std::size_t{400} * 174 * 4);
                 EXPECT_TRUE(source.GetShowData(&box, 400, 174, image.data(), true));
@@ -323,7 +321,6 @@ TEST_F(Threads, ChangeNoView) {
                 answers.insert(answers.end(), image.begin(), image.end());
             }
         }
-        GDALSetCacheMax64(former);
         return answers;
     });
 }

@@ -1,4 +1,5 @@
 #include "tests/display/ShownRaster.h"
+#include "tests/support/BlockCacheOf.h"
 #include "tests/support/LimitedMemory.h"
 
 #include <gdal.h>
@@ -127,11 +128,9 @@ TEST(InterleavedRendering, BandsThatAreReadTogetherShowTheSame) {
     CBoundingBox box = source.GetExtent();
     Bytes expected(std::size_t{60} * 50 * 4);
     ASSERT_TRUE(source.GetShowData(&box, 60, 50, expected.data(), false));
-    const GIntBig former = GDALGetCacheMax64();
-    GDALSetCacheMax64(10'000); // the window is beyond it
+    const zelto::test::BlockCacheOf cache(10'000); // the window is beyond it
     Bytes image(expected.size());
     EXPECT_TRUE(source.GetShowData(&box, 60, 50, image.data(), false));
-    GDALSetCacheMax64(former);
     EXPECT_EQ(image, expected);
 }
 

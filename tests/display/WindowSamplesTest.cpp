@@ -3,6 +3,7 @@
 #include "zelto/baselib/internal/LastError.h"
 
 #include "tests/display/ShownRaster.h"
+#include "tests/support/BlockCacheOf.h"
 
 #include <gdal_priv.h>
 
@@ -18,17 +19,8 @@ constexpr int SCENE_COLUMNS = 300;
 constexpr int SCENE_ROWS = 200;
 constexpr ReadWindow WHOLE = {0, 0, SCENE_COLUMNS, SCENE_ROWS, 60, 50};
 
-/// A small cache of GDAL for blocks, that windows are beyond.
-class SmallCache {
-  public:
-    SmallCache() { GDALSetCacheMax64(10'000); }
-    ~SmallCache() { GDALSetCacheMax64(m_former); }
-    SmallCache(const SmallCache&) = delete;
-    SmallCache& operator=(const SmallCache&) = delete;
-
-  private:
-    GIntBig m_former = GDALGetCacheMax64();
-};
+/// Of GDAL's cache of blocks: windows are beyond it.
+constexpr GIntBig SMALL_CACHE = 10'000;
 
 /// Three bands of differing values, the samples of a pixel stored together and compressed.
 ShownRaster Together(GDALDataType type) {
@@ -65,7 +57,7 @@ TEST(WindowSamples, OfNoBandThereAreNone) {
 }
 
 TEST(WindowSamples, ReadTogetherAreThoseReadOneByOne) {
-    const SmallCache cache;
+    const BlockCacheOf cache(SMALL_CACHE);
     for (const GDALDataType type :
          {GDT_Byte, GDT_UInt16, GDT_Int16, GDT_UInt32, GDT_Int32, GDT_Float32, GDT_Float64}) {
         ShownRaster source = Together(type);
@@ -89,7 +81,7 @@ TEST(WindowSamples, AreNotReadTogetherWhereThatDoesNotSuit) {
     ShownRaster source = Together(GDT_Byte);
     const auto bands = BandsOf(source);
     EXPECT_TRUE(WindowSamples::ReadTogether(bands, WHOLE).empty()) << "the cache keeps them";
-    const SmallCache cache;
+    const BlockCacheOf cache(SMALL_CACHE);
     const auto isReadTogether = [](const std::vector<GDALRasterBand*>& some, ReadWindow window) {
         return !WindowSamples::ReadTogether(some, window).empty();
     };
@@ -120,7 +112,7 @@ TEST(WindowSamples, AreNotReadTogetherWhereThatDoesNotSuit) {
 TEST(WindowSamples, OfMoreThanTheirMemoryHoldsAreNotReadTogether) {
     const CRasterSource source; // GDAL's drivers are up while it lives
     const TemporaryFolder folder;
-    const SmallCache cache;
+    const BlockCacheOf cache(SMALL_CACHE);
     const std::string file = folder.File("sparse.tif");
     const char* const options[] = {"COMPRESS=LZW", "INTERLEAVE=PIXEL", "SPARSE_OK=TRUE", nullptr};
     GDALDatasetUniquePtr(GetGDALDriverManager()->GetDriverByName("GTiff")->Create(
@@ -136,7 +128,7 @@ TEST(WindowSamples, OfMoreThanTheirMemoryHoldsAreNotReadTogether) {
 }
 
 TEST(WindowSamples, AreReadOneByOneWhereAPixelCannotBeRead) {
-    const SmallCache cache;
+    const BlockCacheOf cache(SMALL_CACHE);
     ShownRaster source = Together(GDT_Byte);
     const std::filesystem::path file = source.GetFilePath();
     std::filesystem::resize_file(file, std::filesystem::file_size(file) / 2);

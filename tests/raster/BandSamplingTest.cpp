@@ -6,6 +6,7 @@
 #include "tests/raster/DamagedBlock.h"
 #include "tests/raster/HugeBlock.h"
 #include "tests/raster/OpenedRaster.h"
+#include "tests/support/BlockCacheOf.h"
 #include "tests/support/LimitedMemory.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -16,27 +17,38 @@
 #include <filesystem>
 
 using zelto::BandSummary;
+using zelto::test::BlockCacheOf;
 using zelto::test::TemporaryFolder;
 
-TEST(BandSampling, ALargeBandIsSampledOnThreadsAsWithoutThem) {
-    GDALAllRegister();
-    const TemporaryFolder folder;
+namespace {
+
+/// Of GDAL's cache of blocks, for an image that it cannot keep.
+constexpr GIntBig SMALL_CACHE = GIntBig{4} << 20;
+
+/// An image beyond that, of which the samples are a part.
+std::string WriteLarge(const TemporaryFolder& folder) {
     constexpr int SIDE = 2200;
-    const zelto::test::OpenedRaster opened(zelto::test::WriteRaster(
+    return zelto::test::WriteRaster(
         folder.File("a.tif"),
         {.width = SIDE,
          .height = SIDE,
          .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=256", "BLOCKYSIZE=256"}},
-        {zelto::test::MakePixels(SIDE, SIDE, [](int x, int y) { return (x * 3 + y * 7) % 251; })}));
+        {zelto::test::MakePixels(SIDE, SIDE, [](int x, int y) { return (x * 3 + y * 7) % 251; })});
+}
+
+} // namespace
+
+TEST(BandSampling, ALargeBandIsSampledOnThreadsAsWithoutThem) {
+    GDALAllRegister();
+    const TemporaryFolder folder;
+    const zelto::test::OpenedRaster opened(WriteLarge(folder));
     GDALRasterBand& band = *opened.Bands()[0];
-    const GIntBig former = GDALGetCacheMax64();
-    GDALSetCacheMax64(GIntBig{4} << 20);
+    const BlockCacheOf cache(SMALL_CACHE);
     std::vector<BandSummary> found(2);
     for (const char* count : {"1", "2"}) {
         const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", count, false);
         EXPECT_TRUE(zelto::SampleBand(band, nullptr, nullptr, found[count[0] - '1']));
     }
-    GDALSetCacheMax64(former);
     EXPECT_EQ(found[0].minimum, 0.0);
     EXPECT_EQ(found[0].maximum, 250.0);
     EXPECT_EQ(found[0].mean, found[1].mean);
@@ -61,20 +73,13 @@ TEST(BandSampling, WhatAnUnreadableBandHasIsToldByGdal) {
 TEST(BandSampling, ALargeBandThatThreadsCannotReadIsToldOfByGdal) {
     GDALAllRegister();
     const TemporaryFolder folder;
-    const std::string path = zelto::test::WriteRaster(
-        folder.File("a.tif"),
-        {.width = 2200,
-         .height = 2200,
-         .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=256", "BLOCKYSIZE=256"}},
-        {zelto::test::MakePixels(2200, 2200, [](int x, int y) { return (x * 3 + y * 7) % 251; })});
+    const std::string path = WriteLarge(folder);
     zelto::test::DamageLastBlock(path);
     const zelto::test::OpenedRaster opened(path);
-    const GIntBig former = GDALGetCacheMax64();
-    GDALSetCacheMax64(GIntBig{4} << 20);
+    const BlockCacheOf cache(SMALL_CACHE);
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
     BandSummary found{.minimum = 3.0};
     EXPECT_FALSE(zelto::SampleBand(*opened.Bands()[0], nullptr, nullptr, found));
-    GDALSetCacheMax64(former);
     EXPECT_EQ(found.minimum, 3.0);
     EXPECT_EQ(zelto::LastError().find(path + ": "), 0U) << zelto::LastError();
 }

@@ -6,6 +6,7 @@
 #include "tests/raster/DamagedBlock.h"
 #include "tests/raster/HugeBlock.h"
 #include "tests/raster/OpenedRaster.h"
+#include "tests/support/BlockCacheOf.h"
 #include "tests/support/RasterFile.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -102,15 +103,17 @@ TEST(PickedSamples, OfAWindowBeyondGdalsCacheAreDecodedOnThreads) {
     const zelto::test::OpenedRaster opened(path);
     const std::vector<GDALRasterBand*> bands = opened.Bands();
     const PixelBox whole = {0, 0, SIDE, SIDE};
-    const GIntBig former = GDALGetCacheMax64();
-    GDALSetCacheMax64(GIntBig{64} << 20);
-    EXPECT_FALSE(zelto::IsWorthPicking(bands, whole));
-    GDALSetCacheMax64(GIntBig{4} << 20);
-    EXPECT_TRUE(zelto::IsWorthPicking(bands, whole));
-    EXPECT_FALSE(zelto::IsWorthPicking(bands, {0, 0, 256, SIDE})) << "one column of blocks";
+    {
+        const zelto::test::BlockCacheOf cache(GIntBig{64} << 20);
+        EXPECT_FALSE(zelto::IsWorthPicking(bands, whole));
+    }
     std::vector<std::uint8_t> picked(std::size_t{300} * 200);
-    EXPECT_TRUE(zelto::ReadPicked(bands, {whole, 300, 200}, {picked.data()}));
-    GDALSetCacheMax64(former);
+    {
+        const zelto::test::BlockCacheOf cache(GIntBig{4} << 20);
+        EXPECT_TRUE(zelto::IsWorthPicking(bands, whole));
+        EXPECT_FALSE(zelto::IsWorthPicking(bands, {0, 0, 256, SIDE})) << "one column of blocks";
+        EXPECT_TRUE(zelto::ReadPicked(bands, {whole, 300, 200}, {picked.data()}));
+    }
     std::vector<std::uint8_t> expected(picked.size());
     ASSERT_EQ(bands[0]->RasterIO(GF_Read, 0, 0, SIDE, SIDE, expected.data(), 300, 200, GDT_Byte, 0,
                                  0, nullptr),
