@@ -122,6 +122,13 @@ bool IsSame(const Pixels& a, const Pixels& b) {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof a[0]) == 0;
 }
 
+const RasterSpec TILES = {
+    .width = 300,
+    .height = 200,
+    .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=64"}};
+const Pixels TILED_RAMP =
+    zelto::test::MakePixels(300, 200, [](int x, int y) { return (x * 7 + y * 13) % 251; });
+
 class ThreadedReaderTest : public testing::Test {
   protected:
     ThreadedReaderTest() { CGISDataSource::RegisterGDAL(); }
@@ -130,6 +137,16 @@ class ThreadedReaderTest : public testing::Test {
     std::string Write(const std::string& name, const RasterSpec& spec,
                       const std::vector<Pixels>& bands) const {
         return zelto::test::WriteRaster(m_folder.File(name), spec, bands);
+    }
+    /// An image of 2,200 columns, enough to be read ahead of who asks for its rows: column and
+    /// three times the row, modulo 251.
+    std::string WriteRows(int height) const {
+        RasterSpec spec = TILES;
+        spec.width = 2200;
+        spec.height = height;
+        return Write("rows.tif", spec, {zelto::test::MakePixels(2200, height, [](int x, int y) {
+                         return (x + 3 * y) % 251;
+                     })});
     }
 
     zelto::test::TemporaryFolder m_folder;
@@ -156,13 +173,6 @@ class WithoutNewThreads {
   private:
     pthread_attr_t m_former;
 };
-
-const RasterSpec TILES = {
-    .width = 300,
-    .height = 200,
-    .options = {"COMPRESS=DEFLATE", "TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=64"}};
-const Pixels TILED_RAMP =
-    zelto::test::MakePixels(300, 200, [](int x, int y) { return (x * 7 + y * 13) % 251; });
 
 } // namespace
 
@@ -491,12 +501,7 @@ TEST_F(ThreadedReaderTest, RowsAheadAreReadWithoutMemoryForTheirThreadToo) {
     if (!zelto::test::CanLimitMemory())
         GTEST_SKIP() << "memory cannot be limited here";
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
-    RasterSpec spec = TILES;
-    spec.width = 2200;
-    spec.height = 2100;
-    const OpenedRaster opened(Write(
-        "rows.tif", spec,
-        {zelto::test::MakePixels(2200, 2100, [](int x, int y) { return (x + 3 * y) % 251; })}));
+    const OpenedRaster opened(WriteRows(2100));
     EXPECT_EQ(zelto::test::RunWithMemory(
                   std::size_t{7} << 20,
                   [&] {
@@ -512,12 +517,7 @@ TEST_F(ThreadedReaderTest, RowsAheadAreReadWithoutMemoryForTheirThreadToo) {
 
 TEST_F(ThreadedReaderTest, WhereNoThreadStartsTheCallersReadsAlone) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "3", false);
-    RasterSpec spec = TILES;
-    spec.width = 2200;
-    spec.height = 2100;
-    const OpenedRaster opened(Write(
-        "rows.tif", spec,
-        {zelto::test::MakePixels(2200, 2100, [](int x, int y) { return (x + 3 * y) % 251; })}));
+    const OpenedRaster opened(WriteRows(2100));
     const WithoutNewThreads alone;
     ASSERT_THROW(std::async(std::launch::async, [] {}), std::system_error);
     const auto reader = ThreadedReader::Of(opened.Bands());
@@ -537,12 +537,7 @@ TEST_F(ThreadedReaderTest, WhereNoThreadStartsTheCallersReadsAlone) {
 
 TEST_F(ThreadedReaderTest, RowsAheadThatCannotBeReadAreAFailureForGood) {
     const CPLConfigOptionSetter threads("GDAL_NUM_THREADS", "2", false);
-    RasterSpec spec = TILES;
-    spec.width = 2200;
-    spec.height = 4000;
-    const std::string path = Write(
-        "rows.tif", spec,
-        {zelto::test::MakePixels(2200, 4000, [](int x, int y) { return (x + 3 * y) % 251; })});
+    const std::string path = WriteRows(4000);
     zelto::test::DamageLastBlock(path);
     const OpenedRaster opened(path);
     const auto ahead = RowsAhead::Of(opened.Bands(), {0, 0, 2200, 4000}, 100);
