@@ -70,8 +70,7 @@ std::vector<CountedBand> Count(CRasterSource& source, const HistogramOptions& op
     region.SetAOI(area.get());
     host::ForgetReasons();
     if (region.Compute(&progress) != GIS_SUCCESS)
-        throw host::Failure(options.path, host::Interrupted() ? "interrupted"
-                                                              : host::LastReason("cannot be read"));
+        throw host::Failure(options.path, host::ReasonOfEnding("cannot be read"));
     std::vector<host::BandHistogram> histograms =
         host::CountValues(region, source, buckets, range, options.path, progress);
     if (std::any_of(histograms.begin(), histograms.end(),

@@ -2,7 +2,6 @@
 #include "cli/ManyFiles.h"
 #include "cli/options/SharedOptions.h"
 #include "host/base/Failure.h"
-#include "host/base/Interrupts.h"
 #include "host/base/Message.h"
 #include "host/base/Text.h"
 #include "host/files/AoiFile.h"
@@ -50,8 +49,7 @@ host::RegionReport MeasureRegion(CRegionStatistics& statistics, const std::strin
                                  const StatsOptions& options, CDataProgress& progress) {
     const auto require = [&](GISError error) {
         if (error != GIS_SUCCESS)
-            throw host::Failure(file, host::Interrupted() ? "interrupted"
-                                                          : host::LastReason("cannot be read"));
+            throw host::Failure(file, host::ReasonOfEnding("cannot be read"));
     };
     host::RegionReport report;
     if (options.files.size() > 1)

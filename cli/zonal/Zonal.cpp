@@ -94,9 +94,7 @@ void RunZonal(const ZonalOptions& options) {
     zones.AddTo(statistics, raster);
     host::TerminalProgress progress;
     if (statistics.Compute(&progress) != GIS_SUCCESS)
-        throw host::Failure(options.image, host::Interrupted()
-                                               ? "interrupted"
-                                               : host::LastReason("cannot be read"));
+        throw host::Failure(options.image, host::ReasonOfEnding("cannot be read"));
     const ZonalReport report = {zones, statistics, percentages, hasCoverage};
     if (!options.out.empty())
         WriteZones(report, options.out);

@@ -39,6 +39,10 @@ std::string LastReason(const std::string& otherwise) {
     return message.empty() ? otherwise : message;
 }
 
+std::string ReasonOfEnding(const std::string& otherwise) {
+    return Interrupted() ? "interrupted" : LastReason(otherwise);
+}
+
 bool IsPipeOrDevice(const std::string& path) {
     std::error_code ignored;
     return std::filesystem::is_other(path, ignored);

@@ -35,4 +35,8 @@ void ForgetReasons();
 /// The engine's reason of a failure, else GDAL's last message, else `otherwise`; in one line.
 std::string LastReason(const std::string& otherwise);
 
+/// The same of work with progress that has not come to its end: "interrupted" where the user asked
+/// to stop.
+std::string ReasonOfEnding(const std::string& otherwise);
+
 } // namespace zelto::host

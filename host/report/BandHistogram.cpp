@@ -5,7 +5,6 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "host/base/Failure.h"
-#include "host/base/Progress.h"
 #include "host/files/Open.h"
 
 #include <algorithm>
@@ -70,7 +69,7 @@ std::vector<BandHistogram> CountValues(CRegionStatistics& region, const CRasterS
     }
     ForgetReasons();
     if (region.ComputeHistograms(counted, &progress) != GIS_SUCCESS)
-        throw Failure(path, Interrupted() ? "interrupted" : LastReason("cannot be read"));
+        throw Failure(path, ReasonOfEnding("cannot be read"));
     for (const CRegionStatistics::Histogram& found : counted)
         std::transform(
             found.counts.begin(), found.counts.end(),

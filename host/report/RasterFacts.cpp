@@ -7,7 +7,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "host/base/Failure.h"
-#include "host/base/Progress.h"
+#include "host/base/Interrupts.h"
 #include "host/base/Text.h"
 #include "host/files/Open.h"
 #include "host/files/PyramidHint.h"
@@ -120,8 +120,7 @@ void DescribeWholeNumbers(RasterFacts& facts, CRasterSource& source, CDataProgre
     statistics.SetBands(bands);
     ForgetReasons();
     if (statistics.Compute(&progress) != GIS_SUCCESS)
-        throw Failure(facts.path,
-                      Interrupted() ? "interrupted" : LastReason("its pixels cannot be read"));
+        throw Failure(facts.path, ReasonOfEnding("its pixels cannot be read"));
     for (const CRegionStatistics::Band& band : statistics.GetBands()) {
         auto& described = facts.bands[static_cast<std::size_t>(band.index)].statistics;
         described.reset();
