@@ -6,6 +6,7 @@
 #include "host/base/Text.h"
 #include "host/files/AoiFile.h"
 #include "host/files/Output.h"
+#include "host/files/Reference.h"
 
 #include <algorithm>
 #include <cmath>
@@ -66,7 +67,7 @@ void AddGeoJson(CAOISource& aoi, const std::string& fileOrText) {
 /// The system that --srs names, otherwise that of the first GeoJSON, otherwise none.
 std::string ChooseSystem(const AoiNewOptions& options) {
     if (!options.srs.empty()) {
-        const std::string wkt = host::SrsAsWkt(options.srs, "FORMAT=WKT1_GDAL");
+        const std::string wkt = host::ReferenceAsWkt(options.srs);
         if (wkt.empty())
             throw host::UsageError("--srs: '" + options.srs + "' is no reference system");
         return wkt;

@@ -8,11 +8,7 @@
 #include "host/base/Text.h"
 #include "host/files/NewVector.h"
 #include "host/files/Open.h"
-#include "host/files/Reference.h"
 
-#include <cpl_conv.h>
-#include <cpl_error.h>
-#include <ogr_spatialref.h>
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
@@ -114,18 +110,6 @@ void SaveAsAoi(CAOISource& aoi, const std::string& path) {
 }
 
 } // namespace
-
-std::string SrsAsWkt(const std::string& srs, const char* format) {
-    const auto reference = ParseReference(srs);
-    if (!reference)
-        return {};
-    const char* const options[] = {format, nullptr};
-    char* text = nullptr;
-    const bool written = reference->exportToWkt(&text, options) == OGRERR_NONE;
-    std::string result = written && text != nullptr ? text : "";
-    CPLFree(text);
-    return result;
-}
 
 void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs) {
     ForgetReasons();

@@ -25,11 +25,6 @@ void UseModerateRings(CAOISource& aoi);
 /// the format keeps ellipses as they are.
 void RequireAoiFormat(const std::string& path, double tolerance = 0.0);
 
-/// A reference system as WKT; empty for none and for what cannot be read.
-/// @param format GDAL's export option: "FORMAT=WKT1_GDAL", or "FORMAT=WKT1_ESRI" as other
-///        programs expect it in a .prj file
-std::string SrsAsWkt(const std::string& srs, const char* format);
-
 /// "rectangle", "ellipse", "polygon"
 std::string KindName(const CDrawShape& shape);
 

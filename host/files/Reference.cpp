@@ -5,6 +5,8 @@
 #include "host/base/Failure.h"
 #include "host/files/Open.h"
 
+#include <cpl_conv.h>
+
 namespace zelto::host {
 
 std::optional<OGRSpatialReference> ParseReference(const std::string& text) {
@@ -15,6 +17,18 @@ std::optional<OGRSpatialReference> ParseReference(const std::string& text) {
         reference.SetFromUserInput(text.c_str(), options) != OGRERR_NONE)
         return std::nullopt;
     return reference;
+}
+
+std::string ReferenceAsWkt(const std::string& text) {
+    const auto reference = ParseReference(text);
+    if (!reference)
+        return {};
+    const char* const options[] = {"FORMAT=WKT1_GDAL", nullptr};
+    char* wkt = nullptr;
+    const bool written = reference->exportToWkt(&wkt, options) == OGRERR_NONE;
+    std::string result = written && wkt != nullptr ? wkt : "";
+    CPLFree(wkt);
+    return result;
 }
 
 void RequireReference(const std::string& text) {

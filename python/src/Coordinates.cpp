@@ -2,7 +2,6 @@
 #include "zelto/coordinate/CoordinateTransformation.h"
 
 #include "host/base/Failure.h"
-#include "host/files/AoiFile.h"
 #include "host/files/Open.h"
 #include "host/files/Reference.h"
 #include "host/report/SrsFacts.h"
@@ -110,7 +109,7 @@ py::str Wkt(const std::string& srs) {
     WideText(srs);
     const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
     host::RequireReference(srs);
-    return Text(host::SrsAsWkt(srs, "FORMAT=WKT1_GDAL"));
+    return Text(host::ReferenceAsWkt(srs));
 }
 
 bool IsSame(const std::string& a, const std::string& b) {
