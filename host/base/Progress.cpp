@@ -1,5 +1,6 @@
 #include "host/base/Progress.h"
 
+#include "host/base/Interrupts.h"
 #include "host/base/Message.h"
 #include "host/base/Printable.h"
 #include "host/base/Text.h"

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "zelto/datasource/DataProgress.h"
-
-#include "host/base/Interrupts.h"
+#include "host/base/HostProgress.h"
 
 #include <chrono>
 #include <string>
@@ -11,17 +9,13 @@ namespace zelto::host {
 
 /// A progress bar on standard error where that is a terminal and the work takes longer than a
 /// second, silent elsewhere; cancels the work when the user asked to stop.
-class TerminalProgress : public CDataProgress {
+class TerminalProgress : public HostProgress {
   public:
     TerminalProgress();
     ~TerminalProgress() override;
 
-    void HostPrepare() override {}
     void BeginProgress(const wchar_t* title, int total) override;
     bool StepProgress(int percent, const wchar_t* message) override;
-    void HostFinish() override {}
-    void HostShow() override {}
-    void HostHide() override {}
 
     /// Leaves the terminal to another thread: objects made on this one from now on show nothing.
     static void SilenceThisThread();

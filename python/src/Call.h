@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zelto/datasource/DataProgress.h"
+#include "host/base/HostProgress.h"
 
 #include <chrono>
 #include <exception>
@@ -27,17 +27,13 @@ class Turn {
 
 /// Progress of one call of the engine: tells a Python callable how far it is, and ends the work
 /// when that raises or the user presses Ctrl-C.
-class CallProgress : public CDataProgress {
+class CallProgress : public host::HostProgress {
   public:
     /// @param callable takes a fraction of 1; None: nothing is told
     explicit CallProgress(pybind11::object callable) : m_callable(std::move(callable)) {}
 
-    void HostPrepare() override {}
     void BeginProgress(const wchar_t* title, int total) override;
     bool StepProgress(int percent, const wchar_t* message) override;
-    void HostFinish() override {}
-    void HostShow() override {}
-    void HostHide() override {}
 
     /// Throws what ended the work, if something did. Call it with the interpreter's lock.
     void ThrowIfStopped();

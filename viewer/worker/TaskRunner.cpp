@@ -2,6 +2,8 @@
 
 #include "zelto/datasource/GISDataSource.h"
 
+#include "host/base/HostProgress.h"
+
 #include <QMetaObject>
 #include <algorithm>
 #include <exception>
@@ -17,11 +19,10 @@ constexpr auto REPORT_INTERVAL = std::chrono::milliseconds(80);
 } // namespace
 
 /// Passes on how far the work is, seldom enough not to keep the interface busy.
-class TaskRunner::Progress : public CDataProgress {
+class TaskRunner::Progress : public host::HostProgress {
   public:
     explicit Progress(TaskRunner& runner) : m_runner(runner) {}
 
-    void HostPrepare() override {}
     void BeginProgress(const wchar_t*, int total) override {
         m_total = std::max(total, 1);
         m_begin = Clock::now();
@@ -34,9 +35,6 @@ class TaskRunner::Progress : public CDataProgress {
         }
         return !m_runner.m_cancelled;
     }
-    void HostFinish() override {}
-    void HostShow() override {}
-    void HostHide() override {}
 
   private:
     void Report(int done, Clock::time_point now) {
