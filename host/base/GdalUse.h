@@ -15,8 +15,9 @@ class GdalUse {
     GdalUse& operator=(const GdalUse&) = delete;
 };
 
-/// The same with GDAL's messages kept from the terminal: hosts tell what failed in lines
-/// of their own. GDAL must outlive its message handler, which it would otherwise lose.
+/// The same with GDAL's messages on the calling thread kept from the terminal: hosts tell what
+/// failed in lines of their own. To end where it began, on that thread. GDAL must outlive its
+/// message handler, which it would otherwise lose.
 class QuietGdalUse {
   private:
     GdalUse m_use;

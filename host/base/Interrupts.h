@@ -5,7 +5,8 @@
 namespace zelto::host {
 
 /// The user asked to stop: Ctrl-C, a termination request, or the terminal went away. The program
-/// says so in one line and exits with EXIT_INTERRUPTED.
+/// says so in one line and exits with EXIT_INTERRUPTED. Besides EndIfInterrupted(), what opens
+/// files, prints results or puts a new file in its place throws it.
 class Interruption : public std::runtime_error {
   public:
     Interruption() : std::runtime_error("interrupted") {}

@@ -7,6 +7,8 @@
 
 namespace zelto::host {
 
+/// Text and paths as the engine takes them, and as it gives them: bytes that are not UTF-8, as in
+/// old file names, survive the way there and back.
 std::wstring Wide(const std::string& utf8);
 std::string Narrow(const std::wstring& wide);
 

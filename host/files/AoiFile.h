@@ -6,13 +6,13 @@
 
 namespace zelto::host {
 
-/// Opens an area of interest, whole or not at all.
+/// Opens an area of interest, whole or not at all. Throws Failure.
 /// @param srs reference system to show it in; empty: its own
 void OpenAoiOrFail(CAOISource& aoi, const std::string& path, const std::string& srs = "");
 
 /// Writes an area of interest by the path's extension: "aif", "shp", "gpkg", "geojson" or "json".
-/// In vector files an ellipse becomes a polygon; GeoJSON is in longitude and latitude. Throws
-/// Failure.
+/// A file of that name is replaced when the new one is complete. In vector files an ellipse becomes
+/// a polygon; GeoJSON is in longitude and latitude. Throws Failure.
 /// @param tolerance largest distance of such a polygon from its ellipse in ground units; 0: a
 ///        hundred-thousandth of the ellipse's longer side
 void SaveAoiOrFail(CAOISource& aoi, const std::string& path, double tolerance = 0.0);
@@ -25,7 +25,7 @@ void UseModerateRings(CAOISource& aoi);
 /// the format keeps ellipses as they are.
 void RequireAoiFormat(const std::string& path, double tolerance = 0.0);
 
-/// "rectangle", "ellipse", "polygon"
+/// "rectangle", "ellipse", "polygon", "other"
 std::string KindName(const CDrawShape& shape);
 
 } // namespace zelto::host

@@ -13,14 +13,15 @@ namespace zelto::host {
 /// What of an image is copied.
 struct CopySelection {
     std::vector<int> bands; ///< from 0
-    CRect window;
+    CRect window;           ///< pixels of the image, right and bottom not included
     PixelDataType type = PDT_Byte;
 
     int Width() const { return window.right - window.left; }
     int Height() const { return window.bottom - window.top; }
 };
 
-/// Options with which a new GeoTIFF has the bands' colours, but for those that `given` has.
+/// Creation options, KEY=VALUE, with which a new GeoTIFF has the bands' colours, but for those
+/// whose key `given` has.
 std::vector<std::string> ColorOptions(const CRasterSource& source, const CopySelection& selection,
                                       const std::vector<std::string>& given);
 

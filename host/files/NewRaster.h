@@ -17,9 +17,9 @@ struct NewRasterLayout {
     int height = 0;
     int bands = 1;
     PixelDataType type = PDT_Byte;
-    double* geoTransform = nullptr; ///< six values; null: none
-    std::string wkt;                ///< empty: none
-    std::vector<std::string> options;
+    double* geoTransform = nullptr;   ///< six values of the caller's; null: none
+    std::string wkt;                  ///< empty: none
+    std::vector<std::string> options; ///< creation options of the format, KEY=VALUE
 };
 
 /// A raster that appears under its name, with its side files, only when it is complete; see

@@ -25,6 +25,7 @@ class NewVector {
     /// The file's one layer, named as the file. Throws Failure, also where the format keeps no
     /// geometries.
     /// @param srs WKT, or empty
+    /// @return it is the file's, and gone with Finish()
     OGRLayer& MakeLayer(const std::string& srs, OGRwkbGeometryType type);
     /// Closes the file, reads it to its end to see that it is whole, and puts it in its place.
     /// Throws Failure.

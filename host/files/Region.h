@@ -10,9 +10,9 @@ namespace zelto::host {
 
 /// What chooses a part of an image; one of the texts at most is not empty.
 struct RegionOptions {
-    std::string aoi;
-    std::string box;
-    std::string shape;
+    std::string aoi;   ///< path of an area of interest or of a vector file
+    std::string box;   ///< left,top,right,bottom in the raster's ground units
+    std::string shape; ///< in the same units, as ParseShape() reads it
 
     bool IsWholeImage() const { return aoi.empty() && box.empty() && shape.empty(); }
 };

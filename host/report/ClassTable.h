@@ -12,7 +12,7 @@ namespace zelto::host {
 /// then hold commas; a quote within is doubled. Throws Failure naming file and line.
 std::vector<CClassifiedAssistantFile::ClassRecord> ReadClassTable(const std::string& path);
 
-/// Where an image's classes are: the assistant file beside it.
+/// Path of an image's classes, the assistant file beside it, whether there is one or not.
 std::string AssistantOf(const std::string& image);
 
 } // namespace zelto::host

@@ -49,22 +49,22 @@ struct SubdatasetFacts {
 
 /// A ground control point.
 struct ControlPointFacts {
-    double column = 0.0;
+    double column = 0.0; ///< pixels from the upper left corner, as `row`
     double row = 0.0;
-    double x = 0.0;
+    double x = 0.0; ///< in the control points' reference system, as `y`
     double y = 0.0;
 };
 
-/// What there is to say about a raster file.
+/// What there is to say about a raster file. Texts are empty where the file says nothing.
 struct RasterFacts {
     std::string path;
     std::string format;     ///< GDAL's short name of the driver
     std::string formatName; ///< its long name
     int width = 0;
     int height = 0;
-    std::string dataType; ///< of the first band; empty without bands
-    std::array<double, 6> geoTransform{};
-    CBoundingBox extent;
+    std::string dataType;                 ///< of the first band; empty without bands
+    std::array<double, 6> geoTransform{}; ///< GDAL's terms, from pixels to the ground
+    CBoundingBox extent;                  ///< on the ground
     std::vector<ControlPointFacts> controlPoints;
     std::string controlPointName; ///< of the control points' reference system
     std::string controlPointWkt;

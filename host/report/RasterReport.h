@@ -6,6 +6,7 @@
 
 namespace zelto::host {
 
+/// The facts as an object, for programs.
 Json ToJson(const RasterFacts& facts);
 
 // The facts in the words of the report for people, one table for each part of it.

@@ -18,7 +18,7 @@ struct SampleClass {
     std::string name;
     std::vector<std::unique_ptr<CDrawShape>> shapes;
     CImgSamplePixels pixels{0.0};
-    int shapesOffImage = 0;
+    int shapesOffImage = 0; ///< how many of them hold no pixel, as CollectPixels() finds
 };
 
 using SampleClasses = std::deque<SampleClass>;

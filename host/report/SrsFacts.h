@@ -14,6 +14,7 @@ struct SrsFact {
     std::string text; ///< empty where the fact is a number alone
     std::optional<double> number;
 
+    /// Whether the texts are the same, and the numbers but for rounding.
     bool SameValue(const SrsFact& other) const;
     /// "Greenwich (0)", "WGS_1984", "6378137"
     std::string Value() const;
@@ -21,6 +22,7 @@ struct SrsFact {
 };
 
 enum class SrsKind { Geographic, Projected, Other };
+/// "geographic", "projected", "other"
 const char* KindName(SrsKind kind);
 
 /// What a reference system is made of, in the order of the engine's readable summary, then its
@@ -30,6 +32,7 @@ struct SrsFacts {
     std::vector<SrsFact> facts;
     std::string authority; ///< "EPSG:4326" where the text names or is one
 
+    /// One of `facts`; null where none has the label.
     const SrsFact* Find(const std::string& label) const;
 };
 

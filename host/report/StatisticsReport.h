@@ -17,17 +17,17 @@ struct RegionReport {
     bool hasPercentiles = false;
     std::vector<CRegionStatistics::Band> bands;
     std::vector<double> covariance; ///< bands × bands, or empty
-    __int64 covarianceCount = 0;
+    __int64 covarianceCount = 0;    ///< pixels with a value in every band
 
     /// Of the band with the most values.
     __int64 Count() const;
-    /// Correlation of two bands by their position in `bands`.
+    /// Correlation of two bands by their position in `bands`; NaN where one does not vary.
     double Correlation(std::size_t a, std::size_t b) const;
 };
 
-/// Tables for people, numbers with ten digits.
+/// Prints tables for people on standard output, numbers with ten digits.
 void PrintTables(const std::vector<RegionReport>& reports);
-/// One line per band, with the covariances of a band in columns of their own.
+/// Prints one line per band, with the covariances of a band in columns of their own.
 void PrintCsv(const std::vector<RegionReport>& reports);
 /// {count, bands […], covariance […], correlation […]}
 Json ToJson(const RegionReport& report);
