@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <fcntl.h>
@@ -42,15 +41,9 @@ struct GeorefOptions {
     bool HasPoints() const { return !points.empty() || !pointFile.empty(); }
 };
 
-void CheckFinite(const std::string& option, const std::vector<double>& numbers) {
-    if (!std::all_of(numbers.begin(), numbers.end(), [](double x) { return std::isfinite(x); }))
-        throw host::UsageError(option + ": the numbers are finite");
-}
-
 /// The box divided into the image's pixels.
 GeoTransform FromBox(const std::string& text, const CRasterSource& raster) {
     const std::vector<double> sides = host::ParseNumbers("--box", text, 4);
-    CheckFinite("--box", sides);
     if (!(sides[0] < sides[2] && sides[3] < sides[1]))
         throw host::UsageError("--box: left must be below right and bottom below top");
     return {sides[0], (sides[2] - sides[0]) / raster.GetWidth(), 0.0, sides[1],
@@ -59,7 +52,6 @@ GeoTransform FromBox(const std::string& text, const CRasterSource& raster) {
 
 GeoTransform FromTerms(const std::string& text) {
     const std::vector<double> terms = host::ParseNumbers("--geotransform", text, 6);
-    CheckFinite("--geotransform", terms);
     if (terms[1] * terms[5] == terms[2] * terms[4])
         throw host::UsageError("--geotransform: its pixels have no area");
     GeoTransform geoTransform;

@@ -22,8 +22,6 @@ namespace {
 
 ControlPoint ParsePoint(const std::string& option, const std::string& text) {
     const std::vector<double> numbers = host::ParseNumbers(option, text, 4);
-    if (!std::all_of(numbers.begin(), numbers.end(), [](double x) { return std::isfinite(x); }))
-        throw host::UsageError(option + ": the numbers are finite");
     return {numbers[0], numbers[1], numbers[2], numbers[3]};
 }
 
