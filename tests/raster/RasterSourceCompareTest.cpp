@@ -34,15 +34,17 @@ std::string Projected(const std::string& projection, const std::string& meridian
            unit + "]]";
 }
 
+/// The unit that ends an angle of a system's text.
+const std::string IN_DEGREES = ",ANGLEUNIT[\"degree\",0.0174532925199433]]";
+
 /// A transverse Mercator system with heights above the ellipsoid.
 std::string WithHeights(const std::string& meridian, const std::string& axis = "6378137") {
-    const std::string degree = ",ANGLEUNIT[\"degree\",0.0174532925199433]]";
     return "PROJCRS[\"My grid\",BASEGEOGCRS[\"My system\",DATUM[\"My datum\","
            "ELLIPSOID[\"My ball\"," +
            axis +
            ",298.3]]],CONVERSION[\"My way\",METHOD[\"Transverse Mercator\"],"
            "PARAMETER[\"Latitude of natural origin\",0" +
-           degree + ",PARAMETER[\"Longitude of natural origin\"," + meridian + degree +
+           IN_DEGREES + ",PARAMETER[\"Longitude of natural origin\"," + meridian + IN_DEGREES +
            ",PARAMETER[\"Scale factor at natural origin\",1],"
            "PARAMETER[\"False easting\",500000],PARAMETER[\"False northing\",0]],"
            "CS[Cartesian,3],AXIS[\"e\",east],AXIS[\"n\",north],AXIS[\"h\",up],"
@@ -55,12 +57,10 @@ std::string WithPole(const std::string& latitude) {
            "ELLIPSOID[\"My ball\",6378137,298.3]]],DERIVINGCONVERSION[\"My way\","
            "METHOD[\"Pole rotation (GRIB convention)\"],PARAMETER[\"Latitude of the southern pole "
            "(GRIB convention)\"," +
-           latitude +
-           ",ANGLEUNIT[\"degree\",0.0174532925199433]],PARAMETER[\"Longitude of the southern pole "
-           "(GRIB convention)\",18,ANGLEUNIT[\"degree\",0.0174532925199433]],PARAMETER[\"Axis "
-           "rotation (GRIB convention)\",0,ANGLEUNIT[\"degree\",0.0174532925199433]]],"
-           "CS[ellipsoidal,2],AXIS[\"latitude\",north],AXIS[\"longitude\",east],"
-           "ANGLEUNIT[\"degree\",0.0174532925199433]]";
+           latitude + IN_DEGREES +
+           ",PARAMETER[\"Longitude of the southern pole (GRIB convention)\",18" + IN_DEGREES +
+           ",PARAMETER[\"Axis rotation (GRIB convention)\",0" + IN_DEGREES +
+           "],CS[ellipsoidal,2],AXIS[\"latitude\",north],AXIS[\"longitude\",east]" + IN_DEGREES;
 }
 
 bool Same(const std::string& first, const std::string& second, bool vertical = true) {
