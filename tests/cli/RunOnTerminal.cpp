@@ -9,18 +9,10 @@
 namespace zelto::test {
 
 std::string RunOnTerminal(const std::vector<std::string>& arguments) {
-    std::vector<std::string> words = {ProgramPath()};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (std::string& word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
     int terminal = -1;
     const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (child == 0) {
-        execv(argv[0], argv.data());
-        _exit(127);
-    }
+    if (child == 0)
+        BecomeZelto(arguments);
     // Reading fails once the program has ended.
     std::string shown;
     char text[4096];

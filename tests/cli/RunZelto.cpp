@@ -19,6 +19,17 @@ std::string ProgramPath() {
     return (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "zelto").string();
 }
 
+void BecomeZelto(const std::vector<std::string>& arguments) {
+    std::vector<std::string> words = {ProgramPath()};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    execv(argv[0], argv.data());
+    _exit(127);
+}
+
 namespace {
 
 void Redirect(const std::string& path, int flags, int descriptor) {
@@ -51,13 +62,6 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
                    const std::function<void(pid_t)>& meanwhile, const RunFiles& files) {
     const TemporaryFolder folder;
     WriteFile(folder.File("in"), input);
-    std::vector<std::string> words = {ProgramPath()};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (std::string& word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-
     const auto begin = std::chrono::steady_clock::now();
     const pid_t child = fork();
     if (child == 0) {
@@ -66,8 +70,7 @@ RunResult RunZelto(const std::vector<std::string>& arguments, const std::string&
                  STDOUT_FILENO);
         Redirect(files.errors.empty() ? folder.File("err") : files.errors, O_WRONLY | O_CREAT,
                  STDERR_FILENO);
-        execv(argv[0], argv.data());
-        _exit(127);
+        BecomeZelto(arguments);
     }
     if (meanwhile)
         meanwhile(child);

@@ -11,6 +11,9 @@ namespace zelto::test {
 /// Where the built `zelto` is: beside the test programs.
 std::string ProgramPath();
 
+/// The calling process, a child of the test's, becomes the built `zelto`.
+[[noreturn]] void BecomeZelto(const std::vector<std::string>& arguments);
+
 /// What a finished run of the program left behind.
 struct RunResult {
     int exitStatus = -1; ///< −1: it did not end by itself
