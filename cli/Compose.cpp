@@ -2,6 +2,7 @@
 #include "zelto/raster/RasterBand.h"
 
 #include "cli/Commands.h"
+#include "cli/PyramidHint.h"
 #include "cli/options/SharedOptions.h"
 #include "cli/render/Stretch.h"
 #include "cli/render/View.h"
@@ -9,7 +10,6 @@
 #include "host/base/Message.h"
 #include "host/files/Open.h"
 #include "host/files/Output.h"
-#include "host/files/PyramidHint.h"
 #include "host/picture/DisplaySource.h"
 #include "host/picture/Drawing.h"
 #include "host/picture/Picture.h"
@@ -89,7 +89,7 @@ void RunCompose(const ComposeOptions& options) {
     host::Confirm(options.out.path + ": " + std::to_string(view.width) + " x " +
                   std::to_string(view.height) + " pixels");
     for (const ColorSource& color : colors)
-        host::HintAtPyramid(color.source, color.path);
+        HintAtPyramid(color.source, color.path);
 }
 
 } // namespace

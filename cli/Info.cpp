@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 #include "cli/ManyFiles.h"
+#include "cli/PyramidHint.h"
 #include "host/report/RasterReport.h"
 
 #include <CLI/CLI.hpp>
@@ -57,7 +58,11 @@ void PrintAll(const std::vector<host::RasterFacts>& described, const InfoOptions
 
 void RunInfo(const InfoOptions& options) {
     std::vector<std::string> failures;
-    PrintAll(DescribeAll(options, failures), options);
+    const std::vector<host::RasterFacts> described = DescribeAll(options, failures);
+    PrintAll(described, options);
+    for (const host::RasterFacts& facts : described)
+        if (options.values.sampled && !options.values.exact)
+            HintAtPyramid(facts);
     TellFailures(failures);
 }
 

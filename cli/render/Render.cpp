@@ -2,6 +2,7 @@
 #include "zelto/raster/RasterSource.h"
 
 #include "cli/Commands.h"
+#include "cli/PyramidHint.h"
 #include "cli/options/Effect.h"
 #include "cli/options/SharedOptions.h"
 #include "cli/render/Drawing.h"
@@ -14,7 +15,6 @@
 #include "host/base/Message.h"
 #include "host/base/Text.h"
 #include "host/files/Output.h"
-#include "host/files/PyramidHint.h"
 #include "host/files/Region.h"
 #include "host/picture/DisplaySource.h"
 #include "host/picture/Picture.h"
@@ -108,7 +108,7 @@ std::string RenderOne(const RenderOptions& given) {
     else
         DrawPicture(source, view, recipe ? &*recipe : nullptr, options);
     if (options.many.folder.empty() && ReadsWhole(source, view, options))
-        host::HintAtPyramid(source, options.file);
+        HintAtPyramid(source, options.file);
     return options.out.path + ": " + std::to_string(view.width) + " x " +
            std::to_string(view.height) + (options.contactSheet ? " pixels a picture" : " pixels");
 }

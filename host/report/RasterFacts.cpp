@@ -10,7 +10,6 @@
 #include "host/base/Interrupts.h"
 #include "host/base/Text.h"
 #include "host/files/Open.h"
-#include "host/files/PyramidHint.h"
 
 #include <gdal_priv.h>
 
@@ -227,8 +226,6 @@ RasterFacts DescribeRaster(const std::string& path, ValueFacts values, CDataProg
     facts.values = values;
     for (int i = 0; values.sampled && i < source->GetBandCount(); ++i)
         DescribeSample(facts.bands[static_cast<std::size_t>(i)], *source->GetRasterBand(i));
-    if (values.sampled && !values.exact)
-        HintAtPyramid(*source, path);
     if (values.exact)
         DescribeEveryPixel(facts, *source, progress);
     return facts;

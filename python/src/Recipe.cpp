@@ -20,7 +20,7 @@ CDisplayRecipe FromJson(const std::string& text) {
     return recipe;
 }
 
-CDisplayRecipe Read(const std::string& path) {
+CDisplayRecipe ReadRecipe(const std::string& path) {
     CDisplayRecipe recipe;
     const std::wstring wide = WideText(path);
     const bool read = Run([&] {
@@ -32,7 +32,7 @@ CDisplayRecipe Read(const std::string& path) {
     return recipe;
 }
 
-void Write(const CDisplayRecipe& recipe, const std::string& path) {
+void WriteRecipe(const CDisplayRecipe& recipe, const std::string& path) {
     const std::wstring wide = WideText(path);
     const bool written = Run([&] {
         host::ForgetReasons();
@@ -78,8 +78,8 @@ CDisplayRecipe WithoutPlace(CDisplayRecipe recipe) {
 void BindRecipe(py::module_& module) {
     py::class_<CDisplayRecipe>(module, "Recipe")
         .def(py::init(&FromJson), py::arg("json"))
-        .def_static("read", &Read, py::arg("path"))
-        .def("write", &Write, py::arg("path"))
+        .def_static("read", &ReadRecipe, py::arg("path"))
+        .def("write", &WriteRecipe, py::arg("path"))
         .def("json", &Json)
         .def("view", &ViewOf)
         .def("mask", &MaskOf)
