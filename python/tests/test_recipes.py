@@ -8,6 +8,7 @@ import pytest
 
 import zelto
 from zelto import many
+from zelto.many.__main__ import main as command
 
 LOOKS = [
     {"bands": (4, 3, 2), "stretch": "percent", "clip": (1, 99)},
@@ -168,6 +169,20 @@ def test_many_scenes_by_one_recipe(make, tmp_path):
         assert np.array_equal(
             zelto.open(result.value).read(1), zelto.open(path).render(recipe=look)[..., 0]
         )
+
+
+def test_the_command_for_many_takes_one(make, tmp_path, monkeypatch, capsys):
+    path = make("m.tif", np.arange(200, dtype=np.uint16).reshape(10, 20))
+    look = tmp_path / "look.json"
+    zelto.open(path).recipe(stretch="linear", size=(10, 5)).save(look)
+    words = ["zelto", "render", "--recipe", str(look), "--jobs", "1", path, str(tmp_path / "out")]
+    monkeypatch.setattr("sys.argv", words)
+    assert command() == 0
+    made = zelto.open(tmp_path / "out" / "m.png").read()
+    assert np.array_equal(np.moveaxis(made[:3], 0, -1), zelto.open(path).render(recipe=look)[..., :3])
+    monkeypatch.setattr("sys.argv", [*words, "--ramp", "heat"])
+    assert command() == 2
+    assert "ramp: beside a recipe" in capsys.readouterr().err
 
 
 def test_the_command_line_makes_and_takes_the_same(scene_path, tmp_path, run_zelto):

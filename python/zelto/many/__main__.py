@@ -44,6 +44,7 @@ def _parser() -> argparse.ArgumentParser:
     render.add_argument("--stretch", default="stddev")
     render.add_argument("--ramp")
     render.add_argument("--srs", default="")
+    render.add_argument("--recipe", help="a file of render --save-recipe, which says all of it")
     build = commands.add_parser("pyramids", help="build the pyramid of each anew")
     build.add_argument("--resampling", default="nearest")
     for command in (stats, render, build):
@@ -85,7 +86,12 @@ def _run(options: argparse.Namespace) -> bool:
         print(json.dumps(found.to_dict()) if options.json else table)
         return _tell_failures(found.failures)
     if options.command == "render":
-        look = {"bands": options.bands, "size": options.size, "ramp": options.ramp}
+        look = {
+            "bands": options.bands,
+            "size": options.size,
+            "ramp": options.ramp,
+            "recipe": options.recipe,
+        }
         results = render_all(
             options.files,
             options.out,
