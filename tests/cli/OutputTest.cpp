@@ -178,6 +178,27 @@ TEST(StateFolder, HoldsTheLogAndNothingStandsBesideTheProgram) {
     EXPECT_FALSE(std::filesystem::exists(beside) && Logged(beside, broken));
 }
 
+TEST(StateFolder, KeepsALargeLogAsideAndBeginsANewOne) {
+    constexpr std::size_t LARGE = 1U << 20;
+    const TemporaryFolder folder;
+    const std::string broken = folder.File("broken.tif");
+    WriteFile(broken, "II*\0 no image");
+    const Variable state("XDG_STATE_HOME", folder.File("state").c_str());
+    const std::filesystem::path log = folder.File("state/zelto/gdal.log");
+    const std::filesystem::path before = folder.File("state/zelto/gdal.log.1");
+    std::filesystem::create_directories(log.parent_path());
+    WriteFile(log, std::string(LARGE - 1, 'a'));
+    EXPECT_EQ(RunZelto({"info", broken}).exitStatus, 1);
+    EXPECT_FALSE(std::filesystem::exists(before));
+    const std::string grown = ReadFile(log);
+    EXPECT_GT(grown.size(), LARGE);
+    WriteFile(before, "older");
+    EXPECT_EQ(RunZelto({"info", broken}).exitStatus, 1);
+    EXPECT_EQ(ReadFile(before), grown);
+    EXPECT_TRUE(Logged(log, broken));
+    EXPECT_LT(std::filesystem::file_size(log), 10000U);
+}
+
 TEST(Encodings, OfAShapefileAreItsOwn) {
     const TemporaryFolder folder;
     // 水 in the field's name and values, as GBK has it.
