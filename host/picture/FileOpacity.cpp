@@ -6,13 +6,16 @@
 #include "host/base/Text.h"
 #include "host/files/Open.h"
 
+#include <cpl_conv.h>
 #include <cpl_string.h>
 #include <cpl_vsi.h>
 #include <gdal_priv.h>
 #include <gdal_utils.h>
 
 #include <atomic>
+#include <cmath>
 #include <memory>
+#include <vector>
 
 namespace zelto::host {
 
@@ -33,6 +36,25 @@ bool HasOpacity(GDALDataset& file, bool isView) {
     const bool byValue = (flags & GMF_NODATA) != 0;
     const bool byMask = (flags & (GMF_PER_DATASET | GMF_ALPHA)) != 0 && !byValue;
     return byMask || (isView && (flags & GMF_ALL_VALID) != 0);
+}
+
+/// Gives a raster the levels of a file's pyramid without their pixels, so that a view of it is
+/// drawn from the level that one of the file is drawn from: their edges differ by a pixel of a
+/// level.
+bool GiveLevelsOf(GDALDataset& file, GDALDataset& raster) {
+    std::vector<int> factors;
+    GDALRasterBand* const band = file.GetRasterBand(1);
+    for (int i = 0; i < band->GetOverviewCount(); ++i) {
+        const double width = band->GetOverview(i)->GetXSize();
+        const int factor = static_cast<int>(std::lround(file.GetRasterXSize() / width));
+        if (factor > 1)
+            factors.push_back(factor);
+    }
+    if (factors.empty())
+        return true;
+    const CPLConfigOptionSetter withoutPixels("VRT_VIRTUAL_OVERVIEWS", "YES", false);
+    return raster.BuildOverviews("NEAREST", static_cast<int>(factors.size()), factors.data(), 0,
+                                 nullptr, nullptr, nullptr) == CE_None;
 }
 
 /// A name of memory that no other has.
@@ -62,7 +84,7 @@ FileOpacity::FileOpacity(const CRasterSource& source) {
     ForgetReasons();
     const GDALDatasetUniquePtr made(GDALDataset::FromHandle(
         GDALTranslate(name.c_str(), GDALDataset::ToHandle(file.get()), options.get(), nullptr)));
-    if (!made)
+    if (!made || !GiveLevelsOf(*file, *made))
         throw Failure(path, LastReason("its mask cannot be read"));
     m_path = name;
 }

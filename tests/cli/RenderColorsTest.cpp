@@ -174,6 +174,24 @@ TEST(RenderColors, WhatAReprojectedImageDoesNotFillIsTransparent) {
     EXPECT_GT(std::count(alpha.begin(), alpha.end(), 0.0), 0);
 }
 
+TEST(RenderColors, TheEdgeOfAReprojectedImageIsThatOfTheLevelItIsDrawnFrom) {
+    const TemporaryFolder folder;
+    const std::string out = folder.File("out.tif");
+    // The scene has a pyramid, and no pixel that is 0 in all of these bands.
+    for (const char* size : {"100x", "140x", "200x", "300x"}) {
+        ASSERT_EQ(RunZelto({"render", SampleScene(), out, "--srs", "EPSG:4326", "--stretch", "none",
+                            "--bands", "4,3,2", "--size", size, "--overwrite"})
+                      .exitStatus,
+                  0);
+        const Pixels bands[] = {ReadBand(out, 1), ReadBand(out, 2), ReadBand(out, 3),
+                                ReadBand(out, 4)};
+        int black = 0;
+        for (std::size_t i = 0; i < bands[0].size(); ++i)
+            black += bands[0][i] + bands[1][i] + bands[2][i] == 0.0 && bands[3][i] == 255.0 ? 1 : 0;
+        EXPECT_LE(black, 4) << size << ": not more than the corners of the levels differ by";
+    }
+}
+
 TEST(RenderOptions, WithoutEffectAreRefusedWithWhatTheyBelongTo) {
     const TemporaryFolder folder;
     const std::string in = WriteRaster(folder.File("in.tif"), {}, {{1}, {2}, {3}});
