@@ -104,6 +104,8 @@ LayerFacts LayerSource::Describe() {
 
 qint64 LayerSource::Bytes() const {
     qint64 bytes = 0;
+    if (m_mask)
+        bytes += FILE_BYTES + IndexBytes(*m_mask->GetRasterBand(0));
     for (const auto& source : m_sources) {
         bytes += FILE_BYTES;
         for (int i = 0; i < source->GetBandCount(); ++i)
