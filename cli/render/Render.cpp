@@ -18,6 +18,7 @@
 #include "host/files/Region.h"
 #include "host/picture/DisplaySource.h"
 #include "host/picture/Picture.h"
+#include "host/picture/Recipe.h"
 
 #include <CLI/CLI.hpp>
 
@@ -47,7 +48,7 @@ void DrawPicture(CRasterSource& source, const View& view, const CDisplayRecipe* 
         ApplyStretch(source, options.stretch, {view.box, area.get()}, options.file);
     std::optional<CDisplayRecipe> made;
     if (!options.recipe.to.empty()) {
-        made = TakeRecipe(source, view, options.srs, options.file);
+        made = host::TakeRecipe(source, view, options.srs);
         if (area != nullptr)
             made->SetMask(
                 CDisplayRecipe::Mask{host::Wide(options.aoi), options.outside == "black"});
@@ -55,7 +56,7 @@ void DrawPicture(CRasterSource& source, const View& view, const CDisplayRecipe* 
     host::WritePicture(Draw(source, area.get(), view, options), options.out,
                        host::PicturePlace{view.box, source.GetProjectionWKT()});
     if (made)
-        WriteRecipe(*made, options.recipe.to);
+        host::WriteRecipe(*made, options.recipe.to);
 }
 
 /// The options with what a recipe says of them.
@@ -92,7 +93,7 @@ std::string RenderOne(const RenderOptions& given) {
     CheckRenderOptions(given);
     std::optional<CDisplayRecipe> recipe;
     if (!given.recipe.from.empty())
-        recipe = ReadRecipe(given.recipe.from);
+        recipe = host::ReadRecipe(given.recipe.from);
     const RenderOptions options = recipe ? WithRecipe(given, *recipe) : given;
     CRasterSource source;
     host::OpenForDisplay(source, options.file, options.srs);
@@ -100,7 +101,7 @@ std::string RenderOne(const RenderOptions& given) {
     if (!options.srs.empty())
         host::OpenForDisplay(source, options.file, options.srs, &view);
     if (recipe)
-        ApplyRecipe(*recipe, source, options.file);
+        host::ApplyRecipe(*recipe, source);
     else
         ApplySettings(source, options);
     if (options.contactSheet)

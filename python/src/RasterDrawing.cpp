@@ -1,8 +1,7 @@
-#include "zelto/display/DisplayRecipe.h"
-
 #include "host/base/Failure.h"
 #include "host/files/Open.h"
 #include "host/picture/Drawing.h"
+#include "host/picture/Recipe.h"
 #include "python/src/Area.h"
 #include "python/src/Arrays.h"
 #include "python/src/Bind.h"
@@ -147,18 +146,17 @@ CDisplayRecipe TakeRecipe(Raster& raster, const std::array<double, 4>& box,
                           const std::string& srs, const py::object& area, const py::object& mask,
                           py::object callable) {
     const View view = {CheckedBox(box), size[0], size[1]};
-    CDisplayRecipe recipe;
-    recipe.SetView(
-        CDisplayRecipe::View{view.box, view.width, view.height, srs.empty() ? raster.Srs() : srs});
+    const std::string shownIn = srs.empty() ? raster.Srs() : srs;
+    std::optional<CDisplayRecipe::Mask> told;
     if (!mask.is_none()) {
         const auto [path, isBlackOutside] = mask.cast<std::pair<std::string, bool>>();
-        recipe.SetMask(CDisplayRecipe::Mask{WideText(path), isBlackOutside});
+        told = CDisplayRecipe::Mask{WideText(path), isBlackOutside};
     }
+    CDisplayRecipe recipe;
     Drawing drawing(raster, settings, view, srs, area, std::move(callable));
     drawing.Run([&](CRasterSource& source, CAOISource* /*shapes*/) {
-        host::ForgetReasons();
-        if (!recipe.Take(source))
-            throw host::Failure(host::LastReason("it shows nothing"));
+        recipe = host::TakeRecipe(source, view, shownIn);
+        recipe.SetMask(told);
     });
     return recipe;
 }
@@ -169,15 +167,13 @@ py::tuple ShownExtent(Raster& raster, const std::string& srs) {
     const Turn turn = raster.Use();
     CBoundingBox extent;
     std::array<int, 2> size{};
-    std::string wkt;
     Run([&] {
         const auto source = raster.OpenAgain(srs, nullptr);
         extent = source->GetExtent();
         size = {source->GetHeight(), source->GetWidth()};
-        wkt = source->GetProjectionWKT();
     });
     return py::make_tuple(extent.GetLeft(), extent.GetTop(), extent.GetRight(), extent.GetBottom(),
-                          size[0], size[1], Text(wkt));
+                          size[0], size[1]);
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "host/base/Failure.h"
 #include "host/files/Open.h"
 #include "host/picture/DisplaySource.h"
+#include "host/picture/Recipe.h"
 #include "host/picture/RenderRamps.h"
 #include "python/src/Errors.h"
 
@@ -209,9 +210,7 @@ void Look::ApplyStretch(CRasterSource& source, const CBoundingBox& view, CAOISou
 void Look::Apply(CRasterSource& source, const CBoundingBox& view, CAOISource* area,
                  CallProgress& progress) const {
     if (m_recipe) {
-        host::ForgetReasons();
-        if (!m_recipe->Apply(source))
-            throw host::Failure(host::LastReason("it cannot be shown so"));
+        host::ApplyRecipe(*m_recipe, source);
         return;
     }
     ChooseBands(source);

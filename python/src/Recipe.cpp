@@ -1,5 +1,6 @@
+#include "host/picture/Recipe.h"
+
 #include "zelto/baselib/CommonFun.h"
-#include "zelto/display/DisplayRecipe.h"
 
 #include "host/files/Open.h"
 #include "python/src/Bind.h"
@@ -20,26 +21,12 @@ CDisplayRecipe FromJson(const std::string& text) {
     return recipe;
 }
 
-CDisplayRecipe ReadRecipe(const std::string& path) {
-    CDisplayRecipe recipe;
-    const std::wstring wide = WideText(path);
-    const bool read = Run([&] {
-        host::ForgetReasons();
-        return recipe.Read(wide.c_str());
-    });
-    if (!read)
-        Fail(path, "cannot be read");
-    return recipe;
+CDisplayRecipe ReadFile(const std::string& path) {
+    return Run([&] { return host::ReadRecipe(path); });
 }
 
-void WriteRecipe(const CDisplayRecipe& recipe, const std::string& path) {
-    const std::wstring wide = WideText(path);
-    const bool written = Run([&] {
-        host::ForgetReasons();
-        return recipe.Write(wide.c_str());
-    });
-    if (!written)
-        Fail(path, "cannot be written");
+void WriteFile(const CDisplayRecipe& recipe, const std::string& path) {
+    return Run([&] { host::WriteRecipe(recipe, path); });
 }
 
 py::str Json(const CDisplayRecipe& recipe) {
@@ -78,8 +65,8 @@ CDisplayRecipe WithoutPlace(CDisplayRecipe recipe) {
 void BindRecipe(py::module_& module) {
     py::class_<CDisplayRecipe>(module, "Recipe")
         .def(py::init(&FromJson), py::arg("json"))
-        .def_static("read", &ReadRecipe, py::arg("path"))
-        .def("write", &WriteRecipe, py::arg("path"))
+        .def_static("read", &ReadFile, py::arg("path"))
+        .def("write", &WriteFile, py::arg("path"))
         .def("json", &Json)
         .def("view", &ViewOf)
         .def("mask", &MaskOf)

@@ -227,9 +227,7 @@ class RasterDrawing(RasterFacts):
         """
         check_names(drawing, DRAWING)
         plan = plan_drawing(self, drawing)
-        wkt = self.crs
-        if plan.crs:
-            wkt = _engine.shown_extent(self._native, plan.crs)[6]
+        wkt = _engine.crs_as_wkt(plan.crs) if plan.crs else self.crs
         save_picture(path, self._draw(plan, progress), box=plan.view.box, crs=wkt)
 
     def _repr_png_(self) -> bytes:

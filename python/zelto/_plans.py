@@ -52,7 +52,7 @@ def _plan_by_recipe(raster: RasterFacts, drawing: Mapping[str, Any]) -> Plan:
 def _view(raster: RasterFacts, drawing: Mapping[str, Any], crs: bytes) -> View:
     extent, shape, pixel = raster.bounds, raster.shape, raster.geotransform[1]
     if crs:
-        left, top, right, bottom, rows, columns, _ = _engine.shown_extent(raster._native, crs)
+        left, top, right, bottom, rows, columns = _engine.shown_extent(raster._native, crs)
         extent, shape = Bounds(left, bottom, right, top), (rows, columns)
         pixel = (right - left) / columns
     box, center, scale, size = map(drawing.get, ("box", "center", "scale", "size"))
