@@ -56,6 +56,13 @@ def test_sample_files_go_round(tmp_path):
     assert not (tmp_path / "b.sam").exists()
 
 
+def test_a_class_of_one_pixel_has_no_spread():
+    for pixels in ([[5, 9]], [[5]]):
+        one = zelto.SampleClass.of("pond", 1, pixels)
+        assert one.first == one.second == one.third == pixels[0]
+        assert np.array_equal(one.matrix, np.zeros((len(pixels[0]), len(pixels[0]))))
+
+
 def test_class_files_colour_the_raster(make, tmp_path):
     path = make("map.tif", np.uint8([[1, 2]]))
     classes = [zelto.ClassEntry(1, "水体", (0, 0, 255, 255)), zelto.ClassEntry(2, "b", (9, 8, 7, 255))]

@@ -76,7 +76,11 @@ class SampleClass(Alike):
     def of(
         cls, name: str, label: int, pixels: Any, shapes: Sequence[Shape] = ()
     ) -> "SampleClass":
-        """From pixels × bands."""
+        """From pixels × bands.
+
+        >>> zelto.SampleClass.of("water", 1, [[5, 9], [7, 9]]).values
+        (1, 2, 0)
+        """
         table = np.asarray(pixels, dtype=np.float64)
         if table.ndim != 2 or table.shape[0] == 0:
             raise ValueError("pixels are pixels x bands, at least one")
@@ -87,7 +91,7 @@ class SampleClass(Alike):
             table.min(axis=0).tolist(),
             table.max(axis=0).tolist(),
             (0, 0),
-            np.cov(table, rowvar=False, bias=True).reshape(table.shape[1], table.shape[1]),
+            np.cov(table.T, bias=True).reshape(table.shape[1], table.shape[1]),
             tuple(shapes),
         )
 
@@ -144,10 +148,21 @@ class SampleFile:
 
     @classmethod
     def read(cls, path: PathLike) -> "SampleFile":
+        """Reads a file of :meth:`write`.
+
+        >>> zelto.SampleFile([zelto.SampleClass.of("water", 1, [[5, 9]])]).write("water.sam")
+        >>> zelto.SampleFile.read("water.sam").classes[0].name
+        'water'
+        """
         return cls([_sample_class(found) for found in _engine.read_sample_file(encoded(path))])
 
     def write(self, path: PathLike) -> None:
-        """The file appears when it is complete."""
+        """The file appears when it is complete.
+
+        >>> zelto.SampleFile([zelto.SampleClass.of("water", 1, [[5, 9]])]).write("water.sam")
+        >>> zelto.SampleFile.read("water.sam").classes[0].name
+        'water'
+        """
         _engine.write_sample_file(encoded(path), [entry._engine_form() for entry in self.classes])
 
     def to_dict(self) -> Dict[str, Any]:
@@ -200,6 +215,12 @@ class ClassFile:
 
     @classmethod
     def read(cls, path: PathLike) -> "ClassFile":
+        """Reads a file of :meth:`write`.
+
+        >>> zelto.ClassFile([zelto.ClassEntry(2, "wood", (0, 99, 0, 255))]).write("wood.acf")
+        >>> zelto.ClassFile.read("wood.acf").classes[0].name
+        'wood'
+        """
         found = _engine.read_class_file(encoded(path))
         return cls(
             [ClassEntry(value, name, color) for value, color, name in found["classes"]],
@@ -208,7 +229,12 @@ class ClassFile:
         )
 
     def write(self, path: PathLike) -> None:
-        """The file appears when it is complete."""
+        """The file appears when it is complete.
+
+        >>> zelto.ClassFile([zelto.ClassEntry(2, "wood", (0, 99, 0, 255))]).write("wood.acf")
+        >>> zelto.ClassFile.read("wood.acf").classes[0].name
+        'wood'
+        """
         _engine.write_class_file(
             encoded(path),
             [
