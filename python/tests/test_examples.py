@@ -51,6 +51,30 @@ def test_everything_public_has_a_docstring():
                     assert value.__doc__ or member == "to_dict", f"{name}.{member}"
 
 
+def functions_and_methods():
+    for module in (zelto, zelto.many):
+        for name in module.__all__:
+            thing = getattr(module, name)
+            if inspect.isfunction(thing):
+                yield f"{module.__name__}.{name}", thing
+            for member, value in vars(thing).items() if inspect.isclass(thing) else ():
+                method = getattr(value, "__func__", value)
+                if inspect.isfunction(method) and not member.startswith("_"):
+                    yield f"{module.__name__}.{name}.{member}", method
+    for base in zelto.Raster.__mro__[:-1]:
+        for member, value in vars(base).items():
+            if inspect.isfunction(value) and not member.startswith("_"):
+                yield f"Raster.{member}", value
+
+
+def test_every_function_and_method_has_an_example():
+    found = dict(functions_and_methods())
+    assert len(found) > 60
+    without = [name for name, function in found.items()
+               if ">>> " not in (function.__doc__ or "") and not name.endswith(".to_dict")]
+    assert without == []
+
+
 def test_every_annotation_can_be_read_while_running():
     for module in (zelto, zelto.many):
         for name in module.__all__:

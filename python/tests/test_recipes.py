@@ -179,7 +179,8 @@ def test_the_command_for_many_takes_one(make, tmp_path, monkeypatch, capsys):
     monkeypatch.setattr("sys.argv", words)
     assert command() == 0
     made = zelto.open(tmp_path / "out" / "m.png").read()
-    assert np.array_equal(np.moveaxis(made[:3], 0, -1), zelto.open(path).render(recipe=look)[..., :3])
+    wanted = zelto.open(path).render(recipe=look)[..., :3]
+    assert np.array_equal(np.moveaxis(made[:3], 0, -1), wanted)
     monkeypatch.setattr("sys.argv", [*words, "--ramp", "heat"])
     assert command() == 2
     assert "ramp: beside a recipe" in capsys.readouterr().err

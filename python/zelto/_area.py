@@ -82,7 +82,13 @@ class AreaOfInterest:
         return (_area_again, (self._native.shapes(), self.crs))
 
     def add(self, source: Any) -> None:
-        """Appends shapes, in any form that the constructor takes but a path."""
+        """Appends shapes, in any form that the constructor takes but a path.
+
+        >>> fields = zelto.AreaOfInterest(zelto.Rectangle(0, 0, 2, 1))
+        >>> fields.add([zelto.Ellipse(5, 5, 6, 7), zelto.Polygon([(3, 3), (4, 3), (4, 4)])])
+        >>> len(fields)
+        3
+        """
         self._native.add([shape._engine_form() for shape in shapes_of(source)])
 
     def contains(self, x: Any, y: Any) -> Any:
@@ -112,7 +118,13 @@ class AreaOfInterest:
         return inside
 
     def to_crs(self, crs: str) -> "AreaOfInterest":
-        """The same area in another reference system."""
+        """The same area in another reference system.
+
+        >>> field = zelto.Polygon([(117, 40), (117.1, 40), (117.1, 40.1)])
+        >>> area = zelto.AreaOfInterest(field, crs="EPSG:4326").to_crs("EPSG:32650")
+        >>> round(area.bounds.left), round(area.bounds.bottom)
+        (500000, 4427757)
+        """
         area: AreaOfInterest = _area_again(self._native.shapes(), self.crs)
         area._native.transform(text_argument("crs", crs))
         return area
@@ -124,6 +136,10 @@ class AreaOfInterest:
 
         :param tolerance: largest distance of such a polygon from its ellipse, in ground units; 0:
             a hundred-thousandth of the ellipse's longer side
+
+        >>> zelto.AreaOfInterest(zelto.Ellipse(0, 0, 4, 2)).save("pond.aif")
+        >>> zelto.AreaOfInterest("pond.aif").shapes
+        (Ellipse(left=0.0, bottom=0.0, right=4.0, top=2.0),)
         """
         distance = finite("tolerance", tolerance)
         if distance < 0:

@@ -43,6 +43,10 @@ class Composition(Grid):
 
         :param look: the stretches of :meth:`zelto.Raster.render`, which every band has by itself;
             all but wallis
+
+        >>> composed = zelto.compose(*(("L7_ETMs.tif", band) for band in (5, 4, 3)))
+        >>> composed.render(size=(80, 60), stretch="percent").shape
+        (60, 80, 4)
         """
         check_names(look, LOOK)
         for name in ("bands", "ramp", "classes"):

@@ -202,7 +202,13 @@ class GeoGrid:
         return (0.0, 0.0) if found is None else found[3]
 
     def fit(self, x: Any, y: Any, columns: Any, rows: Any) -> "GeoGrid":
-        """Fits the polynomial; raises ValueError for points that do not determine it."""
+        """Fits the polynomial; raises ValueError for points that do not determine it.
+
+        >>> x, y = [0, 1, 0, 1], [0, 0, 1, 1]
+        >>> grid = zelto.GeoGrid(1).fit(x, y, columns=[0, 10, 0, 10], rows=[10, 10, 0, 0])
+        >>> grid
+        <zelto.GeoGrid of order 1, fitted to 4 points>
+        """
         xs, ys, _ = coordinates(x, y)
         cs, rs, _ = coordinates(columns, rows)
         self._native.fit(xs, ys, cs, rs)
@@ -210,7 +216,13 @@ class GeoGrid:
         return self
 
     def transform(self, x: Any, y: Any) -> Tuple[Any, Any]:
-        """Columns and rows of ground points."""
+        """Columns and rows of ground points.
+
+        >>> x, y = [0, 1, 0, 1], [0, 0, 1, 1]
+        >>> grid = zelto.GeoGrid(1).fit(x, y, columns=[0, 10, 0, 10], rows=[10, 10, 0, 0])
+        >>> tuple(round(number, 6) for number in grid.transform(0.5, 0.2))
+        (5.0, 8.0)
+        """
         xs, ys, shape = coordinates(x, y)
         columns, rows = self._native.positions(xs, ys)
         if shape == ():
@@ -218,7 +230,13 @@ class GeoGrid:
         return columns.reshape(shape), rows.reshape(shape)
 
     def residuals(self, x: Any, y: Any, columns: Any, rows: Any) -> Residuals:
-        """Fitted less given positions."""
+        """Fitted less given positions.
+
+        >>> x, y = [0, 1, 0, 1], [0, 0, 1, 1]
+        >>> grid = zelto.GeoGrid(1).fit(x, y, columns=[0, 10, 0, 10], rows=[10, 10, 0, 0])
+        >>> grid.residuals([0.5], [0.2], [6], [8]).columns.round(6)
+        array([-1.])
+        """
         xs, ys, _ = coordinates(x, y)
         cs, rs, _ = coordinates(columns, rows)
         if cs.size != xs.size or xs.size == 0:

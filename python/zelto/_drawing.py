@@ -224,6 +224,10 @@ class RasterDrawing(RasterFacts):
         """Draws and writes a picture: .png, .jpg or, with its place, .tif.
 
         :param drawing: as :meth:`render`
+
+        >>> zelto.open("L7_ETMs.tif").save_picture("scene.tif", bands=4, ramp="viridis", size=60)
+        >>> zelto.open("scene.tif").bounds == zelto.open("L7_ETMs.tif").bounds
+        True
         """
         check_names(drawing, DRAWING)
         plan = plan_drawing(self, drawing)

@@ -19,6 +19,11 @@ def save_picture(
     when it is complete.
 
     :param box: left, bottom, right, top of the picture, for .tif
+
+    >>> picture = zelto.open("L7_ETMs.tif").render(bands=4, size=50)
+    >>> zelto.save_picture("picture.png", picture)
+    >>> zelto.open("picture.png").shape
+    (50, 50)
     """
     pixels = np.asarray(picture)
     if pixels.ndim != 3 or pixels.shape[2] != 4 or pixels.dtype != np.uint8:

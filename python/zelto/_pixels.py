@@ -72,6 +72,12 @@ class RasterPixels(RasterFacts):
         :param values: rows × columns for one band, else bands × rows × columns; of one of the
             seven types, whose values the file's type takes as it can, or of another type, whose
             values must then be those of the file's
+
+        >>> with zelto.create("part.tif", width=4, height=2) as new:
+        ...     new.write([[7, 8]], window=(1, 0, 2, 1))
+        >>> zelto.open("part.tif").read(1)
+        array([[0, 7, 8, 0],
+               [0, 0, 0, 0]], dtype=uint8)
         """
         chosen = band_numbers(bands, self.count)
         place = _engine.window_within(window, self.width, self.height)
@@ -85,13 +91,26 @@ class RasterPixels(RasterFacts):
         _engine.write(self._native, np.ascontiguousarray(samples), chosen, place)
 
     def set_nodata(self, value: Optional[float]) -> None:
-        """Stores the no-data value of all bands; None removes it."""
+        """Stores the no-data value of all bands; None removes it.
+
+        >>> with zelto.create("empty.tif", width=2, height=1) as new:
+        ...     new.set_nodata(255)
+        >>> zelto.open("empty.tif").nodata
+        255.0
+        """
         number = None if value is None else float(value)
         _engine.set_nodata(self._native, number)
         self._facts = self._native.describe()
 
     def set_colors(self, colors: Sequence[Any], band: int = 1) -> None:
-        """Stores a colour table: the colour of value 0, 1, 2 …"""
+        """Stores a colour table: the colour of value 0, 1, 2 …
+
+        >>> with zelto.create("colours.tif", width=2, height=1) as new:
+        ...     new.set_colors(["#000000", (255, 0, 0)])
+        ...     new.write([[0, 1]])
+        >>> zelto.open("colours.tif").render(size=2)[0, :, :3].tolist()
+        [[0, 0, 0], [255, 0, 0]]
+        """
         (number,) = band_numbers(band, self.count)
         _engine.set_colors(self._native, number, [as_color(color) for color in colors])
         self._facts = self._native.describe()
@@ -103,6 +122,11 @@ class RasterPixels(RasterFacts):
 
         :param geotransform: six numbers in GDAL's order; None: as it is
         :param crs: any form GDAL reads; "" removes it, None leaves it
+
+        >>> with zelto.create("placed.tif", width=2, height=1) as new:
+        ...     new.set_georeference((500000, 10, 0, 4000000, 0, -10), "EPSG:32650")
+        >>> zelto.open("placed.tif").bounds
+        Bounds(left=500000.0, bottom=3999990.0, right=500020.0, top=4000000.0)
         """
         place = None if geotransform is None else numbers("geotransform", geotransform, 6)
         wkt = None
@@ -121,6 +145,12 @@ class RasterPixels(RasterFacts):
         Their files appear when they are complete.
 
         :param resampling: GDAL's name: nearest, average, gauss, cubic, mode …
+
+        >>> zelto.copy("L7_ETMs.tif", "copied.tif")
+        >>> scene = zelto.open("copied.tif")
+        >>> scene.build_pyramids("average")
+        >>> scene.bands[0].overviews
+        ((176, 175), (88, 88), (44, 44))
         """
         if self.writable:
             raise ValueError("close the raster first, or open it for reading")

@@ -54,11 +54,23 @@ class Raster(RasterPlaces, RasterPixels, RasterDrawing):
 
     def close(self) -> None:
         """Writes what is in memory and closes the file. A raster that is being made appears
-        under its name now, complete."""
+        under its name now, complete.
+
+        >>> scene = zelto.open("L7_ETMs.tif")
+        >>> scene.close()
+        >>> scene.closed
+        True
+        """
         self._native.close()
 
     def discard(self) -> None:
-        """Closes; nothing remains of a raster that is being made."""
+        """Closes; nothing remains of a raster that is being made.
+
+        >>> zelto.create("given up.tif", width=2, height=1).discard()
+        >>> zelto.open("given up.tif")
+        Traceback (most recent call last):
+        zelto._errors.Error: given up.tif: No such file or directory
+        """
         self._native.discard()
 
     def __repr__(self) -> str:

@@ -48,16 +48,31 @@ class Recipe:
 
     @classmethod
     def load(cls, path: PathLike) -> "Recipe":
-        """Reads a file. What is no recipe is a :class:`zelto.Error` that names the member."""
+        """Reads a file. What is no recipe is a :class:`zelto.Error` that names the member.
+
+        >>> zelto.open("L7_ETMs.tif").recipe(bands=4, size=60).save("band 4.json")
+        >>> zelto.Recipe.load("band 4.json").bands
+        (4,)
+        """
         return cls._of(_engine.Recipe.read(encoded(path)))
 
     def save(self, path: PathLike) -> None:
         """Writes a file, which replaces one of that name when it is complete. The path of the
-        area is kept as it is seen from there."""
+        area is kept as it is seen from there.
+
+        >>> zelto.open("L7_ETMs.tif").recipe(bands=4, size=60).save("band 4.json")
+        >>> zelto.Recipe.load("band 4.json").bands
+        (4,)
+        """
         self._native.write(encoded(path))
 
     def to_json(self) -> str:
-        """The text of its file, with the area's path as it stands."""
+        """The text of its file, with the area's path as it stands.
+
+        >>> look = zelto.open("L7_ETMs.tif").recipe(size=60)
+        >>> zelto.Recipe(look.to_json()) == look
+        True
+        """
         return self._native.json()
 
     def to_dict(self) -> Dict[str, Any]:
@@ -67,7 +82,12 @@ class Recipe:
 
     def without_place(self) -> "Recipe":
         """The look alone, without view and area: for other rasters, which show equal values in
-        equal colours by it."""
+        equal colours by it.
+
+        >>> look = zelto.open("L7_ETMs.tif").recipe(size=60).without_place()
+        >>> zelto.open("L7_ETMs.tif").render(recipe=look, size=(30, 20)).shape
+        (20, 30, 4)
+        """
         return Recipe._of(self._native.without_place())
 
     @property

@@ -24,8 +24,8 @@ class Shape:
         raise NotImplementedError
 
     def contains(self, x: Any, y: Any, tolerance: float = 0.0) -> Any:
-        """Whether points lie in the shape, or within a tolerance of a point or line. A polygon's
-        left and lower edges belong to it, its right and upper ones do not.
+        """Whether points lie in the shape, or within a tolerance of a point or segment. A
+        polygon's left and lower edges belong to it, its right and upper ones do not.
 
         >>> zelto.Rectangle(0, 0, 10, 5).contains([1, 11], [1, 1])
         array([ True, False])
@@ -49,6 +49,12 @@ def _flat(vertices: Coordinates) -> List[float]:
 
 @dataclass(frozen=True)
 class Point(Shape):
+    """A place, which holds what lies within a tolerance of it.
+
+    >>> zelto.Point(3, 4).contains(3, 4.1, tolerance=0.2)
+    True
+    """
+
     x: float
     y: float
 
@@ -62,7 +68,12 @@ class Point(Shape):
 
 @dataclass(frozen=True)
 class Line(Shape):
-    """Segments through vertices."""
+    """Segments through vertices. A single segment holds what lies within a tolerance of it;
+    several hold nothing.
+
+    >>> zelto.Line([(0, 0), (4, 0)]).contains(2, 0.1, tolerance=0.2)
+    True
+    """
 
     vertices: Coordinates
 
@@ -79,6 +90,12 @@ class Line(Shape):
 
 @dataclass(frozen=True)
 class Rectangle(Shape):
+    """Left, bottom, right and top.
+
+    >>> zelto.Rectangle(0, 0, 4, 2).contains(1, 1)
+    True
+    """
+
     left: float
     bottom: float
     right: float
@@ -104,7 +121,11 @@ class Rectangle(Shape):
 
 @dataclass(frozen=True)
 class Ellipse(Shape):
-    """The ellipse that a rectangle holds; its outline belongs to it."""
+    """The ellipse that a rectangle holds; its outline belongs to it.
+
+    >>> zelto.Ellipse(0, 0, 4, 2).contains([2, 0.1], [1, 0.1])
+    array([ True, False])
+    """
 
     left: float
     bottom: float
@@ -134,6 +155,9 @@ class Polygon(Shape):
 
     A polygon with holes goes along each hole and back on its way round: such edges are passed
     twice and count for nothing. See :meth:`with_holes`.
+
+    >>> zelto.Polygon([(0, 0), (4, 0), (4, 4)]).contains([3, 1], [1, 3])
+    array([ True, False])
     """
 
     vertices: Coordinates

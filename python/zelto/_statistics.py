@@ -100,7 +100,12 @@ class StatisticsTable(Sequence[RegionStatistics]):
         return iter(self._regions)
 
     def rows(self) -> List[Dict[str, Any]]:
-        """A flat row for each band of each region: ``pandas.DataFrame(table.rows())``."""
+        """A flat row for each band of each region: ``pandas.DataFrame(table.rows())``.
+
+        >>> table = zelto.statistics("L7_ETMs.tif", bands=(1, 4))
+        >>> [(row["band"], row["maximum"]) for row in table.rows()]
+        [(1, 255.0), (4, 255.0)]
+        """
         return [
             {**({} if region.shape is None else {"shape": region.shape}), **band.to_dict()}
             for region in self._regions

@@ -153,7 +153,11 @@ def covariance(
     on_result: OnResult = None,
     progress: Progress = None,
 ) -> ManyCovariance:
-    """Covariance over the pixels of all scenes that have a value in every band."""
+    """Covariance over the pixels of all scenes that have a value in every band.
+
+    >>> many.covariance("L7_ETMs.tif", bands=(3, 4), jobs=1).covariance.matrix.shape
+    (2, 2)
+    """
     region = region_area(area, box)
     with Run(_paths(scenes), jobs, client, on_result, progress) as run:
         chosen = _chosen(bands, run)
@@ -237,6 +241,10 @@ def render_all(
     :param format: png, jpg or tif
     :param look: as :meth:`zelto.Raster.render`
     :return: per scene the picture's path, or the reason
+
+    >>> many.render_all("L7_ETMs.tif", "pictures", bands=4, size=60, jobs=1)[0].reason
+    >>> zelto.open("pictures/L7_ETMs.png").shape
+    (60, 59)
     """
     if format not in ("png", "jpg", "tif"):
         raise ValueError("format is png, jpg or tif")
@@ -272,6 +280,10 @@ def pyramids(
     """Builds every scene's pyramid anew; see :meth:`zelto.Raster.build_pyramids`.
 
     :return: per scene rows and columns of the levels, or the reason
+
+    >>> zelto.copy("L7_ETMs.tif", "copied.tif")
+    >>> many.pyramids("copied.tif", jobs=1)[0].value
+    ((176, 175), (88, 88), (44, 44))
     """
     chosen = None if bands is None else list(bands)
     with Run(_paths(scenes), jobs, client, on_result, progress) as run:

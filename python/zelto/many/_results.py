@@ -31,6 +31,11 @@ class ManyStatistics(ManyScenes):
     bands: Tuple[BandStatistics, ...]
 
     def rows(self) -> List[Dict[str, Any]]:
+        """A row for each band: ``pandas.DataFrame(found.rows())``.
+
+        >>> many.statistics("L7_ETMs.tif", bands=4, jobs=1).rows()[0]["minimum"]
+        9.0
+        """
         return [band.to_dict() for band in self.bands]
 
     def to_dict(self) -> Dict[str, Any]:
